@@ -1,0 +1,112 @@
+#pragma once
+
+#include <marlet/foundation/KyColorRGBA.h>
+#include <marlet/foundation/KyID.h>
+#include <marlet/foundation/Strings.h>
+#include <marlet/foundation/xml/XmlText.h>
+
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+namespace marlet::project
+{
+
+/// Streams elements into one text: a blank of indentation per level, no declaration, a line feed at the end.
+/// Characters that XML cannot hold are left out. There is no tree: what is written is written.
+class XmlWriter
+{
+public:
+    XmlWriter();
+
+    /// Names must be XML names, and tags outlive the element (the closing tag is written from them).
+    /// @throws XmlParseException "Nesting too deep"
+    void Begin(std::string_view tag);
+    void End();
+
+    /// Attributes come directly after Begin.
+    void Attribute(std::string_view name, bool value); ///< 0 or 1
+    void Attribute(std::string_view name, int value);
+    void Attribute(std::string_view name, unsigned int value);
+    void Attribute(std::string_view name, std::int64_t value);
+    void Attribute(std::string_view name, std::uint64_t value);
+    void Attribute(std::string_view name, float value);
+    void Attribute(std::string_view name, double value);
+    void Attribute(std::string_view name, const kytl::KyID &value);
+    void Attribute(std::string_view name, std::u16string_view value);
+    void Attribute(std::string_view name, const WideString &value)
+    {
+        Attribute(name, std::u16string_view(value));
+    }
+    void Attribute(std::string_view name, std::string_view utf8);
+    void Attribute(std::string_view name, const char *utf8) { Attribute(name, std::string_view(utf8)); }
+    template <class Enum>
+    requires std::is_enum_v<Enum>
+    void Attribute(std::string_view name, Enum value) { Attribute(name, static_cast<int>(value)); }
+
+    /// Text content of the open element. An element with text, also an empty one, stands on one line.
+    void Text(std::u16string_view text);
+    void Text(std::string_view utf8);
+
+    /// Whole child elements: the counterpart of XmlCursor::Child.
+    void Child(std::string_view name, int value);
+    void Child(std::string_view name, unsigned int value);
+    void Child(std::string_view name, float value);
+    void Child(std::string_view name, double value);
+    void Child(std::string_view name, bool value);
+    void Child(std::string_view name, const kytl::KyID &value);
+    void Child(std::string_view name, const WideString &value);
+    void Child(std::string_view name, const kytl::KyColorRGBA_32f &value); ///< attributes R, G, B, A
+    template <class Enum>
+    requires std::is_enum_v<Enum>
+    void Child(std::string_view name, Enum value) { Child(name, static_cast<int>(value)); }
+
+    /// The finished text.
+    WideString Take() { return std::move(text_); }
+
+private:
+    enum class State { Empty, OpenTag, Children, Text };
+
+    struct Open {
+        std::string_view tag;
+        State state;
+    };
+
+    void Append(std::string_view ascii);
+    void AppendAttributeName(std::string_view name);
+    void AppendNumberAttribute(std::string_view name, const NumberText &number);
+    void AppendNumberChild(std::string_view name, const NumberText &number);
+    void AppendEscaped(std::u16string_view text, bool attribute);
+    void Indent(std::size_t depth);
+
+    WideString text_;
+    std::vector<Open> open_;
+};
+
+/// An element that ends with its scope.
+class XmlElement
+{
+public:
+    XmlElement(XmlWriter &writer, std::string_view tag) : writer_(writer) { writer_.Begin(tag); }
+    /// With the attribute "Version".
+    XmlElement(XmlWriter &writer, std::string_view tag, unsigned int version) : XmlElement(writer, tag)
+    {
+        writer_.Attribute("Version", version);
+    }
+    XmlElement(const XmlElement &) = delete;
+    XmlElement &operator=(const XmlElement &) = delete;
+    ~XmlElement() { writer_.End(); }
+
+private:
+    XmlWriter &writer_;
+};
+
+/// The stand-alone text of what a function writes.
+template <class Write> WideString XmlText(Write &&write)
+{
+    XmlWriter writer;
+    write(writer);
+    return writer.Take();
+}
+
+} // namespace marlet::project

@@ -1,0 +1,74 @@
+#pragma once
+
+#include <marlet/foundation/KyID.h>
+#include <marlet/foundation/Strings.h>
+
+#include <compare>
+#include <cstdint>
+#include <memory>
+
+namespace marlet::project
+{
+
+class AbstractPluginInstance;
+class AbstractPluginUITreeNode;
+class PropertyManager;
+
+/// One loaded plug-in, implemented by the host. The library calls it on the thread that calls the library.
+///
+/// For one instance the order of calls is: InstanceCreated, any number of PropertyChanged and
+/// SerializeInstance, at most one DeserializeInstance, InstanceDestroyed. A plug-in must outlive the saving
+/// of its instances.
+class MARLET_EXPORT AbstractPlugin
+{
+public:
+    enum class Kind : int {
+        Filter2D, ///< an AbstractPlugin2D; the library tests for no other kind
+    };
+
+    /// Compared field by field, in this order.
+    struct VersionInfo {
+        std::uint32_t major = 0;
+        std::uint32_t minor = 0;
+        std::uint32_t revision = 0;
+        std::uint32_t build = 0;
+
+        auto operator<=>(const VersionInfo &other) const = default;
+    };
+
+    AbstractPlugin() = default;
+    AbstractPlugin(const AbstractPlugin &) = default;
+    AbstractPlugin &operator=(const AbstractPlugin &) = default;
+    virtual ~AbstractPlugin();
+
+    /// The plug-in's stable identity, which stands in files.
+    virtual const kytl::KyID &ID() const = 0;
+    virtual Kind PluginKind() const = 0;
+    virtual void HostOperation1() = 0;
+    /// The display name, which stands in files and messages.
+    virtual const WideString &Name() const = 0;
+    virtual void HostOperation2() = 0;
+    virtual void HostOperation3() = 0;
+    virtual void HostOperation4() = 0;
+    virtual const VersionInfo &Version() const = 0;
+    virtual void HostOperation5() = 0;
+    /// The template: each new instance starts with a copy of it.
+    virtual const PropertyManager &Properties() const = 0;
+    virtual void HostOperation6() = 0;
+    /// The root of the description of the plug-in's panel.
+    virtual const std::shared_ptr<AbstractPluginUITreeNode> &UITree() const = 0;
+    /// At the end of every constructor of an instance, before any data of a file arrive.
+    virtual void InstanceCreated(AbstractPluginInstance *instance) = 0;
+    /// From the instance's destructor, before its data goes, if the plug-in still lives.
+    virtual void InstanceDestroyed(AbstractPluginInstance *instance) = 0;
+    /// Last when an instance is written and when it is copied. The document is a QDomDocument, the element
+    /// the instance's QDomElement in it. A plug-in with private data calls SerializeInstanceDataBytes on the
+    /// instance.
+    virtual void SerializeInstance(AbstractPluginInstance *instance, void *document, void *element) = 0;
+    /// Last when an instance with private data is read or copied. The bytes are the library's.
+    virtual void DeserializeInstance(AbstractPluginInstance *instance, unsigned char *bytes, int size) = 0;
+    virtual void HostOperation7() = 0;
+    virtual void PropertyChanged(AbstractPluginInstance *instance, const char *name) = 0;
+};
+
+} // namespace marlet::project

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <marlet/foundation/KyID.h>
+#include <marlet/foundation/Strings.h>
+
+namespace marlet::project
+{
+
+enum class AssetType : int;
+
+/// What uses an asset: a layer of a composition or an object of the editor timeline. Start and end are frames
+/// of the asset.
+class MARLET_EXPORT AbstractAssetInstance
+{
+public:
+    enum class Type : int { VisualObject, AudioObject, AssetLayer };
+
+    virtual ~AbstractAssetInstance();
+
+    virtual const kytl::KyID &ID() const = 0;
+    virtual const WideString &Name() const = 0;
+    virtual void SetName(const WideString &name) = 0;
+    virtual const kytl::KyID &AssetID() const = 0;
+    virtual project::AssetType AssetType() const = 0;
+    virtual Type AssetInstanceType() const = 0;
+    virtual int AssetInstanceStart() const = 0;
+    virtual void SetAssetInstanceStart(int frame) = 0;
+    virtual int AssetInstanceEnd() const = 0;
+};
+
+} // namespace marlet::project

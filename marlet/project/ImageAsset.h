@@ -1,0 +1,103 @@
+#pragma once
+
+#include <marlet/foundation/AudioVideoSettings.h>
+#include <marlet/foundation/Deserializer.h>
+#include <marlet/project/AbstractAsset.h>
+
+namespace boost
+{
+template <class T> class shared_array;
+}
+
+namespace marlet::project
+{
+
+class XmlCursor;
+struct ImageAsset_Impl;
+
+/// How the bytes of a pixel are arranged.
+enum class KyChannelOrder : int {
+    None,
+    RGB,  ///< 24 bits
+    BGRA, ///< 32 bits
+};
+
+/// A reference to a still image file. The file is looked at when something is asked of it, never while a
+/// project is loaded; its size and layout are then kept until Sleep or SetFilename. Stills are not turned by
+/// what a camera noted of its orientation.
+///
+/// What looks at the file, and what changes its name, may be called from any thread at any time. Filename,
+/// Name and the other plain fields belong to the thread that edits the project.
+class MARLET_EXPORT ImageAsset : public AbstractAsset
+{
+public:
+    enum class FileStatus : int { Usable, Missing, Unreadable };
+
+    /// The name is the last component of the path. Does not touch the file.
+    static std::shared_ptr<ImageAsset> Create(const WideString &filename);
+    /// @throws XmlParseException, InvalidProjectVersionException, std::runtime_error
+    static std::shared_ptr<ImageAsset> CreateFromXml(const WideString &xml);
+    static std::shared_ptr<ImageAsset> Copy(std::shared_ptr<ImageAsset> other);
+    ~ImageAsset() override;
+
+    /// The size that a host shows for an image whose file is missing.
+    static int OfflineWidth();
+    static int OfflineHeight();
+
+    std::shared_ptr<AbstractAsset> Clone() const override;
+    const kytl::KyID &ID() const override;
+    AssetType Type() const override;
+    const WideString &Name() const override;
+    void SetName(const WideString &name) override;
+    bool HasAudio() const override;
+    bool HasVideo() const override;
+    /// Whether the file is missing.
+    bool IsOffline() const override;
+    int Width() const override;  ///< 0 if the file cannot be read
+    int Height() const override; ///< 0 if the file cannot be read
+    InstanceList &Instances() override;
+    const InstanceList &Instances() const override;
+    const kytl::KyID &ParentFolderID() const override;
+    void SetParentFolderID(const kytl::KyID &id) override;
+    void ClearParentBinFolder() override;
+    WideString Serialize(const ProjectTextureImageCache &textures) const override;
+    void Deserialize(const WideString &xml, const std::shared_ptr<AbstractPluginManager> &pluginManager,
+                     const Abstract3DEffectFactory &effectFactory,
+                     ProjectTextureImageCache &textures) override;
+
+    WideString Filename() const;
+    /// Forgets what is known of the old file, and the pixel aspect ratio.
+    void SetFilename(const WideString &filename);
+    FileStatus Status() const;
+    int PixelBitCount() const; ///< 32 with alpha, 24 without, 0 if the file cannot be read
+    KyChannelOrder PixelChannelOrder() const;
+    PAR PixelAspectRatio() const;
+    void SetPixelAspectRatio(PAR par);
+    /// Free for the host.
+    bool IsDirty() const;
+    void SetDirty(bool dirty);
+    /// Forgets what is known of the file.
+    void Sleep();
+    /// Looks at the file if nothing is known of it.
+    void Wake();
+    /// The picture, scaled down to fit into a size if it is larger: 4 bytes a pixel (B, G, R, A) if
+    /// PixelBitCount is 32, else 3 (R, G, B); rows are padded to a multiple of 4 bytes. Returns 0, or another
+    /// value if the file cannot be used; the arguments are then untouched.
+    unsigned int ReadPixelData(int maxWidth, int maxHeight, boost::shared_array<unsigned char> &pixels,
+                               int *width, int *height);
+
+private:
+    friend class AssetList;
+
+    ImageAsset();
+    explicit ImageAsset(const WideString &filename);
+    ImageAsset(const XmlCursor &element, const Deserializer &);
+    ImageAsset(const ImageAsset &other);
+
+    void Serialize(XmlWriter &writer, const ProjectTextureImageCache &textures) const override;
+    void Deserialize(const XmlCursor &element);
+
+    ValuePtr<ImageAsset_Impl> impl_;
+};
+
+} // namespace marlet::project

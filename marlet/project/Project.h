@@ -1,0 +1,79 @@
+#pragma once
+
+#include <marlet/foundation/KyID.h>
+#include <marlet/foundation/Strings.h>
+
+#include <memory>
+
+namespace marlet::project
+{
+
+class Abstract3DEffectFactory;
+class AbstractExpressionEngine;
+class AbstractPluginManager;
+class AssetList;
+class ProjectMetadata;
+class ProjectSettings;
+class ProjectTextureImageCache;
+class XmlCursor;
+struct Project_Impl;
+
+/// The root of a document: everything that a user's project consists of. It owns its assets, settings,
+/// metadata and texture cache, and shares the plug-in manager and the expression engine with the host.
+///
+/// A project belongs to the thread that edits it. While nothing changes it, any number of threads may read it
+/// at once: values at a time, matrices, lookups by ID.
+class MARLET_EXPORT Project
+{
+public:
+    /// An empty project without a plug-in manager. Hosts use Create.
+    Project();
+    Project(const Project &) = delete;
+    Project &operator=(const Project &) = delete;
+    ~Project();
+
+    /// An empty project. The manager may be null; otherwise its AttachProject is called last.
+    static std::shared_ptr<Project> Create(const std::shared_ptr<AbstractPluginManager> &pluginManager);
+
+    /// Reads the text of a whole project. The textures folder is given with its trailing separator.
+    /// Any failure is an exception, and there is no project then:
+    /// @throws XmlParseException for a text that is not whole, a wrong root, a missing element or attribute
+    /// @throws InvalidProjectVersionException for an element of a newer version
+    /// @throws ProjectException for a layer that lacks a property of its class
+    /// @throws std::runtime_error for a malformed ID, boost::bad_lexical_cast for a malformed boolean
+    static std::shared_ptr<Project> CreateFromXml(const WideString &xml, const WideString &texturesFolder,
+                                                  const std::shared_ptr<AbstractPluginManager> &pluginManager,
+                                                  const Abstract3DEffectFactory &effectFactory);
+
+    /// The text of the whole project. Changes nothing.
+    WideString Serialize() const;
+
+    const kytl::KyID &ID() const;
+    const WideString &Name() const;
+    void SetName(const WideString &name);
+    /// Where the host keeps the project; not part of the text.
+    const WideString &Filename() const;
+    void SetFilename(const WideString &filename);
+
+    AssetList &Assets();
+    const AssetList &Assets() const;
+    ProjectSettings &Settings();
+    const ProjectSettings &Settings() const;
+    ProjectMetadata &Metadata();
+    const ProjectMetadata &Metadata() const;
+    ProjectTextureImageCache &TextureImageCache();
+    const ProjectTextureImageCache &TextureImageCache() const;
+
+    const std::shared_ptr<AbstractPluginManager> &PluginManager() const;
+    /// Does not call AttachProject.
+    void SetPluginManager(const std::shared_ptr<AbstractPluginManager> &pluginManager);
+    const std::shared_ptr<AbstractExpressionEngine> &ExpressionEngine() const;
+    void SetExpressionEngine(const std::shared_ptr<AbstractExpressionEngine> &engine);
+
+private:
+    void Deserialize(const XmlCursor &element, const Abstract3DEffectFactory &effectFactory);
+
+    std::unique_ptr<Project_Impl> impl_;
+};
+
+} // namespace marlet::project
