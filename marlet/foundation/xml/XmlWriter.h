@@ -6,7 +6,6 @@
 #include <marlet/foundation/xml/XmlText.h>
 
 #include <type_traits>
-#include <utility>
 #include <vector>
 
 namespace marlet::project
@@ -62,24 +61,30 @@ public:
     void Child(std::string_view name, Enum value) { Child(name, static_cast<int>(value)); }
 
     /// The finished text.
-    WideString Take() { return std::move(text_); }
+    WideString Take();
 
 private:
-    enum class State { Empty, OpenTag, Children, Text };
+    enum class State { OpenTag, Children, Text };
 
     struct Open {
         std::string_view tag;
         State state;
     };
 
-    void Append(std::string_view ascii);
-    void AppendAttributeName(std::string_view name);
-    void AppendNumberAttribute(std::string_view name, const NumberText &number);
-    void AppendNumberChild(std::string_view name, const NumberText &number);
-    void AppendEscaped(std::u16string_view text, bool attribute);
-    void Indent(std::size_t depth);
+    void AppendEscaped(std::string_view utf8, bool attribute);
+    void AppendContent(std::u16string_view text, bool attribute);
+    void AppendContent(std::string_view utf8, bool attribute);
+    void StartBlockIfFull();
+    void StartTag(std::string_view tag);
+    void EndTag(std::string_view tag);
+    void StartAttribute(std::string_view name);
+    void StartText();
+    void AppendAttribute(std::string_view name, std::string_view ascii);
+    void AppendChild(std::string_view name, std::string_view ascii);
 
-    WideString text_;
+    // The text in UTF-8, which is half as much to write until it is taken, and in blocks, which never move.
+    std::vector<NarrowString> fullBlocks_;
+    NarrowString block_;
     std::vector<Open> open_;
 };
 

@@ -1,0 +1,337 @@
+#include <marlet/foundation/xml/XmlWriter.h>
+
+#include <marlet/foundation/Exceptions.h>
+#include <marlet/foundation/xml/XmlReader.h>
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+namespace marlet::project
+{
+
+namespace
+{
+
+/// Small enough to stay in a processor's cache until it is turned into UTF-16.
+constexpr std::size_t kBlockSize = 64 * 1024;
+
+/// The characters that may be more than themselves in a text or an attribute.
+constexpr auto kNeedsCare = [] {
+    std::array<bool, 256> table{};
+    for (std::size_t c = 0; c < 0x20; ++c)
+        table[c] = true;
+    for (const char c : {'<', '&', '>', '"'})
+        table[static_cast<std::size_t>(c)] = true;
+    return table;
+}();
+
+bool IsAscii(std::string_view text)
+{
+    unsigned char all = 0;
+    for (const char c : text)
+        all |= static_cast<unsigned char>(c);
+    return all < 0x80;
+}
+
+bool IsSurrogatePair(std::u16string_view text, std::size_t at)
+{
+    return at + 1 < text.size() && (text[at] & 0xFC00) == 0xD800 && (text[at + 1] & 0xFC00) == 0xDC00;
+}
+
+/// Lone surrogates, U+FFFE and U+FFFF; XML cannot hold control characters either, but they go with what is
+/// escaped.
+bool IsForbidden(std::u16string_view text, std::size_t at)
+{
+    const bool surrogate = (text[at] & 0xF800) == 0xD800;
+    const bool ofPair = IsSurrogatePair(text, at) || (at > 0 && IsSurrogatePair(text, at - 1));
+    return (surrogate && !ofPair) || text[at] >= 0xFFFE;
+}
+
+NarrowString AllowedUtf8(std::u16string_view text)
+{
+    WideString allowed;
+    std::size_t taken = 0;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] < 0xD800 || !IsForbidden(text, i))
+            continue;
+        allowed += text.substr(taken, i - taken);
+        taken = i + 1;
+    }
+    return ToUtf8(taken == 0 ? text : allowed.append(text.substr(taken)));
+}
+
+/// What stands for a character that needs care; empty for one that XML cannot hold.
+std::string_view Escaped(char c, bool attribute, bool afterBrackets)
+{
+    switch (c) {
+    case '<':
+        return "&lt;";
+    case '&':
+        return "&amp;";
+    case '>':
+        return afterBrackets ? "&gt;" : ">";
+    case '"':
+        return attribute ? "&quot;" : "\"";
+    case '\r':
+        return "&#xd;";
+    case '\n':
+        return attribute ? "&#xa;" : "\n";
+    case '\t':
+        return attribute ? "&#x9;" : "\t";
+    default:
+        return {};
+    }
+}
+
+} // namespace
+
+XmlWriter::XmlWriter() = default;
+
+void XmlWriter::AppendEscaped(std::string_view utf8, bool attribute)
+{
+    std::size_t plain = 0;
+    for (std::size_t i = 0; i < utf8.size(); ++i) {
+        if (!kNeedsCare[static_cast<unsigned char>(utf8[i])])
+            continue;
+        block_ += utf8.substr(plain, i - plain);
+        block_ += Escaped(utf8[i], attribute, block_.ends_with("]]"));
+        plain = i + 1;
+    }
+    block_ += utf8.substr(plain);
+}
+
+void XmlWriter::AppendContent(std::u16string_view text, bool attribute)
+{
+    AppendEscaped(AllowedUtf8(text), attribute);
+}
+
+void XmlWriter::AppendContent(std::string_view utf8, bool attribute)
+{
+    if (IsAscii(utf8))
+        AppendEscaped(utf8, attribute);
+    else
+        AppendContent(FromUtf8(utf8), attribute);
+}
+
+/// Between elements, so that no character and no "]]>" is torn apart.
+void XmlWriter::StartBlockIfFull()
+{
+    if (block_.size() < kBlockSize)
+        return;
+    fullBlocks_.push_back(std::move(block_));
+    block_ = NarrowString();
+    block_.reserve(kBlockSize + kBlockSize / 8);
+}
+
+void XmlWriter::StartTag(std::string_view tag)
+{
+    StartBlockIfFull();
+    if (!open_.empty()) {
+        State &parent = open_.back().state;
+        if (parent == State::OpenTag)
+            block_ += ">\n";
+        // Behind a text a blank would belong to it.
+        if (parent != State::Text)
+            block_.append(open_.size(), ' ');
+        parent = State::Children;
+    }
+    block_ += '<';
+    block_ += tag;
+}
+
+void XmlWriter::EndTag(std::string_view tag)
+{
+    block_ += "</";
+    block_ += tag;
+    block_ += ">\n";
+}
+
+void XmlWriter::Begin(std::string_view tag)
+{
+    if (open_.size() >= std::size_t(kDeepestNesting))
+        throw XmlParseException("Nesting too deep");
+    StartTag(tag);
+    open_.push_back({tag, State::OpenTag});
+}
+
+void XmlWriter::End()
+{
+    const Open element = open_.back();
+    open_.pop_back();
+    if (element.state == State::OpenTag) {
+        block_ += "/>\n";
+        return;
+    }
+    if (element.state == State::Children)
+        block_.append(open_.size(), ' ');
+    EndTag(element.tag);
+}
+
+void XmlWriter::StartAttribute(std::string_view name)
+{
+    block_ += " ";
+    block_ += name;
+    block_ += "=\"";
+}
+
+void XmlWriter::AppendAttribute(std::string_view name, std::string_view ascii)
+{
+    StartAttribute(name);
+    block_ += ascii;
+    block_ += "\"";
+}
+
+void XmlWriter::AppendChild(std::string_view name, std::string_view ascii)
+{
+    StartTag(name);
+    block_ += ">";
+    block_ += ascii;
+    EndTag(name);
+}
+
+void XmlWriter::Attribute(std::string_view name, bool value)
+{
+    AppendAttribute(name, value ? "1" : "0");
+}
+
+void XmlWriter::Attribute(std::string_view name, int value)
+{
+    AppendAttribute(name, FormatInt(value).View());
+}
+
+void XmlWriter::Attribute(std::string_view name, unsigned int value)
+{
+    AppendAttribute(name, FormatUInt(value).View());
+}
+
+void XmlWriter::Attribute(std::string_view name, std::int64_t value)
+{
+    AppendAttribute(name, FormatInt(value).View());
+}
+
+void XmlWriter::Attribute(std::string_view name, std::uint64_t value)
+{
+    AppendAttribute(name, FormatUInt(value).View());
+}
+
+void XmlWriter::Attribute(std::string_view name, float value)
+{
+    AppendAttribute(name, FormatFloatAttribute(value).View());
+}
+
+void XmlWriter::Attribute(std::string_view name, double value)
+{
+    AppendAttribute(name, FormatDouble(value).View());
+}
+
+void XmlWriter::Attribute(std::string_view name, const kytl::KyID &value)
+{
+    const auto text = value.ToCharacters();
+    AppendAttribute(name, {text.data(), text.size()});
+}
+
+void XmlWriter::Attribute(std::string_view name, std::u16string_view value)
+{
+    StartAttribute(name);
+    AppendContent(value, true);
+    block_ += "\"";
+}
+
+void XmlWriter::Attribute(std::string_view name, std::string_view utf8)
+{
+    StartAttribute(name);
+    AppendContent(utf8, true);
+    block_ += "\"";
+}
+
+void XmlWriter::StartText()
+{
+    State &state = open_.back().state;
+    if (state == State::OpenTag)
+        block_ += ">";
+    // The line feed behind the element before would belong to the text.
+    if (state == State::Children)
+        block_.pop_back();
+    state = State::Text;
+}
+
+void XmlWriter::Text(std::u16string_view text)
+{
+    StartText();
+    AppendContent(text, false);
+}
+
+void XmlWriter::Text(std::string_view utf8)
+{
+    StartText();
+    AppendContent(utf8, false);
+}
+
+void XmlWriter::Child(std::string_view name, int value)
+{
+    AppendChild(name, FormatInt(value).View());
+}
+
+void XmlWriter::Child(std::string_view name, unsigned int value)
+{
+    AppendChild(name, FormatUInt(value).View());
+}
+
+void XmlWriter::Child(std::string_view name, float value)
+{
+    AppendChild(name, FormatFloat(value).View());
+}
+
+void XmlWriter::Child(std::string_view name, double value)
+{
+    AppendChild(name, FormatDouble(value).View());
+}
+
+void XmlWriter::Child(std::string_view name, bool value)
+{
+    AppendChild(name, value ? "1" : "0");
+}
+
+void XmlWriter::Child(std::string_view name, const kytl::KyID &value)
+{
+    const auto text = value.ToCharacters();
+    AppendChild(name, {text.data(), text.size()});
+}
+
+void XmlWriter::Child(std::string_view name, const WideString &value)
+{
+    StartTag(name);
+    block_ += ">";
+    AppendContent(value, false);
+    EndTag(name);
+}
+
+void XmlWriter::Child(std::string_view name, const kytl::KyColorRGBA_32f &value)
+{
+    StartTag(name);
+    AppendAttribute("R", FormatFloatAttribute(value.R).View());
+    AppendAttribute("G", FormatFloatAttribute(value.G).View());
+    AppendAttribute("B", FormatFloatAttribute(value.B).View());
+    AppendAttribute("A", FormatFloatAttribute(value.A).View());
+    block_ += "/>\n";
+}
+
+WideString XmlWriter::Take()
+{
+    fullBlocks_.push_back(std::move(block_));
+    std::size_t size = 0;
+    for (const NarrowString &block : fullBlocks_)
+        size += block.size();
+    WideString text(size, u'\0');
+    char16_t *to = text.data();
+    for (NarrowString &block : fullBlocks_) {
+        to = IsAscii(block) ? std::ranges::copy(block, to).out : std::ranges::copy(FromUtf8(block), to).out;
+        block = NarrowString();
+    }
+    text.resize(static_cast<std::size_t>(to - text.data()));
+    fullBlocks_.clear();
+    return text;
+}
+
+} // namespace marlet::project
