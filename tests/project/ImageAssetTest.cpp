@@ -63,7 +63,11 @@ QByteArray Bomb(QByteArray png)
 TEST(ImageAsset, IsNamedLikeItsFile)
 {
     EXPECT_EQ(ImageAsset::Create(u"/stills/sky.old.png")->Name(), u"sky.old.png");
-    EXPECT_EQ(ImageAsset::Create(u"\xfeff" u"sky.png")->Name(), u"\xfeff" u"sky.png");
+    EXPECT_EQ(ImageAsset::Create(u"\xfeff"
+                                 u"sky.png")
+                  ->Name(),
+              u"\xfeff"
+              u"sky.png");
 }
 
 TEST(ImageAsset, TellsWhatIsInItsFile)
@@ -84,16 +88,19 @@ TEST(ImageAsset, TellsWhatIsInItsFile)
         int width, height, bitCount;
         KyChannelOrder order;
     } const cases[] = {
-        {"alpha", files.Write("a.png", files.Plain(5, 4, QImage::Format_ARGB32)), Status::Usable, false, 5, 4, 32,
-         KyChannelOrder::BGRA},
-        {"deep alpha", files.Write("d.png", files.Plain(5, 4, QImage::Format_RGBA64)), Status::Usable, false, 5, 4,
+        {"alpha", files.Write("a.png", files.Plain(5, 4, QImage::Format_ARGB32)), Status::Usable, false, 5, 4,
          32, KyChannelOrder::BGRA},
-        {"no alpha", files.Write("b.png", files.Plain(5, 4)), Status::Usable, false, 5, 4, 24, KyChannelOrder::RGB},
+        {"deep alpha", files.Write("d.png", files.Plain(5, 4, QImage::Format_RGBA64)), Status::Usable, false,
+         5, 4, 32, KyChannelOrder::BGRA},
+        {"no alpha", files.Write("b.png", files.Plain(5, 4)), Status::Usable, false, 5, 4, 24,
+         KyChannelOrder::RGB},
         {"palette", files.Write("p.png", palette), Status::Usable, false, 5, 4, 24, KyChannelOrder::RGB},
-        {"JPEG", files.Write("c.jpg", files.Plain(5, 4)), Status::Usable, false, 5, 4, 24, KyChannelOrder::RGB},
+        {"JPEG", files.Write("c.jpg", files.Plain(5, 4)), Status::Usable, false, 5, 4, 24,
+         KyChannelOrder::RGB},
         {"text", files.Write("t.png", QByteArray("no picture")), Status::Unreadable, false, 0, 0, 0,
          KyChannelOrder::None},
-        {"empty file", files.Write("e.png", QByteArray()), Status::Unreadable, false, 0, 0, 0, KyChannelOrder::None},
+        {"empty file", files.Write("e.png", QByteArray()), Status::Unreadable, false, 0, 0, 0,
+         KyChannelOrder::None},
         {"folder", files.Path(""), Status::Unreadable, false, 0, 0, 0, KyChannelOrder::None},
         {"pipe that nobody writes", pipe, Status::Unreadable, false, 0, 0, 0, KyChannelOrder::None},
         {"missing", files.Path("missing.png"), Status::Missing, true, 0, 0, 0, KyChannelOrder::None},
@@ -195,7 +202,7 @@ TEST(ImageAsset, LeavesTheArgumentsAloneWhenItFails)
         const char *file;
         int maxWidth, maxHeight;
     } const cases[] = {
-        {"claims 40 GB", "bomb.png", 100, 100}, {"cut off", "cut.png", 100, 100},
+        {"claims 40 GB", "bomb.png", 100, 100},     {"cut off", "cut.png", 100, 100},
         {"header cut off", "header.png", 100, 100}, {"no width", "good.png", 0, 100},
         {"negative height", "good.png", 100, -1},
     };
