@@ -4,7 +4,7 @@
 #include <marlet/project/ImageAsset.h>
 #include <marlet/project/ProjectTextureImageCache.h>
 
-#include <QPixelFormat>
+#include <QImageReader>
 #include <boost/smart_ptr/shared_array.hpp>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -56,6 +56,18 @@ QByteArray Bomb(QByteArray png)
     PutBigEndian(png, 20, 100'000);
     PutBigEndian(png, 29, Crc(png.mid(12, 17)));
     return png;
+}
+
+/// A JPEG with a camera's note that it is to be turned by 90 degrees: an EXIF segment with one entry.
+QByteArray TurnedOnItsSide(QByteArray jpeg)
+{
+    static constexpr char kNote[] = "\xff\xe1\0\x22"
+                                    "Exif\0\0"
+                                    "MM\0*\0\0\0\x08"
+                                    "\0\x01"
+                                    "\x01\x12\0\x03\0\0\0\x01\0\x06\0\0"
+                                    "\0\0\0\0";
+    return jpeg.insert(2, QByteArray(kNote, sizeof kNote - 1));
 }
 
 } // namespace
@@ -229,10 +241,12 @@ TEST(ImageAsset, ReadsStillsBeyondTheLimitOfTheDecoder)
 TEST(ImageAsset, DoesNotTurnPicturesByTheirOrientation)
 {
     const ImageFiles files;
-    const WideString path = files.Path("turned.jpg");
-    QImageWriter writer(QString::fromStdU16String(path));
-    writer.setTransformation(QImageIOHandler::TransformationRotate90);
-    ASSERT_TRUE(writer.write(files.Plain(40, 20)));
+    files.Write("plain.jpg", files.Plain(40, 20));
+    const WideString path = files.Write("turned.jpg", TurnedOnItsSide(files.Read("plain.jpg")));
+    QImageReader turning(QString::fromStdU16String(path));
+    turning.setAutoTransform(true);
+    ASSERT_EQ(turning.read().width(), 20);
+
     const auto asset = ImageAsset::Create(path);
     EXPECT_EQ(asset->Width(), 40);
     EXPECT_EQ(Pixels(*asset, 100, 100).width, 40);
