@@ -90,7 +90,7 @@ INSTANTIATE_TEST_SUITE_P(
         WrongWords{"RateThatIsNoNumber",
                    {"timecode", "--frame=1", "--rate=nan"},
                    "timecode: --rate: \"nan\" is not a number"}),
-    [](const auto &info) { return info.param.name; });
+    [](const auto &words) { return std::string(words.param.name); });
 
 TEST_F(ArgumentsTest, HelpIsOnStandardOutput)
 {
