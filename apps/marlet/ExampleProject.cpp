@@ -33,9 +33,7 @@ class Orbit
 {
 public:
     explicit Orbit(const CompositionPointer &composition)
-        : scene_(composition),
-          composition_(composition),
-          height_(static_cast<float>(composition->Settings().Height()))
+        : scene_(composition), composition_(composition), height_(composition->Settings().Height())
     {
     }
 
@@ -64,7 +62,9 @@ private:
         return point;
     }
 
-    Point At(float x, float y, float z) const { return {x * height_, y * height_, z * height_}; }
+    float Length(double heights) const { return static_cast<float>(heights * height_); }
+
+    Point At(double x, double y, double z) const { return {Length(x), Length(y), Length(z)}; }
 
     void AddCamera()
     {
@@ -75,13 +75,13 @@ private:
         const auto camera = CameraLayer::Create(u"Camera", 5.6f, zoom, zoom, 100);
         camera->SetAutoOrientation(AutoOrient::TowardsTarget);
         camera->SetDepthOfField(true);
-        const float distance = zoom / height_;
+        const double distance = zoom / static_cast<double>(height_);
         scene_.Add(camera, rig_);
         scene_.AnimateEased(camera, "position",
-                            {{0, At(0, 0.6f, 1.5f * distance)},
-                             {0.45, At(0.1f, 0.3f, 1.1f * distance)},
-                             {0.7, At(-0.1f, 0.2f, distance)},
-                             {1, At(0, 0.4f, 1.3f * distance)}});
+                            {{0, At(0, 0.6, 1.5 * distance)},
+                             {0.45, At(0.1, 0.3, 1.1 * distance)},
+                             {0.7, At(-0.1, 0.2, distance)},
+                             {1, At(0, 0.4, 1.3 * distance)}});
         scene_.AnimateEased(camera, "focusDistance",
                             {{0, 1.6f * zoom}, {0.5, 1.1f * zoom}, {1, 1.35f * zoom}});
 
@@ -110,7 +110,7 @@ private:
 
         const LayerPointer beacon = LightLayer::Create(u"Moon Beacon", LightLayer::LightType(1));
         beacon->Animation().StaticValue("color") = Color{0.4f, 0.7f, 1, 1};
-        beacon->Animation().StaticValue("position") = At(0, 0.04f, 0.02f);
+        beacon->Animation().StaticValue("position") = At(0, 0.04, 0.02);
         scene_.Add(beacon, moon_);
         Moments blinking;
         for (int i = 0; i < 24; ++i)
@@ -119,21 +119,21 @@ private:
 
         const auto rim = LightLayer::Create(u"Rim Light", LightLayer::LightType(2));
         rim->SetAutoOrientation(AutoOrient::TowardsTarget);
-        rim->Animation().StaticValue("position") = At(-1.2f, 0.8f, -0.6f);
+        rim->Animation().StaticValue("position") = At(-1.2, 0.8, -0.6);
         scene_.Add(rim, rig_);
         scene_.AnimateEased(rim, "target",
-                            {{0, At(0.8f, 0, 0)}, {0.3, At(0, 0.8f, 0)}, {1, At(-0.4f, -0.4f, 0)}});
+                            {{0, At(0.8, 0, 0)}, {0.3, At(0, 0.8, 0)}, {1, At(-0.4, -0.4, 0)}});
         scene_.AnimateEased(rim, "spotlightAngle", {{0, 18.f}, {0.6, 30.f}, {1, 24.f}});
     }
 
     void AddMoonAndPlanet()
     {
         scene_.Add(moon_, planet_);
-        scene_.AnimateOrbit(moon_, 0.22f * height_, 0.2f * height_, 3, 8);
+        scene_.AnimateOrbit(moon_, Length(0.22), Length(0.2), 3, 8);
         scene_.Animate(moon_, "rotationZ", {{0, 0.f}, {1, 1080.f}});
 
         scene_.Add(planet_, sun_);
-        scene_.AnimateOrbit(planet_, 0.8f * height_, 0.7f * height_, 1, 12);
+        scene_.AnimateOrbit(planet_, Length(0.8), Length(0.7), 1, 12);
         scene_.Animate(planet_, "orientation",
                        {{0, Orientation3D{0, 0, 23.5f}},
                         {0.5, Orientation3D{8, 0, 350}},
@@ -153,8 +153,8 @@ private:
 
         comet_->SetMotionBlur(true);
         scene_.Add(comet_, {}, 0.2);
-        scene_.AnimateOrbit(comet_, 1.6f * height_, 0.45f * height_, 1, 16);
-        scene_.AnimateEased(comet_, "anchorPoint", {{0.2, At(0.9f, 0, 0)}, {1, At(1, 0, 0)}});
+        scene_.AnimateOrbit(comet_, Length(1.6), Length(0.45), 1, 16);
+        scene_.AnimateEased(comet_, "anchorPoint", {{0.2, At(0.9, 0, 0)}, {1, At(1, 0, 0)}});
     }
 
     void AddBelt()
@@ -169,9 +169,8 @@ private:
             for (int step = 0; step <= 8; ++step) {
                 const double angle = i * kQuarter + 0.05 * std::sin(step * kQuarter);
                 const double radius = 1.1 + 0.02 * i + 0.015 * std::cos(step * kQuarter);
-                drift.push_back({step / 8.0, At(static_cast<float>(radius * std::cos(angle)),
-                                                static_cast<float>(radius * std::sin(angle)),
-                                                0.01f * static_cast<float>(step % 3))});
+                drift.push_back(
+                    {step / 8.0, At(radius * std::cos(angle), radius * std::sin(angle), 0.01 * (step % 3))});
             }
             scene_.AnimateEased(asteroid, "position", drift);
             const float turn = 90.f * static_cast<float>(i + 1);
@@ -199,7 +198,7 @@ private:
 
     Scene scene_;
     CompositionPointer composition_;
-    float height_;
+    int height_;
     LayerPointer rig_;
     LayerPointer sun_;
     LayerPointer planet_;

@@ -4,6 +4,7 @@
 #include "Names.h"
 #include "Output.h"
 #include "PngFile.h"
+#include "QuietStandardError.h"
 #include "TextFile.h"
 
 #include <marlet/project/ImageAsset.h>
@@ -11,6 +12,7 @@
 
 #include <boost/smart_ptr/shared_array.hpp>
 
+#include <cerrno>
 #include <limits>
 #include <optional>
 
@@ -104,17 +106,21 @@ void Run(const Arguments &arguments, Output &output)
 
     for (const std::string &file : arguments.Operands()) {
         const auto image = ImageAsset::Create(FromUtf8(file));
-        TextureImage texture;
-        texture.Load(FromUtf8(file));
         std::optional<Pixels> pixels;
-        if (writes || limited)
-            pixels = ReadPixels(*image, within);
+        std::string answers;
+        {
+            const QuietStandardError quiet;
+            TextureImage texture;
+            texture.Load(FromUtf8(file));
+            if (writes || limited)
+                pixels = ReadPixels(*image, within);
+            answers = (arguments.Has("--json") ? AnswersJson : AnswersText)(file, *image, texture, pixels);
+        }
         if (writes && !pixels)
-            throw Failure(file, image->IsOffline() ? "No such file" : "Not an image that can be read");
+            throw Failure(file, image->IsOffline() ? SystemMessage(ENOENT) : "Not an image that can be read");
         if (writes)
             WritePicture(arguments.Text("-o"), *pixels, image->PixelBitCount() == 32);
-        output.Line(arguments.Has("--json") ? AnswersJson(file, *image, texture, pixels)
-                                            : AnswersText(file, *image, texture, pixels));
+        output.Line(answers);
     }
 }
 

@@ -4,6 +4,7 @@
 #include "MetadataItems.h"
 #include "Names.h"
 #include "Output.h"
+#include "QuietStandardError.h"
 #include "TypedValue.h"
 
 #include <marlet/animation/PropertyManager.h>
@@ -70,6 +71,7 @@ void WriteFolders(const BinFolder &folder, Output &output)
 
 void WriteAsset(const AbstractAsset &asset, Output &output)
 {
+    const QuietStandardError quiet;
     JsonWriter json = Begin("asset");
     json.Member("type", AssetTypeName(asset.Type())).Member("id", asset.ID()).Member("name", asset.Name());
     json.Reference("folder", asset.ParentFolderID())

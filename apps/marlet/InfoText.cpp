@@ -3,6 +3,7 @@
 #include "MetadataItems.h"
 #include "Names.h"
 #include "Output.h"
+#include "QuietStandardError.h"
 #include "TypedValue.h"
 
 #include <marlet/animation/PropertyManager.h>
@@ -39,6 +40,7 @@ std::string SizeText(int width, int height)
 
 std::string AssetText(const AbstractAsset &asset)
 {
+    const QuietStandardError quiet;
     std::string text = Name(asset.Name()) + "  " + AssetTypeName(asset.Type());
     if (asset.IsOffline())
         text += ", offline";

@@ -1,6 +1,7 @@
 #include "ProjectCheck.h"
 
 #include "Document.h"
+#include "QuietStandardError.h"
 #include "TypedValue.h"
 
 #include <marlet/animation/PropertyManager.h>
@@ -112,6 +113,7 @@ private:
 
     void CheckAsset(const AbstractAsset &asset)
     {
+        const QuietStandardError quiet;
         const std::string place = Place("asset", asset.Name());
         if (!assets_.insert(asset.ID()).second)
             Add(kRepeated, place, asset.ID().ToNarrowString());

@@ -18,7 +18,7 @@ namespace
 {
 
 /// Keeps an endless file such as /dev/zero from taking all memory.
-constexpr std::size_t kLargestFile = std::size_t(1) << 31;
+constexpr std::size_t kLargestFile = std::size_t(1) << 30;
 
 std::string ReadBytes(const std::string &path)
 {

@@ -16,6 +16,12 @@ namespace
 
 constexpr double kPi = 3.14159265358979323846;
 
+/// To thousandths of a pixel, which leaves a file that people can read.
+float Rounded(double length)
+{
+    return static_cast<float>(std::round(length * 1000) / 1000);
+}
+
 /// Handles of a third of the way to the neighbours make a piece whose ends are flat.
 void EaseBetween(KeyFrame &first, KeyFrame &second)
 {
@@ -92,9 +98,9 @@ void Scene::AnimateOrbit(const LayerPointer &layer, float radiusX, float radiusY
     std::vector<Moment> moments;
     for (int i = 0; i <= pieces; ++i) {
         const double angle = 2 * kPi * i / keyFramesPerTurn;
-        const auto x = static_cast<float>(radiusX * std::cos(angle));
-        const auto y = static_cast<float>(radiusY * std::sin(angle));
-        moments.push_back({start + (1 - start) * i / pieces, kytl::matl::KyPoint<3, float>{x, y, 0}});
+        const kytl::matl::KyPoint<3, float> point{Rounded(radiusX * std::cos(angle)),
+                                                  Rounded(radiusY * std::sin(angle)), 0};
+        moments.push_back({start + (1 - start) * i / pieces, point});
     }
     Animate(layer, "position", moments);
 

@@ -47,22 +47,23 @@ int ReportWrongArguments(const CommandSpec *command, std::string_view message)
     return kWrongArguments;
 }
 
-/// What a person asks for by "help", "help COMMAND", "--help" and "COMMAND --help"; empty for anything else.
-std::string AskedHelp(const std::vector<std::string> &words)
+/// What is asked for: the usage of everything, that of one command, or a command itself.
+struct Request {
+    bool asksForHelp = false;
+    std::string command; ///< empty if none is named
+};
+
+Request ParseRequest(const std::vector<std::string> &words)
 {
-    const auto isHelp = [](const std::string &word) {
-        return word == "help" || word == "--help" || word == "-h";
-    };
-    if (words.size() == 1 && isHelp(words[0]))
-        return GeneralUsage();
-    if (words.size() != 2)
+    if (words.empty())
         return {};
-    const CommandSpec *command = nullptr;
+    if (words[0] == "help")
+        return {true, words.size() > 1 ? words[1] : ""};
+    const auto isHelp = [](const std::string &word) { return word == "--help" || word == "-h"; };
     if (isHelp(words[0]))
-        command = FindCommand(words[1]);
-    else if (words[1] == "--help" || words[1] == "-h")
-        command = FindCommand(words[0]);
-    return command ? CommandUsage(*command) : std::string();
+        return {true, ""};
+    const auto end = std::find(words.begin(), words.end(), "--");
+    return {std::any_of(words.begin(), end, isHelp), words[0]};
 }
 
 /// Runs the work and reports what fails in it. The subject is what a failure without one of its own is about.
@@ -81,6 +82,16 @@ template <class Work> int Guarded(const std::string &subject, Work work)
         Report(subject, exception.what());
     }
     return kFailure;
+}
+
+/// The usage of a command, or of everything.
+int ShowHelp(const CommandSpec *command)
+{
+    return Guarded({}, [&] {
+        Output output;
+        output.Write(command ? CommandUsage(*command) : GeneralUsage());
+        output.Flush();
+    });
 }
 
 int RunCommand(const CommandSpec &command, const std::vector<std::string> &words)
@@ -105,18 +116,14 @@ int Main(const std::vector<std::string> &words)
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);
 
-    if (const std::string help = AskedHelp(words); !help.empty()) {
-        return Guarded({}, [&] {
-            Output output;
-            output.Write(help);
-            output.Flush();
-        });
-    }
-    if (words.empty())
-        return ReportWrongArguments(nullptr, "a command is missing");
-    const CommandSpec *command = FindCommand(words[0]);
+    const Request request = ParseRequest(words);
+    const CommandSpec *command = FindCommand(request.command);
+    if (!command && !request.command.empty())
+        return ReportWrongArguments(nullptr, "there is no command \"" + request.command + "\"");
+    if (request.asksForHelp)
+        return ShowHelp(command);
     if (!command)
-        return ReportWrongArguments(nullptr, "there is no command \"" + words[0] + "\"");
+        return ReportWrongArguments(nullptr, "a command is missing");
     return RunCommand(*command, {words.begin() + 1, words.end()});
 }
 

@@ -19,7 +19,7 @@ protected:
             for (int x = 0; x < width; ++x)
                 image.setPixelColor(x, y,
                                     QColor(x * 40 % 256, y * 60 % 256, (x + y) * 20 % 256,
-                                           image.hasAlphaChannel() ? 50 + 30 * y : 255));
+                                           image.hasAlphaChannel() ? 50 + y % 200 : 255));
         EXPECT_TRUE(image.save(QString::fromStdString(Path(name))));
         return image;
     }
@@ -67,10 +67,16 @@ TEST_F(ImageTest, ScalesDownIntoASizeButNeverUp)
 TEST_F(ImageTest, APictureThatCannotBeReadIsAFailure)
 {
     Write("text.png", "no picture");
-    EXPECT_EQ(Run({"image", "text.png", "-o", "out.png"}).err,
-              "marlet: text.png: Not an image that can be read\n");
-    EXPECT_EQ(Run({"image", "gone.png", "-o", "out.png"}).err, "marlet: gone.png: No such file\n");
-    EXPECT_EQ(FileNames(), std::vector<std::string>{"text.png"});
+    Save("whole.png", 5, 3, QImage::Format_RGB888);
+    std::string damaged = Read("whole.png");
+    damaged[damaged.find("IDAT") + 6] ^= 0x55;
+    Write("damaged.png", damaged);
+    for (const std::string file : {"text.png", "damaged.png"})
+        EXPECT_EQ(Run({"image", file, "-o", "out.png"}).err,
+                  "marlet: " + file + ": Not an image that can be read\n");
+    EXPECT_EQ(Run({"image", "gone.png", "-o", "out.png"}).err,
+              "marlet: gone.png: No such file or directory\n");
+    EXPECT_EQ(FileNames().size(), 3u);
 }
 
 } // namespace
