@@ -1,8 +1,10 @@
+# shellcheck shell=bash
 # What run, test and .ci/run share. They source it; it changes to the root of the project, so that they work from
 # anywhere. MARLET_CALLER is where the caller was.
 
 set -euo pipefail
 
+# shellcheck disable=SC2034
 MARLET_CALLER=$PWD
 MARLET_COMMAND=$0
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
