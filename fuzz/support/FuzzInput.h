@@ -49,7 +49,7 @@ inline void RequireSame(const WideString &first, const WideString &second)
     std::abort();
 }
 
-/// Times around a key frame, and as far from any as an int goes.
+/// Times around a layer's start, and as far from it as an int goes.
 constexpr int kFarTimes[] = {-2147483647 - 1, -40, 0, 33, 1000, 2147483647};
 
 } // namespace marlet::project
