@@ -11,12 +11,16 @@ namespace marlet::project
 {
 
 class AbstractAsset;
+class AssetsByID;
 class XmlCursor;
 class XmlWriter;
 struct BinFolder_Impl;
 
 /// A folder of the asset bin: weak references to assets, and sub-folders, which it owns. An asset stores the
 /// ID of its folder as well; the host keeps both sides. Belongs to the thread that edits the project.
+///
+/// The folders form a tree. What walks a whole tree (Copy, FindIDsIntoFolder) throws std::logic_error, naming
+/// the folder, if one holds itself.
 class MARLET_EXPORT BinFolder
 {
 public:
@@ -65,15 +69,17 @@ public:
 
 private:
     friend class AssetList;
+    friend struct AssetList_Impl;
 
     /// The root folder.
     BinFolder();
     explicit BinFolder(const WideString &name);
-    BinFolder(const XmlCursor &element, const AssetPointers &assets);
+    BinFolder(const XmlCursor &element, const AssetsByID &assets);
+    /// Without the sub-folders, and with a new ID.
     BinFolder(const BinFolder &other);
 
     void Serialize(XmlWriter &writer) const;
-    void Deserialize(const XmlCursor &element, const AssetPointers &assets);
+    void Deserialize(const XmlCursor &element, const AssetsByID &assets);
 
     ValuePtr<BinFolder_Impl> impl_;
 };

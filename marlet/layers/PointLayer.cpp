@@ -1,0 +1,127 @@
+#include <marlet/layers/PointLayer.h>
+
+#include <marlet/foundation/xml/XmlReader.h>
+#include <marlet/foundation/xml/XmlWriter.h>
+#include <marlet/layers/LayerProperties.h>
+#include <marlet/layers/LayerValues.h>
+
+namespace marlet::project
+{
+
+struct PointLayer_Impl {
+    LayerDimensions dimensions = LayerDimensions::TwoD;
+};
+
+namespace
+{
+
+constexpr char kTag[] = "PointLayer";
+constexpr unsigned int kVersion = 0;
+
+const LayerProperties &Properties()
+{
+    static const LayerProperties properties = TransformationProperties();
+    return properties;
+}
+
+template <class Xml, class Data> void PointLayerFields(Xml &xml, Data &data)
+{
+    xml.Child("Dimensions", data.dimensions);
+}
+
+} // namespace
+
+PointLayer::PointLayer() = default;
+
+PointLayer::PointLayer(const WideString &name) : AbstractLayer(name)
+{
+    CreateProperties(Animation(), Properties());
+}
+
+PointLayer::PointLayer(const XmlCursor &element, const Deserializer &) : PointLayer()
+{
+    const unsigned int version = element.RequireHeader(kTag, kVersion);
+    PointLayerFields(element, *impl_);
+    Deserialize(element.Find("LayerBase"));
+    RequireProperties(Animation(), Properties(), version);
+}
+
+PointLayer::PointLayer(const PointLayer &other) = default;
+
+PointLayer::~PointLayer() = default;
+
+std::shared_ptr<PointLayer> PointLayer::Create(const WideString &name)
+{
+    return std::shared_ptr<PointLayer>(new PointLayer(name));
+}
+
+std::shared_ptr<PointLayer> PointLayer::CreateFromXml(const WideString &xml)
+{
+    const XmlDocument document(xml);
+    return std::shared_ptr<PointLayer>(new PointLayer(document.Root(), Deserializer()));
+}
+
+void PointLayer::Serialize(XmlWriter &writer, const ProjectTextureImageCache &textures) const
+{
+    const XmlElement element(writer, kTag, kVersion);
+    PointLayerFields(writer, *impl_);
+    AbstractLayer::Serialize(writer, textures);
+}
+
+WideString PointLayer::Serialize(const ProjectTextureImageCache &textures) const
+{
+    return XmlText([&](XmlWriter &writer) { Serialize(writer, textures); });
+}
+
+std::shared_ptr<AbstractLayer> PointLayer::Clone(const kytl::KyID &) const
+{
+    std::shared_ptr<PointLayer> clone(new PointLayer(*this));
+    clone->SetID(kytl::KyID::Generate());
+    clone->SetPropertyManager(PropertyManager::Copy(Animation()));
+    return clone;
+}
+
+LayerType PointLayer::Type() const
+{
+    return LayerType::Point;
+}
+
+bool PointLayer::HasAudio() const
+{
+    return false;
+}
+
+bool PointLayer::HasVideo() const
+{
+    return false;
+}
+
+LayerDimensions PointLayer::Dimensions() const
+{
+    return impl_->dimensions;
+}
+
+void PointLayer::SetDimensions(LayerDimensions dimensions)
+{
+    if (dimensions != LayerDimensions::ThreeDContent)
+        impl_->dimensions = dimensions;
+}
+
+AbstractLayer::Matrix PointLayer::TransformationAtTime(int time, const std::shared_ptr<Project> &project,
+                                                       bool avoidZeroScale) const
+{
+    return PlacementMatrix(*this, time, project, avoidZeroScale);
+}
+
+AbstractLayer::Matrix PointLayer::OriginAtTime(int time, const std::shared_ptr<Project> &project) const
+{
+    return AnchorMatrix(*this, time, project);
+}
+
+AbstractLayer::Matrix PointLayer::AlignToMotion(const Matrix &, int, const std::shared_ptr<Project> &,
+                                                bool) const
+{
+    return {};
+}
+
+} // namespace marlet::project

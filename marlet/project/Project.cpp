@@ -1,0 +1,184 @@
+#include <marlet/project/Project.h>
+
+#include <marlet/foundation/xml/XmlReader.h>
+#include <marlet/foundation/xml/XmlWriter.h>
+#include <marlet/plugins/AbstractPluginManager.h>
+#include <marlet/project/AssetList.h>
+#include <marlet/project/ProjectMetadata.h>
+#include <marlet/project/ProjectSettings.h>
+#include <marlet/project/ProjectTextureImageCache.h>
+
+namespace marlet::project
+{
+
+struct Project_Impl {
+    kytl::KyID id = kytl::KyID::Generate();
+    WideString name;
+    WideString filename;
+    ProjectSettings settings;
+    AssetList assets;
+    std::shared_ptr<AbstractPluginManager> pluginManager;
+    std::shared_ptr<AbstractExpressionEngine> expressionEngine;
+    ProjectMetadata metadata;
+    ProjectTextureImageCache textureImages;
+};
+
+namespace
+{
+
+template <class Xml, class Self> void ProjectFields(Xml &xml, Self &self)
+{
+    xml.Child("ID", self.id);
+    xml.Child("Name", self.name);
+}
+
+std::shared_ptr<Project> Complete(std::shared_ptr<Project> project)
+{
+    if (const std::shared_ptr<AbstractPluginManager> &pluginManager = project->PluginManager())
+        pluginManager->AttachProject(project);
+    return project;
+}
+
+} // namespace
+
+Project::Project() : impl_(std::make_unique<Project_Impl>())
+{
+}
+
+Project::~Project() = default;
+
+std::shared_ptr<Project> Project::Create(const std::shared_ptr<AbstractPluginManager> &pluginManager)
+{
+    auto project = std::make_shared<Project>();
+    project->SetPluginManager(pluginManager);
+    return Complete(std::move(project));
+}
+
+std::shared_ptr<Project> Project::CreateFromXml(const WideString &xml, const WideString &texturesFolder,
+                                                const std::shared_ptr<AbstractPluginManager> &pluginManager,
+                                                const Abstract3DEffectFactory &effectFactory)
+{
+    auto project = std::make_shared<Project>();
+    // Both are in use while effects are read.
+    project->SetPluginManager(pluginManager);
+    project->TextureImageCache().SetTexturesFolderPath(texturesFolder);
+    {
+        const XmlDocument document(xml);
+        project->Deserialize(document.Root(), effectFactory);
+    }
+    return Complete(std::move(project));
+}
+
+WideString Project::Serialize() const
+{
+    XmlWriter writer;
+    {
+        const XmlElement element(writer, "Project", 0);
+        ProjectFields(writer, *impl_);
+        impl_->settings.Serialize(writer);
+        impl_->assets.Serialize(writer, impl_->textureImages);
+        impl_->metadata.Serialize(writer);
+    }
+    return writer.Take();
+}
+
+void Project::Deserialize(const XmlCursor &element, const Abstract3DEffectFactory &effectFactory)
+{
+    // Any version will do: each element below has one of its own.
+    element.RequireTag("Project");
+    element.RequireAttribute("Version");
+    ProjectFields(element, *impl_);
+    if (const XmlCursor settings = element.Find("ProjectSettings"); !settings.IsNull())
+        impl_->settings.Deserialize(settings);
+    if (const XmlCursor assets = element.Find("AssetList"); !assets.IsNull())
+        impl_->assets.Deserialize(assets, impl_->pluginManager, effectFactory, impl_->textureImages);
+    if (const XmlCursor metadata = element.Find("Metadata"); !metadata.IsNull())
+        impl_->metadata.Deserialize(metadata);
+}
+
+const kytl::KyID &Project::ID() const
+{
+    return impl_->id;
+}
+
+const WideString &Project::Name() const
+{
+    return impl_->name;
+}
+
+void Project::SetName(const WideString &name)
+{
+    impl_->name = name;
+}
+
+const WideString &Project::Filename() const
+{
+    return impl_->filename;
+}
+
+void Project::SetFilename(const WideString &filename)
+{
+    impl_->filename = filename;
+}
+
+AssetList &Project::Assets()
+{
+    return impl_->assets;
+}
+
+const AssetList &Project::Assets() const
+{
+    return impl_->assets;
+}
+
+ProjectSettings &Project::Settings()
+{
+    return impl_->settings;
+}
+
+const ProjectSettings &Project::Settings() const
+{
+    return impl_->settings;
+}
+
+ProjectMetadata &Project::Metadata()
+{
+    return impl_->metadata;
+}
+
+const ProjectMetadata &Project::Metadata() const
+{
+    return impl_->metadata;
+}
+
+ProjectTextureImageCache &Project::TextureImageCache()
+{
+    return impl_->textureImages;
+}
+
+const ProjectTextureImageCache &Project::TextureImageCache() const
+{
+    return impl_->textureImages;
+}
+
+const std::shared_ptr<AbstractPluginManager> &Project::PluginManager() const
+{
+    return impl_->pluginManager;
+}
+
+void Project::SetPluginManager(const std::shared_ptr<AbstractPluginManager> &pluginManager)
+{
+    impl_->pluginManager = pluginManager;
+}
+
+const std::shared_ptr<AbstractExpressionEngine> &Project::ExpressionEngine() const
+{
+    return impl_->expressionEngine;
+}
+
+void Project::SetExpressionEngine(const std::shared_ptr<AbstractExpressionEngine> &engine)
+{
+    impl_->expressionEngine = engine;
+}
+
+} // namespace marlet::project
