@@ -2,6 +2,7 @@
 
 #include <marlet/foundation/Strings.h>
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -29,6 +30,8 @@ struct MARLET_EXPORT KyID {
 
     WideString ToWideString() const;
     NarrowString ToNarrowString() const;
+    /// The text form without an allocation.
+    std::array<char, 36> ToCharacters() const;
 
     bool IsNull() const { return *this == KyID{}; }
 

@@ -92,9 +92,10 @@ public:
     /// Reads a required child: the counterpart of XmlWriter::Child. @throws as Require and Get.
     template <class T> void Child(const char *name, T &value) const { Require(name).Get(value); }
 
-private:
-    friend class XmlDocument;
+    /// The node of the parser's tree.
+    pugi::xml_node_struct *Node() const { return node_; }
 
+private:
     pugi::xml_node_struct *node_ = nullptr;
 };
 

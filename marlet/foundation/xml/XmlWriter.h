@@ -6,7 +6,6 @@
 #include <marlet/foundation/xml/XmlText.h>
 
 #include <type_traits>
-#include <utility>
 #include <vector>
 
 namespace marlet::project
@@ -62,24 +61,34 @@ public:
     void Child(std::string_view name, Enum value) { Child(name, static_cast<int>(value)); }
 
     /// The finished text.
-    WideString Take() { return std::move(text_); }
+    WideString Take();
 
 private:
-    enum class State { Empty, OpenTag, Children, Text };
+    enum class State { OpenTag, Children, Text };
 
     struct Open {
         std::string_view tag;
         State state;
     };
 
+    /// Where that many units can be written before used_ moves on.
+    char16_t *Room(std::size_t length);
     void Append(std::string_view ascii);
-    void AppendAttributeName(std::string_view name);
-    void AppendNumberAttribute(std::string_view name, const NumberText &number);
-    void AppendNumberChild(std::string_view name, const NumberText &number);
-    void AppendEscaped(std::u16string_view text, bool attribute);
+    void Append(std::u16string_view text);
+    void AppendName(std::string_view name);
+    template <class Char> void AppendEscaped(std::basic_string_view<Char> text, bool attribute);
+    void AppendEscapedUtf8(std::string_view utf8, bool attribute);
     void Indent(std::size_t depth);
+    void StartTag(std::string_view tag);
+    void EndTag(std::string_view tag);
+    void StartAttribute(std::string_view name);
+    void StartText();
+    void AppendAttribute(std::string_view name, std::string_view ascii);
+    void AppendChild(std::string_view name, std::string_view ascii);
 
+    /// The text, and behind its end room that is grown in advance.
     WideString text_;
+    std::size_t used_ = 0;
     std::vector<Open> open_;
 };
 

@@ -1,0 +1,17 @@
+#include <marlet/plugins/AbstractPlugin.h>
+#include <marlet/plugins/AbstractPlugin2D.h>
+#include <marlet/plugins/AbstractPluginInstance.h>
+#include <marlet/plugins/AbstractPluginManager.h>
+
+namespace marlet::project
+{
+
+AbstractPlugin::~AbstractPlugin() = default;
+
+AbstractPlugin2D::~AbstractPlugin2D() = default;
+
+AbstractPluginInstance::~AbstractPluginInstance() = default;
+
+AbstractPluginManager::~AbstractPluginManager() = default;
+
+} // namespace marlet::project
