@@ -58,17 +58,22 @@ private:
         return {v[0].Load(), v[1].Load(), v[2].Load()};
     }
 
-    kytl::KyID id_;
-    int time_;
+    /// Also clears the spatial flag.
+    void StoreTangents(const kytl::matl::KyVector<3, float> &incoming,
+                       const kytl::matl::KyVector<3, float> &outgoing) const;
+
+    // What evaluation reads stands together at the front.
     PropertyValue value_;
-    KeyFrameType type_ = KeyFrameType::Linear;
     kytl::matl::KyVector<2, float> incomingPoint_;
     kytl::matl::KyVector<2, float> outgoingPoint_;
+    KeyFrameType type_ = KeyFrameType::Linear;
     mutable Relaxed<bool> incomingCurveDirty_ = false;
     mutable Relaxed<bool> outgoingCurveDirty_ = false;
     mutable Relaxed<bool> spatialCurveDirty_ = true;
+    int time_;
     mutable RelaxedVector spatialIncoming_;
     mutable RelaxedVector spatialOutgoing_;
+    kytl::KyID id_;
 };
 
 } // namespace marlet::project

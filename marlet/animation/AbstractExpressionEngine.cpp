@@ -1,0 +1,8 @@
+#include <marlet/animation/AbstractExpressionEngine.h>
+
+namespace marlet::project
+{
+
+AbstractExpressionEngine::~AbstractExpressionEngine() = default;
+
+} // namespace marlet::project

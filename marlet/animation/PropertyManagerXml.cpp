@@ -1,0 +1,94 @@
+#include <marlet/animation/KeyFrameList_Impl.h>
+#include <marlet/animation/PropertyManager_Impl.h>
+#include <marlet/animation/PropertyValueXml.h>
+#include <marlet/foundation/xml/DomBridge.h>
+#include <marlet/foundation/xml/XmlReader.h>
+#include <marlet/foundation/xml/XmlWriter.h>
+
+namespace marlet::project
+{
+
+namespace
+{
+
+void WriteValueChild(XmlWriter &writer, const char *tag, const PropertyValue &value)
+{
+    const XmlElement element(writer, tag);
+    WriteValue(writer, value);
+}
+
+} // namespace
+
+WideString PropertyManager::Serialize() const
+{
+    return XmlText([this](XmlWriter &writer) { Serialize(writer); });
+}
+
+void PropertyManager::Serialize(void *document, void *parent) const
+{
+    AppendXmlToDom(Serialize(), document, parent);
+}
+
+void PropertyManager::Deserialize(const WideString &xml)
+{
+    const XmlDocument document(xml);
+    Deserialize(document.Root());
+}
+
+void PropertyManager::Deserialize(void *element)
+{
+    Deserialize(XmlFromDom(element));
+}
+
+// Writing and reading stand apart: the elements are named by the properties, and reading makes them.
+
+void PropertyManager::Serialize(XmlWriter &writer) const
+{
+    const XmlElement manager(writer, "PropertyManager", 0);
+    for (const ValuePtr<Property> &property : impl_->properties) {
+        const XmlElement element(writer, property->name);
+        writer.Attribute("Type", property->type);
+        writer.Attribute("Spatial", property->isSpatial);
+        WriteValueChild(writer, "Default", property->defaultValue);
+        WriteValueChild(writer, "Static", property->staticValue);
+        if (!property->keyFrames.IsEmpty()) {
+            const XmlElement animation(writer, "Animation");
+            for (const KeyFrameNode *node : property->keyFrames.impl_->nodes)
+                KeyFrameList::SerializeKeyFrame(node->key, writer);
+        }
+        if (!property->expression.empty()) {
+            const XmlElement expression(writer, "Expression");
+            writer.Text(property->expression);
+        }
+    }
+}
+
+void PropertyManager::Deserialize(const XmlCursor &element)
+{
+    element.RequireHeader("PropertyManager", 0);
+    Clear();
+    for (XmlCursor child = element.FirstChild(); !child.IsNull(); child = child.Next()) {
+        child.RequireAttribute("Type");
+        Type type = Type::Animatable;
+        child.Attribute("Type", type);
+        int spatial = 0;
+        child.Attribute("Spatial", spatial);
+        const XmlCursor defaultElement = child.Require("Default");
+        const XmlCursor staticElement = child.Require("Static");
+        PropertyValue defaultValue;
+        PropertyValue staticValue;
+        ReadValue(defaultElement, defaultValue);
+        ReadValue(staticElement, staticValue);
+
+        Property *property = impl_->Create(child.Name(), defaultValue, type, spatial == 1);
+        if (property == nullptr)
+            continue; // the first one of a name counts
+        property->staticValue = staticValue;
+        KeyFrameLoader keyFrames(*property->keyFrames.impl_);
+        for (XmlCursor key = child.Find("Animation").Find("Key"); !key.IsNull(); key = key.Next("Key"))
+            keyFrames.Add(KeyFrameList::DeserializeKeyFrame(key));
+        property->expression = child.Find("Expression").Text();
+    }
+}
+
+} // namespace marlet::project
