@@ -111,13 +111,13 @@ Matrix Alignment(const Point &point, const Matrix &now, const Matrix &ahead)
     return HasNoDirection(way) ? Matrix() : Turning(here, TurnedUp(now), Normalised(way));
 }
 
-Matrix LookAt(const Vector &direction, const Vector &up)
+Matrix LookAt(const Vector &direction)
 {
     const Vector forward = NormalisedIfLong(direction);
-    Vector usedUp = NormalisedIfLong(up);
-    if (forward == usedUp || forward == Opposite(usedUp))
-        usedUp = forward == Vector{-1, 0, 0} ? Vector{1, 0, 0} : Vector{-1, 0, 0};
-    const Vector side = NormalisedIfLong(Cross(forward, usedUp));
+    Vector up{0, 1, 0};
+    if (forward == up || forward == Opposite(up))
+        up = {-1, 0, 0};
+    const Vector side = NormalisedIfLong(Cross(forward, up));
     const Vector top = NormalisedIfLong(Cross(side, forward));
 
     const Vector rows[3] = {side, top, Opposite(forward)};
@@ -138,7 +138,7 @@ Matrix TurnTowardsTarget(AutoOrient mode, const PropertyManager &properties, int
     const auto target = ValueAt<Point>(properties, "target", time);
     if (position == target)
         return {};
-    Matrix result = LookAt(Minus(target, position), {0, 1, 0});
+    Matrix result = LookAt(Minus(target, position));
     if (result.Determinant() != 0)
         result.Invert();
     return result;

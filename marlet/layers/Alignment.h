@@ -31,10 +31,9 @@ kytl::matl::KyMatrix<4, 4, float> Alignment(const kytl::matl::KyPoint<3, float> 
                                             const kytl::matl::KyMatrix<4, 4, float> &now,
                                             const kytl::matl::KyMatrix<4, 4, float> &ahead);
 
-/// The rotation that carries a direction onto -Z and up onto +Y as nearly as it can. Where the direction runs
-/// along up, another up takes its place.
-kytl::matl::KyMatrix<4, 4, float> LookAt(const kytl::matl::KyVector<3, float> &direction,
-                                         const kytl::matl::KyVector<3, float> &up);
+/// The rotation that carries a direction onto -Z and +Y onto +Y as nearly as it can. Where the direction runs
+/// along +Y or -Y, -X takes its place.
+kytl::matl::KyMatrix<4, 4, float> LookAt(const kytl::matl::KyVector<3, float> &direction);
 
 /// Whether cameras and lights take the mode: two that have no name are for layers with pictures alone.
 constexpr bool CanTurnByItself(AutoOrient mode)

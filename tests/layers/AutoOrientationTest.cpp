@@ -1,0 +1,171 @@
+#include <tests/support/LayerStage.h>
+#include <tests/support/MatrixMatchers.h>
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+namespace marlet::test
+{
+namespace
+{
+
+Vector Turned(const Matrix &matrix, Vector v)
+{
+    matrix.RotateVector(v);
+    return v;
+}
+
+/// Moves a layer along a line, 1 pixel a millisecond along X, Y and Z each times the given factors.
+void MoveAlong(AbstractLayer &layer, const Vector &way)
+{
+    SetAt(layer, "position", 0, Point{});
+    SetAt(layer, "position", 1000, Point{1000 * way.X, 1000 * way.Y, 1000 * way.Z});
+}
+
+Matrix Rows(const Vector &x, const Vector &y, const Vector &z)
+{
+    Matrix result;
+    const Vector rows[3] = {x, y, z};
+    for (int row = 0; row < 3; ++row) {
+        result(row, 0) = rows[row].X;
+        result(row, 1) = rows[row].Y;
+        result(row, 2) = rows[row].Z;
+    }
+    return result;
+}
+
+TEST(AutoOrientation, TurnsACameraTowardsItsTargetAndKeepsItUpright)
+{
+    const auto camera = CameraLayer::Create(u"", 1, 1, 1, 1);
+    camera->SetAutoOrientation(AutoOrient::TowardsTarget);
+    for (const Vector &way : {Vector{0, 0, -5}, {3, 4, 0}, {-300, 10, 25}, {0.1f, -90, 0.1f}}) {
+        Set(*camera, "position", Point{10, 20, 30});
+        Set(*camera, "target", Point{10 + way.X, 20 + way.Y, 30 + way.Z});
+        const Matrix m = camera->AutoOrientAtTime(0);
+        const float length = Length(way);
+        EXPECT_THAT(Turned(m, {0, 0, -1}), IsPointNear(way.X / length, way.Y / length, way.Z / length, 1e-5));
+        EXPECT_NEAR(Turned(m, {1, 0, 0}).Y, 0, 1e-5);
+        EXPECT_GT(Turned(m, {0, 1, 0}).Y, 0);
+        EXPECT_NEAR(m.Determinant(), 1, 1e-5);
+    }
+}
+
+TEST(AutoOrientation, TakesAnotherUpForATargetStraightAboveOrBelow)
+{
+    const auto light = LightLayer::Create(u"", {});
+    light->SetAutoOrientation(AutoOrient::TowardsTarget);
+    Set(*light, "position", Point{});
+    Set(*light, "target", Point{0, -100, 0});
+    EXPECT_EQ(light->AutoOrientAtTime(0), Rows({0, -1, 0}, {0, 0, 1}, {-1, 0, 0}));
+    Set(*light, "target", Point{0, 100, 0});
+    EXPECT_EQ(light->AutoOrientAtTime(0), Rows({0, -1, 0}, {0, 0, -1}, {1, 0, 0}));
+}
+
+TEST(AutoOrientation, LeavesACameraAloneWithoutModeOrDirection)
+{
+    const auto camera = CameraLayer::Create(u"", 1, 1, 1, 1);
+    Set(*camera, "target", Point{5, 6, 7});
+    EXPECT_EQ(camera->AutoOrientAtTime(0), Matrix());
+    camera->SetAutoOrientation(AutoOrient::TowardsTarget);
+    EXPECT_NE(camera->AutoOrientAtTime(0), Matrix());
+    Set(*camera, "position", Point{5, 6, 7.00001f});
+    EXPECT_EQ(camera->AutoOrientAtTime(0), Matrix());
+}
+
+TEST(AutoOrientation, TurnsTheWorldMatrixTowardsTheTarget)
+{
+    const LayerStage stage;
+    const auto camera = stage.AddCamera();
+    camera->SetAutoOrientation(AutoOrient::TowardsTarget);
+    Set(*camera, "position", Point{100, 0, 0});
+    Set(*camera, "rotationZ", -90.f);
+    const Matrix world = camera->WorldTransformationAtTime(0, stage.project, false);
+    // It looks along -X now; its own turn by 90 degrees comes first.
+    EXPECT_THAT(world.TransformPoint({0, 0, -10}), IsPointNear(90, 0, 0, 1e-4));
+    EXPECT_THAT(world.TransformPoint({10, 0, 0}), IsPointNear(100, 10, 0, 1e-4));
+}
+
+TEST(AutoOrientation, TurnsUpOntoTheWayOfMotionAboutWhereItStands)
+{
+    const LayerStage stage;
+    const std::shared_ptr<CameraLayer> camera = stage.AddCamera();
+    camera->SetAutoOrientation(AutoOrient::AlongPath);
+    MoveAlong(*camera, {1, 0, 0});
+    const Matrix world = camera->WorldTransformationAtTime(500, stage.project, false);
+    EXPECT_THAT(world.TransformPoint({0, 10, 0}), IsPointNear(510, 0, 0, 1e-3));
+    EXPECT_THAT(world.TransformPoint({0, 0, 10}), IsPointNear(500, 0, 10, 1e-3));
+
+    // A child follows the path, but is not turned.
+    const auto child = stage.AddPoint();
+    child->SetParentLayer(camera);
+    EXPECT_THAT(child->WorldTransformationAtTime(500, stage.project, false),
+                IsMatrixNear(Matrix::Translation(500, 0, 0), 1e-5));
+}
+
+TEST(AutoOrientation, IsTheIdentityForALayerThatStandsOrGoesItsOwnWay)
+{
+    static const struct {
+        const char *name;
+        Vector way;
+        float rotationZ;
+        int time;
+    } kCases[] = {
+        {"stands", {0, 0, 0}, 30, 500},
+        {"after the last key frame", {1, 0, 0}, 0, 1000},
+        {"along its Y axis", {0, 1, 0}, 0, 500},
+        {"along its turned Y axis", {1, 0, 0}, 90, 500},
+        {"at the end of time", {1, 0, 0}, 0, std::numeric_limits<int>::max()},
+    };
+    for (const auto &c : kCases) {
+        SCOPED_TRACE(c.name);
+        const LayerStage stage;
+        const auto light = stage.AddLight();
+        light->SetAutoOrientation(AutoOrient::AlongPath);
+        Set(*light, "rotationZ", c.rotationZ);
+        MoveAlong(*light, c.way);
+        const Matrix world = light->WorldTransformationAtTime(c.time, stage.project, false);
+        EXPECT_THAT(light->AlignToMotion(world, c.time, stage.project, false), IsMatrixNear(Matrix(), 1e-3));
+    }
+}
+
+TEST(AutoOrientation, MirrorsALayerThatGoesAgainstItsUp)
+{
+    const LayerStage stage;
+    const auto light = stage.AddLight();
+    light->SetAutoOrientation(AutoOrient::AlongPath);
+    MoveAlong(*light, {0, -1, 0});
+    const Matrix world = light->WorldTransformationAtTime(500, stage.project, false);
+    EXPECT_THAT(world.TransformPoint({0, 0, 0}), IsPointNear(0, -500, 0, 1e-3));
+    EXPECT_THAT(world.TransformPoint({3, 4, 5}), IsPointNear(3, -504, 5, 1e-3));
+}
+
+TEST(AutoOrientation, StaysFiniteBelowAFlattenedParent)
+{
+    const LayerStage stage;
+    const auto parent = stage.AddPoint();
+    Set(*parent, "scale", Scale3D{100, 0, 100});
+    const auto light = stage.AddLight();
+    light->SetParentLayer(parent);
+    light->SetAutoOrientation(AutoOrient::AlongPath);
+    MoveAlong(*light, {1, 0, 0});
+    EXPECT_THAT(light->WorldTransformationAtTime(500, stage.project, false).TransformPoint({0, 10, 0}),
+                IsPointNear(500, 0, 0, 1e-3));
+}
+
+TEST(AutoOrientation, RefusesTheModesOfPictures)
+{
+    const auto camera = CameraLayer::Create(u"", 1, 1, 1, 1);
+    const auto light = LightLayer::Create(u"", {});
+    for (const int mode : {4, 2, 3, 1, 3, 2, 7}) {
+        const AutoOrient before = camera->AutoOrientation();
+        camera->SetAutoOrientation(AutoOrient{mode});
+        light->SetAutoOrientation(AutoOrient{mode});
+        const AutoOrient expected = mode == 2 || mode == 3 ? before : AutoOrient{mode};
+        EXPECT_EQ(camera->AutoOrientation(), expected);
+        EXPECT_EQ(light->AutoOrientation(), expected);
+    }
+}
+
+} // namespace
+} // namespace marlet::test

@@ -1,0 +1,90 @@
+#include <tests/support/LayerStage.h>
+#include <tests/support/MatrixMatchers.h>
+
+#include <gtest/gtest.h>
+
+#include <thread>
+
+namespace marlet::test
+{
+namespace
+{
+
+constexpr int kThreads = 4;
+constexpr int kTimes[] = {-100, 0, 33, 500, 1234, 3000};
+
+/// What a reader learns of each layer, in terms that do not depend on the stage.
+struct Findings {
+    std::vector<Matrix> matrices;
+    std::vector<WideString> parents;
+    int compositionsFound = 0;
+
+    bool operator==(const Findings &) const = default;
+};
+
+/// Adds points, lights and cameras with curved animations that hang on one another by IDs not looked up yet.
+void Animate(const LayerStage &stage)
+{
+    KyID parentID;
+    for (int i = 0; i < 12; ++i) {
+        std::shared_ptr<AbstractLayer> layer = stage.AddPoint(u"Layer " + WideString(1, char16_t(u'a' + i)));
+        if (i % 3 == 1)
+            layer = stage.AddLight();
+        else if (i % 3 == 2)
+            layer = stage.AddCamera();
+        layer->SetDimensions(LayerDimensions::ThreeD);
+        layer->SetStartFrame(i);
+        const auto number = static_cast<float>(i);
+        for (const int time : {0, 900, 2000}) {
+            const auto t = static_cast<float>(time);
+            SetAt(*layer, "position", time, Point{t, number * t, t * t / 1000});
+            SetAt(*layer, "orientation", time, Orientation3D{t / 50, number, t / 30});
+            KeyFrame key(time, t / 20);
+            key.SetOutgoingPoint({300, 5});
+            layer->Animation().KeyFrames("rotationZ").Add(key);
+        }
+        if (auto light = std::dynamic_pointer_cast<LightLayer>(layer))
+            light->SetAutoOrientation(i % 2 ? AutoOrient::AlongPath : AutoOrient::TowardsTarget);
+        if (i % 5 != 0)
+            layer->SetParentLayer(parentID);
+        parentID = layer->ID();
+    }
+}
+
+Findings Look(const LayerStage &stage)
+{
+    Findings findings;
+    for (const std::shared_ptr<AbstractLayer> &layer : std::as_const(*stage.composition).Layers()) {
+        for (const int time : kTimes) {
+            findings.matrices.push_back(layer->WorldTransformationAtTime(time, stage.project, true));
+            findings.matrices.push_back(layer->ParentTransformationAtTime(time, stage.project, false));
+        }
+        const auto parent = layer->ParentLayer(stage.Assets());
+        findings.parents.push_back(parent ? parent->Name() : u"none");
+        findings.compositionsFound += layer->ParentComposition(stage.Assets()) == stage.composition;
+    }
+    return findings;
+}
+
+TEST(LayerThreads, LearnFromAColdDocumentWhatOneThreadLearns)
+{
+    const LayerStage first;
+    Animate(first);
+    const Findings expected = Look(first);
+    ASSERT_EQ(expected.compositionsFound, static_cast<int>(expected.parents.size()));
+    for (int round = 0; round < 10; ++round) {
+        const LayerStage stage;
+        Animate(stage);
+        std::vector<Findings> found(kThreads);
+        std::vector<std::thread> threads;
+        for (Findings &findings : found)
+            threads.emplace_back([&] { findings = Look(stage); });
+        for (std::thread &thread : threads)
+            thread.join();
+        for (const Findings &findings : found)
+            EXPECT_TRUE(findings == expected);
+    }
+}
+
+} // namespace
+} // namespace marlet::test

@@ -1,0 +1,185 @@
+#include <tests/support/LayerStage.h>
+#include <tests/support/MatrixMatchers.h>
+
+#include <marlet/layers/ParentHelper.h>
+
+#include <gtest/gtest.h>
+
+#include <random>
+#include <stdexcept>
+
+namespace marlet::test
+{
+namespace
+{
+
+/// A stage with a parent and a layer that is handed to ParentHelper.
+struct Family : LayerStage {
+    std::shared_ptr<PointLayer> parent = AddPoint(u"Parent");
+    std::shared_ptr<AbstractLayer> layer = AddPoint(u"Layer");
+
+    Matrix World(int time = 0) const { return layer->WorldTransformationAtTime(time, project, false); }
+    void Parent(int time = 0) { ParentHelper::Parent(project, time, parent, layer); }
+    void RemoveParent(int time = 0) { ParentHelper::RemoveParent(project, time, layer); }
+};
+
+TEST(ParentHelper, SubtractsThePositionOfTheParent)
+{
+    Family f;
+    Set(*f.parent, "position", Point{30, 0, 0});
+    Set(*f.layer, "position", Point{100, 0, 0});
+    f.Parent();
+    EXPECT_EQ(Get<Point>(*f.layer, "position"), (Point{70, 0, 0}));
+    EXPECT_EQ(f.layer->ParentLayer(f.Assets()), f.parent);
+    EXPECT_THAT(f.World(), IsMatrixNear(Matrix::Translation(100, 0, 0), 1e-6));
+}
+
+TEST(ParentHelper, DividesByTheScaleOfTheParent)
+{
+    Family f;
+    Set(*f.parent, "scale", Scale3D{200, 200, 100});
+    f.Parent();
+    EXPECT_EQ(Get<Scale3D>(*f.layer, "scale"), (Scale3D{50, 50, 100}));
+}
+
+TEST(ParentHelper, TurnsAFlatLayerBackAndForth)
+{
+    Family f;
+    Set(*f.parent, "rotationZ", 30.f);
+    f.Parent();
+    EXPECT_NEAR(Get<float>(*f.layer, "rotationZ"), -30, 1e-4);
+    f.RemoveParent();
+    EXPECT_NEAR(Get<float>(*f.layer, "rotationZ"), 0, 1e-4);
+    EXPECT_FALSE(f.layer->HasParentLayer());
+}
+
+/// Gives a layer odd values, with the same scale along all axes so that no parent shears its children.
+void Scatter(AbstractLayer &layer, std::mt19937 &random)
+{
+    std::uniform_real_distribution<float> values(-150, 150);
+    const auto point = [&] { return Point{values(random), values(random), values(random)}; };
+    Set(layer, "position", point());
+    Set(layer, "anchorPoint", point());
+    const double scale = 150.5 + values(random);
+    Set(layer, "scale", Scale3D{scale, scale, scale});
+    Set(layer, "orientation", Orientation3D{values(random), values(random), values(random)});
+    for (const char *rotation : {"rotationX", "rotationY", "rotationZ"})
+        Set(layer, rotation, values(random));
+}
+
+TEST(ParentHelper, KeepsALayerWhereItIs)
+{
+    std::mt19937 random(5);
+    for (const LayerDimensions dimensions : {LayerDimensions::TwoD, LayerDimensions::ThreeD}) {
+        for (int round = 0; round < 20; ++round) {
+            Family f;
+            const auto grandparent = f.AddPoint();
+            f.parent->SetParentLayer(grandparent);
+            f.parent->SetStartFrame(20);
+            const std::shared_ptr<AbstractLayer> layers[] = {f.layer, f.parent, grandparent};
+            for (const auto &layer : layers) {
+                layer->SetDimensions(dimensions);
+                Scatter(*layer, random);
+            }
+            SetAt(*f.parent, "rotationZ", 0, 0.f);
+            SetAt(*f.parent, "rotationZ", 1000, 77.f);
+            const Matrix before = f.World(1000);
+            f.Parent(1000);
+            EXPECT_THAT(f.World(1000), IsMatrixNear(before, 2e-2));
+            f.RemoveParent(1000);
+            EXPECT_THAT(f.World(1000), IsMatrixNear(before, 2e-2));
+        }
+    }
+}
+
+TEST(ParentHelper, MovesAllKeyFramesByTheSameAmount)
+{
+    Family f;
+    f.layer->SetDimensions(LayerDimensions::ThreeD);
+    Set(*f.parent, "position", Point{10, 20, 30});
+    Set(*f.parent, "rotationZ", -90.f);
+    Set(*f.parent, "scale", Scale3D{50, 50, 50});
+    SetAt(*f.layer, "position", 0, Point{0, 0, 0});
+    SetAt(*f.layer, "position", 1000, Point{100, 0, 0});
+    SetAt(*f.layer, "scale", 0, Scale3D{100, 100, 100});
+    SetAt(*f.layer, "scale", 1000, Scale3D{300, 100, 40});
+    SetAt(*f.layer, "orientation", 0, Orientation3D{0, 0, 10});
+    SetAt(*f.layer, "orientation", 1000, Orientation3D{0, 0, 50});
+    const Matrix before = f.World(500);
+    f.Parent(500);
+    // At (50, 0, 0) the layer is (40, -20, -30) from the parent, whose frame is turned by 90 degrees and half
+    // as large: (-40, -80, -60) there, so that key frames move by (-90, -80, -60).
+    EXPECT_THAT(f.World(500), IsMatrixNear(before, 1e-4));
+    EXPECT_THAT(Get<Point>(*f.layer, "position", 0), IsPointNear(-90, -80, -60, 1e-3));
+    EXPECT_THAT(Get<Point>(*f.layer, "position", 1000), IsPointNear(10, -80, -60, 1e-3));
+    EXPECT_THAT(Get<Scale3D>(*f.layer, "scale", 1000), IsPointNear(600, 200, 80, 1e-3));
+    EXPECT_THAT(Get<Orientation3D>(*f.layer, "orientation", 0), IsPointNear(0, 0, 100, 1e-3));
+    EXPECT_THAT(Get<Orientation3D>(*f.layer, "orientation", 1000), IsPointNear(0, 0, 140, 1e-3));
+}
+
+TEST(ParentHelper, MultipliesByAHundredWhatIsZeroAtTheTime)
+{
+    Family f;
+    SetAt(*f.layer, "scale", 0, Scale3D{0, 100, 100});
+    SetAt(*f.layer, "scale", 1000, Scale3D{3, 50, 100});
+    f.Parent(0);
+    EXPECT_EQ(Get<Scale3D>(*f.layer, "scale", 0).X, 0);
+    EXPECT_EQ(Get<Scale3D>(*f.layer, "scale", 1000).X, 300);
+    EXPECT_NEAR(Get<Scale3D>(*f.layer, "scale", 1000).Y, 50, 1e-5);
+}
+
+TEST(ParentHelper, TurnsACameraByItsOrientationAlone)
+{
+    Family f;
+    f.layer = f.AddCamera();
+    Set(*f.layer, "rotationX", 15.f);
+    Set(*f.parent, "position", Point{0, 0, 500});
+    Set(*f.parent, "rotationZ", 20.f);
+    f.Parent();
+    EXPECT_THAT(Get<Point>(*f.layer, "position"), IsPointNear(0, 0, 500, 1e-3));
+    EXPECT_THAT(Get<Orientation3D>(*f.layer, "orientation"), IsPointNear(0, 0, -20, 1e-4));
+    EXPECT_EQ(Get<float>(*f.layer, "rotationX"), 15);
+}
+
+TEST(ParentHelper, ChangesNothingButTheLinkInAFrameThatCannotBeInverted)
+{
+    Family f;
+    Set(*f.parent, "scale", Scale3D{1e-20, 1e-20, 1e-20});
+    Set(*f.layer, "position", Point{1, 2, 3});
+    Set(*f.layer, "rotationZ", 30.f);
+    f.Parent();
+    EXPECT_EQ(f.layer->ParentLayer(f.Assets()), f.parent);
+    EXPECT_EQ(Get<Point>(*f.layer, "position"), (Point{1, 2, 3}));
+    EXPECT_EQ(Get<Scale3D>(*f.layer, "scale"), Scale3D{});
+    EXPECT_EQ(Get<float>(*f.layer, "rotationZ"), 30);
+}
+
+TEST(ParentHelper, LeavesTheLinkToACallerThatUpdatesThePosition)
+{
+    Family f;
+    Set(*f.parent, "position", Point{30, 0, 0});
+    ParentHelper::UpdatePosition(f.project, 0, f.layer, f.parent);
+    EXPECT_EQ(Get<Point>(*f.layer, "position"), (Point{-30, 0, 0}));
+    EXPECT_FALSE(f.layer->HasParentLayer());
+}
+
+TEST(ParentHelper, CannotTakeAParentFromALayerInSpaceThatHasNone)
+{
+    Family f;
+    Set(*f.layer, "position", Point{1, 2, 3});
+    f.RemoveParent();
+    EXPECT_EQ(Get<Point>(*f.layer, "position"), (Point{1, 2, 3}));
+
+    f.layer->SetDimensions(LayerDimensions::ThreeD);
+    Set(*f.layer, "scale", Scale3D{0, 0, 0});
+    EXPECT_THROW(f.RemoveParent(), std::logic_error);
+    EXPECT_EQ(Get<Scale3D>(*f.layer, "scale"), (Scale3D{0, 0, 0}));
+
+    const KyID missing = KyID::Generate();
+    f.layer->SetParentLayer(missing);
+    EXPECT_THROW(f.RemoveParent(), std::logic_error);
+    EXPECT_EQ(f.layer->ParentLayerID(), missing);
+}
+
+} // namespace
+} // namespace marlet::test

@@ -1,0 +1,126 @@
+#include <tests/support/LayerStage.h>
+#include <tests/support/MatrixMatchers.h>
+#include <tests/support/TransformationModel.h>
+
+#include <marlet/layers/TransformationHelper.h>
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+namespace marlet::test
+{
+namespace
+{
+
+Point ToPoint(const model::Triple &t)
+{
+    return {float(t[0]), float(t[1]), float(t[2])};
+}
+
+void Apply(const model::Layer &values, PointLayer &layer)
+{
+    layer.SetDimensions(values.flat ? LayerDimensions::TwoD : LayerDimensions::ThreeD);
+    Set(layer, "position", ToPoint(values.position));
+    Set(layer, "anchorPoint", ToPoint(values.anchor));
+    Set(layer, "scale", Scale3D{values.scale[0], values.scale[1], values.scale[2]});
+    const Point o = ToPoint(values.orientation);
+    Set(layer, "orientation", Orientation3D{o.X, o.Y, o.Z});
+    Set(layer, "rotationX", float(values.rotation[0]));
+    Set(layer, "rotationY", float(values.rotation[1]));
+    Set(layer, "rotationZ", float(values.rotation[2]));
+}
+
+TEST(Transformation, TurnsAFlatLayerAgainstTheSignOfItsRotation)
+{
+    const LayerStage stage;
+    const auto layer = stage.AddPoint();
+    Set(*layer, "rotationZ", 90.f);
+    const Matrix m = layer->TransformationAtTime(0, stage.project, false);
+    EXPECT_THAT(m.TransformPoint({1, 0, 0}), IsPointNear(0, -1, 0, 1e-6));
+}
+
+TEST(Transformation, KeepsTheSignOfTheAnchorsDepth)
+{
+    const LayerStage stage;
+    const auto layer = stage.AddPoint();
+    Set(*layer, "anchorPoint", Point{10, 20, 30});
+    EXPECT_EQ(layer->OriginAtTime(0, stage.project), Matrix::Translation(-10, -20, 30));
+}
+
+TEST(Transformation, ReplacesAScaleOfZeroWhenAsked)
+{
+    const LayerStage stage;
+    const auto layer = stage.AddPoint();
+    for (const double zero : {0.0, -0.0}) {
+        Set(*layer, "scale", Scale3D{100, zero, -50});
+        EXPECT_EQ(TransformationHelper::Scale(layer.get(), stage.project, 0, false),
+                  Matrix::Scaling(1, 0, -0.5f));
+        EXPECT_EQ(TransformationHelper::Scale(layer.get(), stage.project, 0, true),
+                  Matrix::Scaling(1, 0.00001f, -0.5f));
+    }
+}
+
+TEST(Transformation, AgreesWithThePlainModelDownToTheThirdGeneration)
+{
+    std::mt19937 random(7);
+    std::uniform_real_distribution<double> values(-300, 300);
+    const auto triple = [&] { return model::Triple{values(random), values(random), values(random)}; };
+    for (int round = 0; round < 50; ++round) {
+        const LayerStage stage;
+        std::vector<model::Layer> chain;
+        std::shared_ptr<PointLayer> layer;
+        for (int generation = 0; generation < 3; ++generation) {
+            chain.push_back({round % 3 == generation, triple(), triple(), triple(), triple(), triple()});
+            const auto child = stage.AddPoint();
+            Apply(chain.back(), *child);
+            if (layer)
+                child->SetParentLayer(layer->ID());
+            layer = child;
+        }
+        EXPECT_THAT(layer->WorldTransformationAtTime(0, stage.project, false),
+                    IsMatrixNear(model::World(chain), 5e-3));
+        EXPECT_THAT(layer->ParentingWorldTransformationAtTime(0, stage.project, false),
+                    IsMatrixNear(model::World(chain), 5e-3));
+        EXPECT_THAT(TransformationHelper::WorldRotation(layer.get(), stage.project, 0),
+                    IsMatrixNear(model::WorldRotation(chain), 1e-5));
+        chain.pop_back();
+        EXPECT_THAT(layer->ParentTransformationAtTime(0, stage.project, false),
+                    IsMatrixNear(model::World(chain), 5e-3));
+    }
+}
+
+TEST(Transformation, PlacesCamerasAndLightsWithoutScaleAndAnchor)
+{
+    const LayerStage stage;
+    const std::shared_ptr<AbstractLayer> layers[] = {stage.AddCamera(), stage.AddLight()};
+    for (const auto &layer : layers) {
+        Set(*layer, "position", Point{1, 2, 3});
+        Set(*layer, "orientation", Orientation3D{10, 20, 30});
+        Set(*layer, "rotationY", 40.f);
+        const model::Layer values{.position = {1, 2, 3}, .orientation = {10, 20, 30}, .rotation = {0, 40, 0}};
+        EXPECT_THAT(layer->WorldTransformationAtTime(0, stage.project, true),
+                    IsMatrixNear(model::World({values}), 1e-6));
+    }
+}
+
+TEST(Transformation, FollowsKeyFramesBeforeTheStartToo)
+{
+    const LayerStage stage;
+    const auto layer = stage.AddPoint();
+    SetAt(*layer, "rotationZ", -100, 0.f);
+    SetAt(*layer, "rotationZ", 100, 90.f);
+    EXPECT_THAT(layer->TransformationAtTime(-50, stage.project, false),
+                IsMatrixNear(model::AboutZ(-22.5), 1e-6));
+}
+
+TEST(Transformation, FailsForAPropertyOfAnotherType)
+{
+    const LayerStage stage;
+    const auto layer = stage.AddPoint();
+    Set(*layer, "rotationZ", 1);
+    EXPECT_THROW(layer->TransformationAtTime(0, stage.project, false), boost::bad_get);
+}
+
+} // namespace
+} // namespace marlet::test

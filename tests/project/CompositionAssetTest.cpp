@@ -1,0 +1,181 @@
+#include "Loading.h"
+
+#include <marlet/animation/PropertyManager.h>
+#include <marlet/layers/CameraLayer.h>
+#include <marlet/layers/PointLayer.h>
+#include <marlet/project/CompositionRenderSettings.h>
+#include <marlet/project/ProjectTextureImageCache.h>
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+using namespace marlet::project;
+
+namespace
+{
+
+using Span = std::pair<int, int>;
+
+std::shared_ptr<CompositionAsset> Composition(int frameCount)
+{
+    return CompositionAsset::Create(u"Shot", AudioVideoSettings::Preset::Hd720At25, frameCount);
+}
+
+template <class Layer> std::shared_ptr<Layer> Add(CompositionAsset &composition, std::shared_ptr<Layer> layer, Span span)
+{
+    layer->SetStartFrame(span.first);
+    layer->SetEndFrame(span.second);
+    layer->SetParentComposition(composition.ID());
+    composition.Layers().Add(layer);
+    return layer;
+}
+
+std::shared_ptr<PointLayer> AddPoint(CompositionAsset &composition, Span span = {0, 10})
+{
+    return Add(composition, PointLayer::Create(u"point"), span);
+}
+
+std::shared_ptr<CameraLayer> AddCamera(CompositionAsset &composition, Span span)
+{
+    return Add(composition, CameraLayer::Create(u"camera", 1, 1000, 1000, 0), span);
+}
+
+} // namespace
+
+TEST(CompositionAsset, StartsFromItsPresetAndFrameCount)
+{
+    const auto composition = Composition(250);
+    EXPECT_EQ(composition->OutPoint(), 250);
+    EXPECT_EQ(composition->Settings().FrameCount(), 250);
+    EXPECT_EQ(composition->Width(), 1280);
+    EXPECT_EQ(composition->Height(), 720);
+    EXPECT_EQ(composition->SplitterPosition(), 440);
+    EXPECT_EQ(composition->TimelineTimeFormat(), TimeFormat(1000));
+    EXPECT_EQ(composition->TimelineSnapMode(), SnapMode(1000));
+    EXPECT_TRUE(composition->RenderSettings().MotionBlurEnabled());
+    EXPECT_EQ(composition->RenderSettings().ShutterAngle(), 180);
+    EXPECT_EQ(composition->RenderSettings().ShutterPhase(), -90);
+
+    composition->SetInPoint(-5);
+    composition->SetOutPoint(-5);
+    EXPECT_EQ(composition->InPoint(), 0);
+    EXPECT_EQ(composition->OutPoint(), -5);
+}
+
+TEST(CompositionAsset, LooksThroughTheFirstVisibleCameraOfAFrame)
+{
+    const auto composition = Composition(100);
+    EXPECT_FALSE(composition->Is3D());
+    AddPoint(*composition);
+    EXPECT_FALSE(composition->Is3D());
+    const auto hidden = AddCamera(*composition, {0, 100});
+    hidden->SetVisible(false);
+    EXPECT_TRUE(composition->Is3D());
+    EXPECT_EQ(composition->ActiveCameraLayer(5), nullptr);
+
+    const auto first = AddCamera(*composition, {10, 20});
+    const auto second = AddCamera(*composition, {15, 30});
+    EXPECT_EQ(composition->ActiveCameraLayer(9), nullptr);
+    EXPECT_EQ(composition->ActiveCameraLayer(10), first);
+    EXPECT_EQ(composition->ActiveCameraLayer(19), first);
+    EXPECT_EQ(composition->ActiveCameraLayer(20), second);
+    EXPECT_EQ(composition->ActiveCameraLayer(30), nullptr);
+}
+
+TEST(CompositionAsset, FindsTheEditsAroundAFrame)
+{
+    constexpr int kLowest = std::numeric_limits<int>::min();
+    constexpr int kHighest = std::numeric_limits<int>::max();
+    const std::vector<Span> none;
+    const std::vector<Span> two{{10, 40}, {20, 60}};
+    struct {
+        const char *name;
+        std::vector<Span> spans;
+        int frame, previous, next;
+    } const cases[] = {
+        {"no layers", none, 50, 0, 100},
+        {"at the start", two, 0, 0, 10},
+        {"at the end", two, 100, 60, 100},
+        {"inside both", two, 30, 20, 40},
+        {"on a start", two, 20, 10, 40},
+        {"on an end", two, 40, 20, 60},
+        {"outside the composition", {{-30, 130}}, 50, 0, 100},
+        {"as near as the start, but not nearer", {{-10, 90}}, -5, 0, 90},
+        {"at both ends of int", {{kLowest, kHighest}}, 0, 0, 100},
+        {"far behind", two, kHighest, 60, 100},
+        {"far before", two, kLowest, 0, 10},
+    };
+    for (const auto &test : cases) {
+        SCOPED_TRACE(test.name);
+        const auto composition = Composition(100);
+        for (const Span &span : test.spans)
+            AddPoint(*composition, span);
+        EXPECT_EQ(composition->PreviousEdit(test.frame), test.previous);
+        EXPECT_EQ(composition->NextEdit(test.frame), test.next);
+    }
+}
+
+TEST(CompositionAsset, ClonesLayersThatReferToOneAnother)
+{
+    const auto composition = Composition(100);
+    composition->SetParentFolderID(kytl::KyID::Generate());
+    // The child stands before its parent.
+    const auto child = AddPoint(*composition);
+    const auto parent = AddPoint(*composition);
+    child->SetParentLayer(parent);
+
+    const auto clone = CompositionAsset::Copy(composition);
+    EXPECT_NE(clone->ID(), composition->ID());
+    EXPECT_EQ(clone->Name(), u"Shot");
+    EXPECT_EQ(clone->ParentFolderID(), composition->ParentFolderID());
+    EXPECT_TRUE(clone->Instances().IsEmpty());
+    ASSERT_EQ(clone->Layers().Count(), 2u);
+    const auto childCopy = clone->Layers().front();
+    const auto parentCopy = clone->Layers().back();
+    EXPECT_NE(childCopy->ID(), child->ID());
+    EXPECT_NE(parentCopy->ID(), parent->ID());
+    EXPECT_EQ(childCopy->ParentLayerID(), parentCopy->ID());
+    EXPECT_EQ(childCopy->ParentCompositionID(), clone->ID());
+    EXPECT_EQ(child->ParentLayerID(), parent->ID());
+
+    const auto project = Project::Create(nullptr);
+    project->Assets().All().Add(clone);
+    EXPECT_EQ(childCopy->ParentLayer(project->Assets()), parentCopy);
+
+    childCopy->Animation().StaticValue("rotationZ") = 45.0f;
+    EXPECT_EQ(child->Animation().StaticValue("rotationZ"), PropertyValue(0.0f));
+    clone->Settings().SetWidth(1);
+    EXPECT_EQ(composition->Width(), 1280);
+}
+
+TEST(CompositionAsset, ReadsIntoACompositionThatHasLayers)
+{
+    const NoEffects noEffects;
+    ProjectTextureImageCache textures;
+    const auto composition = Composition(100);
+    const auto kept = AddPoint(*composition);
+    const WideString written = composition->Serialize(textures);
+
+    const auto other = Composition(7);
+    AddPoint(*other);
+    AddPoint(*other);
+    other->Deserialize(written, nullptr, noEffects, textures);
+    EXPECT_EQ(other->Serialize(textures), written);
+    EXPECT_NE(other->FindLayerByID(kept->ID()), nullptr);
+    EXPECT_EQ(other->FindLayerByID(kytl::KyID::Generate()), nullptr);
+}
+
+TEST(CompositionRenderSettings, CopyAndTravelAsText)
+{
+    CompositionRenderSettings settings;
+    settings.SetFogColor({0.1f, 0.2f, 0.3f, 0.4f});
+    settings.SetFogFalloff(CompositionRenderSettings::FalloffType(3));
+    CompositionRenderSettings copy;
+    copy = settings;
+    settings.SetFogEnabled(true);
+    EXPECT_FALSE(copy.FogEnabled());
+    EXPECT_EQ(copy.FogColor(), (kytl::KyColorRGBA_32f{0.1f, 0.2f, 0.3f, 0.4f}));
+    EXPECT_EQ(CompositionRenderSettings(settings.Serialize()).Serialize(), settings.Serialize());
+    EXPECT_NE(copy.Serialize(), settings.Serialize());
+}

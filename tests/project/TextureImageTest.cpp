@@ -1,0 +1,108 @@
+#include "ImageFiles.h"
+
+#include <marlet/project/ProjectTextureImageCache.h>
+#include <marlet/project/TextureImage.h>
+
+#include <gtest/gtest.h>
+
+using namespace marlet::project;
+
+TEST(TextureImage, KnowsTheSizeOfAFileThatOpens)
+{
+    const ImageFiles files;
+    TextureImage image;
+    image.Load(files.Write("a.png", files.Plain(5, 4)));
+    EXPECT_TRUE(image.LoadSuccessful());
+    EXPECT_EQ(image.Width(), 5);
+    EXPECT_EQ(image.Height(), 4);
+
+    files.Write("a.png", QByteArray("no picture"));
+    EXPECT_EQ(image.Width(), 5);
+    image.Reload();
+    EXPECT_FALSE(image.LoadSuccessful());
+    EXPECT_EQ(image.Width(), 0);
+    EXPECT_EQ(image.Height(), 0);
+    EXPECT_EQ(image.FilePath(), files.Path("a.png"));
+}
+
+TEST(TextureImage, CopiesAllButItsID)
+{
+    const ImageFiles files;
+    TextureImage image;
+    image.Load(files.Write("a.png", files.Plain(5, 4)));
+    const TextureImage copy(image);
+    TextureImage assigned;
+    assigned = image;
+    for (const TextureImage *other : {&copy, static_cast<const TextureImage *>(&assigned)}) {
+        EXPECT_NE(other->ID(), image.ID());
+        EXPECT_EQ(other->FilePath(), image.FilePath());
+        EXPECT_EQ(other->Width(), 5);
+    }
+}
+
+TEST(ProjectTextureImageCache, SharesAnImageWhileSomebodyHoldsIt)
+{
+    const ImageFiles files;
+    const WideString path = files.Write("a.png", files.Plain(5, 4));
+    ProjectTextureImageCache cache;
+    auto image = cache.CacheItem(path, false);
+    const kytl::KyID id = image->ID();
+    files.Write("a.png", files.Plain(6, 4));
+    EXPECT_EQ(cache.CacheItem(path, false), image);
+    EXPECT_EQ(image->Width(), 6);
+    EXPECT_EQ(cache.GetTextureImageByID(id).lock(), image);
+
+    image.reset();
+    EXPECT_TRUE(cache.GetTextureImageByID(id).expired());
+    image = cache.CacheItem(path, false);
+    EXPECT_NE(image->ID(), id);
+    ASSERT_EQ(cache.TextureImages().Count(), 2u);
+    EXPECT_TRUE(cache.TextureImages()[0].expired());
+    EXPECT_EQ(cache.TextureImages()[1].lock(), image);
+}
+
+TEST(ProjectTextureImageCache, PutsRelativeNamesDirectlyBehindTheFolder)
+{
+    const ImageFiles files;
+    files.Write("a.png", files.Plain(5, 4));
+    ProjectTextureImageCache cache;
+    cache.SetTexturesFolderPath(files.Path(""));
+    const auto found = cache.CacheItem(u"a.png", true);
+    EXPECT_EQ(found->FilePath(), files.Path("a.png"));
+    EXPECT_TRUE(found->LoadSuccessful());
+    EXPECT_EQ(cache.CacheItem(files.Path("a.png"), false), found);
+
+    WideString withoutSeparator = files.Path("");
+    withoutSeparator.pop_back();
+    cache.SetTexturesFolderPath(withoutSeparator);
+    const auto missed = cache.CacheItem(u"a.png", true);
+    EXPECT_EQ(missed->FilePath(), withoutSeparator + u"a.png");
+    EXPECT_FALSE(missed->LoadSuccessful());
+}
+
+TEST(ProjectTextureImageCache, RelinksAnImageToAnotherFile)
+{
+    const ImageFiles files;
+    const WideString oldPath = files.Path("old.png");
+    const WideString newPath = files.Write("new.png", files.Plain(5, 4));
+    ProjectTextureImageCache cache;
+    cache.RelinkCachedItem(oldPath, newPath);
+    EXPECT_TRUE(cache.TextureImages().IsEmpty());
+
+    const auto image = cache.CacheItem(oldPath, false);
+    const kytl::KyID id = image->ID();
+    // The path is the image's own, which changes on the way.
+    cache.RelinkCachedItem(image->FilePath(), newPath);
+    EXPECT_EQ(image->ID(), id);
+    EXPECT_EQ(image->FilePath(), newPath);
+    EXPECT_EQ(image->Width(), 5);
+    EXPECT_EQ(cache.CacheItem(newPath, false), image);
+    const auto another = cache.CacheItem(oldPath, false);
+    EXPECT_NE(another, image);
+
+    // An entry that is there already is not replaced.
+    cache.RelinkCachedItem(oldPath, newPath);
+    EXPECT_EQ(another->FilePath(), newPath);
+    EXPECT_EQ(cache.CacheItem(newPath, false), image);
+    EXPECT_EQ(cache.GetTextureImageByID(another->ID()).lock(), another);
+}
