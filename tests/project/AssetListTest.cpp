@@ -130,10 +130,14 @@ TEST(AssetList, WritesLiveInstancesAndReadsNone)
     const std::string written =
         ToUtf8(XmlText([&](XmlWriter &writer) { WriteInstances(writer, solid->Instances()); }));
     EXPECT_EQ(written, "<Instances>\n"
-                       " <Instance ID=\"" + object->ID().ToNarrowString() + "\" Type=\"1\"/>\n"
-                       " <Instance ID=\"" + layer->SequenceObject::ID().ToNarrowString() +
-                       "\" Type=\"2\" CompID=\"" + layer->ParentCompositionID().ToNarrowString() + "\"/>\n"
-                       "</Instances>\n");
+                       " <Instance ID=\"" +
+                           object->ID().ToNarrowString() +
+                           "\" Type=\"1\"/>\n"
+                           " <Instance ID=\"" +
+                           layer->SequenceObject::ID().ToNarrowString() + "\" Type=\"2\" CompID=\"" +
+                           layer->ParentCompositionID().ToNarrowString() +
+                           "\"/>\n"
+                           "</Instances>\n");
 
     const ProjectTextureImageCache textures;
     EXPECT_NE(solid->Serialize(textures).find(u"<Instance "), WideString::npos);

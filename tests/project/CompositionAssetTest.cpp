@@ -22,7 +22,8 @@ std::shared_ptr<CompositionAsset> Composition(int frameCount)
     return CompositionAsset::Create(u"Shot", AudioVideoSettings::Preset::Hd720At25, frameCount);
 }
 
-template <class Layer> std::shared_ptr<Layer> Add(CompositionAsset &composition, std::shared_ptr<Layer> layer, Span span)
+template <class Layer>
+std::shared_ptr<Layer> Add(CompositionAsset &composition, std::shared_ptr<Layer> layer, Span span)
 {
     layer->SetStartFrame(span.first);
     layer->SetEndFrame(span.second);
@@ -100,7 +101,8 @@ TEST(CompositionAsset, FindsTheEditsAroundAFrame)
         {"inside both", two, 30, 20, 40},
         {"on a start", two, 20, 10, 40},
         {"on an end", two, 40, 20, 60},
-        {"outside the composition", {{-30, 130}}, 50, 0, 100},
+        {"limited at the end", {{-30, 130}}, 150, 100, 100},
+        {"limited at the start", {{-30, 130}}, -50, 0, 0},
         {"as near as the start, but not nearer", {{-10, 90}}, -5, 0, 90},
         {"at both ends of int", {{kLowest, kHighest}}, 0, 0, 100},
         {"far behind", two, kHighest, 60, 100},
@@ -144,7 +146,7 @@ TEST(CompositionAsset, ClonesLayersThatReferToOneAnother)
     EXPECT_EQ(childCopy->ParentLayer(project->Assets()), parentCopy);
 
     childCopy->Animation().StaticValue("rotationZ") = 45.0f;
-    EXPECT_EQ(child->Animation().StaticValue("rotationZ"), PropertyValue(0.0f));
+    EXPECT_EQ(boost::get<float>(child->Animation().StaticValue("rotationZ")), 0.0f);
     clone->Settings().SetWidth(1);
     EXPECT_EQ(composition->Width(), 1280);
 }

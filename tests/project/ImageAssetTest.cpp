@@ -4,7 +4,7 @@
 #include <marlet/project/ImageAsset.h>
 #include <marlet/project/ProjectTextureImageCache.h>
 
-#include <QPixelFormat>
+#include <QImageReader>
 #include <boost/smart_ptr/shared_array.hpp>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -58,12 +58,28 @@ QByteArray Bomb(QByteArray png)
     return png;
 }
 
+/// A JPEG with a camera's note that it is to be turned by 90 degrees: an EXIF segment with one entry.
+QByteArray TurnedOnItsSide(QByteArray jpeg)
+{
+    static constexpr char kNote[] = "\xff\xe1\0\x22"
+                                    "Exif\0\0"
+                                    "MM\0*\0\0\0\x08"
+                                    "\0\x01"
+                                    "\x01\x12\0\x03\0\0\0\x01\0\x06\0\0"
+                                    "\0\0\0\0";
+    return jpeg.insert(2, QByteArray(kNote, sizeof kNote - 1));
+}
+
 } // namespace
 
 TEST(ImageAsset, IsNamedLikeItsFile)
 {
     EXPECT_EQ(ImageAsset::Create(u"/stills/sky.old.png")->Name(), u"sky.old.png");
-    EXPECT_EQ(ImageAsset::Create(u"\xfeff" u"sky.png")->Name(), u"\xfeff" u"sky.png");
+    EXPECT_EQ(ImageAsset::Create(u"\xfeff"
+                                 u"sky.png")
+                  ->Name(),
+              u"\xfeff"
+              u"sky.png");
 }
 
 TEST(ImageAsset, TellsWhatIsInItsFile)
@@ -84,16 +100,19 @@ TEST(ImageAsset, TellsWhatIsInItsFile)
         int width, height, bitCount;
         KyChannelOrder order;
     } const cases[] = {
-        {"alpha", files.Write("a.png", files.Plain(5, 4, QImage::Format_ARGB32)), Status::Usable, false, 5, 4, 32,
-         KyChannelOrder::BGRA},
-        {"deep alpha", files.Write("d.png", files.Plain(5, 4, QImage::Format_RGBA64)), Status::Usable, false, 5, 4,
+        {"alpha", files.Write("a.png", files.Plain(5, 4, QImage::Format_ARGB32)), Status::Usable, false, 5, 4,
          32, KyChannelOrder::BGRA},
-        {"no alpha", files.Write("b.png", files.Plain(5, 4)), Status::Usable, false, 5, 4, 24, KyChannelOrder::RGB},
+        {"deep alpha", files.Write("d.png", files.Plain(5, 4, QImage::Format_RGBA64)), Status::Usable, false,
+         5, 4, 32, KyChannelOrder::BGRA},
+        {"no alpha", files.Write("b.png", files.Plain(5, 4)), Status::Usable, false, 5, 4, 24,
+         KyChannelOrder::RGB},
         {"palette", files.Write("p.png", palette), Status::Usable, false, 5, 4, 24, KyChannelOrder::RGB},
-        {"JPEG", files.Write("c.jpg", files.Plain(5, 4)), Status::Usable, false, 5, 4, 24, KyChannelOrder::RGB},
+        {"JPEG", files.Write("c.jpg", files.Plain(5, 4)), Status::Usable, false, 5, 4, 24,
+         KyChannelOrder::RGB},
         {"text", files.Write("t.png", QByteArray("no picture")), Status::Unreadable, false, 0, 0, 0,
          KyChannelOrder::None},
-        {"empty file", files.Write("e.png", QByteArray()), Status::Unreadable, false, 0, 0, 0, KyChannelOrder::None},
+        {"empty file", files.Write("e.png", QByteArray()), Status::Unreadable, false, 0, 0, 0,
+         KyChannelOrder::None},
         {"folder", files.Path(""), Status::Unreadable, false, 0, 0, 0, KyChannelOrder::None},
         {"pipe that nobody writes", pipe, Status::Unreadable, false, 0, 0, 0, KyChannelOrder::None},
         {"missing", files.Path("missing.png"), Status::Missing, true, 0, 0, 0, KyChannelOrder::None},
@@ -195,7 +214,7 @@ TEST(ImageAsset, LeavesTheArgumentsAloneWhenItFails)
         const char *file;
         int maxWidth, maxHeight;
     } const cases[] = {
-        {"claims 40 GB", "bomb.png", 100, 100}, {"cut off", "cut.png", 100, 100},
+        {"claims 40 GB", "bomb.png", 100, 100},     {"cut off", "cut.png", 100, 100},
         {"header cut off", "header.png", 100, 100}, {"no width", "good.png", 0, 100},
         {"negative height", "good.png", 100, -1},
     };
@@ -222,10 +241,12 @@ TEST(ImageAsset, ReadsStillsBeyondTheLimitOfTheDecoder)
 TEST(ImageAsset, DoesNotTurnPicturesByTheirOrientation)
 {
     const ImageFiles files;
-    const WideString path = files.Path("turned.jpg");
-    QImageWriter writer(QString::fromStdU16String(path));
-    writer.setTransformation(QImageIOHandler::TransformationRotate90);
-    ASSERT_TRUE(writer.write(files.Plain(40, 20)));
+    files.Write("plain.jpg", files.Plain(40, 20));
+    const WideString path = files.Write("turned.jpg", TurnedOnItsSide(files.Read("plain.jpg")));
+    QImageReader turning(QString::fromStdU16String(path));
+    turning.setAutoTransform(true);
+    ASSERT_EQ(turning.read().width(), 20);
+
     const auto asset = ImageAsset::Create(path);
     EXPECT_EQ(asset->Width(), 40);
     EXPECT_EQ(Pixels(*asset, 100, 100).width, 40);

@@ -15,7 +15,6 @@ namespace
 
 const KyID kOwner = KyID::FromString("01234567-89ab-cdef-0123-456789abcdef");
 
-
 /// The key as the format describes it, step by step.
 std::uint32_t KeyByTheFormat(const KyID &id, std::uint32_t index)
 {
@@ -92,21 +91,23 @@ TEST(ProjectMetadata, WritesTheKeyOfTheFormat)
     const std::string saved = Saved(*project);
     EXPECT_THAT(saved, HasSubstr("<int32_t>\n   <Item K=\"" + std::to_string(KeyByTheFormat(kOwner, 3)) +
                                  "\" V=\"-12\"/>\n  </int32_t>"));
-    EXPECT_THAT(saved, HasSubstr("<wstring>\n   <Item K=\"" +
-                                 std::to_string(KeyByTheFormat(KyID(), 0) - 1) + "\" V=\"last\"/>"));
+    EXPECT_THAT(saved, HasSubstr("<wstring>\n   <Item K=\"" + std::to_string(KeyByTheFormat(KyID(), 0) - 1) +
+                                 "\" V=\"last\"/>"));
 }
 
 TEST(ProjectMetadata, ReadsItemsWithoutKnowingTheirOwners)
 {
     const WideString id = kOwner.ToWideString();
-    const auto project = Load(u"<Project Version='0'><ID>" + id + u"</ID><Name/><Metadata Version='0'>"
+    const auto project = Load(u"<Project Version='0'><ID>" + id +
+                              u"</ID><Name/><Metadata Version='0'>"
                               u"<wstring><Item K='5000000000' V='far'/><Item K='2' V='a'/>"
                               u"<Item K='2' V='b'/><Other K='3'/></wstring>"
                               u"<int32_t><Item K='1'/><Item V='7'/></int32_t>"
                               u"<bool><Item K='1' V='-3'/><Item K='2' V='true'/></bool>"
                               u"</Metadata></Project>");
     const std::string saved = Saved(*project);
-    EXPECT_THAT(saved, HasSubstr("<bool>\n   <Item K=\"1\" V=\"1\"/>\n   <Item K=\"2\" V=\"0\"/>\n  </bool>"));
+    EXPECT_THAT(saved,
+                HasSubstr("<bool>\n   <Item K=\"1\" V=\"1\"/>\n   <Item K=\"2\" V=\"0\"/>\n  </bool>"));
     EXPECT_THAT(saved,
                 HasSubstr("<int32_t>\n   <Item K=\"0\" V=\"7\"/>\n   <Item K=\"1\" V=\"0\"/>\n  </int32_t>"));
     EXPECT_THAT(saved, HasSubstr("<wstring>\n   <Item K=\"2\" V=\"b\"/>\n"

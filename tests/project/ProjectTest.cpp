@@ -44,7 +44,9 @@ TEST(Project, WritesItsDefaultsWhenItIsNew)
     const auto project = Project::Create(nullptr);
     const BinFolder &bin = project->Assets().Bin();
     const std::string expected = "<Project Version=\"0\">\n"
-                                 " <ID>" + ID(project->ID()) + "</ID>\n"
+                                 " <ID>" +
+                                 ID(project->ID()) +
+                                 "</ID>\n"
                                  " <Name></Name>\n"
                                  " <ProjectSettings Version=\"0\">\n"
                                  "  <BPC>1000</BPC>\n"
@@ -52,7 +54,9 @@ TEST(Project, WritesItsDefaultsWhenItIsNew)
                                  " <AssetList Version=\"0\">\n"
                                  "  <Assets/>\n"
                                  "  <BinFolder Version=\"0\">\n"
-                                 "   <ID>" + ID(bin.ID()) + "</ID>\n"
+                                 "   <ID>" +
+                                 ID(bin.ID()) +
+                                 "</ID>\n"
                                  "   <IsExpanded>0</IsExpanded>\n"
                                  "   <Name>Root</Name>\n"
                                  "   <ParentFolderID>00000000-0000-0000-0000-000000000000</ParentFolderID>\n"

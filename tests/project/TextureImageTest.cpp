@@ -66,17 +66,15 @@ TEST(ProjectTextureImageCache, PutsRelativeNamesDirectlyBehindTheFolder)
     const ImageFiles files;
     files.Write("a.png", files.Plain(5, 4));
     ProjectTextureImageCache cache;
-    cache.SetTexturesFolderPath(files.Path(""));
+    cache.SetTexturesFolderPath(files.Path("") + u"/");
     const auto found = cache.CacheItem(u"a.png", true);
     EXPECT_EQ(found->FilePath(), files.Path("a.png"));
     EXPECT_TRUE(found->LoadSuccessful());
     EXPECT_EQ(cache.CacheItem(files.Path("a.png"), false), found);
 
-    WideString withoutSeparator = files.Path("");
-    withoutSeparator.pop_back();
-    cache.SetTexturesFolderPath(withoutSeparator);
+    cache.SetTexturesFolderPath(files.Path(""));
     const auto missed = cache.CacheItem(u"a.png", true);
-    EXPECT_EQ(missed->FilePath(), withoutSeparator + u"a.png");
+    EXPECT_EQ(missed->FilePath(), files.Path("") + u"a.png");
     EXPECT_FALSE(missed->LoadSuccessful());
 }
 

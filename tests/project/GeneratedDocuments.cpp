@@ -1,0 +1,225 @@
+#include "GeneratedDocuments.h"
+
+#include <marlet/animation/PropertyManager.h>
+#include <marlet/layers/CameraLayer.h>
+#include <marlet/layers/LightLayer.h>
+#include <marlet/layers/PointLayer.h>
+#include <marlet/project/AssetList.h>
+#include <marlet/project/BinFolder.h>
+#include <marlet/project/CompositionAsset.h>
+#include <marlet/project/CompositionRenderSettings.h>
+#include <marlet/project/ImageAsset.h>
+#include <marlet/project/ProjectMetadata.h>
+#include <marlet/project/ProjectSettings.h>
+#include <marlet/project/SolidAsset.h>
+
+#include <bit>
+#include <random>
+
+using namespace marlet::project;
+
+namespace
+{
+
+class Noise
+{
+public:
+    explicit Noise(unsigned int seed) : generator_(seed) {}
+
+    int Below(int end) { return static_cast<int>(Bits() % static_cast<unsigned int>(end)); }
+    bool Bool() { return Below(2) == 1; }
+    int Int() { return static_cast<int>(Bits()); }
+    /// Any bits that make a number that is equal to itself.
+    float Float()
+    {
+        const float value = std::bit_cast<float>(Bits());
+        return value == value ? value : 0.1f;
+    }
+    double Double()
+    {
+        const double value = std::bit_cast<double>(std::uint64_t(Bits()) << 32 | Bits());
+        return value == value ? value : 0.1;
+    }
+    template <class Enum> Enum Any() { return static_cast<Enum>(Int()); }
+    kytl::KyID ID() { return {Bits(), std::uint16_t(Bits()), std::uint16_t(Bits()), {1, 2, 3}}; }
+    kytl::KyColorRGBA_32f Color() { return {Float(), Float(), Float(), Float()}; }
+
+    WideString Text()
+    {
+        static const WideString kPieces[] = {u" ",    u"\t",     u"\n",     u"\r",        u"<", u">",
+                                             u"&",    u"\"",     u"'",      u"]]>",       u"a", u"Z",
+                                             u"&lt;", u"\u00e9", u"\u4e2d", u"\U0001f3ac"};
+        WideString text;
+        for (int length = Below(8); length > 0; --length)
+            text += kPieces[Below(std::size(kPieces))];
+        return text;
+    }
+
+    /// One of the 14 alternatives. A scale is read through float.
+    PropertyValue Value(int alternative)
+    {
+        switch (alternative) {
+        case 0:
+            return Int();
+        case 1:
+            return static_cast<unsigned int>(Int());
+        case 2:
+            return static_cast<unsigned char>(Int());
+        case 3:
+            return Float();
+        case 4:
+            return Double();
+        case 5:
+            return Bool();
+        case 6:
+            return Scale3D{Float(), Float(), Float()};
+        case 7:
+            return Orientation3D{Float(), Float(), Float()};
+        case 8:
+            return Color();
+        case 9:
+            return kytl::matl::KyPoint<2, float>{Float(), Float()};
+        case 10:
+            return kytl::matl::KyPoint<3, float>{Float(), Float(), Float()};
+        case 11:
+            return kytl::matl::KyVector<2, float>{Float(), Float()};
+        case 12:
+            return kytl::matl::KyVector<3, float>{Float(), Float(), Float()};
+        default:
+            return ID();
+        }
+    }
+
+private:
+    std::uint32_t Bits() { return static_cast<std::uint32_t>(generator_()); }
+
+    std::mt19937 generator_;
+};
+
+constexpr int kAlternatives = 14;
+
+void Animate(Noise &noise, KeyFrameList &keys, int alternative)
+{
+    for (int count = 1 + noise.Below(3); count > 0; --count) {
+        KeyFrame key(noise.Int(), noise.Value(alternative));
+        key.SetType(static_cast<KeyFrameType>(noise.Below(3)));
+        key.SetIncomingPoint({noise.Float(), noise.Float()});
+        key.SetOutgoingPoint({noise.Float(), noise.Float()});
+        keys.Add(key);
+    }
+}
+
+void FillLayer(Noise &noise, AbstractLayer &layer, const CompositionAsset &composition)
+{
+    layer.SetName(noise.Text());
+    layer.SetParentComposition(composition.ID());
+    layer.SetParentLayer(composition.Layers().IsEmpty() ? noise.ID() : composition.Layers().front()->ID());
+    layer.SetStartFrame(noise.Int());
+    layer.SetEndFrame(noise.Int());
+    layer.SetBlendMode(noise.Any<Blend>());
+    layer.SetVisible(noise.Bool());
+    layer.SetMuted(noise.Bool());
+    layer.SetLocked(noise.Bool());
+    layer.SetMotionBlur(noise.Bool());
+
+    PropertyManager &properties = layer.Animation();
+    Animate(noise, properties.KeyFrames("position"), 10);
+    for (int alternative = 0; alternative < kAlternatives; ++alternative) {
+        const std::string name = "extra" + std::to_string(alternative);
+        const auto type =
+            noise.Bool() ? PropertyManager::Type::Animatable : PropertyManager::Type::NotAnimatable;
+        properties.CreateProperty(name.c_str(), noise.Value(alternative), type, nullptr);
+        properties.StaticValue(name.c_str()) = noise.Value(alternative);
+        properties.Expression(name.c_str()) = ToUtf8(noise.Text());
+        Animate(noise, properties.KeyFrames(name.c_str()), alternative);
+    }
+}
+
+std::shared_ptr<CompositionAsset> NoisyComposition(Noise &noise)
+{
+    const auto composition =
+        CompositionAsset::Create(noise.Text(), AudioVideoSettings::Preset::Ntsc, noise.Int());
+    composition->SetCurrentTimeIndicator(noise.Int());
+    composition->SetInPoint(noise.Below(1000));
+    composition->SetOutPoint(noise.Int());
+    composition->SetTimelineZoom(noise.Double());
+    composition->SetSplitterPosition(noise.Int());
+    composition->SetTimelineTimeFormat(noise.Any<TimeFormat>());
+    composition->SetTimelineSnapMode(noise.Any<SnapMode>());
+
+    AudioVideoSettings &settings = composition->Settings();
+    settings.SetAudioSampleRate(noise.Any<AudioSamplingRate>());
+    settings.SetWidth(noise.Int());
+    settings.SetHeight(noise.Int());
+    settings.SetFields(noise.Any<VideoFields>());
+    settings.SetFrameRate(noise.Double());
+    settings.SetPixelAspectRatio(noise.Any<PAR>());
+    settings.SetCustomPixelAspectRatio(noise.Double());
+
+    CompositionRenderSettings &render = composition->RenderSettings();
+    render.SetFogEnabled(noise.Bool());
+    render.SetFogNearDistance(noise.Float());
+    render.SetFogFarDistance(noise.Float());
+    render.SetFogDensity(noise.Float());
+    render.SetFogColor(noise.Color());
+    render.SetFogFalloff(noise.Any<CompositionRenderSettings::FalloffType>());
+    render.SetMotionBlurEnabled(noise.Bool());
+    render.SetShutterAngle(noise.Float());
+    render.SetShutterPhase(noise.Float());
+
+    const auto camera = CameraLayer::Create(u"", noise.Float(), noise.Float(), noise.Float(), noise.Float());
+    camera->SetDepthOfField(noise.Bool());
+    camera->SetNearClip(noise.Float());
+    camera->SetFarClip(noise.Float());
+    camera->SetAutoOrientation(noise.Any<AutoOrient>());
+    const auto light = LightLayer::Create(u"", noise.Any<LightLayer::LightType>());
+    light->SetAutoOrientation(noise.Any<AutoOrient>());
+    const auto point = PointLayer::Create(u"");
+    point->SetDimensions(static_cast<LayerDimensions>(noise.Below(2)));
+    for (const std::shared_ptr<AbstractLayer> &layer :
+         std::initializer_list<std::shared_ptr<AbstractLayer>>{camera, light, point}) {
+        FillLayer(noise, *layer, *composition);
+        composition->Layers().Add(layer);
+    }
+    return composition;
+}
+
+void FillAssets(Noise &noise, AssetList &list)
+{
+    const auto solid =
+        SolidAsset::Create(noise.Text(), noise.Color(), noise.Int(), noise.Int(), noise.Any<PAR>());
+    const auto image = ImageAsset::Create(noise.Text());
+    image->SetName(noise.Text());
+    image->SetPixelAspectRatio(noise.Any<PAR>());
+    for (const std::shared_ptr<AbstractAsset> &asset :
+         std::initializer_list<std::shared_ptr<AbstractAsset>>{solid, image, NoisyComposition(noise)}) {
+        list.All().Add(asset);
+        const auto folder = BinFolder::Create(noise.Text());
+        folder->SetExpanded(noise.Bool());
+        folder->Assets().Add(asset);
+        BinFolder &parent = list.Bin().Folders().IsEmpty() ? list.Bin() : *list.Bin().Folders()[0];
+        folder->SetParentFolderID(parent.ID());
+        asset->SetParentFolderID(folder->ID());
+        parent.Folders().Add(folder);
+    }
+}
+
+} // namespace
+
+std::shared_ptr<Project> NoisyProject(unsigned int seed)
+{
+    Noise noise(seed);
+    const auto project = Project::Create(nullptr);
+    project->SetName(noise.Text());
+    project->Settings().SetColorBitDepth(noise.Any<BPC>());
+    FillAssets(noise, project->Assets());
+    ProjectMetadata &metadata = project->Metadata();
+    for (unsigned int index = 0; index < 3; ++index) {
+        metadata.SetBooleanValue(noise.ID(), index, noise.Bool());
+        metadata.SetIntegerValue(noise.ID(), index, noise.Int());
+        metadata.SetFloatValue(noise.ID(), index, noise.Float());
+        metadata.SetKyIDValue(noise.ID(), index, noise.ID());
+        metadata.SetStringValue(noise.ID(), index, noise.Text());
+    }
+    return project;
+}

@@ -1,0 +1,196 @@
+#include "GeneratedDocuments.h"
+#include "Loading.h"
+
+#include <marlet/foundation/Exceptions.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <pugixml.hpp>
+
+#include <map>
+#include <set>
+#include <sstream>
+
+using namespace marlet::project;
+
+namespace
+{
+
+constexpr const char *kNewer =
+    "The project file was saved by a newer version of the application than this one.";
+
+/// What a reader asks for of each element: the children, and the attributes beside "Version".
+struct Required {
+    std::set<std::string> children;
+    std::set<std::string> attributes = {};
+};
+
+const std::map<std::string, Required> kRequired = {
+    {"Project", {{"ID", "Name"}}},
+    {"ProjectSettings", {{"BPC"}}},
+    {"AssetList", {{"BinFolder"}}},
+    {"BinFolder", {{"ID", "IsExpanded", "Name", "ParentFolderID"}}},
+    {"SolidAsset", {{"ID", "Name", "ParentFolderID", "Color", "Width", "Height", "PAR"}}},
+    {"ImageAsset", {{"ID", "Name", "ParentFolderID", "Filename", "PAR"}}},
+    {"CompositionAsset",
+     {{"ID", "Name", "ParentFolderID", "CTI", "InPoint", "OutPoint", "TimelineZoom", "SplitterPosition",
+       "TimelineTimeFormat", "TimelineSnapMode"}}},
+    {"AudioVideoSettings",
+     {{"FrameCount", "AudioSampleRate", "Width", "Height", "Fields", "FrameRate", "PAR", "PARCustom"}}},
+    {"RenderSettings",
+     {{"FogEnabled", "FogNearDistance", "FogFarDistance", "FogDensity", "FogColor", "FogFalloff",
+       "MotionBlurEnabled", "ShutterAngle", "ShutterPhase"}}},
+    {"CameraLayer", {{"Dimensions", "HasDoF", "AutoOrient", "NearClip", "FarClip", "LayerBase"}}},
+    {"LightLayer", {{"LightType", "AutoOrient", "LayerBase"}}},
+    {"PointLayer", {{"Dimensions", "LayerBase"}}},
+    {"LayerBase",
+     {{"ID", "Name", "CompID", "ParentLayerID", "StartFrame", "EndFrame", "BlendMode", "Visible", "Muted",
+       "Locked", "MotionBlurOn", "PropertyManager"}}},
+    {"Key", {{"IncomingPt", "OutgoingPt", "Value"}, {"Time", "Type"}}},
+    {"Color", {{}, {"R", "G", "B", "A"}}},
+    {"FogColor", {{}, {"R", "G", "B", "A"}}},
+    {"MarletColor", {{}, {"R", "G", "B", "A"}}},
+    {"IncomingPt", {{}, {"X", "Y"}}},
+    {"OutgoingPt", {{}, {"X", "Y"}}},
+    {"KyPoint2_32f", {{}, {"X", "Y"}}},
+    {"KyVector2_32f", {{}, {"X", "Y"}}},
+    {"KyPoint3_32f", {{}, {"X", "Y", "Z"}}},
+    {"KyVector3_32f", {{}, {"X", "Y", "Z"}}},
+    {"Scale3D", {{}, {"X", "Y", "Z"}}},
+    {"Orientation3D", {{}, {"X", "Y", "Z"}}},
+};
+
+/// The first property that each layer looks for, which one without its properties is said to lack.
+const std::map<std::string, std::string> kFirstProperty = {
+    {"CameraLayer", "position"}, {"LightLayer", "position"}, {"PointLayer", "anchorPoint"}};
+
+bool IsProperty(const pugi::xml_node &element)
+{
+    return std::string_view(element.parent().name()) == "PropertyManager";
+}
+
+std::string MissingProperty(const std::string &name)
+{
+    return "The contents of the project file cannot be read. (9, " + name + ")";
+}
+
+/// What a load must say of a document that lacks the element; empty if it does without.
+std::string WordsWithout(const pugi::xml_node &element)
+{
+    const std::string name = element.name();
+    const pugi::xml_node parent = element.parent();
+    if (element == element.root().first_child())
+        return "Wrong tag name\nProject";
+    if (IsProperty(element))
+        return name.starts_with("extra") ? "" : MissingProperty(name);
+    if (IsProperty(parent))
+        return name == "Default" || name == "Static" ? "Missing element\n" + name : "";
+    const auto rules = kRequired.find(parent.name());
+    if (rules == kRequired.end() || !rules->second.children.contains(name))
+        return "";
+    if (name == "LayerBase")
+        return MissingProperty(kFirstProperty.at(parent.name()));
+    if (name == "PropertyManager")
+        return MissingProperty(kFirstProperty.at(parent.parent().name()));
+    return name == "BinFolder" ? "Wrong tag name\nBinFolder" : "Missing element\n" + name;
+}
+
+std::string WordsWithout(const pugi::xml_node &element, const std::string &attribute)
+{
+    const auto rules = kRequired.find(element.name());
+    const bool isRequired = attribute == "Version" ||
+                            (rules != kRequired.end() && rules->second.attributes.contains(attribute)) ||
+                            (IsProperty(element) && attribute == "Type");
+    if (isRequired)
+        return std::string(element.name()) + " is missing attribute " + attribute + "\n";
+    if (attribute == "V" && std::string_view(element.parent().name()) == "KyID")
+        return "Cannot construct KyID from string";
+    return "";
+}
+
+std::string Failure(const pugi::xml_document &document)
+{
+    std::ostringstream text;
+    document.save(text, "", pugi::format_raw | pugi::format_no_declaration);
+    try {
+        Load(FromUtf8(text.str()));
+    } catch (const ProjectException &failure) {
+        return std::string(failure.what()) + " (" + std::to_string(failure.Code()) + ", " + failure.Detail() +
+               ")";
+    } catch (const std::exception &failure) {
+        return failure.what();
+    }
+    return "";
+}
+
+template <class Function> void ForEachElement(const pugi::xml_node &element, Function &&function)
+{
+    function(element);
+    for (const pugi::xml_node &child : element.children())
+        if (child.type() == pugi::node_element)
+            ForEachElement(child, function);
+}
+
+class NoisyDocument : public testing::Test
+{
+protected:
+    NoisyDocument()
+    {
+        const std::string text = ToUtf8(NoisyProject(1)->Serialize());
+        document_.load_string(text.c_str(), pugi::parse_full | pugi::parse_ws_pcdata);
+    }
+
+    pugi::xml_document document_;
+};
+
+} // namespace
+
+TEST(GeneratedDocuments, AreWrittenAgainByteForByte)
+{
+    for (unsigned int seed = 0; seed < 50; ++seed) {
+        const WideString text = NoisyProject(seed)->Serialize();
+        ASSERT_EQ(ToUtf8(Load(text)->Serialize()), ToUtf8(text)) << "seed " << seed;
+    }
+}
+
+// What bears a name that no reader looks for is as good as gone.
+
+TEST_F(NoisyDocument, IsRefusedForWantOfEachRequiredElement)
+{
+    ForEachElement(document_.document_element(), [this](pugi::xml_node element) {
+        const std::string name = element.name();
+        const std::string path = element.path();
+        const std::string expected = WordsWithout(element);
+        element.set_name("Absent");
+        EXPECT_EQ(Failure(document_), expected) << path;
+        element.set_name(name.c_str());
+    });
+    EXPECT_EQ(Failure(document_), "");
+}
+
+TEST_F(NoisyDocument, IsRefusedForWantOfEachRequiredAttribute)
+{
+    ForEachElement(document_.document_element(), [this](const pugi::xml_node &element) {
+        for (pugi::xml_attribute attribute : element.attributes()) {
+            const std::string name = attribute.name();
+            attribute.set_name("absent");
+            EXPECT_EQ(Failure(document_), WordsWithout(element, name)) << element.path() << " " << name;
+            attribute.set_name(name.c_str());
+        }
+    });
+    EXPECT_EQ(Failure(document_), "");
+}
+
+TEST_F(NoisyDocument, IsRefusedForEachElementOfANewerVersion)
+{
+    ForEachElement(document_.document_element(), [this](const pugi::xml_node &element) {
+        pugi::xml_attribute version = element.attribute("Version");
+        if (!version)
+            return;
+        version.set_value("1");
+        EXPECT_EQ(Failure(document_), element == document_.document_element() ? "" : kNewer)
+            << element.path();
+        version.set_value("0");
+    });
+    EXPECT_EQ(Failure(document_), "");
+}
