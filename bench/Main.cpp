@@ -1,8 +1,8 @@
 // Runs the benchmarks and prints the figures that the library is to reach, each a ratio within this one run.
 
-#include "support/Machine.h"
-#include "support/PeakOfLoad.h"
-#include "support/Report.h"
+#include <bench/support/Machine.h>
+#include <bench/support/PeakOfLoad.h>
+#include <bench/support/Report.h>
 
 #include <cstdio>
 #include <cstring>

@@ -1,8 +1,8 @@
 // World matrices: of a layer three parents deep, and of the same point, light and camera layers asked by two
 // threads.
 
-#include "support/Documents.h"
-#include "support/HeapCounter.h"
+#include <bench/support/Documents.h>
+#include <bench/support/HeapCounter.h>
 
 #include <marlet/animation/PropertyManager.h>
 #include <marlet/layers/CameraLayer.h>

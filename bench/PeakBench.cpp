@@ -1,6 +1,6 @@
 // The memory that a load takes, reported as counters; the time is that of a whole process and of no interest.
 
-#include "support/PeakOfLoad.h"
+#include <bench/support/PeakOfLoad.h>
 
 #include <benchmark/benchmark.h>
 

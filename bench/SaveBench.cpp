@@ -1,7 +1,7 @@
 // Saving, beside Qt's DOM writing the same document.
 
-#include "support/Documents.h"
-#include "support/Stopwatch.h"
+#include <bench/support/Documents.h>
+#include <bench/support/Stopwatch.h>
 
 #include <marlet/project/Project.h>
 

@@ -1,9 +1,9 @@
 // The value of a curved float property, beside a bare program. Every piece has been asked for once before the
 // clock starts.
 
-#include "support/BareCurve.h"
-#include "support/Documents.h"
-#include "support/HeapCounter.h"
+#include <bench/support/BareCurve.h>
+#include <bench/support/Documents.h>
+#include <bench/support/HeapCounter.h>
 
 #include <marlet/animation/PropertyManager.h>
 

@@ -1,4 +1,4 @@
-#include "support/BareCurve.h"
+#include <bench/support/BareCurve.h>
 
 #include <algorithm>
 #include <cmath>

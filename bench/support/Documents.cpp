@@ -1,4 +1,4 @@
-#include "support/Documents.h"
+#include <bench/support/Documents.h>
 
 #include <marlet/animation/PropertyManager.h>
 #include <marlet/layers/CameraLayer.h>

@@ -1,4 +1,4 @@
-#include "support/HeapCounter.h"
+#include <bench/support/HeapCounter.h>
 
 #include <atomic>
 #include <cerrno>

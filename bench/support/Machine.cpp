@@ -1,4 +1,4 @@
-#include "support/Machine.h"
+#include <bench/support/Machine.h>
 
 #include <cstdlib>
 #include <fstream>

@@ -1,8 +1,8 @@
-#include "support/PeakOfLoad.h"
+#include <bench/support/PeakOfLoad.h>
 
-#include "support/Documents.h"
-#include "support/HeapCounter.h"
-#include "support/Machine.h"
+#include <bench/support/Documents.h>
+#include <bench/support/HeapCounter.h>
+#include <bench/support/Machine.h>
 
 #include <marlet/project/Project.h>
 

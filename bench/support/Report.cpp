@@ -1,4 +1,4 @@
-#include "support/Report.h"
+#include <bench/support/Report.h>
 
 #include <cstdio>
 #include <iterator>
