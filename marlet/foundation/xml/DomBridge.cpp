@@ -52,7 +52,8 @@ void Write(XmlWriter &writer, const QDomElement &source)
     }
 }
 
-void Append(pugi::xml_node source, QDomDocument &document, QDomNode parent)
+/// The parent comes by reference, since an empty document is nothing yet until it makes its first element.
+void Append(pugi::xml_node source, QDomDocument &document, QDomNode &parent)
 {
     QDomElement element = document.createElement(Text(source.name()));
     parent.appendChild(element);
