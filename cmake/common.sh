@@ -39,11 +39,9 @@ install_packages() {
 
 # build PRESET [TARGET...]: configures the preset and builds the targets, by default all.
 build() {
-    local preset=$1 quiet=() targets=()
+    local preset=$1 command=(cmake --build --preset "$1")
     shift
-    (($#)) && targets=(--target "$@")
-    # On a terminal ninja rewrites one line; elsewhere it would print one for each file.
-    [[ -t 1 ]] || quiet=(-- --quiet)
+    (($#)) && command+=(--target "$@")
 
     step "Building $preset"
     if [[ ! build/$preset/build.ninja -nt CMakePresets.json ]]; then
@@ -53,7 +51,12 @@ build() {
             fail "could not configure the preset $preset"
         fi
     fi
-    cmake --build --preset "$preset" "${targets[@]}" "${quiet[@]}" || fail "could not build the preset $preset"
+    # On a terminal ninja rewrites one line; elsewhere it would print one for each file.
+    if [[ -t 1 ]]; then
+        "${command[@]}"
+    else
+        "${command[@]}" -- --quiet | { grep -v '^ninja: no work to do' || true; }
+    fi || fail "could not build the preset $preset"
 }
 
 # run_tests PRESET [CTEST-OPTION...]: runs the built tests and prints what did not pass and the closing lines.
