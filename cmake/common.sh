@@ -55,7 +55,7 @@ build() {
     if [[ -t 1 ]]; then
         "${command[@]}"
     else
-        "${command[@]}" -- --quiet | { grep -v '^ninja: no work to do' || true; }
+        "${command[@]}" -- --quiet | { grep -vE '^-- |^ninja: no work to do' || true; }
     fi || fail "could not build the preset $preset"
 }
 
@@ -64,7 +64,7 @@ run_tests() {
     local preset=$1
     shift
     step "Testing $preset"
-    ctest --preset "$preset" --parallel "$(nproc)" --no-tests=error "$@" |
+    ctest --preset "$preset" --parallel "$(nproc)" --no-tests=error --no-label-summary "$@" |
         { grep --line-buffered -vE '^ +Start +[0-9]+:|^ *[0-9]+/[0-9]+ Test .* Passed |^Test project|^ *$' || true; } ||
         fail "tests of the preset $preset failed; the log is build/$preset/Testing/Temporary/LastTest.log"
 }
