@@ -43,7 +43,7 @@ std::string SystemMessage(int error)
 void Output::Write(std::string_view text)
 {
     if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size())
-        throw Failure("standard output", SystemMessage(errno));
+        Fail();
 }
 
 void Output::Line(std::string_view text)
@@ -54,8 +54,14 @@ void Output::Line(std::string_view text)
 
 void Output::Flush()
 {
-    if (std::fflush(stdout) != 0)
-        throw Failure("standard output", SystemMessage(errno));
+    if (!failed_ && std::fflush(stdout) != 0)
+        Fail();
+}
+
+void Output::Fail()
+{
+    failed_ = true;
+    throw Failure("standard output", SystemMessage(errno));
 }
 
 std::string OneLine(std::string_view text)

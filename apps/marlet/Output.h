@@ -6,7 +6,8 @@
 namespace marlet::tool
 {
 
-/// Standard output. What cannot be written is a failure of the command, so nothing gets lost unnoticed.
+/// Standard output. What cannot be written is a failure of the command, so nothing gets lost unnoticed. Such
+/// a failure is told of once.
 class Output
 {
 public:
@@ -16,6 +17,11 @@ public:
     void Line(std::string_view text);
     /// @throws Failure
     void Flush();
+
+private:
+    void Fail();
+
+    bool failed_ = false;
 };
 
 /// The text with control characters as escapes, so that it stays on its line.

@@ -139,6 +139,10 @@ TEST_F(FileFailuresTest, LostOutputIsAFailure)
               "marlet: standard output: No space left on device\n");
     EXPECT_EQ(Shell("\"$MARLET\" info a.xml >/dev/full").exitCode, 1);
     EXPECT_EQ(Shell("\"$MARLET\" help >&-").exitCode, 1);
+    // More than the buffers hold.
+    EXPECT_EQ(
+        Shell("\"$MARLET\" matrix a.xml --composition Main --layer Point --frames 0..999 >/dev/full").err,
+        "marlet: standard output: No space left on device\n");
     const ToolRun closed = Shell("{ \"$MARLET\" matrix a.xml --composition Main --layer Point "
                                  "--frames 0..2147483647; echo $? >code; } | head -n 1 >/dev/null; cat code");
     EXPECT_EQ(closed.out, "1\n");
