@@ -1,0 +1,177 @@
+#include <tests/support/OddCurves.h>
+#include <tests/support/SlowCurves.h>
+
+#include <marlet/animation/PropertyValueXml.h>
+#include <marlet/foundation/Exceptions.h>
+#include <marlet/foundation/xml/XmlReader.h>
+#include <marlet/foundation/xml/XmlWriter.h>
+
+#include <boost/lexical_cast/bad_lexical_cast.hpp>
+#include <gtest/gtest.h>
+
+namespace marlet::test
+{
+namespace
+{
+
+using namespace project;
+using kytl::KyColorRGBA_32f;
+using kytl::KyID;
+using kytl::matl::KyVector;
+
+std::string Written(const PropertyValue &value)
+{
+    return ToUtf8(XmlText([&value](XmlWriter &writer) { WriteValue(writer, value); }));
+}
+
+PropertyValue Read(const std::string &child, PropertyValue value = {})
+{
+    const XmlDocument document(FromUtf8("<Value>" + child + "</Value>"));
+    ReadValue(document.Root(), value);
+    return value;
+}
+
+TEST(PropertyValueXmlTest, EachAlternativeHasItsTagAndForm)
+{
+    const KyID id = KyID::FromString("01234567-89ab-cdef-0123-456789abcdef");
+    const std::pair<PropertyValue, const char *> forms[] = {
+        {-5, "<int32_t>-5</int32_t>\n"},
+        {4294967295u, "<uint32_t>4294967295</uint32_t>\n"},
+        {static_cast<unsigned char>(200), "<uint8_t>200</uint8_t>\n"},
+        {0.1f, "<float>0.100000001</float>\n"},
+        {0.1, "<double>0.10000000000000001</double>\n"},
+        {true, "<bool>1</bool>\n"},
+        {Scale3D{0.1, 100, -1}, "<Scale3D X=\"0.10000000000000001\" Y=\"100\" Z=\"-1\"/>\n"},
+        {Orientation3D{0.1f, 90, -1}, "<Orientation3D X=\"0.1\" Y=\"90\" Z=\"-1\"/>\n"},
+        {KyColorRGBA_32f{1, 0.5f, 0, 2}, "<MarletColor R=\"1\" G=\"0.5\" B=\"0\" A=\"2\"/>\n"},
+        {Point2D{1, 2}, "<KyPoint2_32f X=\"1\" Y=\"2\"/>\n"},
+        {Point3D{1, 2, 3}, "<KyPoint3_32f X=\"1\" Y=\"2\" Z=\"3\"/>\n"},
+        {KyVector<2, float>{1, 2}, "<KyVector2_32f X=\"1\" Y=\"2\"/>\n"},
+        {KyVector<3, float>{1, 2, 3}, "<KyVector3_32f X=\"1\" Y=\"2\" Z=\"3\"/>\n"},
+        {id, "<KyID>01234567-89ab-cdef-0123-456789abcdef</KyID>\n"},
+    };
+    for (const auto &[value, text] : forms) {
+        EXPECT_EQ(Written(value), text);
+    }
+}
+
+TEST(PropertyValueXmlTest, ValuesComeBackAsTheyWereButScalesWithThePrecisionOfFloat)
+{
+    for (const auto &values : SevenValuesOfEach()) {
+        for (PropertyValue value : values) {
+            const PropertyValue read = Read(Written(value));
+            if (auto *scale = boost::get<Scale3D>(&value))
+                *scale = {float(scale->X), float(scale->Y), float(scale->Z)};
+            EXPECT_EQ(Exactly(read), Exactly(value));
+        }
+    }
+}
+
+TEST(PropertyValueXmlTest, OddTextsAreReadAsNumbersGo)
+{
+    const std::pair<const char *, PropertyValue> cases[] = {
+        {"<int32_t> +7 </int32_t>", 7},
+        {"<int32_t>2147483648</int32_t>", 0},
+        {"<int32_t>1.5</int32_t>", 0},
+        {"<uint32_t>-1</uint32_t>", 0u},
+        {"<uint8_t>300</uint8_t>", static_cast<unsigned char>(44)},
+        {"<float>1e400</float>", std::numeric_limits<float>::infinity()},
+        {"<double>one</double>", 0.0},
+        {"<bool>01</bool>", true},
+        {"<float/>", 0.0f},
+        {"text <!-- --> <float>1</float><int32_t>2</int32_t>", 1.0f},
+        {"<Scale3D X=\"0.1\" Y=\"x\" Z=\"\"/>", Scale3D{0.1f, 0, 0}},
+    };
+    for (const auto &[text, value] : cases)
+        EXPECT_EQ(Exactly(Read(text)), Exactly(value)) << text;
+}
+
+TEST(PropertyValueXmlTest, WithoutAKnownTagTheValueStays)
+{
+    for (const char *text :
+         {"", "text", "<string>x</string>", "<Float>1</Float>", "<unknown/><float>1</float>"})
+        EXPECT_EQ(Exactly(Read(text, 8u)), Exactly(8u)) << text;
+}
+
+TEST(PropertyValueXmlTest, MissingAttributesAndMalformedTextsFail)
+{
+    const auto missing = [](const char *text) -> std::string {
+        try {
+            Read(text);
+        } catch (const XmlParseException &error) {
+            return error.what();
+        }
+        return "nothing";
+    };
+    EXPECT_EQ(missing("<Scale3D X=\"1\" Z=\"1\"/>"), "Scale3D is missing attribute Y\n");
+    EXPECT_EQ(missing("<KyPoint2_32f Y=\"1\"/>"), "KyPoint2_32f is missing attribute X\n");
+    EXPECT_EQ(missing("<MarletColor R=\"1\" G=\"1\" B=\"1\"/>"), "MarletColor is missing attribute A\n");
+    EXPECT_THROW(Read("<bool>true</bool>"), boost::bad_lexical_cast);
+    EXPECT_THROW(Read("<KyID>x</KyID>"), std::runtime_error);
+}
+
+TEST(KeyFrameXmlTest, AKeyFrameIsOneElement)
+{
+    const KeyFrame key = Key(-40, 2.5f, {-10, 0.25f}, {1e30f, 0}, KeyFrameType::Hold);
+    const WideString text = KeyFrameList::SerializeKeyFrame(key);
+    EXPECT_EQ(ToUtf8(text), "<Key Time=\"-40\" Type=\"2\">\n"
+                            " <IncomingPt X=\"-10\" Y=\"0.25\"/>\n"
+                            " <OutgoingPt X=\"1e+30\" Y=\"0\"/>\n"
+                            " <Value>\n"
+                            "  <float>2.5</float>\n"
+                            " </Value>\n"
+                            "</Key>\n");
+    const KeyFrame read = KeyFrameList::DeserializeKeyFrame(text);
+    EXPECT_EQ(KeyFrameList::SerializeKeyFrame(read), text);
+    EXPECT_NE(read.ID(), key.ID());
+    EXPECT_EQ(read.Type(), KeyFrameType::Hold);
+    EXPECT_TRUE(read.IsIncomingCurveDirty() && read.IsOutgoingCurveDirty() && read.IsSpatialCurveDirty());
+}
+
+std::string Failure(const std::string &text)
+{
+    try {
+        KeyFrameList::DeserializeKeyFrame(FromUtf8(text));
+    } catch (const XmlParseException &error) {
+        return error.what();
+    }
+    return "nothing";
+}
+
+TEST(KeyFrameXmlTest, WhatIsMissingFailsInTheOrderOfReading)
+{
+    const std::string in = "<IncomingPt X='0' Y='0'/>";
+    const std::string out = "<OutgoingPt X='0' Y='0'/>";
+    const std::string value = "<Value/>";
+    const std::pair<std::string, const char *> cases[] = {
+        {"", "Wrong tag name\nKey"},
+        {"<Animation/>", "Wrong tag name\nKey"},
+        {"<Key Type='1' Time='0'>" + in + out + value, "Wrong tag name\nKey"}, // not whole
+        {"<Key/>", "Key is missing attribute Time\n"},
+        {"<Key Time='0'/>", "Key is missing attribute Type\n"},
+        {"<Key Time='0' Type='1'>" + out + value + "</Key>", "Missing element\nIncomingPt"},
+        {"<Key Time='0' Type='1'>" + in + "</Key>", "Missing element\nOutgoingPt"},
+        {"<Key Time='0' Type='1'><IncomingPt Y='0'/>" + out + "</Key>",
+         "IncomingPt is missing attribute X\n"},
+        {"<Key Time='0' Type='1'>" + in + "<OutgoingPt X='0'/></Key>", "OutgoingPt is missing attribute Y\n"},
+        {"<Key Time='0' Type='1'>" + in + out + "</Key>", "Missing element\nValue"},
+        {"<KEY Time='0' Type='1'>" + value + out + in + "</KEY>", "nothing"},
+    };
+    for (const auto &[text, failure] : cases)
+        EXPECT_EQ(Failure(text), failure) << text;
+}
+
+TEST(KeyFrameXmlTest, MalformedNumbersAreNoughtAndAMissingValueIsAnInt)
+{
+    const KeyFrame key =
+        KeyFrameList::DeserializeKeyFrame(u"<Key Time='x' Type='y'><IncomingPt X='' Y='0x1'/><OutgoingPt "
+                                          u"X='+2' Y=' 3 '/><Value>5</Value></Key>");
+    EXPECT_EQ(key.Time(), 0);
+    EXPECT_EQ(key.Type(), KeyFrameType::Bezier);
+    EXPECT_EQ(key.IncomingPoint(), (Handle{0, 0}));
+    EXPECT_EQ(key.OutgoingPoint(), (Handle{2, 3}));
+    EXPECT_EQ(Exactly(key.Value()), Exactly(0));
+}
+
+} // namespace
+} // namespace marlet::test
