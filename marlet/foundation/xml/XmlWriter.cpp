@@ -126,6 +126,8 @@ void XmlWriter::StartBlockIfFull()
 
 void XmlWriter::StartTag(std::string_view tag)
 {
+    if (open_.size() >= std::size_t(kDeepestNesting))
+        throw XmlParseException("Nesting too deep");
     StartBlockIfFull();
     if (!open_.empty()) {
         State &parent = open_.back().state;
@@ -149,8 +151,6 @@ void XmlWriter::EndTag(std::string_view tag)
 
 void XmlWriter::Begin(std::string_view tag)
 {
-    if (open_.size() >= std::size_t(kDeepestNesting))
-        throw XmlParseException("Nesting too deep");
     StartTag(tag);
     open_.push_back({tag, State::OpenTag});
 }
