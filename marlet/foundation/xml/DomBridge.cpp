@@ -29,18 +29,21 @@ QString Text(std::string_view utf8)
     return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
 }
 
-/// The element and all below it. Recursion ends at the writer's bound, since an element begins before it is
-/// looked into.
+/// The element and all below it, but for what has no name that XML can hold: it would make the text
+/// unreadable. Recursion ends at the writer's bound, since an element begins before it is looked into.
 void Write(XmlWriter &writer, const QDomElement &source)
 {
     const NarrowString tag = Name(source.nodeName());
+    if (!IsXmlName(tag))
+        return;
     const XmlElement element(writer, tag);
-    std::map<QString, QString> attributes;
+    std::map<NarrowString, QString> attributes;
     const QDomNamedNodeMap unordered = source.attributes();
     for (int i = 0; i < unordered.count(); ++i)
-        attributes.emplace(unordered.item(i).nodeName(), unordered.item(i).nodeValue());
+        attributes.emplace(Name(unordered.item(i).nodeName()), unordered.item(i).nodeValue());
     for (const auto &[name, value] : attributes)
-        writer.Attribute(Name(name), View(value));
+        if (IsXmlName(name))
+            writer.Attribute(name, View(value));
     for (QDomNode child = source.firstChild(); !child.isNull(); child = child.nextSibling()) {
         if (child.isText())
             writer.Text(View(child.nodeValue()));
@@ -49,7 +52,8 @@ void Write(XmlWriter &writer, const QDomElement &source)
     }
 }
 
-void Append(pugi::xml_node source, QDomDocument &document, QDomNode parent)
+/// The parent comes by reference, since an empty document is nothing yet until it makes its first element.
+void Append(pugi::xml_node source, QDomDocument &document, QDomNode &parent)
 {
     QDomElement element = document.createElement(Text(source.name()));
     parent.appendChild(element);

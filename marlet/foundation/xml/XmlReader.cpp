@@ -5,6 +5,7 @@
 #include <pugixml.hpp>
 
 #include <algorithm>
+#include <utility>
 
 namespace marlet::project
 {
@@ -45,6 +46,58 @@ unsigned int BlankFlags(std::string_view text)
         text.remove_prefix(declaration.size());
     return ContainsMarkup(text, '!') || ContainsMarkup(text, '?') ? pugi::parse_ws_pcdata
                                                                   : pugi::parse_ws_pcdata_single;
+}
+
+/// What a character reference says behind its "&#", in 32 bits that wrap, as the parser reckons.
+std::uint32_t ReferencedCharacter(std::string_view text)
+{
+    const bool hexadecimal = text.starts_with('x');
+    if (hexadecimal)
+        text.remove_prefix(1);
+    std::uint32_t character = 0;
+    for (const char c : text) {
+        if (c >= '0' && c <= '9')
+            character = character * (hexadecimal ? 16 : 10) + static_cast<std::uint32_t>(c - '0');
+        else if (hexadecimal && (c | 0x20) >= 'a' && (c | 0x20) <= 'f')
+            character = character * 16 + static_cast<std::uint32_t>((c | 0x20) - 'a' + 10);
+        else
+            break;
+    }
+    return character;
+}
+
+/// The end of the comment or CDATA section that a position lies in; the position itself if it is in none.
+std::size_t SectionEnd(std::string_view text, std::size_t at)
+{
+    constexpr std::pair<std::string_view, std::string_view> sections[] = {{"<!--", "-->"},
+                                                                          {"<![CDATA[", "]]>"}};
+    for (const auto &[open, close] : sections) {
+        const std::size_t start = text.rfind(open, at);
+        const std::size_t end = start == std::string_view::npos ? at : text.find(close, start);
+        if (end > at)
+            return end;
+    }
+    return at;
+}
+
+/// Whether there is a U+0000, as itself or by reference: the parser would end a value there, or the whole
+/// text.
+bool ContainsNul(std::string_view text)
+{
+    if (text.find('\0') != std::string_view::npos)
+        return true;
+    std::size_t at = text.find("&#");
+    while (at != std::string_view::npos) {
+        std::size_t next = at + 2;
+        if (ReferencedCharacter(text.substr(next)) == 0) {
+            const std::size_t end = SectionEnd(text, at);
+            if (end == at)
+                return true;
+            next = end;
+        }
+        at = text.find("&#", next);
+    }
+    return false;
 }
 
 /// The one element of a document that has nothing but blanks beside it, or null.
@@ -126,7 +179,7 @@ XmlDocument::XmlDocument(std::u16string_view text) : tree_(std::make_unique<Tree
 {
     NarrowString &utf8 = tree_->text;
     utf8 = ToUtf8(text);
-    if (utf8.find('\0') != NarrowString::npos)
+    if (ContainsNul(utf8))
         return;
     // The text's own terminator goes along, since the parser takes the last character for one.
     const auto result = tree_->document.load_buffer_inplace(

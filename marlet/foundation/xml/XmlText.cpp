@@ -3,9 +3,13 @@
 #include <boost/lexical_cast.hpp>
 
 #include <algorithm>
+#include <array>
+#include <bit>
 #include <charconv>
 #include <cmath>
 #include <limits>
+#include <optional>
+#include <span>
 
 namespace marlet::project
 {
@@ -89,33 +93,157 @@ bool IsTooLarge(std::string_view number)
     return exponent > -digitsBeforePoint;
 }
 
-/// A number without blanks and sign.
-double ParseMagnitude(std::string_view text)
+/// A number without blanks and sign; nothing for a text that is none, or whose number vanishes.
+std::optional<double> ParseMagnitude(std::string_view text)
 {
+    constexpr double infinity = std::numeric_limits<double>::infinity();
+    if (EqualsIgnoringCase(text, "inf"))
+        return infinity;
+    // Keeps out what std::from_chars takes beyond digits.
+    if (text.empty() || (!IsDigit(text.front()) && text.front() != '.'))
+        return {};
     double value = 0;
     const char *const end = text.data() + text.size();
     const auto [stop, error] = std::from_chars(text.data(), end, value);
     if (stop != end)
-        return 0;
+        return {};
     if (error == std::errc::result_out_of_range)
-        return IsTooLarge(text) ? std::numeric_limits<double>::infinity() : 0.0;
+        return IsTooLarge(text) ? std::optional(infinity) : std::nullopt;
     return value;
 }
 
-template <class Real> NumberText FormatGeneral(Real value, int digits)
+struct Range {
+    char16_t first;
+    char16_t last;
+};
+
+/// Where a name may start, beyond ASCII. Both halves of most surrogate pairs are among them.
+constexpr Range kNameStarts[] = {{0xC0, 0xD6},     {0xD8, 0xF6},     {0xF8, 0x2FF},    {0x370, 0x37D},
+                                 {0x37F, 0x1FFF},  {0x200C, 0x200D}, {0x2070, 0x218F}, {0x2C00, 0x2FEF},
+                                 {0x3001, 0xDB7F}, {0xDC00, 0xDFFF}, {0xF900, 0xFDCF}, {0xFDF0, 0xFFFC}};
+constexpr Range kOtherNameCharacters[] = {{0xB7, 0xB7}, {0x300, 0x36F}, {0x203F, 0x2040}};
+
+bool IsIn(std::span<const Range> ranges, char16_t c)
+{
+    return std::ranges::any_of(ranges, [c](Range range) { return c >= range.first && c <= range.last; });
+}
+
+bool IsNameStart(char16_t c)
+{
+    return (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z') || c == u'_' || c == u':' ||
+           IsIn(kNameStarts, c);
+}
+
+bool IsNameCharacter(char16_t c)
+{
+    return IsNameStart(c) || (c >= u'0' && c <= u'9') || c == u'-' || c == u'.' ||
+           IsIn(kOtherNameCharacters, c);
+}
+
+__extension__ using Wide = unsigned __int128;
+
+constexpr auto kPowersOfFive = [] {
+    std::array<std::uint64_t, 21> powers = {1};
+    for (std::size_t i = 1; i < powers.size(); ++i)
+        powers[i] = powers[i - 1] * 5;
+    return powers;
+}();
+
+/// From 1e-4 on: each negative power lies just above the decimal one, so that comparing with it is exact.
+constexpr std::array<double, 22> kPowersOfTen = {1e-4, 1e-3, 1e-2, 1e-1, 1e0,  1e1, 1e2,  1e3,
+                                                 1e4,  1e5,  1e6,  1e7,  1e8,  1e9, 1e10, 1e11,
+                                                 1e12, 1e13, 1e14, 1e15, 1e16, 1e17};
+constexpr int kLowestPower = -4;
+
+double PowerOfTen(int exponent)
+{
+    return kPowersOfTen[static_cast<std::size_t>(exponent - kLowestPower)];
+}
+
+/// A number as significant * 10^-scale.
+struct Decimal {
+    std::uint64_t significant;
+    int scale;
+};
+
+/// The number rounded to so many digits, halves to even. It must lie from 1e-4 up to 10^digits, where all
+/// that it takes is one exact product of integers.
+Decimal Rounded(double value, int digits)
+{
+    int exponent = kLowestPower;
+    while (value >= PowerOfTen(exponent + 1))
+        ++exponent;
+    const int scale = digits - 1 - exponent;
+    const auto bits = std::bit_cast<std::uint64_t>(value);
+    const std::uint64_t mantissa = (bits & 0xF'FFFF'FFFF'FFFF) | 0x10'0000'0000'0000;
+    const int shift = static_cast<int>(bits >> 52) - 1075 + scale;
+    const Wide product = Wide(mantissa) * kPowersOfFive[static_cast<std::size_t>(scale)];
+    if (shift >= 0)
+        return {static_cast<std::uint64_t>(product << shift), scale};
+    const auto whole = static_cast<std::uint64_t>(product >> -shift);
+    const Wide rest = product - (Wide(whole) << -shift);
+    const Wide half = Wide(1) << (-shift - 1);
+    const bool up = rest > half || (rest == half && whole % 2 == 1);
+    return {whole + (up ? 1u : 0u), scale};
+}
+
+/// Digits with a point among them, or zeros before them, and without zeros at the end.
+NumberText FormatFixed(Decimal number, bool negative)
+{
+    while (number.scale > 0 && number.significant % 10 == 0) {
+        number.significant /= 10;
+        --number.scale;
+    }
+    char digits[20];
+    char *const end = std::to_chars(digits, std::end(digits), number.significant).ptr;
+    const int count = static_cast<int>(end - digits);
+    NumberText text;
+    char *to = text.characters;
+    if (negative)
+        *to++ = '-';
+    if (count <= number.scale) {
+        *to++ = '0';
+        *to++ = '.';
+        to = std::fill_n(to, number.scale - count, '0');
+        to = std::copy(digits, end, to);
+    } else {
+        char *const point = end - number.scale;
+        to = std::copy(digits, point, to);
+        if (number.scale > 0)
+            *to++ = '.';
+        to = std::copy(point, end, to);
+    }
+    text.length = static_cast<int>(to - text.characters);
+    return text;
+}
+
+/// What printf's %g writes, for a number of any size.
+NumberText FormatAny(double value, int digits)
 {
     NumberText text;
-    // Whole numbers, which most values are, come out the same and much faster.
-    if (std::abs(value) < Real(10'000'000) && value == std::trunc(value) &&
-        !(value == 0 && std::signbit(value)))
-        return FormatInt(static_cast<std::int64_t>(value));
     // A NaN has no sign in the file, since one is not read.
     if (std::isnan(value))
         value = std::abs(value);
-    const auto result = std::to_chars(text.characters, text.characters + sizeof text.characters, value,
-                                      std::chars_format::general, digits);
+    const auto result =
+        std::to_chars(text.characters, std::end(text.characters), value, std::chars_format::general, digits);
     text.length = static_cast<int>(result.ptr - text.characters);
     return text;
+}
+
+/// Whether a number has so few digits before and zeros behind its point that its text has no exponent.
+/// Rounding might give it one more digit than there is room for near the upper end.
+bool IsMiddling(double magnitude, int digits)
+{
+    return magnitude >= PowerOfTen(kLowestPower) && magnitude < PowerOfTen(digits - 1);
+}
+
+/// Like FormatAny, and several times faster for the numbers that documents are full of.
+NumberText FormatGeneral(double value, int digits)
+{
+    const double magnitude = std::abs(value);
+    if (!IsMiddling(magnitude, digits))
+        return value == 0 && !std::signbit(value) ? FormatInt(0) : FormatAny(value, digits);
+    return FormatFixed(Rounded(magnitude, digits), value < 0);
 }
 
 template <class Integer> NumberText FormatInteger(Integer value)
@@ -127,6 +255,12 @@ template <class Integer> NumberText FormatInteger(Integer value)
 }
 
 } // namespace
+
+bool IsXmlName(std::string_view utf8)
+{
+    const WideString name = FromUtf8(utf8);
+    return !name.empty() && IsNameStart(name.front()) && std::ranges::all_of(name, IsNameCharacter);
+}
 
 std::int32_t ParseInt(std::string_view text)
 {
@@ -163,12 +297,10 @@ double ParseDouble(std::string_view text)
     const bool negative = text.starts_with('-');
     if (negative || text.starts_with('+'))
         text.remove_prefix(1);
-    double magnitude = 0;
-    if (EqualsIgnoringCase(text, "inf"))
-        magnitude = std::numeric_limits<double>::infinity();
-    else if (!text.empty() && (IsDigit(text.front()) || text.front() == '.'))
-        magnitude = ParseMagnitude(text);
-    return negative ? -magnitude : magnitude;
+    const std::optional<double> magnitude = ParseMagnitude(text);
+    if (!magnitude)
+        return 0;
+    return negative ? -*magnitude : *magnitude;
 }
 
 bool ParseBool(std::string_view text)
@@ -204,7 +336,16 @@ NumberText FormatDouble(double value)
 
 NumberText FormatFloatAttribute(float value)
 {
-    const NumberText text = FormatGeneral(value, 8);
+    constexpr int digits = 8;
+    const double magnitude = std::abs(double(value));
+    if (IsMiddling(magnitude, digits)) {
+        const Decimal shorter = Rounded(magnitude, digits);
+        // Both are small enough for the quotient to be what the text reads as.
+        const double readBack = static_cast<double>(shorter.significant) / PowerOfTen(shorter.scale);
+        return static_cast<float>(readBack) == std::abs(value) ? FormatFixed(shorter, value < 0)
+                                                               : FormatFloat(value);
+    }
+    const NumberText text = FormatGeneral(value, digits);
     return std::isnan(value) || ParseFloat(text.View()) == value ? text : FormatFloat(value);
 }
 

@@ -7,10 +7,12 @@
 namespace marlet::project
 {
 
+/// Whether a text can stand as the name of an element or an attribute.
+bool IsXmlName(std::string_view utf8);
+
 // The text of numbers in the file, which depends on no locale. Reading follows QString: blanks around a
-// number and a
-// "+" are taken, a text that is no number is 0, so is an integer out of range; "inf", "nan" and numbers
-// beyond the largest are read.
+// number and a "+" are taken, a text that is no number is 0, so is an integer out of range; "inf", "nan" and
+// numbers beyond the largest are read.
 
 std::int32_t ParseInt(std::string_view text);
 std::uint32_t ParseUInt(std::string_view text);

@@ -4,6 +4,7 @@
 #include <marlet/foundation/xml/XmlReader.h>
 
 #include <algorithm>
+#include <array>
 #include <utility>
 
 namespace marlet::project
@@ -12,14 +13,25 @@ namespace marlet::project
 namespace
 {
 
-constexpr std::size_t kFirstRoom = 1024;
+/// Small enough to stay in a processor's cache until it is turned into UTF-16.
+constexpr std::size_t kBlockSize = 64 * 1024;
 
-/// Whether a character may be more than itself in a text or an attribute.
-template <class Char> bool NeedsCare(Char c)
+/// The characters that may be more than themselves in a text or an attribute.
+constexpr auto kNeedsCare = [] {
+    std::array<bool, 256> table{};
+    for (std::size_t c = 0; c < 0x20; ++c)
+        table[c] = true;
+    for (const char c : {'<', '&', '>', '"'})
+        table[static_cast<std::size_t>(c)] = true;
+    return table;
+}();
+
+bool IsAscii(std::string_view text)
 {
-    const auto unit = static_cast<char16_t>(c);
-    return unit < 0x20 || unit == u'<' || unit == u'&' || unit == u'>' || unit == u'"' ||
-           (unit >= 0xD800 && (unit < 0xE000 || unit >= 0xFFFE));
+    unsigned char all = 0;
+    for (const char c : text)
+        all |= static_cast<unsigned char>(c);
+    return all < 0x80;
 }
 
 bool IsSurrogatePair(std::u16string_view text, std::size_t at)
@@ -27,28 +39,45 @@ bool IsSurrogatePair(std::u16string_view text, std::size_t at)
     return at + 1 < text.size() && (text[at] & 0xFC00) == 0xD800 && (text[at + 1] & 0xFC00) == 0xDC00;
 }
 
-bool IsAscii(std::string_view text)
+/// Lone surrogates, U+FFFE and U+FFFF; XML cannot hold control characters either, but they go with what is
+/// escaped.
+bool IsForbidden(std::u16string_view text, std::size_t at)
 {
-    return std::ranges::none_of(text, [](char c) { return static_cast<unsigned char>(c) >= 0x80; });
+    const bool surrogate = (text[at] & 0xF800) == 0xD800;
+    const bool ofPair = IsSurrogatePair(text, at) || (at > 0 && IsSurrogatePair(text, at - 1));
+    return (surrogate && !ofPair) || text[at] >= 0xFFFE;
 }
 
-/// What stands for a character below U+0080 that needs care; empty for one that XML cannot hold.
-std::string_view Escaped(char16_t c, bool attribute, bool afterBrackets)
+NarrowString AllowedUtf8(std::u16string_view text)
+{
+    WideString allowed;
+    std::size_t taken = 0;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] < 0xD800 || !IsForbidden(text, i))
+            continue;
+        allowed += text.substr(taken, i - taken);
+        taken = i + 1;
+    }
+    return ToUtf8(taken == 0 ? text : allowed.append(text.substr(taken)));
+}
+
+/// What stands for a character that needs care; empty for one that XML cannot hold.
+std::string_view Escaped(char c, bool attribute, bool afterBrackets)
 {
     switch (c) {
-    case u'<':
+    case '<':
         return "&lt;";
-    case u'&':
+    case '&':
         return "&amp;";
-    case u'>':
+    case '>':
         return afterBrackets ? "&gt;" : ">";
-    case u'"':
+    case '"':
         return attribute ? "&quot;" : "\"";
-    case u'\r':
+    case '\r':
         return "&#xd;";
-    case u'\n':
+    case '\n':
         return attribute ? "&#xa;" : "\n";
-    case u'\t':
+    case '\t':
         return attribute ? "&#x9;" : "\t";
     default:
         return {};
@@ -59,90 +88,63 @@ std::string_view Escaped(char16_t c, bool attribute, bool afterBrackets)
 
 XmlWriter::XmlWriter() = default;
 
-char16_t *XmlWriter::Room(std::size_t length)
-{
-    if (text_.size() - used_ < length)
-        text_.resize(std::max({kFirstRoom, 2 * text_.size(), used_ + length}));
-    return text_.data() + used_;
-}
-
-void XmlWriter::Append(std::string_view ascii)
-{
-    char16_t *const to = Room(ascii.size());
-    for (std::size_t i = 0; i < ascii.size(); ++i)
-        to[i] = static_cast<unsigned char>(ascii[i]);
-    used_ += ascii.size();
-}
-
-void XmlWriter::Append(std::u16string_view text)
-{
-    std::ranges::copy(text, Room(text.size()));
-    used_ += text.size();
-}
-
-void XmlWriter::AppendName(std::string_view name)
-{
-    if (IsAscii(name))
-        Append(name);
-    else
-        Append(FromUtf8(name));
-}
-
-template <class Char> void XmlWriter::AppendEscaped(std::basic_string_view<Char> text, bool attribute)
+void XmlWriter::AppendEscaped(std::string_view utf8, bool attribute)
 {
     std::size_t plain = 0;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (!NeedsCare(text[i]))
+    for (std::size_t i = 0; i < utf8.size(); ++i) {
+        if (!kNeedsCare[static_cast<unsigned char>(utf8[i])])
             continue;
-        Append(text.substr(plain, i - plain));
+        block_ += utf8.substr(plain, i - plain);
+        block_ += Escaped(utf8[i], attribute, block_.ends_with("]]"));
         plain = i + 1;
-        if constexpr (std::is_same_v<Char, char16_t>) {
-            if (IsSurrogatePair(text, i)) {
-                plain = i;
-                ++i;
-                continue;
-            }
-        }
-        const bool afterBrackets = used_ >= 2 && text_[used_ - 1] == u']' && text_[used_ - 2] == u']';
-        Append(Escaped(static_cast<char16_t>(text[i]), attribute, afterBrackets));
     }
-    Append(text.substr(plain));
+    block_ += utf8.substr(plain);
 }
 
-void XmlWriter::AppendEscapedUtf8(std::string_view utf8, bool attribute)
+void XmlWriter::AppendContent(std::u16string_view text, bool attribute)
+{
+    AppendEscaped(AllowedUtf8(text), attribute);
+}
+
+void XmlWriter::AppendContent(std::string_view utf8, bool attribute)
 {
     if (IsAscii(utf8))
         AppendEscaped(utf8, attribute);
     else
-        AppendEscaped(std::u16string_view(FromUtf8(utf8)), attribute);
+        AppendContent(FromUtf8(utf8), attribute);
 }
 
-void XmlWriter::Indent(std::size_t depth)
+/// Between elements, so that no character and no "]]>" is torn apart.
+void XmlWriter::StartBlockIfFull()
 {
-    std::fill_n(Room(depth), depth, u' ');
-    used_ += depth;
+    if (block_.size() < kBlockSize)
+        return;
+    fullBlocks_.push_back(std::move(block_));
+    block_ = NarrowString();
+    block_.reserve(kBlockSize + kBlockSize / 8);
 }
 
 void XmlWriter::StartTag(std::string_view tag)
 {
+    StartBlockIfFull();
     if (!open_.empty()) {
         State &parent = open_.back().state;
         if (parent == State::OpenTag)
-            Append(">\n");
+            block_ += ">\n";
         // Behind a text a blank would belong to it.
         if (parent != State::Text)
-            Indent(open_.size());
+            block_.append(open_.size(), ' ');
         parent = State::Children;
     }
-    Append("<");
-    AppendName(tag);
+    block_ += '<';
+    block_ += tag;
 }
 
 void XmlWriter::EndTag(std::string_view tag)
 {
-    Append("</");
-    AppendName(tag);
-    Append(">\n");
+    block_ += "</";
+    block_ += tag;
+    block_ += ">\n";
 }
 
 void XmlWriter::Begin(std::string_view tag)
@@ -158,33 +160,33 @@ void XmlWriter::End()
     const Open element = open_.back();
     open_.pop_back();
     if (element.state == State::OpenTag) {
-        Append("/>\n");
+        block_ += "/>\n";
         return;
     }
     if (element.state == State::Children)
-        Indent(open_.size());
+        block_.append(open_.size(), ' ');
     EndTag(element.tag);
 }
 
 void XmlWriter::StartAttribute(std::string_view name)
 {
-    Append(" ");
-    AppendName(name);
-    Append("=\"");
+    block_ += " ";
+    block_ += name;
+    block_ += "=\"";
 }
 
 void XmlWriter::AppendAttribute(std::string_view name, std::string_view ascii)
 {
     StartAttribute(name);
-    Append(ascii);
-    Append("\"");
+    block_ += ascii;
+    block_ += "\"";
 }
 
 void XmlWriter::AppendChild(std::string_view name, std::string_view ascii)
 {
     StartTag(name);
-    Append(">");
-    Append(ascii);
+    block_ += ">";
+    block_ += ascii;
     EndTag(name);
 }
 
@@ -232,38 +234,38 @@ void XmlWriter::Attribute(std::string_view name, const kytl::KyID &value)
 void XmlWriter::Attribute(std::string_view name, std::u16string_view value)
 {
     StartAttribute(name);
-    AppendEscaped(value, true);
-    Append("\"");
+    AppendContent(value, true);
+    block_ += "\"";
 }
 
 void XmlWriter::Attribute(std::string_view name, std::string_view utf8)
 {
     StartAttribute(name);
-    AppendEscapedUtf8(utf8, true);
-    Append("\"");
+    AppendContent(utf8, true);
+    block_ += "\"";
 }
 
 void XmlWriter::StartText()
 {
     State &state = open_.back().state;
     if (state == State::OpenTag)
-        Append(">");
+        block_ += ">";
     // The line feed behind the element before would belong to the text.
     if (state == State::Children)
-        --used_;
+        block_.pop_back();
     state = State::Text;
 }
 
 void XmlWriter::Text(std::u16string_view text)
 {
     StartText();
-    AppendEscaped(text, false);
+    AppendContent(text, false);
 }
 
 void XmlWriter::Text(std::string_view utf8)
 {
     StartText();
-    AppendEscapedUtf8(utf8, false);
+    AppendContent(utf8, false);
 }
 
 void XmlWriter::Child(std::string_view name, int value)
@@ -300,8 +302,8 @@ void XmlWriter::Child(std::string_view name, const kytl::KyID &value)
 void XmlWriter::Child(std::string_view name, const WideString &value)
 {
     StartTag(name);
-    Append(">");
-    AppendEscaped(std::u16string_view(value), false);
+    block_ += ">";
+    AppendContent(value, false);
     EndTag(name);
 }
 
@@ -312,13 +314,24 @@ void XmlWriter::Child(std::string_view name, const kytl::KyColorRGBA_32f &value)
     AppendAttribute("G", FormatFloatAttribute(value.G).View());
     AppendAttribute("B", FormatFloatAttribute(value.B).View());
     AppendAttribute("A", FormatFloatAttribute(value.A).View());
-    Append("/>\n");
+    block_ += "/>\n";
 }
 
 WideString XmlWriter::Take()
 {
-    text_.resize(std::exchange(used_, 0));
-    return std::exchange(text_, {});
+    fullBlocks_.push_back(std::move(block_));
+    std::size_t size = 0;
+    for (const NarrowString &block : fullBlocks_)
+        size += block.size();
+    WideString text(size, u'\0');
+    char16_t *to = text.data();
+    for (NarrowString &block : fullBlocks_) {
+        to = IsAscii(block) ? std::ranges::copy(block, to).out : std::ranges::copy(FromUtf8(block), to).out;
+        block = NarrowString();
+    }
+    text.resize(static_cast<std::size_t>(to - text.data()));
+    fullBlocks_.clear();
+    return text;
 }
 
 } // namespace marlet::project

@@ -71,14 +71,10 @@ private:
         State state;
     };
 
-    /// Where that many units can be written before used_ moves on.
-    char16_t *Room(std::size_t length);
-    void Append(std::string_view ascii);
-    void Append(std::u16string_view text);
-    void AppendName(std::string_view name);
-    template <class Char> void AppendEscaped(std::basic_string_view<Char> text, bool attribute);
-    void AppendEscapedUtf8(std::string_view utf8, bool attribute);
-    void Indent(std::size_t depth);
+    void AppendEscaped(std::string_view utf8, bool attribute);
+    void AppendContent(std::u16string_view text, bool attribute);
+    void AppendContent(std::string_view utf8, bool attribute);
+    void StartBlockIfFull();
     void StartTag(std::string_view tag);
     void EndTag(std::string_view tag);
     void StartAttribute(std::string_view name);
@@ -86,9 +82,9 @@ private:
     void AppendAttribute(std::string_view name, std::string_view ascii);
     void AppendChild(std::string_view name, std::string_view ascii);
 
-    /// The text, and behind its end room that is grown in advance.
-    WideString text_;
-    std::size_t used_ = 0;
+    // The text in UTF-8, which is half as much to write until it is taken, and in blocks, which never move.
+    std::vector<NarrowString> fullBlocks_;
+    NarrowString block_;
     std::vector<Open> open_;
 };
 
