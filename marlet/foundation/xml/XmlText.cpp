@@ -276,7 +276,9 @@ template <class Integer> NumberText FormatInteger(Integer value)
 bool IsXmlName(std::string_view utf8)
 {
     const WideString name = FromUtf8(utf8);
-    return !name.empty() && IsNameStart(name.front()) && std::ranges::all_of(name, IsNameCharacter);
+    // Bytes that are no UTF-8 were replaced by a character that may stand in a name.
+    return !name.empty() && ToUtf8(name) == utf8 && IsNameStart(name.front()) &&
+           std::ranges::all_of(name, IsNameCharacter);
 }
 
 std::int32_t ParseInt(std::string_view text)
