@@ -30,6 +30,10 @@ LayerProperty FixedProperty(const char *name, const PropertyValue &value);
 LayerProperties RotationProperties(const Orientation3D &orientation);
 /// From "anchorPoint" to "rotationZ": what places a layer that has a size.
 LayerProperties TransformationProperties();
+/// "opacity", in percent.
+LayerProperty OpacityProperty();
+/// From "illuminated" to "matEmissiveColor": what a layer and the lights of its composition do to each other.
+LayerProperties MaterialProperties();
 
 /// @throws ProjectException with the status of a property that cannot be created
 void CreateProperties(PropertyManager &manager, const LayerProperties &properties);
