@@ -54,7 +54,7 @@ PropertyValue KeyFrameList_Impl::ValueAt(int time, bool isSpatialProperty) const
 {
     if (time < times.front())
         return nodes.front()->key.value_;
-    const std::size_t position = LastNotAfter(times.data(), times.size(), time);
+    const std::size_t position = LastNotAfter(times, time);
     if (times[position] == time && position > 0 && times[position - 1] == time)
         return nodes[FirstFrom(time)]->key.value_;
     if (times[position] == time || position + 1 == Size())

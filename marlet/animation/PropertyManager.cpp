@@ -2,7 +2,7 @@
 
 #include <marlet/animation/KeyFrameList_Impl.h>
 #include <marlet/animation/PropertyManager_Impl.h>
-#include <marlet/animation/XmlName.h>
+#include <marlet/foundation/xml/XmlText.h>
 
 #include <algorithm>
 #include <stdexcept>

@@ -1,10 +1,10 @@
 #include <marlet/animation/TemporalCurve.h>
 
-#include <marlet/animation/SortedTimes.h>
 #include <marlet/foundation/Numbers.h>
 
 #include <algorithm>
 #include <bit>
+#include <limits>
 #include <vector>
 
 namespace marlet::project
@@ -62,8 +62,13 @@ public:
         Subdivide(first, last, {{p0_, p1_, p2_, p3_}});
     }
 
-    /// Sorted by time.
-    const std::vector<Entry> &Entries() const { return entries_; }
+    /// Sorted by time, without those before and behind the piece, where nothing is looked up.
+    std::vector<Entry> Entries() const
+    {
+        const auto first = std::ranges::lower_bound(entries_, inputs_.firstTime, {}, &Entry::time);
+        const auto end = std::ranges::upper_bound(entries_, inputs_.secondTime, {}, &Entry::time);
+        return {first, end};
+    }
 
 private:
     double TimeAt(double t) const
@@ -99,17 +104,95 @@ private:
     std::vector<Entry> entries_;
 };
 
+/// The entries of a table as they stand in memory: their times as offsets from the first one, in groups,
+/// before them the first offset of each group, and behind them their parameters.
+///
+/// A lookup counts what is not after a time in the first offsets and then in one group. That takes no branch
+/// and few instructions, which keeps the processor busy with the next lookups while memory answers.
+template <class Offset, class Parameter> class EntryArrays
+{
+public:
+    static std::size_t Size(std::size_t count)
+    {
+        const std::size_t offsets = Padded(Groups(count)) + Padded(count);
+        return offsets * sizeof(Offset) + count * sizeof(Parameter);
+    }
+
+    /// Whether the entries lose nothing in this form. Parameters are sums of few powers of two.
+    static bool Hold(const std::vector<Entry> &entries)
+    {
+        return OffsetOf(entries.back(), entries) <= kEnd &&
+               std::ranges::all_of(entries, [](const Entry &entry) {
+                   return static_cast<double>(static_cast<Parameter>(entry.parameter)) == entry.parameter;
+               });
+    }
+
+    static void Write(void *memory, const std::vector<Entry> &entries)
+    {
+        const auto firsts = static_cast<Offset *>(memory);
+        const auto offsets = firsts + Padded(Groups(entries.size()));
+        const auto parameters = reinterpret_cast<Parameter *>(offsets + Padded(entries.size()));
+        std::fill(firsts, reinterpret_cast<Offset *>(parameters), kEnd);
+        for (std::size_t i = 0; i < entries.size(); ++i) {
+            offsets[i] = static_cast<Offset>(OffsetOf(entries[i], entries));
+            parameters[i] = static_cast<Parameter>(entries[i].parameter);
+            if (i % kGroup == 0)
+                firsts[i / kGroup] = offsets[i];
+        }
+    }
+
+    static double Interpolate(const void *memory, std::size_t count, std::uint32_t offset)
+    {
+        const auto firsts = static_cast<const Offset *>(memory);
+        const auto offsets = firsts + Padded(Groups(count));
+        const auto parameters = reinterpret_cast<const Parameter *>(offsets + Padded(count));
+        const auto sought = static_cast<Offset>(offset);
+        const std::size_t group = CountNotAfter(firsts, Padded(Groups(count)), sought) - 1;
+        const std::size_t begin = group * kGroup;
+        const std::size_t high = begin + CountNotAfter(offsets + begin, kGroup, sought);
+        const double lowTime = offsets[high - 1];
+        const double lowParameter = parameters[high - 1];
+        return lowParameter +
+               (offset - lowTime) * ((parameters[high] - lowParameter) / (offsets[high] - lowTime));
+    }
+
+private:
+    static constexpr std::size_t kGroup = 16;
+    /// Fills up the groups: later than any time that is asked for.
+    static constexpr Offset kEnd = std::numeric_limits<Offset>::max();
+
+    static std::size_t Groups(std::size_t count) { return (count + kGroup - 1) / kGroup; }
+    static std::size_t Padded(std::size_t count) { return Groups(count) * kGroup; }
+
+    static std::uint32_t OffsetOf(const Entry &entry, const std::vector<Entry> &entries)
+    {
+        return std::uint32_t(entry.time) - std::uint32_t(entries.front().time);
+    }
+
+    static std::size_t CountNotAfter(const Offset *offsets, std::size_t count, Offset offset)
+    {
+        Offset result = 0;
+        for (std::size_t i = 0; i < count; ++i)
+            result = static_cast<Offset>(result + (offsets[i] <= offset));
+        return result;
+    }
+};
+
+using CompactEntries = EntryArrays<std::uint16_t, float>;
+using WideEntries = EntryArrays<std::uint32_t, double>;
+
 } // namespace
 
 std::unique_ptr<TemporalTable> TemporalTable::Build(const TemporalInputs &inputs)
 {
-    const Subdivision subdivision(inputs);
-    const std::vector<Entry> &entries = subdivision.Entries();
-    void *memory = ::operator new(sizeof(TemporalTable) + entries.size() * (sizeof(double) + sizeof(int)));
-    std::unique_ptr<TemporalTable> table(new (memory) TemporalTable(inputs));
-    table->count_ = entries.size();
-    std::ranges::transform(entries, table->Parameters(), &Entry::parameter);
-    std::ranges::transform(entries, table->Times(), &Entry::time);
+    const std::vector<Entry> entries = Subdivision(inputs).Entries();
+    const bool isCompact = CompactEntries::Hold(entries);
+    const std::size_t size =
+        isCompact ? CompactEntries::Size(entries.size()) : WideEntries::Size(entries.size());
+    void *memory = ::operator new(sizeof(TemporalTable) + size);
+    std::unique_ptr<TemporalTable> table(new (memory) TemporalTable(inputs, entries.size(), isCompact));
+    isCompact ? CompactEntries::Write(table.get() + 1, entries)
+              : WideEntries::Write(table.get() + 1, entries);
     return table;
 }
 
@@ -122,12 +205,9 @@ bool TemporalTable::IsBuiltFrom(const TemporalInputs &inputs) const
 
 double TemporalTable::Parameter(int time) const
 {
-    const int *times = Times();
-    const std::size_t low = LastNotAfter(times, count_, time);
-    const double *parameters = Parameters();
-    const double lowTime = times[low];
-    return parameters[low] +
-           (time - lowTime) * ((parameters[low + 1] - parameters[low]) / (times[low + 1] - lowTime));
+    const std::uint32_t offset = std::uint32_t(time) - std::uint32_t(inputs_.firstTime);
+    return isCompact_ ? CompactEntries::Interpolate(this + 1, count_, offset)
+                      : WideEntries::Interpolate(this + 1, count_, offset);
 }
 
 } // namespace marlet::project

@@ -31,16 +31,15 @@ public:
     double Parameter(int time) const;
 
 private:
-    explicit TemporalTable(const TemporalInputs &inputs) : inputs_(inputs) {}
-
-    // The entries follow the object: all parameters, then all times, both in the order of time.
-    double *Parameters() { return reinterpret_cast<double *>(this + 1); }
-    const double *Parameters() const { return reinterpret_cast<const double *>(this + 1); }
-    int *Times() { return reinterpret_cast<int *>(Parameters() + count_); }
-    const int *Times() const { return reinterpret_cast<const int *>(Parameters() + count_); }
+    TemporalTable(const TemporalInputs &inputs, std::size_t count, bool isCompact)
+        : inputs_(inputs), count_(count), isCompact_(isCompact)
+    {
+    }
 
     TemporalInputs inputs_;
-    std::size_t count_ = 0;
+    std::size_t count_;
+    /// Which of two forms the entries have that follow the object.
+    bool isCompact_;
 };
 
 } // namespace marlet::project

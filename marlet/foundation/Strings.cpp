@@ -9,7 +9,7 @@ namespace marlet::project
 namespace
 {
 
-constexpr std::size_t kBlock = 16;
+constexpr std::size_t kBlock = 32;
 constexpr char32_t kReplacement = 0xFFFD;
 
 bool IsHighSurrogate(char32_t unit)
@@ -25,18 +25,21 @@ bool IsLowSurrogate(char32_t unit)
 /// Whether the block has nothing but ASCII. Without a branch inside, so that it compiles to vector code.
 template <class Char> bool IsAsciiBlock(const Char *block)
 {
-    unsigned int all = 0;
+    Char all = 0;
     for (std::size_t i = 0; i < kBlock; ++i)
-        all |= static_cast<std::make_unsigned_t<Char>>(block[i]);
-    return all < 0x80;
+        all = static_cast<Char>(all | block[i]);
+    return (all & Char(~0x7F)) == 0;
 }
 
 /// At least as many bytes as the text has in UTF-8, and exactly as many where it has no surrogates.
 std::size_t Utf8Bound(std::u16string_view text)
 {
     std::size_t bytes = text.size();
-    for (const char16_t unit : text)
-        bytes += (unit >= 0x80 ? 1u : 0u) + (unit >= 0x800 ? 1u : 0u);
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        while (text.size() - i > kBlock && IsAsciiBlock(text.data() + i))
+            i += kBlock;
+        bytes += (text[i] >= 0x80 ? 1u : 0u) + (text[i] >= 0x800 ? 1u : 0u);
+    }
     return bytes;
 }
 

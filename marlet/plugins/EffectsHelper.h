@@ -24,7 +24,7 @@ class XmlWriter;
 ///
 /// A plug-in that is missing, or older than the one that saved the file, ends the load. One that is the same
 /// or newer loads: its own set of properties wins, and those that the file knows take their values from it.
-/// Without a plug-in manager effects are skipped. Failures leave what was read until then.
+/// Without a plug-in manager effects are skipped. A failure leaves a list as it was.
 class MARLET_EXPORT EffectsHelper
 {
 public:
@@ -41,7 +41,8 @@ public:
     static void SerializeUIState(QDomDocument *document, QDomElement *parent, const UIStates &states);
     /// Takes over what the element's "UIState" says of the names that are there.
     static void SynchronizeUIState(QDomElement *parent, UIStates &states);
-    /// Takes over the static values and key frames of the properties that both have.
+    /// Takes over the static values, whatever their type, and the key frames of the properties that both
+    /// have. Whether these move along a path in space stays for the properties to say.
     static void SynchronizeSourceWithDest(PropertyManager &properties, const PropertyManager &fromFile);
     /// -1, 0 or 1 as a is older than, the same as, or newer than b.
     static int ComparePluginVersions(const AbstractPlugin::VersionInfo &a,

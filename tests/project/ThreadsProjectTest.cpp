@@ -116,22 +116,35 @@ TEST(Threads, ReadAnImageWhileTheHostChangesIt)
     const WideString high = files.Write("high.png", files.Plain(10, 40, QImage::Format_ARGB32));
     const auto asset = ImageAsset::Create(wide);
     std::atomic<int> faults = 0;
+    std::atomic<int> changes = 0;
+    std::atomic<int> reads = 0;
+    const auto change = [&] {
+        asset->SetFilename(++changes % 2 ? wide : high);
+        faults += asset->Filename().empty();
+        asset->Sleep();
+    };
+    const auto readPixels = [&] {
+        boost::shared_array<unsigned char> pixels;
+        int width = 0;
+        int height = 0;
+        faults += asset->ReadPixelData(100, 100, pixels, &width, &height) != 0;
+        faults += width * height != 400 || pixels[0] == 0;
+        faults += ImageAsset::Copy(asset)->PixelBitCount() == 0;
+    };
+    const auto readHeader = [&] {
+        faults += asset->Width() + asset->Height() == 0;
+        faults += asset->Status() != ImageAsset::FileStatus::Usable || asset->IsOffline();
+        ++reads;
+    };
     OnAllThreads([&](int thread) {
-        for (int i = 0; i < 50; ++i) {
-            if (thread == 0) {
-                asset->SetFilename(i % 2 ? wide : high);
-                faults += asset->Filename().empty();
-                asset->Sleep();
-                continue;
-            }
-            boost::shared_array<unsigned char> pixels;
-            int width = 0;
-            int height = 0;
-            faults += asset->ReadPixelData(100, 100, pixels, &width, &height) != 0;
-            faults += width * height != 400 || pixels[0] == 0;
-            faults += asset->Width() + asset->Height() == 0;
-            faults += asset->Status() != ImageAsset::FileStatus::Usable || asset->IsOffline();
-            faults += ImageAsset::Copy(asset)->PixelBitCount() == 0;
+        // Until each side has got its turn often enough to meet the other.
+        while (changes < 200 || reads < 1000) {
+            if (thread == 0)
+                change();
+            else if (thread == 1)
+                readPixels();
+            else
+                readHeader();
         }
     });
     EXPECT_EQ(faults, 0);

@@ -119,21 +119,20 @@ void BoundNesting(pugi::xml_node root)
 {
     int depth = 1;
     pugi::xml_node node = root;
-    while (true) {
+    while (node) {
         if (depth > kDeepestNesting && IsElement(node))
             throw XmlParseException("Nesting too deep");
-        if (const pugi::xml_node child = node.first_child()) {
-            node = child;
+        pugi::xml_node next = node.first_child();
+        if (next)
             ++depth;
-            continue;
+        while (!next && node != root) {
+            next = node.next_sibling();
+            if (!next) {
+                node = node.parent();
+                --depth;
+            }
         }
-        while (node != root && !node.next_sibling()) {
-            node = node.parent();
-            --depth;
-        }
-        if (node == root)
-            return;
-        node = node.next_sibling();
+        node = next;
     }
 }
 

@@ -47,6 +47,11 @@ template <class Integer> Integer ParseInteger(std::string_view text)
     return error == std::errc() && stop == end ? value : 0;
 }
 
+bool IsAscii(std::string_view text)
+{
+    return std::ranges::none_of(text, [](char c) { return static_cast<unsigned char>(c) >= 0x80; });
+}
+
 /// Qt takes Unicode's blanks around a floating number and its minus sign in it.
 NarrowString WithPlainBlanksAndSigns(std::string_view text)
 {
@@ -110,6 +115,18 @@ std::optional<double> ParseMagnitude(std::string_view text)
     if (error == std::errc::result_out_of_range)
         return IsTooLarge(text) ? std::optional(infinity) : std::nullopt;
     return value;
+}
+
+std::optional<double> ParseReal(std::string_view text)
+{
+    text = Trimmed(text);
+    if (EqualsIgnoringCase(text, "nan"))
+        return std::numeric_limits<double>::quiet_NaN();
+    const bool negative = text.starts_with('-');
+    if (negative || text.starts_with('+'))
+        text.remove_prefix(1);
+    const std::optional<double> magnitude = ParseMagnitude(text);
+    return negative && magnitude ? -*magnitude : magnitude;
 }
 
 struct Range {
@@ -259,7 +276,9 @@ template <class Integer> NumberText FormatInteger(Integer value)
 bool IsXmlName(std::string_view utf8)
 {
     const WideString name = FromUtf8(utf8);
-    return !name.empty() && IsNameStart(name.front()) && std::ranges::all_of(name, IsNameCharacter);
+    // Bytes that are no UTF-8 were replaced by a character that may stand in a name.
+    return !name.empty() && ToUtf8(name) == utf8 && IsNameStart(name.front()) &&
+           std::ranges::all_of(name, IsNameCharacter);
 }
 
 std::int32_t ParseInt(std::string_view text)
@@ -289,18 +308,10 @@ float ParseFloat(std::string_view text)
 
 double ParseDouble(std::string_view text)
 {
-    if (std::ranges::any_of(text, [](char c) { return static_cast<unsigned char>(c) >= 0x80; }))
-        return ParseDouble(WithPlainBlanksAndSigns(text));
-    text = Trimmed(text);
-    if (EqualsIgnoringCase(text, "nan"))
-        return std::numeric_limits<double>::quiet_NaN();
-    const bool negative = text.starts_with('-');
-    if (negative || text.starts_with('+'))
-        text.remove_prefix(1);
-    const std::optional<double> magnitude = ParseMagnitude(text);
-    if (!magnitude)
-        return 0;
-    return negative ? -*magnitude : *magnitude;
+    std::optional<double> value = ParseReal(text);
+    if (!value && !IsAscii(text))
+        value = ParseReal(WithPlainBlanksAndSigns(text));
+    return value.value_or(0);
 }
 
 bool ParseBool(std::string_view text)

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace marlet::tool
+{
+
+class Arguments;
+class Output;
+
+struct OptionSpec {
+    std::string name;        ///< with its dashes
+    std::string placeholder; ///< of its value; empty for a switch
+    std::string help;
+};
+
+/// A command of the tool: how it is called and what it does.
+struct CommandSpec {
+    std::string name;
+    std::string summary;
+    std::string synopsis; ///< what follows the name
+    std::size_t leastOperands;
+    std::size_t mostOperands;
+    std::vector<OptionSpec> options;
+    void (*run)(const Arguments &, Output &);
+};
+
+const CommandSpec &InfoCommand();
+const CommandSpec &ValueCommand();
+const CommandSpec &MatrixCommand();
+const CommandSpec &ParentCommand();
+const CommandSpec &SaveCommand();
+const CommandSpec &ImageCommand();
+const CommandSpec &TimecodeCommand();
+const CommandSpec &CheckCommand();
+const CommandSpec &NewCommand();
+
+} // namespace marlet::tool

@@ -1,0 +1,126 @@
+#include "Document.h"
+
+#include "Failure.h"
+#include "Output.h"
+#include "TextFile.h"
+
+#include <marlet/layers/Abstract3DEffect.h>
+#include <marlet/layers/Abstract3DEffectFactory.h>
+#include <marlet/layers/AbstractLayer.h>
+#include <marlet/project/AbstractAssetInstance.h>
+#include <marlet/project/AssetList.h>
+#include <marlet/project/CompositionAsset.h>
+#include <marlet/project/Project.h>
+
+#include <optional>
+
+namespace marlet::tool
+{
+
+using namespace project;
+
+namespace
+{
+
+/// The tool has no 3D effects of its own.
+class NoEffects : public Abstract3DEffectFactory
+{
+public:
+    std::shared_ptr<Abstract3DEffect> Create(void *, ProjectTextureImageCache &) const override { return {}; }
+};
+
+/// Files hold no lists of instances that are read back: keeping them is a host's work.
+void FillInstances(const Project &project)
+{
+    for (const CompositionPointer &composition : Compositions(project)) {
+        for (const LayerPointer &layer : composition->Layers()) {
+            const auto instance = std::dynamic_pointer_cast<AbstractAssetInstance>(layer);
+            if (!instance)
+                continue;
+            if (const auto asset = project.Assets().GetByID(instance->AssetID()))
+                asset->Instances().Add(instance);
+        }
+    }
+}
+
+std::optional<kytl::KyID> ParseID(const std::string &text)
+{
+    try {
+        return kytl::KyID::FromString(text);
+    } catch (const std::runtime_error &) {
+        return std::nullopt;
+    }
+}
+
+/// The only one of the objects whose ID or name is the text; an ID goes before a name.
+template <class Objects>
+typename Objects::value_type FindByIdOrName(const Objects &objects, const std::string &kind,
+                                            const std::string &text)
+{
+    const std::optional<kytl::KyID> id = ParseID(text);
+    const WideString name = FromUtf8(text);
+    typename Objects::value_type found;
+    int count = 0;
+    for (const auto &object : objects) {
+        if (id == object->ID())
+            return object;
+        if (object->Name() == name && ++count == 1)
+            found = object;
+    }
+    if (count == 0)
+        throw Failure("There is no " + kind + " \"" + OneLine(text) + "\"");
+    if (count > 1)
+        throw Failure("There are " + std::to_string(count) + " " + kind + "s of the name \"" + OneLine(text) +
+                      "\": give the ID");
+    return found;
+}
+
+} // namespace
+
+ProjectPointer ParseProject(const WideString &text)
+{
+    ProjectPointer project = Project::CreateFromXml(text, {}, nullptr, NoEffects());
+    FillInstances(*project);
+    return project;
+}
+
+ProjectPointer ReadProject(const std::string &path)
+{
+    ProjectPointer project = ParseProject(ReadTextFile(path));
+    project->SetFilename(FromUtf8(path));
+    return project;
+}
+
+void WriteProject(const Project &project, const std::string &path)
+{
+    WriteFile(path, ToUtf8(project.Serialize()));
+}
+
+std::vector<CompositionPointer> Compositions(const Project &project)
+{
+    std::vector<CompositionPointer> compositions;
+    for (const auto &asset : project.Assets().GetByType(AssetType::Composition))
+        if (auto composition = std::dynamic_pointer_cast<CompositionAsset>(asset))
+            compositions.push_back(std::move(composition));
+    return compositions;
+}
+
+std::unordered_map<kytl::KyID, LayerPointer> LayersByID(const CompositionAsset &composition)
+{
+    std::unordered_map<kytl::KyID, LayerPointer> layers;
+    for (const LayerPointer &layer : composition.Layers())
+        layers.emplace(layer->ID(), layer);
+    return layers;
+}
+
+CompositionPointer FindComposition(const Project &project, const std::string &idOrName)
+{
+    return FindByIdOrName(Compositions(project), "composition", idOrName);
+}
+
+LayerPointer FindLayer(const CompositionAsset &composition, const std::string &idOrName)
+{
+    return FindByIdOrName(composition.Layers(), "layer", idOrName);
+}
+
+} // namespace marlet::tool

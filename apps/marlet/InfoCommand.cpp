@@ -1,0 +1,76 @@
+#include "Arguments.h"
+#include "Document.h"
+#include "Info.h"
+
+#include <marlet/animation/PropertyManager.h>
+#include <marlet/layers/AbstractLayer.h>
+#include <marlet/project/AssetList.h>
+#include <marlet/project/BinFolder.h>
+#include <marlet/project/CompositionAsset.h>
+#include <marlet/project/Project.h>
+
+namespace marlet::tool
+{
+
+using namespace project;
+
+namespace
+{
+
+std::size_t CountFolders(const BinFolder &folder)
+{
+    std::size_t count = 0;
+    for (const auto &subFolder : folder.Folders())
+        count += 1 + CountFolders(*subFolder);
+    return count;
+}
+
+void CountProperties(const PropertyManager &properties, ProjectSums &sums)
+{
+    for (const NarrowString &name : properties.PropertyNames()) {
+        const unsigned int keyFrames = properties.KeyFrames(name.c_str()).Count();
+        ++sums.properties;
+        sums.animatedProperties += keyFrames > 0;
+        sums.keyFrames += keyFrames;
+        sums.expressions += properties.HasExpression(name.c_str());
+    }
+}
+
+void Run(const Arguments &arguments, Output &output)
+{
+    const ProjectPointer project = ReadProject(arguments.Operand(0));
+    if (arguments.Has("--json"))
+        WriteInfoJson(*project, output);
+    else
+        WriteInfoText(*project, output);
+}
+
+} // namespace
+
+ProjectSums CountProject(const Project &project)
+{
+    ProjectSums sums;
+    sums.folders = CountFolders(project.Assets().Bin());
+    for (const auto &asset : project.Assets().All()) {
+        ++sums.assets;
+        sums.offlineAssets += asset->IsOffline();
+    }
+    for (const CompositionPointer &composition : Compositions(project)) {
+        ++sums.compositions;
+        for (const LayerPointer &layer : composition->Layers()) {
+            ++sums.layers;
+            CountProperties(std::as_const(*layer).Animation(), sums);
+        }
+    }
+    return sums;
+}
+
+const CommandSpec &InfoCommand()
+{
+    static const CommandSpec command{
+        "info", "what is in a project", "FILE [--json]", 1, 1, {{"--json", "", "one JSON object a line"}},
+        Run};
+    return command;
+}
+
+} // namespace marlet::tool

@@ -1,0 +1,240 @@
+#include "Document.h"
+#include "Info.h"
+#include "Json.h"
+#include "MetadataItems.h"
+#include "Names.h"
+#include "Output.h"
+#include "QuietStandardError.h"
+#include "TypedValue.h"
+
+#include <marlet/animation/PropertyManager.h>
+#include <marlet/layers/AbstractLayer.h>
+#include <marlet/project/AssetList.h>
+#include <marlet/project/BinFolder.h>
+#include <marlet/project/CompositionAsset.h>
+#include <marlet/project/CompositionRenderSettings.h>
+#include <marlet/project/Project.h>
+#include <marlet/project/ProjectSettings.h>
+#include <marlet/project/SolidAsset.h>
+
+#include <charconv>
+
+namespace marlet::tool
+{
+
+using namespace project;
+
+namespace
+{
+
+JsonWriter Begin(const char *kind)
+{
+    JsonWriter json;
+    json.BeginObject().Member("kind", kind);
+    return json;
+}
+
+void End(JsonWriter &json, Output &output)
+{
+    output.Line(json.EndObject().Text());
+}
+
+void WriteColor(JsonWriter &json, const kytl::KyColorRGBA_32f &color)
+{
+    WriteValue(json.Key("color"), color);
+}
+
+void WriteProject(const Project &project, Output &output)
+{
+    JsonWriter json = Begin("project");
+    json.Member("file", project.Filename())
+        .Member("id", project.ID())
+        .Member("name", project.Name())
+        .Member("color_bit_depth", static_cast<int>(project.Settings().ColorBitDepth()));
+    End(json, output);
+}
+
+void WriteFolders(const BinFolder &folder, Output &output)
+{
+    JsonWriter json = Begin("folder");
+    json.Member("id", folder.ID()).Member("name", folder.Name());
+    json.Reference("parent", folder.ParentFolderID()).Member("expanded", folder.IsExpanded());
+    json.Key("assets").BeginArray();
+    for (const auto &reference : folder.Assets())
+        if (const auto asset = reference.lock())
+            json.Value(asset->ID());
+    json.EndArray();
+    End(json, output);
+    for (const auto &subFolder : folder.Folders())
+        WriteFolders(*subFolder, output);
+}
+
+void WriteAsset(const AbstractAsset &asset, Output &output)
+{
+    const QuietStandardError quiet;
+    JsonWriter json = Begin("asset");
+    json.Member("type", AssetTypeName(asset.Type())).Member("id", asset.ID()).Member("name", asset.Name());
+    json.Reference("folder", asset.ParentFolderID())
+        .Member("width", asset.Width())
+        .Member("height", asset.Height())
+        .Member("audio", asset.HasAudio())
+        .Member("video", asset.HasVideo())
+        .Member("offline", asset.IsOffline())
+        .Member("instances", asset.Instances().Count());
+    if (const auto *solid = dynamic_cast<const SolidAsset *>(&asset)) {
+        WriteColor(json, solid->Color());
+        json.Member("pixel_aspect_ratio", AudioVideoSettings::PARValue(solid->PixelAspectRatio()));
+    } else if (const auto *image = dynamic_cast<const ImageAsset *>(&asset)) {
+        json.Member("file", image->Filename())
+            .Member("status", FileStatusName(image->Status()))
+            .Member("pixel_aspect_ratio", AudioVideoSettings::PARValue(image->PixelAspectRatio()));
+    }
+    End(json, output);
+}
+
+void WriteRenderSettings(JsonWriter &json, const CompositionRenderSettings &settings)
+{
+    json.Key("fog").BeginObject();
+    json.Member("enabled", settings.FogEnabled())
+        .Member("near", settings.FogNearDistance())
+        .Member("far", settings.FogFarDistance())
+        .Member("density", settings.FogDensity())
+        .Member("falloff", static_cast<int>(settings.FogFalloff()));
+    WriteColor(json, settings.FogColor());
+    json.EndObject().Key("motion_blur").BeginObject();
+    json.Member("enabled", settings.MotionBlurEnabled())
+        .Member("shutter_angle", settings.ShutterAngle())
+        .Member("shutter_phase", settings.ShutterPhase())
+        .EndObject();
+}
+
+void WriteComposition(const CompositionAsset &composition, Output &output)
+{
+    const AudioVideoSettings &settings = composition.Settings();
+    JsonWriter json = Begin("composition");
+    json.Member("id", composition.ID())
+        .Member("name", composition.Name())
+        .Member("width", settings.Width())
+        .Member("height", settings.Height())
+        .Member("fields", FieldsName(settings.Fields()))
+        .Member("pixel_aspect_ratio", settings.PixelAspectRatioValue())
+        .Member("frame_rate", settings.FrameRate())
+        .Member("frames", settings.FrameCount())
+        .Member("audio_sample_rate", AudioVideoSettings::AudioSampleRateValue(settings.AudioSampleRate()))
+        .Member("in", composition.InPoint())
+        .Member("out", composition.OutPoint())
+        .Member("playhead", composition.CurrentTimeIndicator())
+        .Member("is_3d", composition.Is3D())
+        .Member("layers", composition.Layers().Count());
+    WriteRenderSettings(json, composition.RenderSettings());
+    End(json, output);
+}
+
+void WriteLayer(const CompositionAsset &composition, const AbstractLayer &layer, std::size_t position,
+                Output &output)
+{
+    JsonWriter json = Begin("layer");
+    json.Member("composition", composition.ID())
+        .Member("position", position)
+        .Member("id", layer.ID())
+        .Member("name", layer.Name())
+        .Member("type", LayerTypeName(layer.Type()))
+        .Member("dimensions", DimensionsName(layer.Dimensions()))
+        .Member("start", layer.StartFrame())
+        .Member("end", layer.EndFrame());
+    json.Reference("parent", layer.ParentLayerID())
+        .Member("blend", static_cast<int>(layer.BlendMode()))
+        .Member("visible", layer.IsVisible())
+        .Member("muted", layer.IsMuted())
+        .Member("locked", layer.IsLocked())
+        .Member("motion_blur", layer.IsMotionBlurEnabled())
+        .Member("properties", layer.Animation().PropertyCount());
+    End(json, output);
+}
+
+void WriteProperty(const AbstractLayer &layer, const NarrowString &name, Output &output)
+{
+    const PropertyManager &properties = layer.Animation();
+    const KeyFrameList &keyFrames = properties.KeyFrames(name.c_str());
+    const PropertyValue &value = properties.StaticValue(name.c_str());
+    JsonWriter json = Begin("property");
+    json.Member("layer", layer.ID())
+        .Member("name", name)
+        .Member("type", TypeName(value))
+        .Member("animatable", properties.CanAnimate(name.c_str()))
+        .Member("spatial", properties.IsSpatial(name.c_str()))
+        .Member("default", properties.IsDefault(name.c_str()))
+        .Member("key_frames", keyFrames.Count());
+    if (!keyFrames.IsEmpty())
+        json.Member("first_time", keyFrames.FirstByTime().Time())
+            .Member("last_time", keyFrames.LastByTime().Time());
+    WriteValue(json.Key("static"), value);
+    if (properties.HasExpression(name.c_str()))
+        json.Member("expression", properties.Expression(name.c_str()));
+    End(json, output);
+}
+
+void WriteLayers(const CompositionAsset &composition, Output &output)
+{
+    std::size_t position = 0;
+    for (const LayerPointer &layer : composition.Layers()) {
+        WriteLayer(composition, *layer, position++, output);
+        for (const NarrowString &name : layer->Animation().PropertyNames())
+            WriteProperty(*layer, name, output);
+    }
+}
+
+void WriteMetadataValue(JsonWriter &json, const MetadataItem &item)
+{
+    const char *end = item.value.data() + item.value.size();
+    int integer = 0;
+    float real = 0;
+    if (item.type == "bool")
+        json.Value(item.value != "0");
+    else if (item.type == "int32_t" && std::from_chars(item.value.data(), end, integer).ptr == end)
+        json.Value(integer);
+    else if (item.type == "float" && std::from_chars(item.value.data(), end, real).ptr == end)
+        json.Value(real);
+    else
+        json.Value(item.value);
+}
+
+void WriteSums(const ProjectSums &sums, std::size_t metadata, Output &output)
+{
+    JsonWriter json = Begin("sums");
+    json.Member("folders", sums.folders)
+        .Member("assets", sums.assets)
+        .Member("offline_assets", sums.offlineAssets)
+        .Member("compositions", sums.compositions)
+        .Member("layers", sums.layers)
+        .Member("properties", sums.properties)
+        .Member("animated_properties", sums.animatedProperties)
+        .Member("key_frames", sums.keyFrames)
+        .Member("expressions", sums.expressions)
+        .Member("metadata", metadata);
+    End(json, output);
+}
+
+} // namespace
+
+void WriteInfoJson(const Project &project, Output &output)
+{
+    WriteProject(project, output);
+    WriteFolders(project.Assets().Bin(), output);
+    for (const auto &asset : project.Assets().All())
+        WriteAsset(*asset, output);
+    for (const CompositionPointer &composition : Compositions(project)) {
+        WriteComposition(*composition, output);
+        WriteLayers(*composition, output);
+    }
+    const std::vector<MetadataItem> metadata = MetadataItems(project);
+    for (const MetadataItem &item : metadata) {
+        JsonWriter json = Begin("metadata");
+        json.Member("type", item.type).Member("key", item.key);
+        WriteMetadataValue(json.Key("value"), item);
+        End(json, output);
+    }
+    WriteSums(CountProject(project), metadata.size(), output);
+}
+
+} // namespace marlet::tool

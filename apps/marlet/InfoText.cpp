@@ -1,0 +1,214 @@
+#include "Document.h"
+#include "Info.h"
+#include "MetadataItems.h"
+#include "Names.h"
+#include "Output.h"
+#include "QuietStandardError.h"
+#include "TypedValue.h"
+
+#include <marlet/animation/PropertyManager.h>
+#include <marlet/foundation/TimeCode.h>
+#include <marlet/layers/AbstractLayer.h>
+#include <marlet/project/AssetList.h>
+#include <marlet/project/BinFolder.h>
+#include <marlet/project/CompositionAsset.h>
+#include <marlet/project/CompositionRenderSettings.h>
+#include <marlet/project/Project.h>
+#include <marlet/project/ProjectSettings.h>
+#include <marlet/project/SolidAsset.h>
+
+#include <algorithm>
+#include <unordered_set>
+
+namespace marlet::tool
+{
+
+using namespace project;
+
+namespace
+{
+
+std::string Name(const WideString &name)
+{
+    return "\"" + OneLine(ToUtf8(name)) + "\"";
+}
+
+std::string SizeText(int width, int height)
+{
+    return std::to_string(width) + "x" + std::to_string(height);
+}
+
+std::string AssetText(const AbstractAsset &asset)
+{
+    const QuietStandardError quiet;
+    std::string text = Name(asset.Name()) + "  " + AssetTypeName(asset.Type());
+    if (asset.IsOffline())
+        text += ", offline";
+    else
+        text += ", " + SizeText(asset.Width(), asset.Height());
+    if (const auto *solid = dynamic_cast<const SolidAsset *>(&asset))
+        text += ", colour " + ValueText(solid->Color());
+    else if (const auto *image = dynamic_cast<const ImageAsset *>(&asset))
+        text += ", " + OneLine(ToUtf8(image->Filename()));
+    else if (const auto *composition = dynamic_cast<const CompositionAsset *>(&asset))
+        text += ", " +
+                Counted(static_cast<std::size_t>(std::max(0, composition->Settings().FrameCount())), "frame");
+    if (!asset.Instances().IsEmpty())
+        text += ", used " + Counted(asset.Instances().Count(), "time");
+    return text;
+}
+
+using AssetSet = std::unordered_set<const AbstractAsset *>;
+
+/// The folders as a tree, each with its assets behind its sub-folders.
+void WriteFolder(const BinFolder &folder, std::size_t depth, AssetSet &written, Output &output)
+{
+    const std::string indent(2 * depth, ' ');
+    output.Line(indent + Name(folder.Name()) + "  folder");
+    for (const auto &subFolder : folder.Folders())
+        WriteFolder(*subFolder, depth + 1, written, output);
+    for (const auto &reference : folder.Assets()) {
+        if (const auto asset = reference.lock()) {
+            output.Line(indent + "  " + AssetText(*asset));
+            written.insert(asset.get());
+        }
+    }
+}
+
+void WriteAssets(const AssetList &assets, Output &output)
+{
+    output.Line("\nAssets");
+    AssetSet written;
+    WriteFolder(assets.Bin(), 1, written, output);
+    for (const auto &asset : assets.All())
+        if (written.count(asset.get()) == 0)
+            output.Line("  " + AssetText(*asset) + ", in no folder");
+}
+
+std::string Switches(const AbstractLayer &layer)
+{
+    std::string text;
+    if (!layer.IsVisible())
+        text += ", hidden";
+    if (layer.IsMuted())
+        text += ", muted";
+    if (layer.IsLocked())
+        text += ", locked";
+    if (layer.IsMotionBlurEnabled())
+        text += ", motion blur";
+    return text;
+}
+
+std::string LayerText(const AbstractLayer &layer, std::size_t position,
+                      const std::unordered_map<kytl::KyID, LayerPointer> &layers)
+{
+    std::string text = "  " + PadLeft(std::to_string(position), 3) + "  " + Name(layer.Name()) + "  " +
+                       LayerTypeName(layer.Type()) + ", " + DimensionsName(layer.Dimensions()) + ", frames " +
+                       std::to_string(layer.StartFrame()) + " to " + std::to_string(layer.EndFrame());
+    if (layer.HasParentLayer()) {
+        const auto parent = layers.find(layer.ParentLayerID());
+        text += ", on " + (parent == layers.end() ? layer.ParentLayerID().ToNarrowString() + " (not there)"
+                                                  : Name(parent->second->Name()));
+    }
+    return text + Switches(layer);
+}
+
+std::string PropertyText(const PropertyManager &properties, const NarrowString &name)
+{
+    const KeyFrameList &keyFrames = properties.KeyFrames(name.c_str());
+    const PropertyValue &value = properties.StaticValue(name.c_str());
+    std::string text = "         " + PadRight(name, 20) + " " + PadRight(TypeName(value), 14);
+    if (keyFrames.IsEmpty())
+        text += ValueText(value);
+    else
+        text += Counted(keyFrames.Count(), "key frame") + ", " +
+                std::to_string(keyFrames.FirstByTime().Time()) + " to " +
+                std::to_string(keyFrames.LastByTime().Time()) + " ms";
+    if (properties.IsSpatial(name.c_str()))
+        text += ", spatial";
+    if (properties.HasExpression(name.c_str()))
+        text += ", expression " + OneLine(properties.Expression(name.c_str()));
+    return text;
+}
+
+/// Those that somebody has touched; the others are only counted.
+void WriteProperties(const PropertyManager &properties, Output &output)
+{
+    std::size_t untouched = 0;
+    for (const NarrowString &name : properties.PropertyNames()) {
+        if (properties.KeyFrames(name.c_str()).IsEmpty() && properties.IsDefault(name.c_str()) &&
+            !properties.HasExpression(name.c_str()))
+            ++untouched;
+        else
+            output.Line(PropertyText(properties, name));
+    }
+    if (untouched > 0)
+        output.Line("         " + std::to_string(untouched) + " at their defaults");
+}
+
+std::string FormatText(const AudioVideoSettings &settings)
+{
+    return SizeText(settings.Width(), settings.Height()) + " " + FieldsName(settings.Fields()) +
+           ", pixel aspect ratio " + NumberText(settings.PixelAspectRatioValue()) + ", " +
+           NumberText(settings.FrameRate()) + " frames per second, " + std::to_string(settings.FrameCount()) +
+           " frames (" + TimeCode::FromFrame(settings.FrameCount(), settings.FrameRate()).ToString() + "), " +
+           std::to_string(AudioVideoSettings::AudioSampleRateValue(settings.AudioSampleRate())) + " Hz";
+}
+
+std::string TimelineText(const CompositionAsset &composition)
+{
+    const CompositionRenderSettings &render = composition.RenderSettings();
+    return "work area " + std::to_string(composition.InPoint()) + " to " +
+           std::to_string(composition.OutPoint()) + ", playhead " +
+           std::to_string(composition.CurrentTimeIndicator()) + ", motion blur " +
+           (render.MotionBlurEnabled() ? NumberText(render.ShutterAngle()) + " degrees" : "off") + ", fog " +
+           (render.FogEnabled() ? "on" : "off");
+}
+
+void WriteComposition(const CompositionAsset &composition, Output &output)
+{
+    output.Line("\nComposition " + Name(composition.Name()) + "  " + composition.ID().ToNarrowString());
+    output.Line("  " + FormatText(composition.Settings()));
+    output.Line("  " + TimelineText(composition));
+    const auto layers = LayersByID(composition);
+    std::size_t position = 0;
+    for (const LayerPointer &layer : composition.Layers()) {
+        output.Line(LayerText(*layer, ++position, layers));
+        WriteProperties(std::as_const(*layer).Animation(), output);
+    }
+}
+
+void WriteMetadata(const std::vector<MetadataItem> &items, Output &output)
+{
+    if (items.empty())
+        return;
+    output.Line("\nMetadata");
+    for (const MetadataItem &item : items)
+        output.Line("  " + PadRight(item.key, 10) + "  " + PadRight(item.type, 8) + OneLine(item.value));
+}
+
+void WriteSums(const ProjectSums &sums, std::size_t metadata, Output &output)
+{
+    output.Line("\n" + Counted(sums.folders, "folder") + ", " + Counted(sums.assets, "asset") + " (" +
+                std::to_string(sums.offlineAssets) + " offline), " +
+                Counted(sums.compositions, "composition") + ", " + Counted(sums.layers, "layer") + ", " +
+                std::to_string(sums.properties) + " properties (" + std::to_string(sums.animatedProperties) +
+                " animated), " + Counted(sums.keyFrames, "key frame") + ", " +
+                Counted(sums.expressions, "expression") + ", " + Counted(metadata, "metadata value"));
+}
+
+} // namespace
+
+void WriteInfoText(const Project &project, Output &output)
+{
+    output.Line("Project " + Name(project.Name()) + "  " + project.ID().ToNarrowString());
+    output.Line("  colour bit depth " + std::to_string(static_cast<int>(project.Settings().ColorBitDepth())));
+    WriteAssets(project.Assets(), output);
+    for (const CompositionPointer &composition : Compositions(project))
+        WriteComposition(*composition, output);
+    const std::vector<MetadataItem> metadata = MetadataItems(project);
+    WriteMetadata(metadata, output);
+    WriteSums(CountProject(project), metadata.size(), output);
+}
+
+} // namespace marlet::tool

@@ -1,0 +1,54 @@
+#include "Names.h"
+
+#include <initializer_list>
+
+namespace marlet::tool
+{
+
+using namespace project;
+
+namespace
+{
+
+/// The names are those of the values from 0 up.
+template <class Enum> std::string NameOf(Enum value, std::initializer_list<const char *> names)
+{
+    const int number = static_cast<int>(value);
+    if (number < 0 || number >= static_cast<int>(names.size()))
+        return std::to_string(number);
+    return names.begin()[number];
+}
+
+} // namespace
+
+std::string AssetTypeName(AssetType type)
+{
+    return NameOf(type, {"media", "image", "solid", "composition"});
+}
+
+std::string LayerTypeName(LayerType type)
+{
+    return NameOf(type, {"asset", "effect3d", "camera", "light", "grade", "point", "text"});
+}
+
+std::string DimensionsName(LayerDimensions dimensions)
+{
+    return NameOf(dimensions, {"2d", "3d", "3d-content"});
+}
+
+std::string FieldsName(VideoFields fields)
+{
+    return NameOf(fields, {"progressive", "interlaced-sd", "interlaced-hd"});
+}
+
+std::string FileStatusName(ImageAsset::FileStatus status)
+{
+    return NameOf(status, {"usable", "missing", "unreadable"});
+}
+
+std::string ChannelOrderName(KyChannelOrder order)
+{
+    return NameOf(order, {"none", "RGB", "BGRA"});
+}
+
+} // namespace marlet::tool

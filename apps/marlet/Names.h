@@ -1,0 +1,22 @@
+#pragma once
+
+#include <marlet/foundation/AudioVideoSettings.h>
+#include <marlet/layers/LayerTypes.h>
+#include <marlet/project/AbstractAsset.h>
+#include <marlet/project/ImageAsset.h>
+
+#include <string>
+
+namespace marlet::tool
+{
+
+// What the tool calls the values of enumerations. One that has no name comes out as its number.
+
+std::string AssetTypeName(project::AssetType type);
+std::string LayerTypeName(project::LayerType type);
+std::string DimensionsName(project::LayerDimensions dimensions);
+std::string FieldsName(project::VideoFields fields);
+std::string FileStatusName(project::ImageAsset::FileStatus status);
+std::string ChannelOrderName(project::KyChannelOrder order);
+
+} // namespace marlet::tool

@@ -1,0 +1,47 @@
+#include "Arguments.h"
+#include "Document.h"
+#include "ExampleProject.h"
+#include "Failure.h"
+
+#include <marlet/project/Project.h>
+
+namespace marlet::tool
+{
+
+using project::AudioVideoSettings;
+
+namespace
+{
+
+void Run(const Arguments &arguments, Output &)
+{
+    constexpr int kLastPreset = static_cast<int>(AudioVideoSettings::Preset::DvcproHd1080At2997);
+    constexpr int kFrames = 250;
+    const int preset = arguments.Has("--preset") ? arguments.Integer("--preset")
+                                                 : static_cast<int>(AudioVideoSettings::Preset::Hd720At25);
+    if (preset < 1 || preset > kLastPreset)
+        throw UsageError("--preset: there is no preset " + std::to_string(preset));
+    const int frames = arguments.Has("--frames") ? arguments.Integer("--frames") : kFrames;
+    if (frames < 1)
+        throw UsageError("--frames: at least one is needed");
+    WriteProject(*MakeExampleProject(static_cast<AudioVideoSettings::Preset>(preset), frames),
+                 arguments.Operand(0));
+}
+
+} // namespace
+
+const CommandSpec &NewCommand()
+{
+    static const CommandSpec command{
+        "new",
+        "a small project to start from and to look at",
+        "OUT [--preset N] [--frames N]",
+        1,
+        1,
+        {{"--preset", "N", "the frame format, 1 to 14; 6, which is 1280x720 at 25, if not given"},
+         {"--frames", "N", "the length; 250 if not given"}},
+        Run};
+    return command;
+}
+
+} // namespace marlet::tool

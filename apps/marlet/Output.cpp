@@ -1,0 +1,111 @@
+#include "Output.h"
+
+#include "Failure.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <charconv>
+#include <cstdio>
+#include <system_error>
+
+namespace marlet::tool
+{
+
+namespace
+{
+
+std::size_t CharacterCount(std::string_view utf8)
+{
+    return static_cast<std::size_t>(
+        std::count_if(utf8.begin(), utf8.end(), [](char c) { return (c & 0xC0) != 0x80; }));
+}
+
+std::string Blanks(const std::string &text, std::size_t width)
+{
+    const std::size_t count = CharacterCount(text);
+    return std::string(count < width ? width - count : 0, ' ');
+}
+
+template <class Real> std::string ShortestText(Real number)
+{
+    char buffer[32];
+    const auto result = std::to_chars(buffer, buffer + sizeof buffer, number);
+    return std::string(buffer, result.ptr);
+}
+
+} // namespace
+
+std::string SystemMessage(int error)
+{
+    return std::generic_category().message(error);
+}
+
+void Output::Write(std::string_view text)
+{
+    if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size())
+        Fail();
+}
+
+void Output::Line(std::string_view text)
+{
+    Write(text);
+    Write("\n");
+}
+
+void Output::Flush()
+{
+    if (!failed_ && std::fflush(stdout) != 0)
+        Fail();
+}
+
+void Output::Fail()
+{
+    failed_ = true;
+    throw Failure("standard output", SystemMessage(errno));
+}
+
+std::string OneLine(std::string_view text)
+{
+    constexpr char kDigits[] = "0123456789abcdef";
+    std::string line;
+    line.reserve(text.size());
+    for (const char c : text) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (c == '\n')
+            line += "\\n";
+        else if (c == '\t')
+            line += "\\t";
+        else if (byte < 0x20 || byte == 0x7F)
+            line.append({'\\', 'x', kDigits[byte >> 4], kDigits[byte & 15]});
+        else
+            line += c;
+    }
+    return line;
+}
+
+std::string PadRight(std::string text, std::size_t width)
+{
+    return text + Blanks(text, width);
+}
+
+std::string PadLeft(std::string text, std::size_t width)
+{
+    return Blanks(text, width) + text;
+}
+
+std::string NumberText(float number)
+{
+    return ShortestText(number);
+}
+
+std::string NumberText(double number)
+{
+    return ShortestText(number);
+}
+
+std::string Counted(std::size_t count, const std::string &noun)
+{
+    return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
+}
+
+} // namespace marlet::tool

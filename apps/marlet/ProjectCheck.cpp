@@ -1,0 +1,201 @@
+#include "ProjectCheck.h"
+
+#include "Document.h"
+#include "QuietStandardError.h"
+#include "TypedValue.h"
+
+#include <marlet/animation/PropertyManager.h>
+#include <marlet/layers/CameraLayer.h>
+#include <marlet/layers/LightLayer.h>
+#include <marlet/layers/PointLayer.h>
+#include <marlet/project/AbstractAssetInstance.h>
+#include <marlet/project/AssetList.h>
+#include <marlet/project/BinFolder.h>
+#include <marlet/project/CompositionAsset.h>
+#include <marlet/project/ImageAsset.h>
+#include <marlet/project/Project.h>
+
+#include <unordered_set>
+
+namespace marlet::tool
+{
+
+using namespace project;
+
+namespace
+{
+
+using LayerMap = std::unordered_map<kytl::KyID, LayerPointer>;
+using IDSet = std::unordered_set<kytl::KyID>;
+
+constexpr const char *kDangling = "dangling ID";
+constexpr const char *kRepeated = "repeated ID";
+constexpr const char *kCircle = "parent circle";
+constexpr const char *kMissing = "missing file";
+constexpr const char *kType = "unexpected type";
+
+/// A layer as its class makes it, which tells the type of each property; empty for other classes.
+LayerPointer FreshLayer(LayerType type)
+{
+    switch (type) {
+    case LayerType::Camera:
+        return CameraLayer::Create({}, 0, 0, 0, 0);
+    case LayerType::Light:
+        return LightLayer::Create({}, LightLayer::LightType{});
+    case LayerType::Point:
+        return PointLayer::Create({});
+    default:
+        return {};
+    }
+}
+
+/// The layers whose parents run in a circle, or lead into one.
+IDSet LayersInCircles(const LayerMap &layers)
+{
+    IDSet circular;
+    IDSet sound;
+    for (const auto &[start, unused] : layers) {
+        IDSet way;
+        kytl::KyID at = start;
+        while (layers.count(at) > 0 && circular.count(at) == 0 && sound.count(at) == 0 &&
+               way.insert(at).second)
+            at = layers.at(at)->ParentLayerID();
+        const bool endless = way.count(at) > 0 || circular.count(at) > 0;
+        (endless ? circular : sound).insert(way.begin(), way.end());
+    }
+    return circular;
+}
+
+class ProjectChecker
+{
+public:
+    explicit ProjectChecker(const Project &project) : project_(project) {}
+
+    std::vector<Finding> Run()
+    {
+        CollectFolders(project_.Assets().Bin());
+        for (const auto &asset : project_.Assets().All())
+            CheckAsset(*asset);
+        for (const CompositionPointer &composition : Compositions(project_))
+            CheckComposition(*composition);
+        return std::move(findings_);
+    }
+
+private:
+    void Add(const char *kind, const std::string &place, const std::string &what)
+    {
+        findings_.push_back({kind, place, what});
+    }
+
+    static std::string Place(const std::string &kind, const WideString &name)
+    {
+        return kind + " \"" + ToUtf8(name) + "\"";
+    }
+
+    void CheckFolderReference(const std::string &place, const kytl::KyID &id)
+    {
+        if (!id.IsNull() && folders_.count(id) == 0)
+            Add(kDangling, place, "the parent folder " + id.ToNarrowString() + " does not exist");
+    }
+
+    void CollectFolders(const BinFolder &root)
+    {
+        std::vector<const BinFolder *> folders{&root};
+        for (std::size_t i = 0; i < folders.size(); ++i) {
+            if (!folders_.insert(folders[i]->ID()).second)
+                Add(kRepeated, Place("folder", folders[i]->Name()), folders[i]->ID().ToNarrowString());
+            for (const auto &folder : folders[i]->Folders())
+                folders.push_back(folder.get());
+        }
+        for (const BinFolder *folder : folders)
+            CheckFolderReference(Place("folder", folder->Name()), folder->ParentFolderID());
+    }
+
+    void CheckAsset(const AbstractAsset &asset)
+    {
+        const QuietStandardError quiet;
+        const std::string place = Place("asset", asset.Name());
+        if (!assets_.insert(asset.ID()).second)
+            Add(kRepeated, place, asset.ID().ToNarrowString());
+        CheckFolderReference(place, asset.ParentFolderID());
+        if (asset.IsOffline())
+            Add(kMissing, place, "its file is not there");
+        else if (const auto *image = dynamic_cast<const ImageAsset *>(&asset);
+                 image && image->Status() == ImageAsset::FileStatus::Unreadable)
+            Add(kMissing, place, ToUtf8(image->Filename()) + " cannot be read as an image");
+    }
+
+    void CheckComposition(const CompositionAsset &composition)
+    {
+        const LayerMap layers = LayersByID(composition);
+        const IDSet circular = LayersInCircles(layers);
+        IDSet seen;
+        for (const LayerPointer &layer : composition.Layers()) {
+            const std::string place =
+                Place("layer", layer->Name()) + " of " + Place("composition", composition.Name());
+            if (!seen.insert(layer->ID()).second)
+                Add(kRepeated, place, layer->ID().ToNarrowString());
+            if (layer->HasParentLayer() && layers.count(layer->ParentLayerID()) == 0)
+                Add(kDangling, place,
+                    "the parent layer " + layer->ParentLayerID().ToNarrowString() + " does not exist");
+            if (circular.count(layer->ID()) > 0)
+                Add(kCircle, place, "its parents run in a circle");
+            CheckOwners(composition, *layer, place);
+            CheckTypes(*layer, place);
+        }
+    }
+
+    void CheckOwners(const CompositionAsset &composition, const AbstractLayer &layer,
+                     const std::string &place)
+    {
+        const kytl::KyID &compositionID = layer.ParentCompositionID();
+        if (compositionID != composition.ID())
+            Add(kDangling, place,
+                "the parent composition " + compositionID.ToNarrowString() +
+                    (project_.Assets().GetByID(compositionID) ? " is another one" : " does not exist"));
+        const auto *instance = dynamic_cast<const AbstractAssetInstance *>(&layer);
+        if (instance && !project_.Assets().GetByID(instance->AssetID()))
+            Add(kDangling, place, "the asset " + instance->AssetID().ToNarrowString() + " does not exist");
+    }
+
+    void CheckTypes(const AbstractLayer &layer, const std::string &place)
+    {
+        const PropertyManager &properties = layer.Animation();
+        const LayerPointer fresh = FreshLayer(layer.Type());
+        for (const NarrowString &name : properties.PropertyNames()) {
+            const bool known = fresh && fresh->Animation().HasProperty(name.c_str());
+            const PropertyManager &model = known ? fresh->Animation() : properties;
+            CheckPropertyTypes(properties, name, model.DefaultValue(name.c_str()),
+                               place + ", property " + name);
+        }
+    }
+
+    void CheckPropertyTypes(const PropertyManager &properties, const NarrowString &name,
+                            const PropertyValue &model, const std::string &place)
+    {
+        const auto check = [&](const std::string &which, const PropertyValue &value) {
+            if (value.which() != model.which())
+                Add(kType, place,
+                    which + " is of type " + TypeName(value) + " in place of " + TypeName(model));
+        };
+        check("the default", properties.DefaultValue(name.c_str()));
+        check("the static value", properties.StaticValue(name.c_str()));
+        properties.KeyFrames(name.c_str()).ForEach([&](const KeyFrame &key) {
+            check("the key frame at " + std::to_string(key.Time()) + " ms", key.Value());
+        });
+    }
+
+    const Project &project_;
+    IDSet folders_;
+    IDSet assets_;
+    std::vector<Finding> findings_;
+};
+
+} // namespace
+
+std::vector<Finding> CheckProject(const Project &project)
+{
+    return ProjectChecker(project).Run();
+}
+
+} // namespace marlet::tool

@@ -1,0 +1,137 @@
+#include "Arguments.h"
+#include "Command.h"
+#include "Failure.h"
+#include "Output.h"
+#include "Usage.h"
+
+#include <algorithm>
+#include <csignal>
+#include <cstdio>
+#include <new>
+
+namespace marlet::tool
+{
+
+namespace
+{
+
+constexpr int kSuccess = 0;
+constexpr int kFailure = 1;
+constexpr int kWrongArguments = 2;
+
+/// A message of several lines, on one line.
+std::string Joined(std::string_view lines)
+{
+    std::string joined;
+    for (const char c : lines) {
+        if (c == '\n')
+            joined += ": ";
+        else
+            joined += c;
+    }
+    return OneLine(joined);
+}
+
+void Report(const std::string &subject, std::string_view message)
+{
+    const std::string line =
+        "marlet: " + (subject.empty() ? "" : OneLine(subject) + ": ") + Joined(message) + "\n";
+    std::fwrite(line.data(), 1, line.size(), stderr);
+}
+
+int ReportWrongArguments(const CommandSpec *command, std::string_view message)
+{
+    Report(command ? command->name : "", message);
+    const std::string usage = command ? CommandUsage(*command) : GeneralUsage();
+    std::fwrite(usage.data(), 1, usage.size(), stderr);
+    return kWrongArguments;
+}
+
+/// What is asked for: the usage of everything, that of one command, or a command itself.
+struct Request {
+    bool asksForHelp = false;
+    std::string command; ///< empty if none is named
+};
+
+Request ParseRequest(const std::vector<std::string> &words)
+{
+    if (words.empty())
+        return {};
+    if (words[0] == "help")
+        return {true, words.size() > 1 ? words[1] : ""};
+    const auto isHelp = [](const std::string &word) { return word == "--help" || word == "-h"; };
+    if (isHelp(words[0]))
+        return {true, ""};
+    const auto end = std::find(words.begin(), words.end(), "--");
+    return {std::any_of(words.begin(), end, isHelp), words[0]};
+}
+
+/// Runs the work and reports what fails in it. The subject is what a failure without one of its own is about.
+template <class Work> int Guarded(const std::string &subject, Work work)
+{
+    try {
+        work();
+        return kSuccess;
+    } catch (const UsageError &) {
+        throw;
+    } catch (const Failure &failure) {
+        Report(failure.Subject().empty() ? subject : failure.Subject(), failure.what());
+    } catch (const std::bad_alloc &) {
+        Report(subject, "Not enough memory");
+    } catch (const std::exception &exception) {
+        Report(subject, exception.what());
+    }
+    return kFailure;
+}
+
+/// The usage of a command, or of everything.
+int ShowHelp(const CommandSpec *command)
+{
+    return Guarded({}, [&] {
+        Output output;
+        output.Write(command ? CommandUsage(*command) : GeneralUsage());
+        output.Flush();
+    });
+}
+
+int RunCommand(const CommandSpec &command, const std::vector<std::string> &words)
+{
+    std::string subject;
+    try {
+        const Arguments arguments(command, words);
+        if (command.leastOperands > 0)
+            subject = arguments.Operand(0);
+        Output output;
+        const int result = Guarded(subject, [&] { command.run(arguments, output); });
+        // What was written before a failure comes out all the same.
+        return std::max(result, Guarded(subject, [&] { output.Flush(); }));
+    } catch (const UsageError &error) {
+        return ReportWrongArguments(&command, error.what());
+    }
+}
+
+int Main(const std::vector<std::string> &words)
+{
+    // A closed pipe and a file that may not grow are failures like any other, told of by their error numbers.
+    std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
+
+    const Request request = ParseRequest(words);
+    const CommandSpec *command = FindCommand(request.command);
+    if (!command && !request.command.empty())
+        return ReportWrongArguments(nullptr, "there is no command \"" + request.command + "\"");
+    if (request.asksForHelp)
+        return ShowHelp(command);
+    if (!command)
+        return ReportWrongArguments(nullptr, "a command is missing");
+    return RunCommand(*command, {words.begin() + 1, words.end()});
+}
+
+} // namespace
+
+} // namespace marlet::tool
+
+int main(int argc, char **argv)
+{
+    return marlet::tool::Main({argv + (argc > 0 ? 1 : 0), argv + argc});
+}

@@ -1,0 +1,113 @@
+// World matrices: of a layer three parents deep, and of the same point, light and camera layers asked by two
+// threads.
+
+#include <bench/support/Documents.h>
+#include <bench/support/HeapCounter.h>
+
+#include <marlet/animation/PropertyManager.h>
+#include <marlet/layers/CameraLayer.h>
+#include <marlet/layers/LightLayer.h>
+#include <marlet/layers/PointLayer.h>
+
+#include <benchmark/benchmark.h>
+
+using namespace bench;
+using namespace marlet::project;
+
+namespace
+{
+
+constexpr int kKeys = 100;
+constexpr int kEnd = (kKeys - 1) * kKeyDistance;
+
+void AnimatePlacement(AbstractLayer &layer)
+{
+    for (const char *name : {"position", "scale", "rotationX", "rotationY", "rotationZ"})
+        if (layer.Animation().HasProperty(name))
+            Animate(layer.Animation(), name, kKeys);
+}
+
+/// Layers that hang on one another, each moving.
+struct Chain {
+    Document document;
+    std::shared_ptr<AbstractLayer> last;
+
+    explicit Chain(int parents)
+    {
+        for (int i = 0; i <= parents; ++i)
+            Hang(PointLayer::Create(u"Layer"));
+    }
+
+    void Hang(const std::shared_ptr<AbstractLayer> &layer)
+    {
+        AnimatePlacement(*layer);
+        if (last)
+            layer->SetParentLayer(last);
+        document.Add(layer);
+        last = layer;
+    }
+
+    void Ask(const AbstractLayer &layer, int time) const
+    {
+        benchmark::DoNotOptimize(layer.WorldTransformationAtTime(time, document.project, false));
+    }
+};
+
+struct Scene : Chain {
+    std::shared_ptr<PointLayer> point = PointLayer::Create(u"Point");
+    std::shared_ptr<LightLayer> light = LightLayer::Create(u"Light", LightLayer::LightType{1});
+    std::shared_ptr<CameraLayer> camera = CameraLayer::Create(u"Camera", 25, 1000, 1000, 100);
+
+    Scene() : Chain(0)
+    {
+        const auto root = last;
+        for (const std::shared_ptr<AbstractLayer> &layer :
+             {std::shared_ptr<AbstractLayer>(point), std::shared_ptr<AbstractLayer>(light),
+              std::shared_ptr<AbstractLayer>(camera)}) {
+            last = root;
+            Hang(layer);
+        }
+        light->SetAutoOrientation(AutoOrient::TowardsTarget);
+        camera->SetAutoOrientation(AutoOrient::TowardsTarget);
+        for (int time = 0; time < kEnd; ++time)
+            AskAll(time);
+    }
+
+    void AskAll(int time) const
+    {
+        Ask(*point, time);
+        Ask(*light, time);
+        Ask(*camera, time);
+    }
+};
+
+void WorldThreeParentsDeep(benchmark::State &state)
+{
+    const Chain chain(3);
+    for (int time = 0; time < kEnd; ++time)
+        chain.Ask(*chain.last, time);
+    int time = 0;
+    for (auto _ : state) {
+        chain.Ask(*chain.last, time);
+        time = (time + 1) % kEnd;
+    }
+    const HeapCounter counter;
+    for (time = 0; time < kEnd; ++time)
+        chain.Ask(*chain.last, time);
+    state.counters["allocations"] = static_cast<double>(counter.Allocations());
+}
+
+void WorldOfScene(benchmark::State &state)
+{
+    static const Scene scene;
+    int time = 0;
+    for (auto _ : state) {
+        scene.AskAll(time);
+        time = (time + 1) % kEnd;
+    }
+}
+
+BENCHMARK(WorldThreeParentsDeep);
+BENCHMARK(WorldOfScene)->Threads(1)->Threads(2)->UseRealTime();
+
+} // namespace

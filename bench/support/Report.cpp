@@ -1,0 +1,135 @@
+#include <bench/support/Report.h>
+
+#include <cstdio>
+#include <iterator>
+#include <optional>
+
+namespace bench
+{
+
+namespace
+{
+
+/// A figure to reach: what was measured, alone or beside something else.
+struct Figure {
+    enum class Kind { Ratio, Difference, Count };
+    enum class Bound { AtMost, AtLeast };
+
+    const char *text;
+    Kind kind;
+    const char *measured;
+    const char *beside;
+    Bound bound;
+    double target;
+};
+
+using Kind = Figure::Kind;
+using Bound = Figure::Bound;
+
+constexpr Figure kFigures[] = {
+    {"load 1 MB / pugixml parse and walk", Kind::Ratio, "Load/1", "ParseAndWalk/1", Bound::AtMost, 3},
+    {"load 10 MB / pugixml parse and walk", Kind::Ratio, "Load/10", "ParseAndWalk/10", Bound::AtMost, 3},
+    {"load 100 MB / pugixml parse and walk", Kind::Ratio, "Load/100", "ParseAndWalk/100", Bound::AtMost, 3},
+    {"QDomDocument::setContent 1 MB / load", Kind::Ratio, "SetContent/1", "Load/1", Bound::AtLeast, 10},
+    {"QDomDocument::setContent 10 MB / load", Kind::Ratio, "SetContent/10", "Load/10", Bound::AtLeast, 10},
+    {"load 100 MB / load 10 MB", Kind::Ratio, "Load/100", "Load/10", Bound::AtMost, 11},
+    {"peak of a load of 1 MB, heap bytes per byte", Kind::Count, "PeakOfLoad/1:heap", nullptr, Bound::AtMost,
+     8},
+    {"peak of a load of 10 MB, heap bytes per byte", Kind::Count, "PeakOfLoad/10:heap", nullptr,
+     Bound::AtMost, 8},
+    {"peak of a load of 100 MB, heap bytes per byte", Kind::Count, "PeakOfLoad/100:heap", nullptr,
+     Bound::AtMost, 8},
+    {"peak of a load of 100 MB, resident bytes per byte", Kind::Count, "PeakOfLoad/100:resident", nullptr,
+     Bound::AtMost, 8},
+    {"QDomDocument::toString 1 MB / save", Kind::Ratio, "ToString/1", "Save/1", Bound::AtLeast, 8},
+    {"QDomDocument::toString 10 MB / save", Kind::Ratio, "ToString/10", "Save/10", Bound::AtLeast, 8},
+    {"value by ID / bare program, times in order", Kind::Ratio, "InOrder/ByID/1000", "InOrder/Bare/1000",
+     Bound::AtMost, 1.5},
+    {"value by ID / bare program, random times", Kind::Ratio, "AtRandom/ByID/1000", "AtRandom/Bare/1000",
+     Bound::AtMost, 2.5},
+    {"value by ID, allocations", Kind::Count, "ValueAllocations:allocations", nullptr, Bound::AtMost, 0},
+    {"value by name - by ID, ns", Kind::Difference, "InOrder/ByName/1000", "InOrder/ByID/1000", Bound::AtMost,
+     30},
+    {"value of 100,000 keys / of 1,000, times in order", Kind::Ratio, "InOrder/ByID/100000",
+     "InOrder/ByID/1000", Bound::AtMost, 5},
+    {"value of 100,000 keys / of 1,000, random times", Kind::Ratio, "AtRandom/ByID/100000",
+     "AtRandom/ByID/1000", Bound::AtMost, 5},
+    {"world matrix three parents deep, allocations", Kind::Count, "WorldThreeParentsDeep:allocations",
+     nullptr, Bound::AtMost, 0},
+    {"throughput of two threads / of one", Kind::Ratio, "WorldOfScene/threads:1", "WorldOfScene/threads:2",
+     Bound::AtLeast, 1.8},
+};
+
+std::string TimeText(double nanoseconds)
+{
+    constexpr const char *kUnits[] = {"ns", "us", "ms", "s"};
+    std::size_t unit = 0;
+    for (; nanoseconds >= 1000 && unit + 1 < std::size(kUnits); ++unit)
+        nanoseconds /= 1000;
+    char text[32];
+    std::snprintf(text, sizeof text, "%.3g %s", nanoseconds, kUnits[unit]);
+    return text;
+}
+
+/// The name of a run without what only says how it was run.
+std::string PlainName(const benchmark::BenchmarkReporter::Run &run)
+{
+    std::string name = run.run_name.function_name;
+    if (!run.run_name.args.empty())
+        name += "/" + run.run_name.args;
+    if (!run.run_name.threads.empty())
+        name += "/" + run.run_name.threads;
+    return name;
+}
+
+} // namespace
+
+void Report::ReportRuns(const std::vector<Run> &runs)
+{
+    for (const Run &run : runs) {
+        if (run.run_type != Run::RT_Iteration)
+            continue;
+        const std::string name = PlainName(run);
+        if (run.error_occurred) {
+            std::fprintf(stderr, "%s failed: %s\n", name.c_str(), run.error_message.c_str());
+            anyError_ = true;
+            continue;
+        }
+        const double nanoseconds =
+            run.GetAdjustedRealTime() * 1e9 / benchmark::GetTimeUnitMultiplier(run.time_unit);
+        std::fprintf(stderr, "%-32s %s\n", name.c_str(), TimeText(nanoseconds).c_str());
+        const auto [place, isNew] = measured_.try_emplace(name, nanoseconds);
+        if (!isNew)
+            place->second = std::min(place->second, nanoseconds);
+        for (const auto &[counter, value] : run.counters)
+            measured_[name + ":" + counter] = value;
+    }
+}
+
+void Report::PrintTable() const
+{
+    const auto find = [this](const char *name) -> std::optional<double> {
+        const auto place = name ? measured_.find(name) : measured_.end();
+        return place == measured_.end() ? std::nullopt : std::optional(place->second);
+    };
+
+    std::printf("\n| figure | measured | to reach | | from |\n| --- | --- | --- | --- | --- |\n");
+    for (const Figure &figure : kFigures) {
+        const auto first = find(figure.measured);
+        const auto second = find(figure.beside);
+        if (!first || (figure.beside && !second))
+            continue;
+        double value = *first;
+        std::string source;
+        if (figure.kind != Kind::Count) {
+            value = figure.kind == Kind::Ratio ? *first / *second : *first - *second;
+            source = TimeText(*first) + ", " + TimeText(*second);
+        }
+        const bool isAtMost = figure.bound == Bound::AtMost;
+        const bool isReached = isAtMost ? value <= figure.target : value >= figure.target;
+        std::printf("| %-50s | %8.2f | %s %-4g | %-7s | %s |\n", figure.text, value,
+                    isAtMost ? "<=" : ">=", figure.target, isReached ? "reached" : "missed", source.c_str());
+    }
+}
+
+} // namespace bench

@@ -1,0 +1,115 @@
+#include "ToolTest.h"
+
+#include <marlet/animation/PropertyManager.h>
+#include <marlet/layers/PointLayer.h>
+#include <marlet/project/AssetList.h>
+#include <marlet/project/BinFolder.h>
+#include <marlet/project/CompositionAsset.h>
+#include <marlet/project/ImageAsset.h>
+#include <marlet/project/Project.h>
+
+#include <algorithm>
+
+namespace marlet::test
+{
+
+namespace
+{
+
+using namespace project;
+using CheckTest = ToolTest;
+
+const kytl::KyID kNowhere{1, 2, 3, {4, 5, 6, 7, 8, 9, 10, 11}};
+
+TEST_F(CheckTest, ASoundProjectHasNoProblems)
+{
+    AddPoint(u"Child", {})->SetParentLayer(AddPoint(u"Parent", {}));
+    composition_->SetParentFolderID(project_->Assets().Bin().ID());
+    Save("a.xml");
+    const ToolRun run = Run({"check", "a.xml", "--json"});
+    EXPECT_EQ(run.exitCode, 0);
+    EXPECT_EQ(run.out, "{\"kind\":\"sums\",\"problems\":0}\n");
+    EXPECT_EQ(run.err, "");
+}
+
+TEST_F(CheckTest, FindsOneProblemOfEachKind)
+{
+    const auto image = ImageAsset::Create(FromUtf8(Path("gone.png")));
+    image->SetParentFolderID(kNowhere);
+    project_->Assets().All().Add(image);
+    const auto folder = BinFolder::Create(u"Stray");
+    folder->SetParentFolderID(kNowhere);
+    project_->Assets().Bin().Folders().Add(folder);
+
+    AddPoint(u"Orphan", {})->SetParentLayer(kNowhere);
+    const auto first = AddPoint(u"First", {});
+    const auto second = AddPoint(u"Second", {});
+    first->SetParentLayer(second);
+    second->SetParentLayer(first);
+    AddPoint(u"Exile", {})->SetParentComposition(kNowhere);
+    const auto typed = AddPoint(u"Typed", {});
+    typed->Animation().StaticValue("rotationZ") = 5;
+    typed->Animation().KeyFrames("position").Add(KeyFrame(40, 1.5f));
+    Save("a.xml");
+
+    const ToolRun run = Run({"check", "a.xml", "--json"});
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_EQ(run.err, "marlet: a.xml: 9 problems\n");
+    const std::string id = kNowhere.ToNarrowString();
+    const auto line = [](const std::string &kind, const std::string &place, const std::string &what) {
+        return "{\"kind\":\"" + kind + "\",\"place\":\"" + place + "\",\"what\":\"" + what + "\"}";
+    };
+    const auto layer = [](const std::string &name) {
+        return "layer \\\"" + name + "\\\" of composition \\\"Main\\\"";
+    };
+    const std::vector<std::string> expected = {
+        line("dangling ID", "folder \\\"Stray\\\"", "the parent folder " + id + " does not exist"),
+        line("dangling ID", "asset \\\"gone.png\\\"", "the parent folder " + id + " does not exist"),
+        line("missing file", "asset \\\"gone.png\\\"", "its file is not there"),
+        line("dangling ID", layer("Orphan"), "the parent layer " + id + " does not exist"),
+        line("parent circle", layer("First"), "its parents run in a circle"),
+        line("parent circle", layer("Second"), "its parents run in a circle"),
+        line("dangling ID", layer("Exile"), "the parent composition " + id + " does not exist"),
+        line("unexpected type", layer("Typed") + ", property position",
+             "the key frame at 40 ms is of type float in place of KyPoint3_32f"),
+        line("unexpected type", layer("Typed") + ", property rotationZ",
+             "the static value is of type int32_t in place of float"),
+        "{\"kind\":\"sums\",\"problems\":9}",
+    };
+    std::vector<std::string> found = run.OutLines();
+    std::sort(found.begin(), found.end());
+    std::vector<std::string> sorted = expected;
+    std::sort(sorted.begin(), sorted.end());
+    EXPECT_EQ(found, sorted);
+}
+
+TEST_F(CheckTest, FindsIDsThatRepeat)
+{
+    project_->Assets().All().Add(composition_);
+    const auto layer = AddPoint(u"Twin", {});
+    composition_->Layers().Add(layer);
+    Save("a.xml");
+    const std::string out = Run({"check", "a.xml"}).out;
+    EXPECT_NE(out.find("repeated ID     asset \"Main\": " + composition_->ID().ToNarrowString()),
+              std::string::npos);
+    EXPECT_NE(
+        out.find("repeated ID     layer \"Twin\" of composition \"Main\": " + layer->ID().ToNarrowString()),
+        std::string::npos);
+}
+
+TEST_F(CheckTest, KnowsTheTypesOfAClassEvenIfTheFileHasOthersThroughout)
+{
+    AddPoint(u"Odd", {});
+    std::string text = ToUtf8(project_->Serialize());
+    const std::size_t start = text.find("<rotationX");
+    std::string property = text.substr(start, text.find("</rotationX>") - start);
+    const std::size_t length = property.size();
+    for (std::size_t at = 0; (at = property.find("float", at)) != std::string::npos;)
+        property.replace(at, 5, "double");
+    Write("a.xml", text.replace(start, length, property));
+    EXPECT_EQ(Run({"check", "a.xml"}).err, "marlet: a.xml: 2 problems\n");
+}
+
+} // namespace
+
+} // namespace marlet::test
