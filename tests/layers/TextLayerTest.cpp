@@ -102,7 +102,7 @@ TEST(TextLayer, SharesFormatsThatLookTheSame)
 TEST(TextLayer, TakesInAFormatThatLooksLikeNoOther)
 {
     const auto layer = TextLayer::Create(u"", 1, 1);
-    const auto format = std::make_shared<Format>(Format{{.Data1 = 5}, u"Serif", u"", 9});
+    const auto format = std::make_shared<Format>(Format{{.Data1 = 5}, u"Serif", u"", 9, {}, {}});
     EXPECT_EQ(layer->GetOrAddFormat(format), format);
     EXPECT_EQ(format->id, KyID{.Data1 = 5});
     EXPECT_EQ(layer->TextFormat(u"Serif", u"", 9, {}, {}, 0, 0, 0), format);
@@ -160,8 +160,9 @@ TEST(TextLayer, IsClonedWithTokensAndFormatsOfItsOwn)
         EXPECT_EQ(copies[i]->type, sources[i]->type);
         EXPECT_FALSE(copies[i]->id.IsNull());
         EXPECT_NE(copies[i]->id, sources[i]->id);
-        if (copies[i]->type == Token::kCharacter)
+        if (copies[i]->type == Token::kCharacter) {
             EXPECT_EQ(copies[i]->character, sources[i]->character);
+        }
         ASSERT_EQ(copies[i]->format == nullptr, sources[i]->format == nullptr);
         if (copies[i]->format) {
             EXPECT_NE(copies[i]->format->id, sources[i]->format->id);

@@ -56,9 +56,9 @@ std::string FailureOfTokens(const std::string &xml)
 TEST(TextTokens, AreWrittenWithTheFormatsThatTheyUse)
 {
     const auto layer = TextLayer::Create(u"", 1, 1);
-    layer->GetOrAddFormat(std::make_shared<Format>(Format{{.Data1 = 4}, u"Unused", u"", 1}));
+    layer->GetOrAddFormat(std::make_shared<Format>(Format{{.Data1 = 4}, u"Unused", u"", 1, {}, {}}));
     const auto format = std::make_shared<Format>(
-        Format{{.Data1 = 5}, u"S<ns", u"Bold", 12, {1, .75f, .5f, 0}, {0, .25f, .5f, 1}, 0.1f, 16777217, -1});
+        Format{{.Data1 = 5}, u"S<ns", u"Bold", 12, {1, .75f, .5f, 0}, {0, .25f, .5f, 1}, 0.1f, 16777216, -1});
     layer->GetOrAddFormat(format);
     const TokenPtr first = AddCharacter(*layer, u'\u4E2D', format, {.Data1 = 1});
     AddParagraph(*layer, -3, {.Data1 = 2});
