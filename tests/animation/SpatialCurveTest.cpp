@@ -73,17 +73,6 @@ TEST(SpatialCurveTest, StraightTimingMovesAtAnEvenSpeed)
     }
 }
 
-TEST(SpatialCurveTest, TimingThatOvershootsEndsOnThePointItself)
-{
-    for (int i = 1; i < 100; ++i) {
-        const Point2D end = {i % 2 == 0 ? 0.0f : 0.37f * static_cast<float>(i), 0};
-        const auto manager = PathManager({{3.1f, static_cast<float>(i)}, {-70, 41.7f}, end, {200, 9}});
-        manager->KeyFrames("p").At(200).SetIncomingPoint({-30, 1000});
-        const auto point = boost::get<Point2D>(manager->ValueAtTime("p", 190));
-        EXPECT_TRUE(point.X == end.X && point.Y == end.Y) << point.X << ' ' << point.Y;
-    }
-}
-
 std::string Failure(const KeyFrameList &list, int first, int second)
 {
     try {
