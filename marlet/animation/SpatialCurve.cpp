@@ -98,8 +98,6 @@ bool SpatialTable::IsBuiltFrom(const SpatialInputs &inputs) const
 
 double SpatialTable::Parameter(double fraction) const
 {
-    if (fraction == 1.0)
-        return 1.0; // to the last bit, where the line between two entries would be rounded
     if (count_ < 2)
         throw std::runtime_error("Curve piece length has not been cached");
     const double target = fraction * lengths_[count_ - 1];

@@ -222,7 +222,7 @@ void XmlWriter::Attribute(std::string_view name, float value)
 
 void XmlWriter::Attribute(std::string_view name, double value)
 {
-    AppendAttribute(name, FormatDouble(value).View());
+    AppendAttribute(name, FormatDoubleAttribute(value).View());
 }
 
 void XmlWriter::Attribute(std::string_view name, const kytl::KyID &value)
