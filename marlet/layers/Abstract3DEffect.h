@@ -50,6 +50,12 @@ public:
                                    const kytl::KyID &layerID) const;
     /// A question that the host puts to its own effects.
     virtual bool IsTextureListReferenced(const kytl::KyID &textureID) const;
+
+protected:
+    /// Whether a layer hangs below an ancestor, directly or through others. A layer is not its own ancestor.
+    /// @throws std::logic_error if the parents run in a circle
+    bool IsAncestorOfReferencedLayer(const std::shared_ptr<CompositionAsset> &composition,
+                                     const kytl::KyID &layerID, const kytl::KyID &ancestorID) const;
 };
 
 } // namespace marlet::project

@@ -1,45 +1,11 @@
 #include <marlet/layers/LayerProperties.h>
 
-#include <marlet/foundation/Exceptions.h>
-
 namespace marlet::project
 {
-
-namespace
-{
-
-void Create(PropertyManager &manager, const LayerProperty &property)
-{
-    const int status =
-        property.spatial
-            ? manager.CreateSpatialProperty(property.name, property.value, property.type, nullptr)
-            : manager.CreateProperty(property.name, property.value, property.type, nullptr);
-    if (status != PropertyManager::kCreated)
-        throw ProjectException(status, {});
-}
-
-void Require(const PropertyManager &manager, const LayerProperty &property)
-{
-    if (!manager.HasProperty(property.name))
-        throw ProjectException(ProjectException::kMissingProperty, property.name);
-}
-
-} // namespace
-
-LayerProperties operator+(LayerProperties first, const LayerProperties &second)
-{
-    first.insert(first.end(), second.begin(), second.end());
-    return first;
-}
 
 LayerProperty PathProperty(const char *name, const kytl::matl::KyPoint<3, float> &point)
 {
     return {.name = name, .value = point, .spatial = true};
-}
-
-LayerProperty FixedProperty(const char *name, const PropertyValue &value)
-{
-    return {.name = name, .value = value, .type = PropertyManager::Type::NotAnimatable};
 }
 
 LayerProperties RotationProperties(const Orientation3D &orientation)
@@ -54,25 +20,6 @@ LayerProperties TransformationProperties()
                                    {"scale", Scale3D{}},
                                    FixedProperty("scaleLinked", true)};
     return place + RotationProperties({});
-}
-
-void CreateProperties(PropertyManager &manager, const LayerProperties &properties)
-{
-    for (const LayerProperty &property : properties)
-        Create(manager, property);
-}
-
-void RequireProperties(PropertyManager &manager, const LayerProperties &properties, unsigned int version)
-{
-    for (const LayerProperty &property : properties)
-        if (property.since == 0)
-            Require(manager, property);
-    for (const LayerProperty &property : properties)
-        if (property.since > version)
-            Create(manager, property);
-    for (const LayerProperty &property : properties)
-        if (property.since > 0)
-            Require(manager, property);
 }
 
 } // namespace marlet::project

@@ -22,9 +22,8 @@ class PropertyManager;
 class MARLET_EXPORT AbstractPlugin
 {
 public:
-    enum class Kind : int {
-        Filter2D, ///< an AbstractPlugin2D; the library tests for no other kind
-    };
+    /// The kind of an AbstractPlugin2D; the library tests for no other.
+    static constexpr int kFilter2D = 0;
 
     /// Compared field by field, in this order.
     struct VersionInfo {
@@ -43,7 +42,7 @@ public:
 
     /// The plug-in's stable identity, which stands in files.
     virtual const kytl::KyID &ID() const = 0;
-    virtual Kind PluginKind() const = 0;
+    virtual int Kind() const = 0;
     virtual void HostOperation1() = 0;
     /// The display name, which stands in files and messages.
     virtual const WideString &Name() const = 0;
@@ -61,11 +60,13 @@ public:
     virtual void InstanceCreated(AbstractPluginInstance *instance) = 0;
     /// From the instance's destructor, before its data goes, if the plug-in still lives.
     virtual void InstanceDestroyed(AbstractPluginInstance *instance) = 0;
-    /// Last when an instance is written and when it is copied. The document is a QDomDocument, the element
-    /// the instance's QDomElement in it. A plug-in with private data calls SerializeInstanceDataBytes on the
-    /// instance.
+    /// When an instance is saved and when it is copied. The document is a QDomDocument, the element its root,
+    /// a QDomElement "Instance" that holds the instance's "Version" and its children from "ID" to "Enabled".
+    /// A plug-in with private data calls SerializeInstanceDataBytes on the instance with the two. Whatever
+    /// else it appends, also attributes, is saved behind the library's own.
     virtual void SerializeInstance(AbstractPluginInstance *instance, void *document, void *element) = 0;
-    /// Last when an instance with private data is read or copied. The bytes are the library's.
+    /// Last when an instance with private data is read or copied. The bytes are the library's, and stay for
+    /// the length of the call.
     virtual void DeserializeInstance(AbstractPluginInstance *instance, unsigned char *bytes, int size) = 0;
     virtual void HostOperation7() = 0;
     virtual void PropertyChanged(AbstractPluginInstance *instance, const char *name) = 0;

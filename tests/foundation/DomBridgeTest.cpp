@@ -1,6 +1,7 @@
 #include <marlet/foundation/Exceptions.h>
 #include <marlet/foundation/xml/DomBridge.h>
 #include <marlet/foundation/xml/XmlReader.h>
+#include <marlet/foundation/xml/XmlWriter.h>
 
 #include <QDomDocument>
 #include <gtest/gtest.h>
@@ -80,6 +81,31 @@ TEST(DomBridgeTest, ATextGoesIntoADocumentAndComesBackAsItWas)
     EXPECT_EQ(parent.childNodes().count(), 2);
     const QDomElement appended = parent.lastChildElement();
     EXPECT_EQ(FromDom(appended), ToUtf8(kText));
+}
+
+TEST(DomBridgeTest, PartOfATextGoesIntoADocumentAndBackIntoATextUnderWay)
+{
+    const XmlDocument text(kText);
+    QDomDocument document;
+    AppendXmlToDom(text.Root().Find("List"), &document, &document);
+    AppendXmlToDom(text.Root().Find("Absent"), &document, &document);
+    const QDomElement list = document.documentElement();
+    const WideString written = XmlText([&list](XmlWriter &writer) {
+        const XmlElement root(writer, "Root");
+        writer.Child("First", 1);
+        WriteDom(writer, &list);
+        const QDomElement nothing;
+        WriteDom(writer, &nothing);
+        writer.Child("Last", 2);
+    });
+    EXPECT_EQ(ToUtf8(written), "<Root>\n"
+                               " <First>1</First>\n"
+                               " <List>\n"
+                               "  <Item a=\"1\"/>\n"
+                               "  <Item a=\"2\">&lt;</Item>\n"
+                               " </List>\n"
+                               " <Last>2</Last>\n"
+                               "</Root>\n");
 }
 
 TEST(DomBridgeTest, BlanksBetweenElementsAreNoText)

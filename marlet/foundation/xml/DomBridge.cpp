@@ -77,22 +77,30 @@ void Append(pugi::xml_node source, QDomDocument &document, QDomNode &parent)
 
 } // namespace
 
-WideString XmlFromDom(const void *element)
+void WriteDom(XmlWriter &writer, const void *element)
 {
     const auto &source = *static_cast<const QDomElement *>(element);
-    if (source.isNull())
-        return {};
-    return XmlText([&source](XmlWriter &writer) { Write(writer, source); });
+    if (!source.isNull())
+        Write(writer, source);
+}
+
+WideString XmlFromDom(const void *element)
+{
+    return XmlText([element](XmlWriter &writer) { WriteDom(writer, element); });
+}
+
+void AppendXmlToDom(const XmlCursor &element, void *document, void *parent)
+{
+    // A document and an element both are nodes at the same address.
+    if (!element.IsNull())
+        Append(pugi::xml_node(element.Node()), *static_cast<QDomDocument *>(document),
+               *static_cast<QDomNode *>(parent));
 }
 
 void AppendXmlToDom(const WideString &xml, void *document, void *parent)
 {
     const XmlDocument text(xml);
-    const XmlCursor root = text.Root();
-    // A document and an element both are nodes at the same address.
-    if (!root.IsNull())
-        Append(pugi::xml_node(root.Node()), *static_cast<QDomDocument *>(document),
-               *static_cast<QDomNode *>(parent));
+    AppendXmlToDom(text.Root(), document, parent);
 }
 
 } // namespace marlet::project

@@ -1,0 +1,59 @@
+#include <marlet/animation/PropertyTable.h>
+
+#include <marlet/foundation/Exceptions.h>
+
+namespace marlet::project
+{
+
+namespace
+{
+
+void Create(PropertyManager &manager, const PropertyRow &property)
+{
+    const int status =
+        property.spatial
+            ? manager.CreateSpatialProperty(property.name, property.value, property.type, nullptr)
+            : manager.CreateProperty(property.name, property.value, property.type, nullptr);
+    if (status != PropertyManager::kCreated)
+        throw ProjectException(status, {});
+}
+
+void Require(const PropertyManager &manager, const PropertyRow &property)
+{
+    if (!manager.HasProperty(property.name))
+        throw ProjectException(ProjectException::kMissingProperty, property.name);
+}
+
+} // namespace
+
+PropertyTable operator+(PropertyTable first, const PropertyTable &second)
+{
+    first.insert(first.end(), second.begin(), second.end());
+    return first;
+}
+
+PropertyRow FixedProperty(const char *name, const PropertyValue &value)
+{
+    return {.name = name, .value = value, .type = PropertyManager::Type::NotAnimatable};
+}
+
+void CreateProperties(PropertyManager &manager, const PropertyTable &properties)
+{
+    for (const PropertyRow &property : properties)
+        Create(manager, property);
+}
+
+void RequireProperties(PropertyManager &manager, const PropertyTable &properties, unsigned int version)
+{
+    for (const PropertyRow &property : properties)
+        if (property.since == 0)
+            Require(manager, property);
+    for (const PropertyRow &property : properties)
+        if (property.since > version)
+            Create(manager, property);
+    for (const PropertyRow &property : properties)
+        if (property.since > 0)
+            Require(manager, property);
+}
+
+} // namespace marlet::project

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <marlet/animation/PropertyManager.h>
+#include <marlet/animation/PropertyValue.h>
+
+#include <vector>
+
+namespace marlet::project
+{
+
+/// A property that every object of a class has.
+struct PropertyRow {
+    const char *name;
+    PropertyValue value;
+    PropertyManager::Type type = PropertyManager::Type::Animatable;
+    bool spatial = false;
+    unsigned int since = 0; ///< the version of the class's element that brought it
+};
+
+/// The properties of a class in the order in which they are created and looked for.
+using PropertyTable = std::vector<PropertyRow>;
+
+PropertyTable operator+(PropertyTable first, const PropertyTable &second);
+
+/// A property that has a static value only.
+PropertyRow FixedProperty(const char *name, const PropertyValue &value);
+
+/// @throws ProjectException with the status of a property that cannot be created
+void CreateProperties(PropertyManager &manager, const PropertyTable &properties);
+
+/// Checks what an element of that version holds. Properties that later versions brought are created first,
+/// and looked for after the others.
+/// @throws ProjectException with the name of the first property that is missing
+void RequireProperties(PropertyManager &manager, const PropertyTable &properties, unsigned int version);
+
+} // namespace marlet::project

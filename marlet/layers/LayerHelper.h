@@ -1,0 +1,42 @@
+#pragma once
+
+#include <marlet/foundation/KyList.h>
+#include <marlet/layers/ObjectPropertyList.h>
+
+#include <memory>
+#include <unordered_map>
+
+namespace marlet::project
+{
+
+class EffectInstance;
+class Mask;
+class XmlCursor;
+class XmlWriter;
+
+/// What the layer classes with effects and masks have in common. Internal.
+class LayerHelper
+{
+public:
+    using Effects = kytl::KyList<std::shared_ptr<EffectInstance>, std::vector>;
+    using Masks = kytl::KyList<std::shared_ptr<Mask>, std::vector>;
+
+    static void SerializeMasks(XmlWriter &writer, const Masks &masks);
+    /// Empties the list; an element without "Masks" has none.
+    static void DeserializeMasks(const XmlCursor &parent, Masks &masks);
+
+    /// Copies for a clone: effects that the clone in its composition holds, and masks on it. Effects whose
+    /// plug-in is gone cannot be copied and are left out.
+    static Effects CopyEffects(const Effects &effects, const kytl::KyID &layerID,
+                               const kytl::KyID &compositionID);
+    static Masks CopyMasks(const Masks &masks, const kytl::KyID &layerID);
+
+    static std::vector<ObjectPropertyList> LayerReferencePropertyNames(const Effects &effects);
+    static bool IsLayerReferenced(const Effects &effects, const kytl::KyID &layerID);
+    static void ClearInvalidLayerReferences(const Effects &effects,
+                                            const std::unordered_map<NarrowString, bool> &validIDs);
+    static void ChangeLayerReferences(const Effects &effects,
+                                      const std::unordered_map<NarrowString, NarrowString> &changes);
+};
+
+} // namespace marlet::project

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <marlet/foundation/KyList.h>
+#include <marlet/plugins/AbstractPlugin.h>
+#include <marlet/plugins/AbstractPluginInstance.h>
+
+#include <memory>
+#include <unordered_map>
+
+class QDomDocument;
+class QDomElement;
+
+namespace marlet::project
+{
+
+class AbstractPluginManager;
+class EffectInstance;
+class PropertyManager;
+class XmlCursor;
+class XmlWriter;
+
+/// What all that hold effects have in common: the list of effects in the file, the state of panels, and the
+/// rules by which a file meets the plug-ins at hand.
+///
+/// A plug-in that is missing, or older than the one that saved the file, ends the load. One that is the same
+/// or newer loads: its own set of properties wins, and those that the file knows take their values from it.
+/// Without a plug-in manager effects are skipped. A failure leaves a list as it was.
+class MARLET_EXPORT EffectsHelper
+{
+public:
+    using Effects = kytl::KyList<std::shared_ptr<EffectInstance>, std::vector>;
+    using UIStates = std::unordered_map<NarrowString, AbstractPluginInstance::UIState>;
+
+    static void SerializeEffects(QDomDocument *document, QDomElement *parent, const Effects &effects);
+    /// @throws MissingPluginException, InvalidPluginVersionException, and as EffectInstance::CreateFromXml
+    static void DeserializeEffects(QDomElement *parent, Effects &effects,
+                                   const std::shared_ptr<AbstractPluginManager> &pluginManager);
+
+    /// The states of a plug-in's controls before anything changes them.
+    static UIStates CreateUIState(const std::shared_ptr<AbstractPlugin> &plugin);
+    static void SerializeUIState(QDomDocument *document, QDomElement *parent, const UIStates &states);
+    /// Takes over what the element's "UIState" says of the names that are there.
+    static void SynchronizeUIState(QDomElement *parent, UIStates &states);
+    /// Takes over the static values, whatever their type, and the key frames of the properties that both
+    /// have. Whether these move along a path in space stays for the properties to say.
+    static void SynchronizeSourceWithDest(PropertyManager &properties, const PropertyManager &fromFile);
+    /// -1, 0 or 1 as a is older than, the same as, or newer than b.
+    static int ComparePluginVersions(const AbstractPlugin::VersionInfo &a,
+                                     const AbstractPlugin::VersionInfo &b);
+
+    // The same in the form in which elements travel inside a larger text of this library.
+
+    static void SerializeEffects(XmlWriter &writer, const Effects &effects);
+    static void DeserializeEffects(const XmlCursor &parent, Effects &effects,
+                                   const std::shared_ptr<AbstractPluginManager> &pluginManager);
+    static void SerializeUIState(XmlWriter &writer, const UIStates &states);
+    static void SynchronizeUIState(const XmlCursor &parent, UIStates &states);
+};
+
+} // namespace marlet::project

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <marlet/foundation/ValuePtr.h>
+#include <marlet/plugins/AbstractPluginUITreeNode.h>
+
+namespace marlet::project
+{
+
+struct PluginUIHistogram_Impl;
+
+/// A histogram with the levels of all channels together and of each, by five properties for each of them.
+class MARLET_EXPORT PluginUIHistogram : public AbstractPluginUITreeNode
+{
+public:
+    struct PropertyNames {
+        NarrowString inputBlack;
+        NarrowString inputWhite;
+        NarrowString gamma;
+        NarrowString outputBlack;
+        NarrowString outputWhite;
+    };
+
+    PluginUIHistogram(std::shared_ptr<AbstractPluginUITreeNode> parent, const WideString &name,
+                      const char *property, int options, const PropertyNames &rgb, const PropertyNames &red,
+                      const PropertyNames &green, const PropertyNames &blue, const PropertyNames &alpha);
+    PluginUIHistogram(const PluginUIHistogram &) = delete;
+    ~PluginUIHistogram() override;
+
+    NodeType Type() const override;
+    const WideString &Name() const override;
+    std::shared_ptr<AbstractPluginUITreeNode> ParentNode() const override;
+    Children &ChildNodes() override;
+    const Children &ChildNodes() const override;
+    const char *PropertyManagerName() const override;
+    int Options() const override;
+
+    const PropertyNames &RGBPropertyNames() const;
+    const PropertyNames &RedPropertyNames() const;
+    const PropertyNames &GreenPropertyNames() const;
+    const PropertyNames &BluePropertyNames() const;
+    const PropertyNames &AlphaPropertyNames() const;
+
+private:
+    ValuePtr<PluginUIHistogram_Impl> impl_;
+};
+
+} // namespace marlet::project
