@@ -18,11 +18,8 @@ enum Edges { kTransparent, kRepeat, kWrap };
 
 PluginPanel Panel()
 {
-    const std::vector<PluginPanel::MenuItem> channels{{u"Red", kRed},
-                                                      {u"Green", kGreen},
-                                                      {u"Blue", kBlue},
-                                                      {u"Alpha", kAlpha},
-                                                      {u"Luminance", kLuminance}};
+    const std::vector<PluginPanel::MenuItem> channels{
+        {u"Red", kRed}, {u"Green", kGreen}, {u"Blue", kBlue}, {u"Alpha", kAlpha}, {u"Luminance", kLuminance}};
     PluginPanel panel;
     panel.Group(u"Map")
         .Layer("map", u"Map Layer")

@@ -80,8 +80,7 @@ PluginPanel &PluginPanel::Menu(const char *property, const WideString &label, in
         texts += (values.empty() ? u"" : u"|") + item.text;
         values.push_back(item.value);
     }
-    return Add(
-        std::make_shared<PluginUIComboBox>(group_, label, property, options, texts, values.data()));
+    return Add(std::make_shared<PluginUIComboBox>(group_, label, property, options, texts, values.data()));
 }
 
 PluginPanel &PluginPanel::Point(const char *property, const WideString &label, float x, float y, int options)
@@ -143,8 +142,8 @@ PluginPanel &PluginPanel::Histogram(const char *property, const WideString &labe
     const auto green = levels("green");
     const auto blue = levels("blue");
     const auto alpha = levels("alpha");
-    return Add(std::make_shared<PluginUIHistogram>(group_, label, property, options, rgb, red, green, blue,
-                                                   alpha));
+    return Add(
+        std::make_shared<PluginUIHistogram>(group_, label, property, options, rgb, red, green, blue, alpha));
 }
 
 } // namespace marlet::tool

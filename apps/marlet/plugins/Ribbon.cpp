@@ -56,7 +56,7 @@ QString IDText(const kytl::KyID &id)
 QString RequireAttribute(const QDomElement &element, const char *name)
 {
     if (!element.hasAttribute(name))
-        throw XmlParseException(element.tagName().toStdString() + " is missing attribute " + name + ": ");
+        throw XmlParseException(element.tagName().toStdString() + " is missing attribute " + name + "\n");
     return element.attribute(name);
 }
 

@@ -40,9 +40,8 @@ public:
     void Serialize(void *document, void *effectElement,
                    const project::ProjectTextureImageCache &textures) const override;
     std::vector<project::ObjectPropertyList> LayerReferencePropertyNames() const override;
-    void
-    ChangeLayerReferences(const std::unordered_map<project::NarrowString, project::NarrowString> &changes)
-        override;
+    void ChangeLayerReferences(
+        const std::unordered_map<project::NarrowString, project::NarrowString> &changes) override;
     void
     ClearInvalidLayerReferences(const std::unordered_map<project::NarrowString, bool> &validIDs) override;
     /// The layers above the followed one count too.

@@ -80,8 +80,8 @@ public:
     {
     }
 
-    void FilterMargins(project::EffectInstance *effect, project::FilterSurface *surface, int width, int height,
-                       float scale, float, bool, int time, int *left, int *right, int *top,
+    void FilterMargins(project::EffectInstance *effect, project::FilterSurface *surface, int width,
+                       int height, float scale, float, bool, int time, int *left, int *right, int *top,
                        int *bottom) override;
     void HostOperation8() override {}
 

@@ -10,8 +10,7 @@ std::shared_ptr<AbstractPlugin> MakeCrossDissolve()
 {
     enum Curve { kStraight, kEased, kFilm };
     PluginPanel panel;
-    panel
-        .Menu("curve", u"Curve", kStraight, {{u"Straight", kStraight}, {u"Eased", kEased}, {u"Film", kFilm}})
+    panel.Menu("curve", u"Curve", kStraight, {{u"Straight", kStraight}, {u"Eased", kEased}, {u"Film", kFilm}})
         .Int("dither", u"Dither", 0, {0, 16, u"levels"});
     const PluginIdentity identity{kCrossDissolveID, u"Cross Dissolve", {1, 0, 0, 0}};
     return std::make_shared<TransitionPlugin>(identity, panel);
