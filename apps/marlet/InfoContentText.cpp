@@ -24,7 +24,6 @@ namespace
 
 const std::string kIndent = kLayerIndent;
 const std::string kDeeper = kIndent + "  ";
-const std::string kDeepest = kDeeper + "  ";
 
 /// The beginning of a long stretch, without half a character at its end.
 std::string Excerpt(const WideString &text)
@@ -102,11 +101,20 @@ void WriteEffect(const EffectInstance &effect, Output &output)
         output.Line(kDeeper + hidden);
 }
 
-void WritePoint(const PathPoint &point, std::size_t position, Output &output)
+/// Where something stands, or that it moves.
+std::string PlaceText(const PropertyManager &properties, const char *name)
 {
-    output.Line(kDeeper + "point " + std::to_string(position) + (point.IsLinear() ? ", linear" : ", curved") +
-                (point.IsLocked() ? ", locked" : ""));
-    WritePropertiesText(point.Animation(), kDeepest, output);
+    const KeyFrameList &keyFrames = properties.KeyFrames(name);
+    return keyFrames.IsEmpty() ? ValueText(properties.StaticValue(name))
+                               : Counted(keyFrames.Count(), "key frame");
+}
+
+std::string PointText(const PathPoint &point)
+{
+    const PropertyManager &places = point.Animation();
+    return PlaceText(places, "position") + ", handles " + PlaceText(places, "leftHandle") + " and " +
+           PlaceText(places, "rightHandle") + (point.IsLinear() ? ", linear" : "") +
+           (point.IsLocked() ? ", locked" : "");
 }
 
 void WriteMask(const Mask &mask, Output &output)
@@ -117,7 +125,7 @@ void WriteMask(const Mask &mask, Output &output)
     WritePropertiesText(mask.Animation(), kDeeper, output);
     std::size_t position = 0;
     for (const auto &point : path.Points())
-        WritePoint(*point, ++position, output);
+        output.Line(kDeeper + "point " + PadRight(std::to_string(++position), 3) + " " + PointText(*point));
 }
 
 void WriteReference(const LayerReference &reference, const LayerMap &layers, Output &output)

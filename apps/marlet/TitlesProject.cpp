@@ -48,7 +48,7 @@ FormatPointer Format(TextLayer &layer, const WideString &family, const WideStrin
                      const Color &fill, float strokeWidth = 0, float tracking = 0)
 {
     return layer.TextFormat(family, style, size, fill, kInk, strokeWidth, tracking,
-                            1.2f * static_cast<float>(size));
+                            static_cast<float>(size) * 6 / 5);
 }
 
 void Append(TextLayer &layer, const WideString &text, const FormatPointer &format)
