@@ -37,11 +37,31 @@ set(MARLET_PUBLIC_HEADERS
     layers/PointLayer.h
     layers/TextLayer.h
     layers/TransformationHelper.h
+    masks/Mask.h
+    masks/MotionPath.h
+    masks/PathPoint.h
     plugins/AbstractPlugin.h
     plugins/AbstractPlugin2D.h
     plugins/AbstractPluginInstance.h
     plugins/AbstractPluginManager.h
+    plugins/AbstractPluginTreeNode.h
+    plugins/AbstractPluginUITreeNode.h
+    plugins/EffectInstance.h
+    plugins/EffectsHelper.h
     plugins/FilterSurface.h
+    plugins/PluginTreeCategoryNode.h
+    plugins/PluginTreePluginNode.h
+    plugins/PluginUIAngle.h
+    plugins/PluginUICheckBox.h
+    plugins/PluginUIColorPicker.h
+    plugins/PluginUIColorWheels.h
+    plugins/PluginUIComboBox.h
+    plugins/PluginUIHistogram.h
+    plugins/PluginUILayerPicker.h
+    plugins/PluginUINode.h
+    plugins/PluginUIPoint.h
+    plugins/PluginUISliderFloat.h
+    plugins/PluginUISliderInt.h
     project/AbstractAsset.h
     project/AbstractAssetInstance.h
     project/AssetList.h
