@@ -1,5 +1,6 @@
 #include <bench/support/Report.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <iterator>
 #include <optional>
@@ -56,8 +57,8 @@ constexpr Figure kFigures[] = {
      "AtRandom/ByID/1000", Bound::AtMost, 5},
     {"world matrix three parents deep, allocations", Kind::Count, "WorldThreeParentsDeep:allocations",
      nullptr, Bound::AtMost, 0},
-    {"throughput of two threads / of one", Kind::Ratio, "WorldOfScene/threads:1", "WorldOfScene/threads:2",
-     Bound::AtLeast, 1.8},
+    {"throughput of two threads / of one", Kind::Ratio, "WorldOfScene/1", "WorldOfScene/2", Bound::AtLeast,
+     1.8},
 };
 
 std::string TimeText(double nanoseconds)
@@ -77,8 +78,6 @@ std::string PlainName(const benchmark::BenchmarkReporter::Run &run)
     std::string name = run.run_name.function_name;
     if (!run.run_name.args.empty())
         name += "/" + run.run_name.args;
-    if (!run.run_name.threads.empty())
-        name += "/" + run.run_name.threads;
     return name;
 }
 
