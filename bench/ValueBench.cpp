@@ -105,7 +105,8 @@ void ValueAllocations(benchmark::State &state)
             benchmark::DoNotOptimize(curve.ByID(time));
         state.counters["allocations"] = static_cast<double>(counter.Allocations());
     }
-    // The library's tables step through whole milliseconds, so the two agree to a few hundredths of the range.
+    // The library's tables step through whole milliseconds, so the two agree to a few hundredths of the
+    // range.
     for (int time : times)
         if (std::abs(curve.ByID(time) - curve.Bare(time)) > 4)
             state.SkipWithError("the bare program computes another curve");

@@ -27,12 +27,15 @@ set(MARLET_PUBLIC_HEADERS
     layers/Abstract3DEffectFactory.h
     layers/AbstractLayer.h
     layers/CameraLayer.h
+    layers/Effect3DLayer.h
+    layers/GradeLayer.h
     layers/LayerTypes.h
     layers/LightLayer.h
     layers/ObjectPropertyList.h
     layers/ParentHelper.h
     layers/ParticleLayer.h
     layers/PointLayer.h
+    layers/TextLayer.h
     layers/TransformationHelper.h
     masks/Mask.h
     masks/MotionPath.h

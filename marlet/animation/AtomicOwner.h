@@ -14,7 +14,20 @@ public:
     AtomicOwner() = default;
     AtomicOwner(const AtomicOwner &) = delete;
     AtomicOwner &operator=(const AtomicOwner &) = delete;
+    AtomicOwner(AtomicOwner &&other) noexcept : object_(other.Release()) {}
+    AtomicOwner &operator=(AtomicOwner &&other) noexcept
+    {
+        Reset(other.Release());
+        return *this;
+    }
     ~AtomicOwner() { delete Load(); }
+
+    /// This and moving are for one thread alone, and cost no more than with an ordinary pointer.
+    void Reset(T *object = nullptr)
+    {
+        delete Load();
+        object_.store(object, std::memory_order_relaxed);
+    }
 
     T *Load() const { return object_.load(std::memory_order_acquire); }
 
@@ -25,6 +38,13 @@ public:
     }
 
 private:
+    T *Release()
+    {
+        T *object = Load();
+        object_.store(nullptr, std::memory_order_relaxed);
+        return object;
+    }
+
     std::atomic<T *> object_{nullptr};
 };
 

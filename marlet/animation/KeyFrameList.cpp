@@ -35,7 +35,7 @@ const KeyFrame &RequireOne(const KeyFrameList_Impl &list, std::size_t position)
 {
     if (list.Size() == 0)
         throw std::out_of_range("There are no key frames");
-    return list.nodes[position]->key;
+    return list.Key(position);
 }
 
 } // namespace
@@ -81,8 +81,8 @@ bool KeyFrameList::Exists(const kytl::KyID &id, int *time) const
 std::vector<kytl::KyID> KeyFrameList::Identifiers() const
 {
     std::vector<kytl::KyID> ids(impl_->Size());
-    std::ranges::transform(impl_->nodes, ids.begin(),
-                           [](const KeyFrameNode *node) { return node->key.ID(); });
+    std::ranges::transform(impl_->places, ids.begin(),
+                           [](const KeyFramePlace &place) { return place.node->key.ID(); });
     return ids;
 }
 
@@ -91,7 +91,7 @@ std::vector<kytl::KyID> KeyFrameList::IdentifiersAt(int time) const
     std::vector<kytl::KyID> ids;
     const std::size_t end = impl_->FirstAfter(time);
     for (std::size_t i = impl_->FirstFrom(time); i < end; ++i)
-        ids.push_back(impl_->nodes[i]->key.ID());
+        ids.push_back(impl_->Key(i).ID());
     return ids;
 }
 
@@ -102,22 +102,22 @@ std::vector<int> KeyFrameList::Locations() const
 
 KeyFrame &KeyFrameList::At(int time)
 {
-    return impl_->nodes[impl_->Find(time)]->key;
+    return impl_->Key(impl_->Find(time));
 }
 
 const KeyFrame &KeyFrameList::At(int time) const
 {
-    return impl_->nodes[impl_->Find(time)]->key;
+    return impl_->Key(impl_->Find(time));
 }
 
 KeyFrame &KeyFrameList::GetByID(const kytl::KyID &id)
 {
-    return impl_->nodes[impl_->Find(id)]->key;
+    return impl_->Key(impl_->Find(id));
 }
 
 const KeyFrame &KeyFrameList::GetByID(const kytl::KyID &id) const
 {
-    return impl_->nodes[impl_->Find(id)]->key;
+    return impl_->Key(impl_->Find(id));
 }
 
 const KeyFrame &KeyFrameList::FirstByTime() const
@@ -140,22 +140,22 @@ const KeyFrame &KeyFrameList::NearestToTime(int time) const
     const std::int64_t before = std::int64_t{time} - impl_->times[next - 1];
     const std::int64_t after = std::int64_t{impl_->times[next]} - time;
     const bool takesNext = after == 0 || after < before;
-    return impl_->nodes[takesNext ? next : next - 1]->key;
+    return impl_->Key(takesNext ? next : next - 1);
 }
 
 void KeyFrameList::AdjacentKeyFrames(int time, const KeyFrame **before, const KeyFrame **after) const
 {
     const std::size_t from = impl_->FirstFrom(time);
     const std::size_t next = impl_->FirstAfter(time);
-    *before = from == 0 ? nullptr : &impl_->nodes[from - 1]->key;
-    *after = next == impl_->Size() ? nullptr : &impl_->nodes[next]->key;
+    *before = from == 0 ? nullptr : &impl_->Key(from - 1);
+    *after = next == impl_->Size() ? nullptr : &impl_->Key(next);
 }
 
 bool KeyFrameList::Find(int &time, const std::function<bool(KeyFrame)> &predicate) const
 {
     for (std::size_t i = 0; i < impl_->Size(); ++i) {
         const int found = impl_->times[i];
-        if (predicate(impl_->nodes[i]->key)) {
+        if (predicate(impl_->Key(i))) {
             time = found;
             return true;
         }
@@ -168,13 +168,13 @@ bool KeyFrameList::Find(int &time, const std::function<bool(KeyFrame)> &predicat
 void KeyFrameList::ForEach(const std::function<void(const KeyFrame &)> &callback) const
 {
     for (std::size_t i = 0; i < impl_->Size(); ++i)
-        callback(KeyFrame(impl_->nodes[i]->key));
+        callback(KeyFrame(impl_->Key(i)));
 }
 
 void KeyFrameList::ForEachReverse(const std::function<void(const KeyFrame &)> &callback) const
 {
     for (std::size_t i = impl_->Size(); i > 0; i = std::min(i - 1, impl_->Size()))
-        callback(KeyFrame(impl_->nodes[i - 1]->key));
+        callback(KeyFrame(impl_->Key(i - 1)));
 }
 
 void KeyFrameList::ForEach(const std::function<void(KeyFrame &)> &callback)

@@ -53,20 +53,20 @@ bool IsZero(const kytl::matl::KyVector<2, float> &handle)
 PropertyValue KeyFrameList_Impl::ValueAt(int time, bool isSpatialProperty) const
 {
     if (time < times.front())
-        return nodes.front()->key.value_;
+        return Key(0).value_;
     const std::size_t position = LastNotAfter(times, time);
     if (times[position] == time && position > 0 && times[position - 1] == time)
-        return nodes[FirstFrom(time)]->key.value_;
+        return Key(FirstFrom(time)).value_;
     if (times[position] == time || position + 1 == Size())
-        return nodes[position]->key.value_;
+        return Key(position).value_;
     return PieceValueAt(position, time, isSpatialProperty);
 }
 
 /// The value strictly between the two key frames of a piece.
 PropertyValue KeyFrameList_Impl::PieceValueAt(std::size_t piece, int time, bool isSpatialProperty) const
 {
-    const KeyFrame &a = nodes[piece]->key;
-    const KeyFrame &b = nodes[piece + 1]->key;
+    const KeyFrame &a = Key(piece);
+    const KeyFrame &b = Key(piece + 1);
     if (a.type_ == KeyFrameType::Hold || a.value_ == b.value_)
         return a.value_;
 
@@ -97,10 +97,10 @@ PropertyValue KeyFrameList_Impl::PieceValueAt(std::size_t piece, int time, bool 
 
 const TemporalTable &KeyFrameList_Impl::TemporalCurve(std::size_t piece) const
 {
-    const KeyFrame &a = nodes[piece]->key;
-    const KeyFrame &b = nodes[piece + 1]->key;
+    const KeyFrame &a = Key(piece);
+    const KeyFrame &b = Key(piece + 1);
     const TemporalInputs inputs{times[piece], times[piece + 1], a.outgoingPoint_.X, b.incomingPoint_.X};
-    const TemporalTable *table = nodes[piece]->temporal.Load();
+    const TemporalTable *table = places[piece].temporal.Load();
     if (table != nullptr && table->IsBuiltFrom(inputs) && !a.IsOutgoingCurveDirty() &&
         !b.IsIncomingCurveDirty())
         return *table;
@@ -111,20 +111,20 @@ const TemporalTable &KeyFrameList_Impl::CreateTemporalCurveCache(std::size_t pie
                                                                  const TemporalInputs &inputs) const
 {
     const kytl::thread::KyScopedLock lock(lock_);
-    AtomicOwner<const TemporalTable> &place = nodes[piece]->temporal;
+    AtomicOwner<const TemporalTable> &place = places[piece].temporal;
     const TemporalTable *table = place.Load();
     if (table == nullptr || !table->IsBuiltFrom(inputs))
         table = &Replace(place, TemporalTable::Build(inputs));
-    nodes[piece]->key.outgoingCurveDirty_.Store(false);
-    nodes[piece + 1]->key.incomingCurveDirty_.Store(false);
+    Key(piece).outgoingCurveDirty_.Store(false);
+    Key(piece + 1).incomingCurveDirty_.Store(false);
     return *table;
 }
 
 /// Empty if one of the points is of another alternative than the list's.
 std::optional<SpatialInputs> KeyFrameList_Impl::InputsOfPath(std::size_t piece) const
 {
-    const KeyFrame &a = nodes[piece]->key;
-    const KeyFrame &b = nodes[piece + 1]->key;
+    const KeyFrame &a = Key(piece);
+    const KeyFrame &b = Key(piece + 1);
     const KeyFrame *before = Before(piece);
     const KeyFrame *after = After(piece + 1);
     const auto p = PointIn(spatialType, (before != nullptr ? *before : a).value_);
@@ -141,9 +141,9 @@ const SpatialTable &KeyFrameList_Impl::SpatialCurve(std::size_t piece) const
     const std::optional<SpatialInputs> inputs = InputsOfPath(piece);
     if (!inputs)
         throw boost::bad_get();
-    const SpatialTable *table = nodes[piece]->spatial.Load();
-    if (table != nullptr && table->IsBuiltFrom(*inputs) && !nodes[piece]->key.IsSpatialCurveDirty() &&
-        !nodes[piece + 1]->key.IsSpatialCurveDirty())
+    const SpatialTable *table = places[piece].node->spatial.Load();
+    if (table != nullptr && table->IsBuiltFrom(*inputs) && !Key(piece).IsSpatialCurveDirty() &&
+        !Key(piece + 1).IsSpatialCurveDirty())
         return *table;
     return CreateSpatialCurveCache(piece, *inputs);
 }
@@ -152,13 +152,13 @@ const SpatialTable &KeyFrameList_Impl::CreateSpatialCurveCache(std::size_t piece
                                                                const SpatialInputs &inputs) const
 {
     const kytl::thread::KyScopedLock lock(lock_);
-    AtomicOwner<const SpatialTable> &place = nodes[piece]->spatial;
+    AtomicOwner<const SpatialTable> &place = places[piece].node->spatial;
     const SpatialTable *table = place.Load();
     if (table == nullptr || !table->IsBuiltFrom(inputs))
         table = &Replace(place, std::make_unique<SpatialTable>(inputs));
     const auto &[firstTangents, secondTangents] = table->Tangents();
-    nodes[piece]->key.StoreTangents(firstTangents.incoming, firstTangents.outgoing);
-    nodes[piece + 1]->key.StoreTangents(secondTangents.incoming, secondTangents.outgoing);
+    Key(piece).StoreTangents(firstTangents.incoming, firstTangents.outgoing);
+    Key(piece + 1).StoreTangents(secondTangents.incoming, secondTangents.outgoing);
     return *table;
 }
 
@@ -189,7 +189,7 @@ double KeyFrameList_Impl::ParamTforSpatialCurveLength(int firstTime, int secondT
     const std::size_t next = FirstAfter(firstTime);
     if (next > 0 && next < Size() && times[next - 1] == firstTime && times[next] == secondTime) {
         const std::optional<SpatialInputs> inputs = InputsOfPath(next - 1);
-        const SpatialTable *table = nodes[next - 1]->spatial.Load();
+        const SpatialTable *table = places[next - 1].node->spatial.Load();
         if (inputs && table != nullptr && table->IsBuiltFrom(*inputs))
             return table->Parameter(fraction);
         if (inputs && inputs->first == inputs->second)

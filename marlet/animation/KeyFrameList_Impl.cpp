@@ -21,22 +21,22 @@ template <class T> void MakeRoom(std::vector<T> &vector)
 KeyFrameList_Impl::KeyFrameList_Impl(const KeyFrameList_Impl &other)
     : times(other.times), spatialType(other.spatialType)
 {
-    nodes.reserve(other.nodes.size());
-    for (const KeyFrameNode *node : other.nodes) {
-        nodes.push_back(pool_.Make(node->key));
+    places.reserve(other.places.size());
+    for (const KeyFramePlace &place : other.places) {
+        places.push_back({pool_.Make(place.node->key)});
         // Unlike a temporal table, this one can be asked for before an evaluation would build it again.
-        if (const SpatialTable *table = node->spatial.Load()) {
+        if (const SpatialTable *table = place.node->spatial.Load()) {
             auto copy = std::make_unique<SpatialTable>(*table);
             copy->built = 0;
-            nodes.back()->spatial.Exchange(std::move(copy));
+            places.back().node->spatial.Reset(copy.release());
         }
     }
 }
 
 KeyFrameList_Impl::~KeyFrameList_Impl()
 {
-    for (KeyFrameNode *node : nodes)
-        pool_.Destroy(node);
+    for (const KeyFramePlace &place : places)
+        pool_.Destroy(place.node);
     for (KeyFrameNode *node : removed_)
         pool_.Destroy(node);
 }
@@ -74,7 +74,7 @@ std::optional<std::size_t> KeyFrameList_Impl::TryFind(const kytl::KyID &id) cons
     if (found == index.end())
         return std::nullopt;
     for (std::size_t i = FirstFrom(found->second); i < Size() && times[i] == found->second; ++i)
-        if (nodes[i]->key.ID() == id)
+        if (Key(i).ID() == id)
             return i;
     return std::nullopt;
 }
@@ -83,7 +83,7 @@ const KeyFrame *KeyFrameList_Impl::Before(std::size_t position) const
 {
     if (position > 0 && times[position - 1] == times[position])
         position = FirstFrom(times[position]);
-    return position == 0 ? nullptr : &nodes[position - 1]->key;
+    return position == 0 ? nullptr : &Key(position - 1);
 }
 
 const KeyFrame *KeyFrameList_Impl::After(std::size_t position) const
@@ -91,7 +91,7 @@ const KeyFrame *KeyFrameList_Impl::After(std::size_t position) const
     ++position;
     if (position < Size() && times[position] == times[position - 1])
         position = FirstAfter(times[position]);
-    return position == Size() ? nullptr : &nodes[position]->key;
+    return position == Size() ? nullptr : &Key(position);
 }
 
 /// Loading makes no index: it is built by the first question for an ID and kept up to date from then on.
@@ -104,7 +104,7 @@ const KeyFrameList_Impl::IDIndex &KeyFrameList_Impl::Index() const
         return *index;
     auto index = std::make_unique<IDIndex>(Size());
     for (std::size_t i = 0; i < Size(); ++i)
-        (*index)[nodes[i]->key.ID()] = times[i];
+        (*index)[Key(i).ID()] = times[i];
     index_.Exchange(std::move(index));
     return *index_.Load();
 }
@@ -112,19 +112,20 @@ const KeyFrameList_Impl::IDIndex &KeyFrameList_Impl::Index() const
 void KeyFrameList_Impl::Add(const KeyFrame &key)
 {
     MakeRoom(times);
-    MakeRoom(nodes);
-    Insert(pool_.Make(key), key.time_);
+    MakeRoom(places);
+    Insert({pool_.Make(key)}, key.time_);
 }
 
-void KeyFrameList_Impl::Insert(KeyFrameNode *node, int time)
+void KeyFrameList_Impl::Insert(KeyFramePlace place, int time)
 {
     // Most come in the order of time.
     const std::size_t position = times.empty() || times.back() <= time ? Size() : FirstAfter(time);
     times.insert(times.begin() + static_cast<std::ptrdiff_t>(position), time);
-    nodes.insert(nodes.begin() + static_cast<std::ptrdiff_t>(position), node);
-    MarkAdded(node->key, Before(position), After(position));
+    const KeyFrame &key = place.node->key;
+    places.insert(places.begin() + static_cast<std::ptrdiff_t>(position), std::move(place));
+    MarkAdded(key, Before(position), After(position));
     if (IDIndex *index = index_.Load())
-        (*index)[node->key.ID()] = time;
+        (*index)[key.ID()] = time;
 }
 
 void KeyFrameList_Impl::MarkAdded(const KeyFrame &added, const KeyFrame *before, const KeyFrame *after) const
@@ -148,14 +149,14 @@ void KeyFrameList_Impl::Remove(std::size_t first, std::size_t last)
     IDIndex *index = index_.Load();
     for (std::size_t i = first; i < last; ++i) {
         if (index != nullptr)
-            index->erase(nodes[i]->key.ID());
-        nodes[i]->isRemoved = true;
-        removed_.push_back(nodes[i]);
+            index->erase(Key(i).ID());
+        places[i].node->isRemoved = true;
+        removed_.push_back(places[i].node);
     }
     times.erase(times.begin() + static_cast<std::ptrdiff_t>(first),
                 times.begin() + static_cast<std::ptrdiff_t>(last));
-    nodes.erase(nodes.begin() + static_cast<std::ptrdiff_t>(first),
-                nodes.begin() + static_cast<std::ptrdiff_t>(last));
+    places.erase(places.begin() + static_cast<std::ptrdiff_t>(first),
+                 places.begin() + static_cast<std::ptrdiff_t>(last));
     if (walks_ == 0)
         DestroyRemoved();
 }
@@ -170,19 +171,19 @@ void KeyFrameList_Impl::DestroyRemoved()
 /// The same as removing the key frame and adding a copy at the new time, but for its address.
 void KeyFrameList_Impl::Move(std::size_t position, int newTime)
 {
-    KeyFrameNode *node = nodes[position];
-    const KeyFrame key = node->key;
+    KeyFramePlace place = {places[position].node};
+    const KeyFrame key = place.node->key;
     ClearCurveCaches();
     times.erase(times.begin() + static_cast<std::ptrdiff_t>(position));
-    nodes.erase(nodes.begin() + static_cast<std::ptrdiff_t>(position));
-    node->key = key; // with the flags from before
-    node->key.time_ = newTime;
-    Insert(node, newTime);
+    places.erase(places.begin() + static_cast<std::ptrdiff_t>(position));
+    place.node->key = key; // with the flags from before
+    place.node->key.time_ = newTime;
+    Insert(std::move(place), newTime);
 }
 
 void KeyFrameList_Impl::ChangeID(std::size_t position, const kytl::KyID &id)
 {
-    KeyFrame &key = nodes[position]->key;
+    KeyFrame &key = Key(position);
     if (IDIndex *index = index_.Load()) {
         index->erase(key.ID());
         (*index)[id] = times[position];
@@ -192,19 +193,19 @@ void KeyFrameList_Impl::ChangeID(std::size_t position, const kytl::KyID &id)
 
 void KeyFrameList_Impl::GenerateIDs()
 {
-    index_.Exchange(nullptr);
-    for (KeyFrameNode *node : nodes)
-        node->key.id_ = kytl::KyID::Generate();
+    index_.Reset();
+    for (const KeyFramePlace &place : places)
+        place.node->key.id_ = kytl::KyID::Generate();
 }
 
 void KeyFrameList_Impl::ClearCurveCaches()
 {
-    for (KeyFrameNode *node : nodes) {
-        node->key.incomingCurveDirty_.Store(true);
-        node->key.outgoingCurveDirty_.Store(true);
-        node->key.spatialCurveDirty_.Store(true);
-        node->temporal.Exchange(nullptr);
-        node->spatial.Exchange(nullptr);
+    for (KeyFramePlace &place : places) {
+        place.node->key.incomingCurveDirty_.Store(true);
+        place.node->key.outgoingCurveDirty_.Store(true);
+        place.node->key.spatialCurveDirty_.Store(true);
+        place.node->spatial.Reset();
+        place.temporal.Reset();
     }
     retired_.clear();
 }
@@ -217,12 +218,12 @@ void KeyFrameLoader::Add(const KeyFrame &key)
             list_.Add(key);
             return;
         }
-        list_.index_.Exchange(nullptr);
+        list_.index_.Reset();
         for (std::size_t i = 0; i < list_.Size(); ++i)
-            order_.emplace_hint(order_.end(), list_.times[i], list_.nodes[i]);
+            order_.emplace_hint(order_.end(), list_.times[i], list_.places[i].node);
     }
     MakeRoom(list_.times);
-    MakeRoom(list_.nodes);
+    MakeRoom(list_.places);
     KeyFrameNode *node = list_.pool_.Make(key);
     const auto from = order_.lower_bound(time);
     const auto after = order_.upper_bound(time);
@@ -230,7 +231,7 @@ void KeyFrameLoader::Add(const KeyFrame &key)
                     after == order_.end() ? nullptr : &after->second->key);
     order_.emplace_hint(after, time, node);
     list_.times.push_back(time);
-    list_.nodes.push_back(node);
+    list_.places.push_back({node});
 }
 
 KeyFrameLoader::~KeyFrameLoader()
@@ -238,9 +239,16 @@ KeyFrameLoader::~KeyFrameLoader()
     std::size_t position = 0;
     for (const auto &[time, node] : order_) {
         list_.times[position] = time;
-        list_.nodes[position] = node;
+        list_.places[position].node = node;
         ++position;
     }
+}
+
+KeyFrameWalk::KeyFrameWalk(KeyFrameList_Impl &list) : list_(list)
+{
+    for (const KeyFramePlace &place : list.places)
+        nodes_.push_back(place.node);
+    ++list_.walks_;
 }
 
 KeyFrameWalk::~KeyFrameWalk()

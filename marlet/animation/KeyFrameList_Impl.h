@@ -12,10 +12,11 @@
 namespace marlet::project
 {
 
-/// The key frames in nodes that stay where they are, in the order of their times, and those times once more
-/// in a flat array for searching.
+/// The key frames in nodes that stay where they are, their places in the order of time, and those times once
+/// more in a flat array for searching.
 ///
-/// Positions are indices into that order. Piece i goes from node i to node i + 1, whose times differ.
+/// Positions are indices into that order. Piece i goes from key frame i to key frame i + 1, whose times
+/// differ.
 struct KeyFrameList_Impl {
     using SpatialDataType = KeyFrameList::SpatialDataType;
     using IDIndex = std::unordered_map<kytl::KyID, int>;
@@ -25,7 +26,9 @@ struct KeyFrameList_Impl {
     KeyFrameList_Impl &operator=(const KeyFrameList_Impl &) = delete;
     ~KeyFrameList_Impl();
 
-    std::size_t Size() const { return nodes.size(); }
+    std::size_t Size() const { return places.size(); }
+    KeyFrame &Key(std::size_t position) { return places[position].node->key; }
+    const KeyFrame &Key(std::size_t position) const { return places[position].node->key; }
     /// The position of the first key frame at or after, or after, a time.
     std::size_t FirstFrom(int time) const;
     std::size_t FirstAfter(int time) const;
@@ -52,7 +55,7 @@ struct KeyFrameList_Impl {
     double ParamTforSpatialCurveLength(int firstTime, int secondTime, double fraction) const;
 
     std::vector<int> times;
-    std::vector<KeyFrameNode *> nodes;
+    std::vector<KeyFramePlace> places;
     SpatialDataType spatialType = SpatialDataType::NotSpatial;
 
 private:
@@ -66,7 +69,7 @@ private:
     };
 
     void MarkAdded(const KeyFrame &added, const KeyFrame *before, const KeyFrame *after) const;
-    void Insert(KeyFrameNode *node, int time);
+    void Insert(KeyFramePlace place, int time);
     void DestroyRemoved();
     const IDIndex &Index() const;
 
@@ -104,7 +107,7 @@ public:
 
 private:
     KeyFrameList_Impl &list_;
-    /// The order of the nodes, once the list's own has been given up.
+    /// The order of the key frames, once the list's own has been given up.
     std::multimap<int, KeyFrameNode *> order_;
 };
 
@@ -112,7 +115,7 @@ private:
 class KeyFrameWalk
 {
 public:
-    explicit KeyFrameWalk(KeyFrameList_Impl &list) : list_(list), nodes_(list.nodes) { ++list_.walks_; }
+    explicit KeyFrameWalk(KeyFrameList_Impl &list);
     KeyFrameWalk(const KeyFrameWalk &) = delete;
     KeyFrameWalk &operator=(const KeyFrameWalk &) = delete;
     ~KeyFrameWalk();

@@ -10,15 +10,21 @@
 namespace marlet::project
 {
 
-/// A key frame with the curve tables of the piece that starts at it. The temporal table and what evaluation
-/// reads of the key frame share a cache line.
+/// A key frame with the path of the piece that starts at it. What evaluation reads of the key frame stands in
+/// one cache line.
 struct alignas(64) KeyFrameNode {
     explicit KeyFrameNode(const KeyFrame &frame) : key(frame) {}
 
-    mutable AtomicOwner<const TemporalTable> temporal;
     KeyFrame key;
     mutable AtomicOwner<const SpatialTable> spatial;
     bool isRemoved = false;
+};
+
+/// A key frame's place in its list, with the time curve of the piece that starts at it: here and not in the
+/// node, so that memory brings both at once.
+struct KeyFramePlace {
+    KeyFrameNode *node;
+    mutable AtomicOwner<const TemporalTable> temporal = {};
 };
 
 /// Memory for the nodes of one list, in blocks that grow with it. Who makes a node destroys it.

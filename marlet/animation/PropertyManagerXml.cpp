@@ -53,8 +53,8 @@ void PropertyManager::Serialize(XmlWriter &writer) const
         WriteValueChild(writer, "Static", property->staticValue);
         if (!property->keyFrames.IsEmpty()) {
             const XmlElement animation(writer, "Animation");
-            for (const KeyFrameNode *node : property->keyFrames.impl_->nodes)
-                KeyFrameList::SerializeKeyFrame(node->key, writer);
+            for (const KeyFramePlace &place : property->keyFrames.impl_->places)
+                KeyFrameList::SerializeKeyFrame(place.node->key, writer);
         }
         if (!property->expression.empty()) {
             const XmlElement expression(writer, "Expression");

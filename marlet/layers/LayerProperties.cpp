@@ -22,4 +22,28 @@ LayerProperties TransformationProperties()
     return place + RotationProperties({});
 }
 
+LayerProperty OpacityProperty()
+{
+    return {.name = "opacity", .value = 100.f};
+}
+
+LayerProperties MaterialProperties()
+{
+    const kytl::KyColorRGBA_32f black = {0, 0, 0, 1};
+    LayerProperty disabledCaster = FixedProperty("castShadowsIfLayerDisabled", false);
+    disabledCaster.since = 1;
+    return {FixedProperty("illuminated", true),
+            FixedProperty("receiveShadows", true),
+            {.name = "shadowColor", .value = black, .since = 1},
+            FixedProperty("castShadows", false),
+            disabledCaster,
+            FixedProperty("billboardedShadows", false),
+            FixedProperty("billboardedLights", false),
+            {"matAmbient", 100.f},
+            {"matDiffuse", 50.f},
+            {"matSpecular", 50.f},
+            {"matShininess", 100.f},
+            {"matEmissiveColor", black}};
+}
+
 } // namespace marlet::project

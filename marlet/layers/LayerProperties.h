@@ -14,5 +14,9 @@ LayerProperty PathProperty(const char *name, const kytl::matl::KyPoint<3, float>
 LayerProperties RotationProperties(const Orientation3D &orientation);
 /// From "anchorPoint" to "rotationZ": what places a layer that has a size.
 LayerProperties TransformationProperties();
+/// "opacity", in percent.
+LayerProperty OpacityProperty();
+/// From "illuminated" to "matEmissiveColor": what a layer and the lights of its composition do to each other.
+LayerProperties MaterialProperties();
 
 } // namespace marlet::project

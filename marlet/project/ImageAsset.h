@@ -23,11 +23,12 @@ enum class KyChannelOrder : int {
 };
 
 /// A reference to a still image file. The file is looked at when something is asked of it, never while a
-/// project is loaded; its size and layout are then kept until Sleep or SetFilename. Stills are not turned by
-/// what a camera noted of its orientation.
+/// project is loaded; its size and layout are then kept until Sleep, SetFilename or Deserialize. Stills are
+/// not turned by what a camera noted of its orientation.
 ///
-/// What looks at the file, and what changes its name, may be called from any thread at any time. Filename,
-/// Name and the other plain fields belong to the thread that edits the project.
+/// What looks at the file may be called from any thread at any time, also while the file is changed. Filename
+/// (which takes no lock), SetFilename, Name and the other plain fields belong to the thread that edits the
+/// project.
 class MARLET_EXPORT ImageAsset : public AbstractAsset
 {
 public:

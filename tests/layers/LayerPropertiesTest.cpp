@@ -1,7 +1,11 @@
+#include <tests/support/Ball.h>
 #include <tests/support/LayerStage.h>
 
 #include <marlet/foundation/Exceptions.h>
+#include <marlet/layers/Effect3DLayer.h>
+#include <marlet/layers/GradeLayer.h>
 #include <marlet/layers/LayerProperties.h>
+#include <marlet/layers/TextLayer.h>
 
 #include <gtest/gtest.h>
 
@@ -23,6 +27,14 @@ std::vector<NarrowString> NamesWhere(const PropertyManager &properties,
 TEST(LayerProperties, MoveAlongPathsAndAnimateButForSwitches)
 {
     using Names = std::vector<NarrowString>;
+    const auto ball = std::make_shared<PlainBall>("red");
+    const Names switches = {"scaleLinked",
+                            "illuminated",
+                            "receiveShadows",
+                            "castShadows",
+                            "castShadowsIfLayerDisabled",
+                            "billboardedShadows",
+                            "billboardedLights"};
     const struct {
         std::shared_ptr<AbstractLayer> layer;
         unsigned int count;
@@ -32,6 +44,9 @@ TEST(LayerProperties, MoveAlongPathsAndAnimateButForSwitches)
         {PointLayer::Create(u""), 8, {"anchorPoint", "position"}, {"scaleLinked"}},
         {CameraLayer::Create(u"", 1, 1, 1, 1), 10, {"position", "target"}, {}},
         {LightLayer::Create(u"", {}), 15, {"position", "target"}, {"castShadows", "falloff"}},
+        {GradeLayer::Create(u"", 1, 1), 9, {"anchorPoint", "position"}, {"scaleLinked"}},
+        {TextLayer::Create(u"", 1, 1), 21, {"anchorPoint", "position"}, switches},
+        {Effect3DLayer::Create(ball, u""), 21, {"anchorPoint", "position"}, switches},
     };
     for (const auto &c : kCases) {
         const PropertyManager &properties = c.layer->Animation();
@@ -39,6 +54,50 @@ TEST(LayerProperties, MoveAlongPathsAndAnimateButForSwitches)
         EXPECT_EQ(NamesWhere(properties, [&](auto name) { return properties.IsSpatial(name); }), c.spatial);
         EXPECT_EQ(NamesWhere(properties, [&](auto name) { return !properties.CanAnimate(name); }), c.fixed);
         EXPECT_FALSE(properties.IsDirty());
+    }
+}
+
+TEST(LayerProperties, ComeInTheOrderOfTheFileWithTheirDefaults)
+{
+    using Values = std::vector<std::pair<NarrowString, PropertyValue>>;
+    const kytl::KyColorRGBA_32f black{0, 0, 0, 1};
+    const Values placement = {{"anchorPoint", Point{}},
+                              {"position", Point{}},
+                              {"scale", Scale3D{100, 100, 100}},
+                              {"scaleLinked", true},
+                              {"orientation", Orientation3D{}},
+                              {"rotationX", 0.f},
+                              {"rotationY", 0.f},
+                              {"rotationZ", 0.f}};
+    Values grade = {{"opacity", 100.f}};
+    grade.insert(grade.end(), placement.begin(), placement.end());
+    Values text = placement;
+    text.insert(text.end(), {{"opacity", 100.f},
+                             {"illuminated", true},
+                             {"receiveShadows", true},
+                             {"shadowColor", black},
+                             {"castShadows", false},
+                             {"castShadowsIfLayerDisabled", false},
+                             {"billboardedShadows", false},
+                             {"billboardedLights", false},
+                             {"matAmbient", 100.f},
+                             {"matDiffuse", 50.f},
+                             {"matSpecular", 50.f},
+                             {"matShininess", 100.f},
+                             {"matEmissiveColor", black}});
+    const struct {
+        std::shared_ptr<AbstractLayer> layer;
+        Values values;
+    } kCases[] = {
+        {GradeLayer::Create(u"", 1, 1), grade},
+        {TextLayer::Create(u"", 1, 1), text},
+        {Effect3DLayer::Create(std::make_shared<PlainBall>("red"), u""), text},
+    };
+    for (const auto &c : kCases) {
+        Values values;
+        for (const NarrowString &name : c.layer->Animation().PropertyNames())
+            values.emplace_back(name, c.layer->Animation().StaticValue(name.c_str()));
+        EXPECT_TRUE(values == c.values);
     }
 }
 

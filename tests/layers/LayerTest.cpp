@@ -1,6 +1,9 @@
+#include <tests/support/Ball.h>
 #include <tests/support/LayerStage.h>
 
-#include <marlet/layers/Abstract3DEffect.h>
+#include <marlet/layers/Effect3DLayer.h>
+#include <marlet/layers/GradeLayer.h>
+#include <marlet/layers/TextLayer.h>
 
 #include <gtest/gtest.h>
 
@@ -26,6 +29,9 @@ TEST(Layer, AnswersTheConstantQuestionsOfItsClass)
         {PointLayer::Create(u""), 5, false, 0, {0, 1, 1}},
         {CameraLayer::Create(u"", 1, 1, 1, 1), 2, false, 1, {1, 1, 1}},
         {LightLayer::Create(u"", {}), 3, true, 2, {2, 2, 2}},
+        {GradeLayer::Create(u"", 1, 1), 4, true, 0, {0, 1, 1}},
+        {TextLayer::Create(u"", 1, 1), 6, true, 0, {0, 1, 1}},
+        {Effect3DLayer::Create(std::make_shared<PlainBall>("red"), u""), 1, true, 2, {2, 2, 2}},
     };
     for (const auto &c : kCases) {
         EXPECT_EQ(c.layer->Type(), LayerType{c.type});
@@ -42,14 +48,18 @@ TEST(Layer, AnswersTheConstantQuestionsOfItsClass)
 TEST(Layer, IsClonedWithAnIdentityAndPropertiesOfItsOwn)
 {
     const LayerStage stage;
-    const auto parent = stage.AddPoint();
+    const auto parent = PointLayer::Create(u"In no composition, but known");
     const auto camera = stage.AddCamera();
     camera->SetNearClip(7);
     camera->SetAutoOrientation(AutoOrient::TowardsTarget);
     const auto light = stage.Add(LightLayer::Create(u"", LightLayer::LightType{5}));
     const auto point = stage.AddPoint();
     point->SetDimensions(LayerDimensions::ThreeD);
-    const std::shared_ptr<AbstractLayer> layers[] = {camera, light, point};
+    const auto grade = stage.Add(GradeLayer::Create(u"", 7, 8));
+    grade->SetDimensions(LayerDimensions::ThreeD);
+    const auto text = stage.Add(TextLayer::Create(u"", 7, 8));
+    const auto ball = stage.Add(Effect3DLayer::Create(std::make_shared<PlainBall>("red"), u""));
+    const std::shared_ptr<AbstractLayer> layers[] = {camera, light, point, grade, text, ball};
     for (const auto &layer : layers) {
         layer->SetParentLayer(parent);
         layer->SetSelected(true);
@@ -71,6 +81,9 @@ TEST(Layer, IsClonedWithAnIdentityAndPropertiesOfItsOwn)
     EXPECT_EQ(clone->AutoOrientation(), AutoOrient::TowardsTarget);
     EXPECT_EQ(std::static_pointer_cast<LightLayer>(light->Clone(KyID()))->LightSourceType(),
               LightLayer::LightType{5});
+    const auto gradeClone = std::static_pointer_cast<GradeLayer>(grade->Clone(KyID()));
+    EXPECT_EQ(gradeClone->Width(), 7);
+    EXPECT_EQ(gradeClone->Height(), 8);
 }
 
 TEST(Layer, RefersToItsParentAlone)

@@ -10,7 +10,7 @@ namespace marlet::project::platform
 {
 
 // Still image files, by the decoders of Qt. Paths are full paths. Pictures are not turned by their EXIF
-// orientation.
+// orientation. A picture may take up to 1 GB once it is decoded, or what the host has set as Qt's limit.
 
 /// What a file's header tells, in pixels.
 struct ImageHeader {
@@ -28,7 +28,8 @@ struct ImagePixels {
 bool FileExists(const WideString &path);
 /// The last component of a path.
 WideString FileName(const WideString &path);
-/// Nothing if the file cannot be opened as an image.
+/// Nothing if the file cannot be opened as an image. A picture whose format keeps its size to itself is
+/// decoded to learn it.
 std::optional<ImageHeader> ReadImageHeader(const WideString &path);
 /// The picture, scaled down to fit into the size, as B, G, R, A or as R, G, B. Nothing if it cannot be
 /// decoded.

@@ -1,0 +1,195 @@
+#include <marlet/layers/Effect3DLayer.h>
+
+#include <marlet/foundation/Exceptions.h>
+#include <marlet/foundation/xml/DomBridge.h>
+#include <marlet/foundation/xml/XmlReader.h>
+#include <marlet/foundation/xml/XmlWriter.h>
+#include <marlet/layers/Abstract3DEffect.h>
+#include <marlet/layers/Abstract3DEffectFactory.h>
+#include <marlet/layers/LayerProperties.h>
+#include <marlet/layers/LayerValues.h>
+
+#include <QDomDocument>
+
+#include <stdexcept>
+
+namespace marlet::project
+{
+
+struct Effect3DLayer_Impl {
+    std::shared_ptr<Abstract3DEffect> effect;
+};
+
+namespace
+{
+
+constexpr char kTag[] = "Effect3DLayer";
+constexpr char kEffectTag[] = "Effect";
+constexpr unsigned int kVersion = 1;
+
+const LayerProperties &Properties()
+{
+    static const LayerProperties properties =
+        TransformationProperties() + LayerProperties{OpacityProperty()} + MaterialProperties();
+    return properties;
+}
+
+std::shared_ptr<Abstract3DEffect> ReadEffect(const XmlCursor &element,
+                                             const Abstract3DEffectFactory &effectFactory,
+                                             ProjectTextureImageCache &textures)
+{
+    std::shared_ptr<Abstract3DEffect> effect;
+    if (!element.IsNull()) {
+        QDomDocument document;
+        AppendXmlToDom(element, &document, &document);
+        QDomElement root = document.documentElement();
+        effect = effectFactory.Create(&root, textures);
+    }
+    if (!effect)
+        throw ProjectException(ProjectException::kMissingEffect, {});
+    return effect;
+}
+
+void WriteEffect(XmlWriter &writer, const Abstract3DEffect &effect, const ProjectTextureImageCache &textures)
+{
+    QDomDocument document;
+    QDomElement element = document.createElement(kEffectTag);
+    document.appendChild(element);
+    effect.Serialize(&document, &element, textures);
+    WriteDom(writer, &element);
+}
+
+} // namespace
+
+Effect3DLayer::Effect3DLayer() = default;
+
+Effect3DLayer::Effect3DLayer(std::shared_ptr<Abstract3DEffect> effect, const WideString &name)
+    : AbstractLayer(name)
+{
+    if (!effect)
+        throw std::invalid_argument("A 3D effect layer needs an effect");
+    impl_->effect = std::move(effect);
+    impl_->effect->SetLayerID(ID());
+    CreateProperties(Animation(), Properties());
+}
+
+Effect3DLayer::Effect3DLayer(const XmlCursor &element, const Abstract3DEffectFactory &effectFactory,
+                             ProjectTextureImageCache &textures)
+    : Effect3DLayer()
+{
+    const unsigned int version = element.RequireHeader(kTag, kVersion);
+    Deserialize(element.Find("LayerBase"));
+    impl_->effect = ReadEffect(element.Find(kEffectTag), effectFactory, textures);
+    RequireProperties(Animation(), Properties(), version);
+}
+
+Effect3DLayer::Effect3DLayer(const Effect3DLayer &other) = default;
+
+Effect3DLayer::~Effect3DLayer() = default;
+
+std::shared_ptr<Effect3DLayer> Effect3DLayer::Create(std::shared_ptr<Abstract3DEffect> effect,
+                                                     const WideString &name)
+{
+    return std::shared_ptr<Effect3DLayer>(new Effect3DLayer(std::move(effect), name));
+}
+
+std::shared_ptr<Effect3DLayer> Effect3DLayer::CreateFromXml(const WideString &xml,
+                                                            const Abstract3DEffectFactory &effectFactory,
+                                                            ProjectTextureImageCache &textures)
+{
+    const XmlDocument document(xml);
+    return std::shared_ptr<Effect3DLayer>(new Effect3DLayer(document.Root(), effectFactory, textures));
+}
+
+void Effect3DLayer::Serialize(XmlWriter &writer, const ProjectTextureImageCache &textures) const
+{
+    const XmlElement element(writer, kTag, kVersion);
+    AbstractLayer::Serialize(writer, textures);
+    WriteEffect(writer, *impl_->effect, textures);
+}
+
+WideString Effect3DLayer::Serialize(const ProjectTextureImageCache &textures) const
+{
+    return XmlText([&](XmlWriter &writer) { Serialize(writer, textures); });
+}
+
+std::shared_ptr<AbstractLayer> Effect3DLayer::Clone(const kytl::KyID &) const
+{
+    std::shared_ptr<Effect3DLayer> clone(new Effect3DLayer(*this));
+    clone->SetID(kytl::KyID::Generate());
+    clone->SetPropertyManager(PropertyManager::Copy(Animation()));
+    clone->impl_->effect = impl_->effect->Clone();
+    if (!clone->impl_->effect)
+        throw std::logic_error("A 3D effect gave no clone of itself");
+    clone->impl_->effect->SetLayerID(clone->ID());
+    return clone;
+}
+
+LayerType Effect3DLayer::Type() const
+{
+    return LayerType::Effect3D;
+}
+
+bool Effect3DLayer::HasAudio() const
+{
+    return false;
+}
+
+bool Effect3DLayer::HasVideo() const
+{
+    return true;
+}
+
+LayerDimensions Effect3DLayer::Dimensions() const
+{
+    return LayerDimensions::ThreeDContent;
+}
+
+void Effect3DLayer::SetDimensions(LayerDimensions)
+{
+}
+
+AbstractLayer::Matrix Effect3DLayer::TransformationAtTime(int time, const std::shared_ptr<Project> &project,
+                                                          bool avoidZeroScale) const
+{
+    return PlacementMatrix(*this, time, project, avoidZeroScale);
+}
+
+AbstractLayer::Matrix Effect3DLayer::OriginAtTime(int time, const std::shared_ptr<Project> &project) const
+{
+    return AnchorMatrix(*this, time, project);
+}
+
+AbstractLayer::Matrix Effect3DLayer::AlignToMotion(const Matrix &, int, const std::shared_ptr<Project> &,
+                                                   bool) const
+{
+    return {};
+}
+
+std::shared_ptr<Abstract3DEffect> Effect3DLayer::Effect() const
+{
+    return impl_->effect;
+}
+
+std::vector<ObjectPropertyList> Effect3DLayer::ChildLayerReferencePropertyNames() const
+{
+    return impl_->effect->LayerReferencePropertyNames();
+}
+
+void Effect3DLayer::ClearChildInvalidLayerReferences(const std::unordered_map<NarrowString, bool> &validIDs)
+{
+    impl_->effect->ClearInvalidLayerReferences(validIDs);
+}
+
+void Effect3DLayer::ChangeChildLayerReferences(const std::unordered_map<NarrowString, NarrowString> &changes)
+{
+    impl_->effect->ChangeLayerReferences(changes);
+}
+
+bool Effect3DLayer::IsChildLayerReferenced(const std::shared_ptr<CompositionAsset> &composition,
+                                           const kytl::KyID &layerID) const
+{
+    return impl_->effect->IsLayerReferenced(composition, layerID);
+}
+
+} // namespace marlet::project

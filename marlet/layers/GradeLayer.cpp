@@ -1,0 +1,224 @@
+#include <marlet/layers/GradeLayer.h>
+
+#include <marlet/foundation/xml/XmlReader.h>
+#include <marlet/foundation/xml/XmlWriter.h>
+#include <marlet/layers/LayerHelper.h>
+#include <marlet/layers/LayerProperties.h>
+#include <marlet/layers/LayerValues.h>
+#include <marlet/plugins/EffectsHelper.h>
+
+#include <cstdint>
+
+namespace marlet::project
+{
+
+struct GradeLayer_Impl {
+    LayerDimensions dimensions = LayerDimensions::TwoD;
+    int width = 0;
+    int height = 0;
+    GradeLayer::EffectList effects;
+    GradeLayer::MaskList masks;
+};
+
+namespace
+{
+
+constexpr char kTag[] = "GradeLayer";
+constexpr unsigned int kVersion = 0;
+
+const LayerProperties &Properties()
+{
+    static const LayerProperties properties = LayerProperties{OpacityProperty()} + TransformationProperties();
+    return properties;
+}
+
+template <class Xml, class Data> void GradeLayerFields(Xml &xml, Data &data)
+{
+    xml.Child("Dimensions", data.dimensions);
+    xml.Child("Width", data.width);
+    xml.Child("Height", data.height);
+}
+
+/// From the corner of a frame to its middle.
+float HalfBack(int size)
+{
+    return static_cast<float>(-std::int64_t{size}) * 0.5f;
+}
+
+} // namespace
+
+GradeLayer::GradeLayer() = default;
+
+GradeLayer::GradeLayer(const WideString &name, int width, int height) : AbstractLayer(name)
+{
+    impl_->width = width;
+    impl_->height = height;
+    CreateProperties(Animation(), Properties());
+}
+
+GradeLayer::GradeLayer(const XmlCursor &element, const std::shared_ptr<AbstractPluginManager> &pluginManager)
+    : GradeLayer()
+{
+    const unsigned int version = element.RequireHeader(kTag, kVersion);
+    GradeLayerFields(element, *impl_);
+    EffectsHelper::DeserializeEffects(element, impl_->effects, pluginManager);
+    LayerHelper::DeserializeMasks(element, impl_->masks);
+    Deserialize(element.Find("LayerBase"));
+    RequireProperties(Animation(), Properties(), version);
+}
+
+GradeLayer::GradeLayer(const GradeLayer &other) = default;
+
+GradeLayer::~GradeLayer() = default;
+
+std::shared_ptr<GradeLayer> GradeLayer::Create(const WideString &name, int width, int height)
+{
+    return std::shared_ptr<GradeLayer>(new GradeLayer(name, width, height));
+}
+
+std::shared_ptr<GradeLayer>
+GradeLayer::CreateFromXml(const WideString &xml, const std::shared_ptr<AbstractPluginManager> &pluginManager)
+{
+    const XmlDocument document(xml);
+    return std::shared_ptr<GradeLayer>(new GradeLayer(document.Root(), pluginManager));
+}
+
+void GradeLayer::Serialize(XmlWriter &writer, const ProjectTextureImageCache &textures) const
+{
+    const XmlElement element(writer, kTag, kVersion);
+    GradeLayerFields(writer, *impl_);
+    EffectsHelper::SerializeEffects(writer, impl_->effects);
+    LayerHelper::SerializeMasks(writer, impl_->masks);
+    AbstractLayer::Serialize(writer, textures);
+}
+
+WideString GradeLayer::Serialize(const ProjectTextureImageCache &textures) const
+{
+    return XmlText([&](XmlWriter &writer) { Serialize(writer, textures); });
+}
+
+std::shared_ptr<AbstractLayer> GradeLayer::Clone(const kytl::KyID &compositionID) const
+{
+    const kytl::KyID &composition = compositionID.IsNull() ? ParentCompositionID() : compositionID;
+    std::shared_ptr<GradeLayer> clone(new GradeLayer(*this));
+    clone->SetID(kytl::KyID::Generate());
+    clone->SetPropertyManager(PropertyManager::Copy(Animation()));
+    clone->impl_->effects = LayerHelper::CopyEffects(Effects(), clone->ID(), composition);
+    clone->impl_->masks = LayerHelper::CopyMasks(Masks(), clone->ID());
+    return clone;
+}
+
+LayerType GradeLayer::Type() const
+{
+    return LayerType::Grade;
+}
+
+bool GradeLayer::HasAudio() const
+{
+    return false;
+}
+
+bool GradeLayer::HasVideo() const
+{
+    return true;
+}
+
+LayerDimensions GradeLayer::Dimensions() const
+{
+    return impl_->dimensions;
+}
+
+void GradeLayer::SetDimensions(LayerDimensions dimensions)
+{
+    if (dimensions != LayerDimensions::ThreeDContent)
+        impl_->dimensions = dimensions;
+}
+
+AbstractLayer::Matrix GradeLayer::TransformationAtTime(int time, const std::shared_ptr<Project> &project,
+                                                       bool avoidZeroScale) const
+{
+    return PlacementMatrix(*this, time, project, avoidZeroScale);
+}
+
+AbstractLayer::Matrix GradeLayer::OriginAtTime(int time, const std::shared_ptr<Project> &project) const
+{
+    return AnchorMatrix(*this, time, project) *
+           Matrix::Translation(HalfBack(impl_->width), HalfBack(impl_->height), 0);
+}
+
+AbstractLayer::Matrix GradeLayer::ParentingWorldTransformationAtTime(int time,
+                                                                     const std::shared_ptr<Project> &project,
+                                                                     bool avoidZeroScale) const
+{
+    // The chain of parents knows of each type what children hang on, since it calls no layer through another.
+    return AbstractLayer::ParentingWorldTransformationAtTime(time, project, avoidZeroScale);
+}
+
+AbstractLayer::Matrix GradeLayer::AlignToMotion(const Matrix &, int, const std::shared_ptr<Project> &,
+                                                bool) const
+{
+    return {};
+}
+
+int GradeLayer::Width() const
+{
+    return impl_->width;
+}
+
+void GradeLayer::SetWidth(int width)
+{
+    impl_->width = width;
+}
+
+int GradeLayer::Height() const
+{
+    return impl_->height;
+}
+
+void GradeLayer::SetHeight(int height)
+{
+    impl_->height = height;
+}
+
+GradeLayer::EffectList &GradeLayer::Effects()
+{
+    return impl_->effects;
+}
+
+const GradeLayer::EffectList &GradeLayer::Effects() const
+{
+    return impl_->effects;
+}
+
+GradeLayer::MaskList &GradeLayer::Masks()
+{
+    return impl_->masks;
+}
+
+const GradeLayer::MaskList &GradeLayer::Masks() const
+{
+    return impl_->masks;
+}
+
+std::vector<ObjectPropertyList> GradeLayer::ChildLayerReferencePropertyNames() const
+{
+    return LayerHelper::LayerReferencePropertyNames(impl_->effects);
+}
+
+void GradeLayer::ClearChildInvalidLayerReferences(const std::unordered_map<NarrowString, bool> &validIDs)
+{
+    LayerHelper::ClearInvalidLayerReferences(impl_->effects, validIDs);
+}
+
+void GradeLayer::ChangeChildLayerReferences(const std::unordered_map<NarrowString, NarrowString> &changes)
+{
+    LayerHelper::ChangeLayerReferences(impl_->effects, changes);
+}
+
+bool GradeLayer::IsChildLayerReferenced(const std::shared_ptr<CompositionAsset> &,
+                                        const kytl::KyID &layerID) const
+{
+    return LayerHelper::IsLayerReferenced(impl_->effects, layerID);
+}
+
+} // namespace marlet::project
