@@ -129,6 +129,7 @@ public:
     bool IsMotionBlurEnabled() const;
     void SetMotionBlur(bool enabled);
 
+    /// In the setters of links an empty pointer stands for none.
     const kytl::KyID &ParentCompositionID() const;
     void SetParentComposition(const std::shared_ptr<CompositionAsset> &composition);
     void SetParentComposition(const kytl::KyID &id);

@@ -23,10 +23,16 @@ double MsPerFrame(const CompositionAsset &composition)
     return AudioVideoSettings::MsPerFrame(composition.Settings().FrameRate());
 }
 
-/// In 64 bits, since a frame may lie as far from the start as integers reach.
-double FramesFromStart(const AbstractLayer &layer, int frame)
+int TimeOfLayerFrame(int frame, const CompositionAsset &composition)
 {
-    return static_cast<double>(std::int64_t{frame} - layer.StartFrame());
+    return Truncate<int>(MsPerFrame(composition) * frame);
+}
+
+int TimeOfGlobalFrame(int frame, const AbstractLayer &layer, const CompositionAsset &composition)
+{
+    // In 64 bits, since a frame may lie as far from the start as integers reach.
+    const std::int64_t framesFromStart = std::int64_t{frame} - layer.StartFrame();
+    return Truncate<int>(static_cast<double>(framesFromStart) * MsPerFrame(composition));
 }
 
 /// The last factor of what a layer offers to its children: those of a picture hang on its anchor point,
@@ -56,23 +62,23 @@ Matrix Offered(const LayerChain &chain, std::size_t nearest, const std::shared_p
 int AbstractLayer::GlobalFrameToRelativeTime(int frame,
                                              const std::shared_ptr<CompositionAsset> &composition) const
 {
-    return Truncate<int>(FramesFromStart(*this, frame) * MsPerFrame(*composition));
+    return TimeOfGlobalFrame(frame, *this, *composition);
 }
 
 int AbstractLayer::GlobalFrameToRelativeTime(int frame, const AssetList &assets) const
 {
-    return GlobalFrameToRelativeTime(frame, ParentComposition(assets));
+    return TimeOfGlobalFrame(frame, *this, LayerChain::Composition(*this, assets));
 }
 
 int AbstractLayer::LayerFrameToRelativeTime(int frame,
                                             const std::shared_ptr<CompositionAsset> &composition) const
 {
-    return Truncate<int>(MsPerFrame(*composition) * frame);
+    return TimeOfLayerFrame(frame, *composition);
 }
 
 int AbstractLayer::LayerFrameToRelativeTime(int frame, const AssetList &assets) const
 {
-    return LayerFrameToRelativeTime(frame, ParentComposition(assets));
+    return TimeOfLayerFrame(frame, LayerChain::Composition(*this, assets));
 }
 
 int AbstractLayer::StartTime(const AssetList &assets) const
@@ -82,8 +88,8 @@ int AbstractLayer::StartTime(const AssetList &assets) const
 
 int AbstractLayer::PlayheadRelativeTime(const AssetList &assets) const
 {
-    const std::shared_ptr<CompositionAsset> composition = ParentComposition(assets);
-    return GlobalFrameToRelativeTime(composition->CurrentTimeIndicator(), composition);
+    const CompositionAsset &composition = LayerChain::Composition(*this, assets);
+    return TimeOfGlobalFrame(composition.CurrentTimeIndicator(), *this, composition);
 }
 
 float AbstractLayer::RelativeTimeToGlobalFrameF(int time, const AssetList &assets) const
