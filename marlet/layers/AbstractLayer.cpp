@@ -73,7 +73,6 @@ void AbstractLayer::Serialize(XmlWriter &writer, const ProjectTextureImageCache 
 
 void AbstractLayer::Deserialize(const XmlCursor &element)
 {
-    impl_->selected = false;
     impl_->properties = PropertyManager::Create();
     if (element.IsNull())
         return;

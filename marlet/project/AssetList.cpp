@@ -41,6 +41,9 @@ const AssetList::Assets &AssetList::All() const
 
 std::shared_ptr<AbstractAsset> AssetList::GetByID(const kytl::KyID &id) const
 {
+    // A reference that is not set leads nowhere, even where an asset of a file has the null ID.
+    if (id.IsNull())
+        return nullptr;
     const kytl::thread::KyScopedLock hold(impl_->lock);
     if (impl_->lookupDirty) {
         impl_->lookup = AssetsByID(impl_->assets);

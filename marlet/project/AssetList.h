@@ -30,7 +30,7 @@ public:
     /// change through a reference that was kept from before is not noticed until the next call.
     Assets &All();
     const Assets &All() const;
-    /// The first asset with that ID, or an empty pointer.
+    /// The first asset with that ID, or an empty pointer; always an empty pointer for the null ID.
     std::shared_ptr<AbstractAsset> GetByID(const kytl::KyID &id) const;
     Assets GetByType(AssetType type) const;
     BinFolder &Bin();

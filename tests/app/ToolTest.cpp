@@ -56,7 +56,7 @@ ToolTest::ToolTest() : project_(Project::Create(nullptr))
 {
     std::string pattern = (fs::temp_directory_path() / "marlet-test-XXXXXX").string();
     folder_ = ::mkdtemp(pattern.data());
-    fs::create_directory(folder_ + "/work");
+    fs::create_directory(folder_ + "/files");
     composition_ = CompositionAsset::Create(u"Main", AudioVideoSettings::Preset::Hd720At25, 100);
     project_->Assets().All().Add(composition_);
 }
@@ -78,7 +78,7 @@ ToolRun ToolTest::Shell(const std::string &line) const
 {
     const std::string out = folder_ + "/out";
     const std::string err = folder_ + "/err";
-    const std::string script = "cd " + ShellQuoted(folder_ + "/work") +
+    const std::string script = "cd " + ShellQuoted(folder_ + "/files") +
                                "; MARLET=" + ShellQuoted(MARLET_TOOL) + "; exec >" + ShellQuoted(out) +
                                " 2>" + ShellQuoted(err) + "; " + line;
     const int status = std::system(script.c_str());
@@ -87,7 +87,7 @@ ToolRun ToolTest::Shell(const std::string &line) const
 
 std::string ToolTest::Path(const std::string &name) const
 {
-    return folder_ + "/work/" + name;
+    return folder_ + "/files/" + name;
 }
 
 std::string ToolTest::Write(const std::string &name, const std::string &bytes) const

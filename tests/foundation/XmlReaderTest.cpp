@@ -86,10 +86,20 @@ TEST(XmlReaderTest, AnyOtherTextHasNone)
         u"<a x=\"&#x000;\"/>",
         u"<a>&#4294967296;</a>",
         u"<a><![CDATA[&#0;]]>&#0;</a>",
+        u"<a><!-- <![CDATA[ -->&#0;<!-- ]]> --></a>",
         u"<1/>",
     };
     for (const std::u16string_view text : texts)
         EXPECT_FALSE(HasRoot(text)) << ToUtf8(text);
+}
+
+TEST(XmlReaderTest, WhatStandsInManyCommentsTakesNoLongerEach)
+{
+    WideString text = u"<a>";
+    for (int i = 0; i < 200'000; ++i)
+        text += u"<!--&#0;-->";
+    EXPECT_TRUE(HasRoot(text + u"</a>"));
+    EXPECT_FALSE(HasRoot(text + u"&#0;</a>"));
 }
 
 TEST(XmlReaderTest, ATextThatIsCutOffAnywhereHasNoRoot)

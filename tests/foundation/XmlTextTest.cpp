@@ -230,6 +230,18 @@ TEST(XmlTextTest, NumbersAreWrittenAsPrintfWritesThem)
     EXPECT_EQ(FormatFloat(-INFINITY).View(), "-inf");
 }
 
+TEST(XmlTextTest, DoublesInAttributesAreWrittenAsQtWritesThem)
+{
+    int halves = 0;
+    for (const double value : OddDoubles()) {
+        if (value == 0 || std::isnan(value))
+            continue;
+        EXPECT_EQ(FormatDoubleAttribute(value).View(), QString::number(value, 'g', 17).toStdString());
+        halves += FormatDoubleAttribute(value).View() != FormatDouble(value).View();
+    }
+    EXPECT_GT(halves, 100);
+}
+
 TEST(XmlTextTest, NaNHasNoSign)
 {
     for (const float nan : {NAN, -NAN}) {
@@ -256,7 +268,9 @@ TEST(XmlTextTest, EveryFloatReadsBackAsItself)
         EXPECT_TRUE(Same(ParseFloat(FormatFloat(value).View()), value)) << FormatFloat(value).View();
         EXPECT_TRUE(Same(ParseDouble(FormatDouble(value).View()), double(value)));
         if (std::abs(value) < FLT_MAX) {
-            const std::string eight = Printf("%.8g", value);
+            // But for zero, whose sign Qt drops.
+            const std::string eight =
+                value == 0 ? Printf("%g", value) : QString::number(value, 'g', 8).toStdString();
             const bool enough = QString::fromStdString(eight).toFloat() == value;
             EXPECT_EQ(attribute, enough ? eight : Printf("%.9g", value));
             nineDigits += !enough;

@@ -197,23 +197,34 @@ TEST(XmlWriterTest, CharactersThatXmlCannotHoldAreLeftOut)
     EXPECT_TRUE(QDomDocument().setContent(Qt(xml)));
 }
 
-void WriteNested(XmlWriter &writer, int depth)
+template <class Write> void WriteNested(XmlWriter &writer, int depth, const Write &innermost)
 {
     const XmlElement element(writer, "a");
     if (depth > 1)
-        WriteNested(writer, depth - 1);
+        WriteNested(writer, depth - 1, innermost);
+    else
+        innermost(writer);
 }
 
 TEST(XmlWriterTest, NestingIsBoundedAsInReading)
 {
-    const WideString deepest = XmlText([](XmlWriter &writer) { WriteNested(writer, kDeepestNesting); });
-    EXPECT_FALSE(XmlDocument(deepest).Root().IsNull());
-    try {
-        XmlText([](XmlWriter &writer) { WriteNested(writer, kDeepestNesting + 1); });
-        ADD_FAILURE();
-    } catch (const XmlParseException &error) {
-        EXPECT_STREQ(error.what(), "Nesting too deep");
-    }
+    const auto textOf = [](int depth, const auto &innermost) {
+        return XmlText([&](XmlWriter &writer) { WriteNested(writer, depth, innermost); });
+    };
+    const auto wordsOf = [&](int depth, const auto &innermost) -> std::string {
+        try {
+            textOf(depth, innermost);
+            return {};
+        } catch (const XmlParseException &error) {
+            return error.what();
+        }
+    };
+    const auto nothing = [](XmlWriter &) {};
+    const auto child = [](XmlWriter &writer) { writer.Child("b", 1); };
+    EXPECT_FALSE(XmlDocument(textOf(kDeepestNesting, nothing)).Root().IsNull());
+    EXPECT_FALSE(XmlDocument(textOf(kDeepestNesting - 1, child)).Root().IsNull());
+    EXPECT_EQ(wordsOf(kDeepestNesting + 1, nothing), "Nesting too deep");
+    EXPECT_EQ(wordsOf(kDeepestNesting, child), "Nesting too deep");
 }
 
 } // namespace

@@ -128,7 +128,7 @@ TEST(Effect3DLayer, AsksItsEffectForReferences)
     EXPECT_EQ(ball->target, KyID());
 }
 
-class Ancestry : public testing::Test, private PlainBall
+class Ancestry : public testing::Test, public PlainBall
 {
 protected:
     Ancestry() : PlainBall("") {}
@@ -152,6 +152,7 @@ TEST_F(Ancestry, GoesUpTheParentsByTheirIDs)
     EXPECT_TRUE(IsAncestor(*layer_, *root_));
     EXPECT_FALSE(IsAncestor(*layer_, *layer_));
     EXPECT_FALSE(IsAncestor(*root_, *layer_));
+    EXPECT_FALSE(IsAncestorOfReferencedLayer(stage_.composition, root_->ID(), KyID()));
     const auto elsewhere = PointLayer::Create(u"");
     EXPECT_FALSE(IsAncestor(*elsewhere, *root_));
     elsewhere->SetParentLayer(layer_->ID());

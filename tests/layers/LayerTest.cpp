@@ -48,7 +48,7 @@ TEST(Layer, AnswersTheConstantQuestionsOfItsClass)
 TEST(Layer, IsClonedWithAnIdentityAndPropertiesOfItsOwn)
 {
     const LayerStage stage;
-    const auto parent = stage.AddPoint();
+    const auto parent = PointLayer::Create(u"In no composition, but known");
     const auto camera = stage.AddCamera();
     camera->SetNearClip(7);
     camera->SetAutoOrientation(AutoOrient::TowardsTarget);

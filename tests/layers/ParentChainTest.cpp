@@ -1,3 +1,4 @@
+#include <tests/support/FixedLayer.h>
 #include <tests/support/LayerStage.h>
 #include <tests/support/MatrixMatchers.h>
 
@@ -12,35 +13,6 @@ namespace
 {
 
 using testing::HasSubstr;
-
-/// A layer that is one pixel to the right of its parent, of any type, with its content elsewhere.
-class StepLayer : public AbstractLayer
-{
-public:
-    explicit StepLayer(LayerType type = LayerType::Point) : AbstractLayer(u"Step"), type_(type) {}
-
-    std::shared_ptr<AbstractLayer> Clone(const KyID &) const override { return nullptr; }
-    LayerType Type() const override { return type_; }
-    bool HasAudio() const override { return false; }
-    bool HasVideo() const override { return false; }
-    LayerDimensions Dimensions() const override { return LayerDimensions::TwoD; }
-    void SetDimensions(LayerDimensions) override {}
-    Matrix TransformationAtTime(int, const std::shared_ptr<Project> &, bool) const override
-    {
-        return Matrix::Translation(1, 0, 0);
-    }
-    Matrix OriginAtTime(int, const std::shared_ptr<Project> &) const override { return origin; }
-    Matrix AlignToMotion(const Matrix &, int, const std::shared_ptr<Project> &, bool) const override
-    {
-        return {};
-    }
-    WideString Serialize(const ProjectTextureImageCache &) const override { return {}; }
-
-    Matrix origin;
-
-private:
-    LayerType type_;
-};
 
 std::string FailureOf(const std::function<void()> &action)
 {
@@ -77,7 +49,7 @@ TEST(ParentChain, HangsChildrenOfPicturesOnTheAnchorAlone)
 {
     const LayerStage stage;
     for (const LayerType type : {LayerType::Asset, LayerType::Grade, LayerType::Text}) {
-        const auto parent = stage.Add(std::make_shared<StepLayer>(type));
+        const auto parent = stage.Add(std::make_shared<FixedLayer>(type));
         parent->Animation().CreateSpatialProperty("anchorPoint", Point{0, 5, 0},
                                                   PropertyManager::Type::Animatable, nullptr);
         parent->origin = Matrix::Translation(0, 0, 7);
@@ -92,11 +64,11 @@ TEST(ParentChain, MayBeAMillionLayersDeep)
 {
     constexpr int kDepth = 1'000'000;
     const LayerStage stage;
-    const auto root = stage.Add(std::make_shared<StepLayer>());
+    const auto root = stage.Add(std::make_shared<FixedLayer>());
     KyID parentID = root->ID();
-    std::shared_ptr<StepLayer> last;
+    std::shared_ptr<FixedLayer> last;
     for (int i = 1; i < kDepth; ++i) {
-        last = stage.Add(std::make_shared<StepLayer>());
+        last = stage.Add(std::make_shared<FixedLayer>());
         last->SetParentLayer(parentID);
         parentID = last->ID();
     }

@@ -1,3 +1,4 @@
+#include <tests/support/FixedLayer.h>
 #include <tests/support/LayerStage.h>
 #include <tests/support/MatrixMatchers.h>
 
@@ -152,6 +153,36 @@ TEST(ParentHelper, ChangesNothingButTheLinkInAFrameThatCannotBeInverted)
     EXPECT_EQ(Get<Point>(*f.layer, "position"), (Point{1, 2, 3}));
     EXPECT_EQ(Get<Scale3D>(*f.layer, "scale"), Scale3D{});
     EXPECT_EQ(Get<float>(*f.layer, "rotationZ"), 30);
+}
+
+TEST(ParentHelper, TakesAFlattenedFrameForUnturned)
+{
+    Family f;
+    Set(*f.parent, "rotationZ", 90.f);
+    Set(*f.parent, "scale", Scale3D{0, 0, 0});
+    Set(*f.layer, "rotationZ", 10.f);
+    f.Parent();
+    EXPECT_NEAR(Get<float>(*f.layer, "rotationZ"), 10, 1e-4);
+}
+
+TEST(ParentHelper, LeavesTheRotationInAFrameWhereItIsLost)
+{
+    for (const LayerDimensions dimensions : {LayerDimensions::TwoD, LayerDimensions::ThreeD}) {
+        Family f;
+        f.layer->SetDimensions(dimensions);
+        Set(*f.layer, "rotationZ", 10.f);
+        Set(*f.layer, "orientation", Orientation3D{0, 0, 20});
+        // The first axis is too short to count as turned, so that it falls together with the second.
+        const auto frame = f.Add(std::make_shared<FixedLayer>());
+        frame->transformation = Matrix();
+        frame->transformation(0, 0) = frame->transformation(1, 1) = 0;
+        frame->transformation(1, 0) = -1e-6f;
+        frame->transformation(0, 1) = 2;
+        ParentHelper::Parent(f.project, 0, frame, f.layer);
+        EXPECT_EQ(Get<float>(*f.layer, "rotationZ"), 10);
+        EXPECT_EQ(Get<Orientation3D>(*f.layer, "orientation"), (Orientation3D{0, 0, 20}));
+        EXPECT_NEAR(Get<Scale3D>(*f.layer, "scale").Y, 50, 1e-4);
+    }
 }
 
 TEST(ParentHelper, LeavesTheLinkToACallerThatUpdatesThePosition)

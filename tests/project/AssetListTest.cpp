@@ -1,7 +1,7 @@
 #include "Loading.h"
 
 #include <marlet/foundation/xml/XmlWriter.h>
-#include <marlet/layers/AbstractLayer.h>
+#include <marlet/layers/PointLayer.h>
 #include <marlet/project/AbstractAssetInstance.h>
 #include <marlet/project/ImageAsset.h>
 #include <marlet/project/InstancesXml.h>
@@ -102,6 +102,23 @@ TEST(AssetList, FindsTheFirstOfTwoAssetsWithOneID)
     list.All().Add(twin);
     EXPECT_EQ(list.GetByID(original->ID()), original);
     EXPECT_EQ(FindAssetByID(list.All(), original->ID()), original);
+}
+
+TEST(AssetList, FindsNothingByTheNullIDEvenIfAnAssetHasIt)
+{
+    const auto project = Project::Create(nullptr);
+    ProjectTextureImageCache textures;
+    const auto composition = CompositionAsset::Create(u"", AudioVideoSettings::Preset::Pal, 1);
+    WideString text = composition->Serialize(textures);
+    const WideString id = composition->ID().ToWideString();
+    text.replace(text.find(id), id.size(), kytl::KyID().ToWideString());
+    const auto nameless = CompositionAsset::CreateFromXml(text, nullptr, NoEffects(), textures);
+    ASSERT_TRUE(nameless->ID().IsNull());
+    project->Assets().All().Add(nameless);
+
+    EXPECT_EQ(project->Assets().GetByID(kytl::KyID()), nullptr);
+    // So a layer of no composition does not get into that one.
+    EXPECT_THROW(PointLayer::Create(u"")->ParentComposition(project->Assets()), std::runtime_error);
 }
 
 TEST(AssetList, ListsAssetsOfATypeInTheirOrder)

@@ -2,8 +2,13 @@
 
 #include <marlet/animation/PropertyManager.h>
 #include <marlet/layers/CameraLayer.h>
+#include <marlet/layers/GradeLayer.h>
 #include <marlet/layers/LightLayer.h>
 #include <marlet/layers/PointLayer.h>
+#include <marlet/layers/TextLayer.h>
+#include <marlet/masks/Mask.h>
+#include <marlet/masks/MotionPath.h>
+#include <marlet/masks/PathPoint.h>
 #include <marlet/project/AssetList.h>
 #include <marlet/project/BinFolder.h>
 #include <marlet/project/CompositionAsset.h>
@@ -135,6 +140,50 @@ void FillLayer(Noise &noise, AbstractLayer &layer, const CompositionAsset &compo
     }
 }
 
+std::shared_ptr<Mask> NoisyMask(Noise &noise)
+{
+    const auto mask = Mask::Create(noise.Text());
+    mask->SetVisible(noise.Bool());
+    mask->SetParentLayerID(noise.ID());
+    mask->SetBlendMode(noise.Any<MaskBlend>());
+    mask->SetInverted(noise.Bool());
+    Animate(noise, mask->Animation().KeyFrames("feather"), 3);
+    for (int count = 1 + noise.Below(4); count > 0; --count) {
+        const auto point = PathPoint::Create(noise.Float(), noise.Float(), noise.ID());
+        point->SetLinear(noise.Bool());
+        point->SetLocked(noise.Bool());
+        Animate(noise, point->Animation().KeyFrames("position"), 9);
+        mask->Path().Points().Add(point);
+    }
+    mask->Path().SetClosed(noise.Bool());
+    return mask;
+}
+
+std::shared_ptr<GradeLayer> NoisyGrade(Noise &noise)
+{
+    auto grade = GradeLayer::Create(u"", noise.Int(), noise.Int());
+    grade->SetDimensions(static_cast<LayerDimensions>(noise.Below(2)));
+    grade->Masks().Add(NoisyMask(noise));
+    return grade;
+}
+
+std::shared_ptr<TextLayer> NoisyText(Noise &noise)
+{
+    auto text = TextLayer::Create(u"", noise.Int(), noise.Int());
+    text->SetMinX(noise.Float());
+    text->SetMaxY(noise.Float());
+    for (int run = 0; run < 3; ++run) {
+        const auto format = text->TextFormat(noise.Text(), noise.Text(), noise.Int(), noise.Color(),
+                                             noise.Color(), noise.Float(), noise.Float(), noise.Float());
+        for (const char16_t unit : noise.Text() + u"x")
+            text->Text().Append(TextLayer::CreateCharToken(unit, format, noise.ID()));
+        text->Text().Append(
+            TextLayer::CreateParagraphToken(noise.Any<TextLayer::JustificationType>(), noise.ID()));
+    }
+    text->Masks().Add(NoisyMask(noise));
+    return text;
+}
+
 std::shared_ptr<CompositionAsset> NoisyComposition(Noise &noise)
 {
     const auto composition =
@@ -176,8 +225,8 @@ std::shared_ptr<CompositionAsset> NoisyComposition(Noise &noise)
     light->SetAutoOrientation(noise.Any<AutoOrient>());
     const auto point = PointLayer::Create(u"");
     point->SetDimensions(static_cast<LayerDimensions>(noise.Below(2)));
-    for (const std::shared_ptr<AbstractLayer> &layer :
-         std::initializer_list<std::shared_ptr<AbstractLayer>>{camera, light, point}) {
+    for (const std::shared_ptr<AbstractLayer> &layer : std::initializer_list<std::shared_ptr<AbstractLayer>>{
+             camera, light, point, NoisyGrade(noise), NoisyText(noise)}) {
         FillLayer(noise, *layer, *composition);
         composition->Layers().Add(layer);
     }

@@ -43,6 +43,16 @@ const std::map<std::string, Required> kRequired = {
     {"CameraLayer", {{"Dimensions", "HasDoF", "AutoOrient", "NearClip", "FarClip", "LayerBase"}}},
     {"LightLayer", {{"LightType", "AutoOrient", "LayerBase"}}},
     {"PointLayer", {{"Dimensions", "LayerBase"}}},
+    {"GradeLayer", {{"Dimensions", "Width", "Height", "LayerBase"}}},
+    {"TextLayer", {{"Dimensions", "MinX", "MaxX", "MinY", "MaxY", "Tokens", "Formats", "LayerBase"}}},
+    {"Tk", {{}, {"Tp", "ID"}}},
+    {"Format",
+     {{"Family", "Style", "StrokeColor", "FillColor"}, {"ID", "Size", "StrokeWidth", "Tracking", "Leading"}}},
+    {"StrokeColor", {{}, {"R", "G", "B", "A"}}},
+    {"FillColor", {{}, {"R", "G", "B", "A"}}},
+    {"Mask", {{"ID", "Name", "Visible", "LayerID", "PropertyManager"}}},
+    {"MotionPath", {{"ID", "Closed", "ParentID"}}},
+    {"Point", {{"ID", "Linear", "Locked", "ParentPathID", "PropertyManager"}}},
     {"LayerBase",
      {{"ID", "Name", "CompID", "ParentLayerID", "StartFrame", "EndFrame", "BlendMode", "Visible", "Muted",
        "Locked", "MotionBlurOn", "PropertyManager"}}},
@@ -60,9 +70,14 @@ const std::map<std::string, Required> kRequired = {
     {"Orientation3D", {{}, {"X", "Y", "Z"}}},
 };
 
-/// The first property that each layer looks for, which one without its properties is said to lack.
+/// The first property that each class looks for, which one without its properties is said to lack.
 const std::map<std::string, std::string> kFirstProperty = {
-    {"CameraLayer", "position"}, {"LightLayer", "position"}, {"PointLayer", "anchorPoint"}};
+    {"CameraLayer", "position"}, {"LightLayer", "position"},   {"PointLayer", "anchorPoint"},
+    {"GradeLayer", "opacity"},   {"TextLayer", "anchorPoint"}, {"Mask", "opacity"},
+    {"Point", "position"}};
+
+/// The elements whose newest version is not 0.
+const std::map<std::string, int> kNewestVersion = {{"TextLayer", 1}};
 
 bool IsProperty(const pugi::xml_node &element)
 {
@@ -90,8 +105,10 @@ std::string WordsWithout(const pugi::xml_node &element)
         return "";
     if (name == "LayerBase")
         return MissingProperty(kFirstProperty.at(parent.name()));
-    if (name == "PropertyManager")
-        return MissingProperty(kFirstProperty.at(parent.parent().name()));
+    if (name == "PropertyManager") {
+        const bool isLayer = std::string_view(parent.name()) == "LayerBase";
+        return MissingProperty(kFirstProperty.at((isLayer ? parent.parent() : parent).name()));
+    }
     return name == "BinFolder" ? "Wrong tag name\nBinFolder" : "Missing element\n" + name;
 }
 
@@ -187,10 +204,12 @@ TEST_F(NoisyDocument, IsRefusedForEachElementOfANewerVersion)
         pugi::xml_attribute version = element.attribute("Version");
         if (!version)
             return;
-        version.set_value("1");
+        const auto known = kNewestVersion.find(element.name());
+        const int newest = known == kNewestVersion.end() ? 0 : known->second;
+        version.set_value(newest + 1);
         EXPECT_EQ(Failure(document_), element == document_.document_element() ? "" : kNewer)
             << element.path();
-        version.set_value("0");
+        version.set_value(newest);
     });
     EXPECT_EQ(Failure(document_), "");
 }

@@ -66,36 +66,45 @@ std::uint32_t ReferencedCharacter(std::string_view text)
     return character;
 }
 
-/// The end of the comment or CDATA section that a position lies in; the position itself if it is in none.
-std::size_t SectionEnd(std::string_view text, std::size_t at)
+/// Where the "&#" of the first reference to U+0000 from a position on stands.
+std::size_t FindReferenceToNul(std::string_view text, std::size_t from)
 {
-    constexpr std::pair<std::string_view, std::string_view> sections[] = {{"<!--", "-->"},
-                                                                          {"<![CDATA[", "]]>"}};
-    for (const auto &[open, close] : sections) {
-        const std::size_t start = text.rfind(open, at);
-        const std::size_t end = start == std::string_view::npos ? at : text.find(close, start);
-        if (end > at)
-            return end;
-    }
+    std::size_t at = text.find("&#", from);
+    while (at != std::string_view::npos && ReferencedCharacter(text.substr(at + 2)) != 0)
+        at = text.find("&#", at + 2);
     return at;
 }
 
+/// The end of the comment, CDATA section or instruction that starts at a "<"; the start itself if none does.
+std::size_t SectionEnd(std::string_view text, std::size_t start)
+{
+    constexpr std::pair<std::string_view, std::string_view> sections[] = {
+        {"<!--", "-->"}, {"<![CDATA[", "]]>"}, {"<?", "?>"}};
+    for (const auto &[open, close] : sections)
+        if (text.substr(start, open.size()) == open)
+            return text.find(close, start + open.size());
+    return start;
+}
+
 /// Whether there is a U+0000, as itself or by reference: the parser would end a value there, or the whole
-/// text.
+/// text. In a comment or a CDATA section a reference is none; only a text that has one is looked at that
+/// closely, and once from front to back.
 bool ContainsNul(std::string_view text)
 {
     if (text.find('\0') != std::string_view::npos)
         return true;
-    std::size_t at = text.find("&#");
-    while (at != std::string_view::npos) {
-        std::size_t next = at + 2;
-        if (ReferencedCharacter(text.substr(next)) == 0) {
-            const std::size_t end = SectionEnd(text, at);
-            if (end == at)
-                return true;
-            next = end;
-        }
-        at = text.find("&#", next);
+    std::size_t reference = FindReferenceToNul(text, 0);
+    std::size_t at = 0;
+    while (reference != std::string_view::npos) {
+        at = text.find('<', at);
+        if (at > reference)
+            return true;
+        const std::size_t end = SectionEnd(text, at);
+        if (end == std::string_view::npos)
+            return true; // a section without an end is refused anyway
+        if (end > reference)
+            reference = FindReferenceToNul(text, end);
+        at = std::max(at + 1, end);
     }
     return false;
 }

@@ -183,9 +183,12 @@ struct Decimal {
     int scale;
 };
 
-/// The number rounded to so many digits, halves to even. It must lie from 1e-4 up to 10^digits, where all
+/// What becomes of a number half-way between two roundings.
+enum class Halves { ToEven, Up };
+
+/// The number rounded to so many digits. It must lie from 1e-4 up to 10^digits, where all
 /// that it takes is one exact product of integers.
-Decimal Rounded(double value, int digits)
+Decimal Rounded(double value, int digits, Halves halves)
 {
     int exponent = kLowestPower;
     while (value >= PowerOfTen(exponent + 1))
@@ -200,7 +203,7 @@ Decimal Rounded(double value, int digits)
     const auto whole = static_cast<std::uint64_t>(product >> -shift);
     const Wide rest = product - (Wide(whole) << -shift);
     const Wide half = Wide(1) << (-shift - 1);
-    const bool up = rest > half || (rest == half && whole % 2 == 1);
+    const bool up = rest > half || (rest == half && (halves == Halves::Up || whole % 2 == 1));
     return {whole + (up ? 1u : 0u), scale};
 }
 
@@ -234,7 +237,8 @@ NumberText FormatFixed(Decimal number, bool negative)
     return text;
 }
 
-/// What printf's %g writes, for a number of any size.
+/// What printf's %g writes, for a number of any size. None lies half-way where the form has an exponent, but
+/// for doubles too small to matter.
 NumberText FormatAny(double value, int digits)
 {
     NumberText text;
@@ -255,12 +259,12 @@ bool IsMiddling(double magnitude, int digits)
 }
 
 /// Like FormatAny, and several times faster for the numbers that documents are full of.
-NumberText FormatGeneral(double value, int digits)
+NumberText FormatGeneral(double value, int digits, Halves halves)
 {
     const double magnitude = std::abs(value);
     if (!IsMiddling(magnitude, digits))
         return value == 0 && !std::signbit(value) ? FormatInt(0) : FormatAny(value, digits);
-    return FormatFixed(Rounded(magnitude, digits), value < 0);
+    return FormatFixed(Rounded(magnitude, digits, halves), value < 0);
 }
 
 template <class Integer> NumberText FormatInteger(Integer value)
@@ -336,13 +340,18 @@ NumberText FormatFloat(float value)
     // Nine digits round the largest float up to what reads as infinity.
     constexpr float largest = std::numeric_limits<float>::max();
     if (std::abs(value) == largest)
-        return FormatGeneral(std::copysign(3.40282346e+38, double(value)), 9);
-    return FormatGeneral(value, 9);
+        return FormatGeneral(std::copysign(3.40282346e+38, double(value)), 9, Halves::ToEven);
+    return FormatGeneral(value, 9, Halves::ToEven);
 }
 
 NumberText FormatDouble(double value)
 {
-    return FormatGeneral(value, 17);
+    return FormatGeneral(value, 17, Halves::ToEven);
+}
+
+NumberText FormatDoubleAttribute(double value)
+{
+    return FormatGeneral(value, 17, Halves::Up);
 }
 
 NumberText FormatFloatAttribute(float value)
@@ -350,13 +359,13 @@ NumberText FormatFloatAttribute(float value)
     constexpr int digits = 8;
     const double magnitude = std::abs(double(value));
     if (IsMiddling(magnitude, digits)) {
-        const Decimal shorter = Rounded(magnitude, digits);
+        const Decimal shorter = Rounded(magnitude, digits, Halves::Up);
         // Both are small enough for the quotient to be what the text reads as.
         const double readBack = static_cast<double>(shorter.significant) / PowerOfTen(shorter.scale);
         return static_cast<float>(readBack) == std::abs(value) ? FormatFixed(shorter, value < 0)
                                                                : FormatFloat(value);
     }
-    const NumberText text = FormatGeneral(value, digits);
+    const NumberText text = FormatGeneral(value, digits, Halves::Up);
     return std::isnan(value) || ParseFloat(text.View()) == value ? text : FormatFloat(value);
 }
 

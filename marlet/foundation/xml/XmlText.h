@@ -36,8 +36,9 @@ NumberText FormatUInt(std::uint64_t value);
 /// them.
 NumberText FormatFloat(float value);
 NumberText FormatDouble(double value);
-/// The form of a float in an attribute: 8 significant digits, or 9 where 8 do not read back as the same
-/// value.
+/// The form of attributes, as QDomElement writes them: halves are rounded up. 8 significant digits of a
+/// float, or 9 where 8 do not read back as the same value; 17 of a double.
 NumberText FormatFloatAttribute(float value);
+NumberText FormatDoubleAttribute(double value);
 
 } // namespace marlet::project

@@ -126,6 +126,8 @@ void XmlWriter::StartBlockIfFull()
 
 void XmlWriter::StartTag(std::string_view tag)
 {
+    if (open_.size() >= std::size_t(kDeepestNesting))
+        throw XmlParseException("Nesting too deep");
     StartBlockIfFull();
     if (!open_.empty()) {
         State &parent = open_.back().state;
@@ -149,8 +151,6 @@ void XmlWriter::EndTag(std::string_view tag)
 
 void XmlWriter::Begin(std::string_view tag)
 {
-    if (open_.size() >= std::size_t(kDeepestNesting))
-        throw XmlParseException("Nesting too deep");
     StartTag(tag);
     open_.push_back({tag, State::OpenTag});
 }
@@ -222,7 +222,7 @@ void XmlWriter::Attribute(std::string_view name, float value)
 
 void XmlWriter::Attribute(std::string_view name, double value)
 {
-    AppendAttribute(name, FormatDouble(value).View());
+    AppendAttribute(name, FormatDoubleAttribute(value).View());
 }
 
 void XmlWriter::Attribute(std::string_view name, const kytl::KyID &value)
