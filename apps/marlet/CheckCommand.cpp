@@ -7,8 +7,10 @@
 #include "TextFile.h"
 
 #include <marlet/project/Project.h>
+#include <marlet/project/ProjectTextureImageCache.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace marlet::tool
 {
@@ -42,7 +44,8 @@ std::size_t FirstDifferentLine(const WideString &a, const WideString &b)
 std::vector<Finding> CheckSaving(const ProjectPointer &project)
 {
     const WideString first = project->Serialize();
-    const WideString second = ParseProject(first)->Serialize();
+    const WideString second =
+        ParseProject(first, std::as_const(*project).TextureImageCache().TexturesFolderPath())->Serialize();
     if (first == second)
         return {};
     return {

@@ -35,5 +35,8 @@ const CommandSpec &ImageCommand();
 const CommandSpec &TimecodeCommand();
 const CommandSpec &CheckCommand();
 const CommandSpec &NewCommand();
+const CommandSpec &CloneCommand();
+const CommandSpec &DeleteCommand();
+const CommandSpec &PluginsCommand();
 
 } // namespace marlet::tool

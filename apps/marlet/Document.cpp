@@ -3,9 +3,9 @@
 #include "Failure.h"
 #include "Output.h"
 #include "TextFile.h"
+#include "plugins/PluginManager.h"
+#include "plugins/Ribbon.h"
 
-#include <marlet/layers/Abstract3DEffect.h>
-#include <marlet/layers/Abstract3DEffectFactory.h>
 #include <marlet/layers/AbstractLayer.h>
 #include <marlet/project/AbstractAssetInstance.h>
 #include <marlet/project/AssetList.h>
@@ -21,27 +21,6 @@ using namespace project;
 
 namespace
 {
-
-/// The tool has no 3D effects of its own.
-class NoEffects : public Abstract3DEffectFactory
-{
-public:
-    std::shared_ptr<Abstract3DEffect> Create(void *, ProjectTextureImageCache &) const override { return {}; }
-};
-
-/// Files hold no lists of instances that are read back: keeping them is a host's work.
-void FillInstances(const Project &project)
-{
-    for (const CompositionPointer &composition : Compositions(project)) {
-        for (const LayerPointer &layer : composition->Layers()) {
-            const auto instance = std::dynamic_pointer_cast<AbstractAssetInstance>(layer);
-            if (!instance)
-                continue;
-            if (const auto asset = project.Assets().GetByID(instance->AssetID()))
-                asset->Instances().Add(instance);
-        }
-    }
-}
 
 std::optional<kytl::KyID> ParseID(const std::string &text)
 {
@@ -77,16 +56,38 @@ typename Objects::value_type FindByIdOrName(const Objects &objects, const std::s
 
 } // namespace
 
-ProjectPointer ParseProject(const WideString &text)
+ProjectPointer ParseProject(const WideString &text, const WideString &texturesFolder, PluginUse plugins)
 {
-    ProjectPointer project = Project::CreateFromXml(text, {}, nullptr, NoEffects());
+    const auto manager = plugins == PluginUse::With ? Plugins() : nullptr;
+    ProjectPointer project = Project::CreateFromXml(text, texturesFolder, manager, EffectFactory());
     FillInstances(*project);
     return project;
 }
 
-ProjectPointer ReadProject(const std::string &path)
+void FillInstances(const Project &project)
 {
-    ProjectPointer project = ParseProject(ReadTextFile(path));
+    for (const auto &asset : project.Assets().All())
+        asset->Instances().Clear();
+    for (const CompositionPointer &composition : Compositions(project)) {
+        for (const LayerPointer &layer : composition->Layers()) {
+            const auto instance = std::dynamic_pointer_cast<AbstractAssetInstance>(layer);
+            if (!instance)
+                continue;
+            if (const auto asset = project.Assets().GetByID(instance->AssetID()))
+                asset->Instances().Add(instance);
+        }
+    }
+}
+
+WideString FolderOf(const std::string &path)
+{
+    const std::size_t separator = path.rfind('/');
+    return separator == std::string::npos ? WideString() : FromUtf8(path.substr(0, separator + 1));
+}
+
+ProjectPointer ReadProject(const std::string &path, PluginUse plugins)
+{
+    ProjectPointer project = ParseProject(ReadTextFile(path), FolderOf(path), plugins);
     project->SetFilename(FromUtf8(path));
     return project;
 }

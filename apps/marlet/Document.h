@@ -22,12 +22,22 @@ using ProjectPointer = std::shared_ptr<project::Project>;
 using CompositionPointer = std::shared_ptr<project::CompositionAsset>;
 using LayerPointer = std::shared_ptr<project::AbstractLayer>;
 
-/// A project from its text, with the assets' lists of instances filled.
-/// @throws as Project::CreateFromXml
-ProjectPointer ParseProject(const project::WideString &text);
+/// Without plug-ins a project has no effects, whatever its text says.
+enum class PluginUse { With, Without };
 
-/// @throws as ReadTextFile and ParseProject
-ProjectPointer ReadProject(const std::string &path);
+/// A project from its text, with the tool's own plug-ins and the assets' lists of instances filled.
+/// @throws as Project::CreateFromXml
+ProjectPointer ParseProject(const project::WideString &text, const project::WideString &texturesFolder,
+                            PluginUse plugins = PluginUse::With);
+
+/// Textures are named relative to the folder of the file. @throws as ReadTextFile and ParseProject
+ProjectPointer ReadProject(const std::string &path, PluginUse plugins = PluginUse::With);
+
+/// With its trailing separator; empty for a file of the current folder.
+project::WideString FolderOf(const std::string &path);
+
+/// Files hold no lists of instances that are read back: keeping them is a host's work.
+void FillInstances(const project::Project &project);
 
 /// @throws as WriteFile
 void WriteProject(const project::Project &project, const std::string &path);

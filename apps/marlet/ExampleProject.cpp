@@ -1,6 +1,7 @@
 #include "ExampleProject.h"
 
 #include "Scene.h"
+#include "plugins/PluginManager.h"
 
 #include <marlet/animation/PropertyManager.h>
 #include <marlet/layers/CameraLayer.h>
@@ -264,7 +265,7 @@ void ConfigureTimeline(CompositionAsset &composition)
 
 std::shared_ptr<Project> MakeExampleProject(AudioVideoSettings::Preset preset, int frameCount)
 {
-    const auto project = Project::Create(nullptr);
+    const auto project = Project::Create(Plugins());
     project->SetName(u"Orbit");
     const auto composition = CompositionAsset::Create(u"Orbit", preset, frameCount);
     ConfigureTimeline(*composition);

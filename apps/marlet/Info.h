@@ -20,6 +20,8 @@ struct ProjectSums {
     std::size_t compositions = 0;
     std::size_t offlineAssets = 0;
     std::size_t layers = 0;
+    std::size_t effects = 0;
+    std::size_t masks = 0;
     std::size_t properties = 0;
     std::size_t animatedProperties = 0;
     std::size_t keyFrames = 0;

@@ -1,6 +1,7 @@
 #include "Arguments.h"
 #include "Document.h"
 #include "Info.h"
+#include "LayerContent.h"
 
 #include <marlet/animation/PropertyManager.h>
 #include <marlet/layers/AbstractLayer.h>
@@ -59,6 +60,8 @@ ProjectSums CountProject(const Project &project)
         ++sums.compositions;
         for (const LayerPointer &layer : composition->Layers()) {
             ++sums.layers;
+            sums.effects += EffectsOf(*layer).size();
+            sums.masks += MasksOf(*layer).size();
             CountProperties(std::as_const(*layer).Animation(), sums);
         }
     }

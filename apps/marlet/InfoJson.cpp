@@ -1,5 +1,6 @@
 #include "Document.h"
 #include "Info.h"
+#include "InfoParts.h"
 #include "Json.h"
 #include "MetadataItems.h"
 #include "Names.h"
@@ -27,18 +28,6 @@ using namespace project;
 namespace
 {
 
-JsonWriter Begin(const char *kind)
-{
-    JsonWriter json;
-    json.BeginObject().Member("kind", kind);
-    return json;
-}
-
-void End(JsonWriter &json, Output &output)
-{
-    output.Line(json.EndObject().Text());
-}
-
 void WriteColor(JsonWriter &json, const kytl::KyColorRGBA_32f &color)
 {
     WriteValue(json.Key("color"), color);
@@ -46,17 +35,17 @@ void WriteColor(JsonWriter &json, const kytl::KyColorRGBA_32f &color)
 
 void WriteProject(const Project &project, Output &output)
 {
-    JsonWriter json = Begin("project");
+    JsonWriter json = BeginJson("project");
     json.Member("file", project.Filename())
         .Member("id", project.ID())
         .Member("name", project.Name())
         .Member("color_bit_depth", static_cast<int>(project.Settings().ColorBitDepth()));
-    End(json, output);
+    EndJson(json, output);
 }
 
 void WriteFolders(const BinFolder &folder, Output &output)
 {
-    JsonWriter json = Begin("folder");
+    JsonWriter json = BeginJson("folder");
     json.Member("id", folder.ID()).Member("name", folder.Name());
     json.Reference("parent", folder.ParentFolderID()).Member("expanded", folder.IsExpanded());
     json.Key("assets").BeginArray();
@@ -64,7 +53,7 @@ void WriteFolders(const BinFolder &folder, Output &output)
         if (const auto asset = reference.lock())
             json.Value(asset->ID());
     json.EndArray();
-    End(json, output);
+    EndJson(json, output);
     for (const auto &subFolder : folder.Folders())
         WriteFolders(*subFolder, output);
 }
@@ -72,7 +61,7 @@ void WriteFolders(const BinFolder &folder, Output &output)
 void WriteAsset(const AbstractAsset &asset, Output &output)
 {
     const QuietStandardError quiet;
-    JsonWriter json = Begin("asset");
+    JsonWriter json = BeginJson("asset");
     json.Member("type", AssetTypeName(asset.Type())).Member("id", asset.ID()).Member("name", asset.Name());
     json.Reference("folder", asset.ParentFolderID())
         .Member("width", asset.Width())
@@ -89,7 +78,7 @@ void WriteAsset(const AbstractAsset &asset, Output &output)
             .Member("status", FileStatusName(image->Status()))
             .Member("pixel_aspect_ratio", AudioVideoSettings::PARValue(image->PixelAspectRatio()));
     }
-    End(json, output);
+    EndJson(json, output);
 }
 
 void WriteRenderSettings(JsonWriter &json, const CompositionRenderSettings &settings)
@@ -111,7 +100,7 @@ void WriteRenderSettings(JsonWriter &json, const CompositionRenderSettings &sett
 void WriteComposition(const CompositionAsset &composition, Output &output)
 {
     const AudioVideoSettings &settings = composition.Settings();
-    JsonWriter json = Begin("composition");
+    JsonWriter json = BeginJson("composition");
     json.Member("id", composition.ID())
         .Member("name", composition.Name())
         .Member("width", settings.Width())
@@ -127,13 +116,13 @@ void WriteComposition(const CompositionAsset &composition, Output &output)
         .Member("is_3d", composition.Is3D())
         .Member("layers", composition.Layers().Count());
     WriteRenderSettings(json, composition.RenderSettings());
-    End(json, output);
+    EndJson(json, output);
 }
 
 void WriteLayer(const CompositionAsset &composition, const AbstractLayer &layer, std::size_t position,
                 Output &output)
 {
-    JsonWriter json = Begin("layer");
+    JsonWriter json = BeginJson("layer");
     json.Member("composition", composition.ID())
         .Member("position", position)
         .Member("id", layer.ID())
@@ -149,29 +138,7 @@ void WriteLayer(const CompositionAsset &composition, const AbstractLayer &layer,
         .Member("locked", layer.IsLocked())
         .Member("motion_blur", layer.IsMotionBlurEnabled())
         .Member("properties", layer.Animation().PropertyCount());
-    End(json, output);
-}
-
-void WriteProperty(const AbstractLayer &layer, const NarrowString &name, Output &output)
-{
-    const PropertyManager &properties = layer.Animation();
-    const KeyFrameList &keyFrames = properties.KeyFrames(name.c_str());
-    const PropertyValue &value = properties.StaticValue(name.c_str());
-    JsonWriter json = Begin("property");
-    json.Member("layer", layer.ID())
-        .Member("name", name)
-        .Member("type", TypeName(value))
-        .Member("animatable", properties.CanAnimate(name.c_str()))
-        .Member("spatial", properties.IsSpatial(name.c_str()))
-        .Member("default", properties.IsDefault(name.c_str()))
-        .Member("key_frames", keyFrames.Count());
-    if (!keyFrames.IsEmpty())
-        json.Member("first_time", keyFrames.FirstByTime().Time())
-            .Member("last_time", keyFrames.LastByTime().Time());
-    WriteValue(json.Key("static"), value);
-    if (properties.HasExpression(name.c_str()))
-        json.Member("expression", properties.Expression(name.c_str()));
-    End(json, output);
+    EndJson(json, output);
 }
 
 void WriteLayers(const CompositionAsset &composition, Output &output)
@@ -179,8 +146,8 @@ void WriteLayers(const CompositionAsset &composition, Output &output)
     std::size_t position = 0;
     for (const LayerPointer &layer : composition.Layers()) {
         WriteLayer(composition, *layer, position++, output);
-        for (const NarrowString &name : layer->Animation().PropertyNames())
-            WriteProperty(*layer, name, output);
+        WritePropertiesJson("layer", layer->ID(), std::as_const(*layer).Animation(), output);
+        WriteContentJson(*layer, output);
     }
 }
 
@@ -201,18 +168,20 @@ void WriteMetadataValue(JsonWriter &json, const MetadataItem &item)
 
 void WriteSums(const ProjectSums &sums, std::size_t metadata, Output &output)
 {
-    JsonWriter json = Begin("sums");
+    JsonWriter json = BeginJson("sums");
     json.Member("folders", sums.folders)
         .Member("assets", sums.assets)
         .Member("offline_assets", sums.offlineAssets)
         .Member("compositions", sums.compositions)
         .Member("layers", sums.layers)
+        .Member("effects", sums.effects)
+        .Member("masks", sums.masks)
         .Member("properties", sums.properties)
         .Member("animated_properties", sums.animatedProperties)
         .Member("key_frames", sums.keyFrames)
         .Member("expressions", sums.expressions)
         .Member("metadata", metadata);
-    End(json, output);
+    EndJson(json, output);
 }
 
 } // namespace
@@ -229,10 +198,10 @@ void WriteInfoJson(const Project &project, Output &output)
     }
     const std::vector<MetadataItem> metadata = MetadataItems(project);
     for (const MetadataItem &item : metadata) {
-        JsonWriter json = Begin("metadata");
+        JsonWriter json = BeginJson("metadata");
         json.Member("type", item.type).Member("key", item.key);
         WriteMetadataValue(json.Key("value"), item);
-        End(json, output);
+        EndJson(json, output);
     }
     WriteSums(CountProject(project), metadata.size(), output);
 }

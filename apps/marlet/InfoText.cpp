@@ -1,5 +1,6 @@
 #include "Document.h"
 #include "Info.h"
+#include "InfoParts.h"
 #include "MetadataItems.h"
 #include "Names.h"
 #include "Output.h"
@@ -28,11 +29,6 @@ using namespace project;
 namespace
 {
 
-std::string Name(const WideString &name)
-{
-    return "\"" + OneLine(ToUtf8(name)) + "\"";
-}
-
 std::string SizeText(int width, int height)
 {
     return std::to_string(width) + "x" + std::to_string(height);
@@ -41,7 +37,7 @@ std::string SizeText(int width, int height)
 std::string AssetText(const AbstractAsset &asset)
 {
     const QuietStandardError quiet;
-    std::string text = Name(asset.Name()) + "  " + AssetTypeName(asset.Type());
+    std::string text = Quoted(asset.Name()) + "  " + AssetTypeName(asset.Type());
     if (asset.IsOffline())
         text += ", offline";
     else
@@ -64,7 +60,7 @@ using AssetSet = std::unordered_set<const AbstractAsset *>;
 void WriteFolder(const BinFolder &folder, std::size_t depth, AssetSet &written, Output &output)
 {
     const std::string indent(2 * depth, ' ');
-    output.Line(indent + Name(folder.Name()) + "  folder");
+    output.Line(indent + Quoted(folder.Name()) + "  folder");
     for (const auto &subFolder : folder.Folders())
         WriteFolder(*subFolder, depth + 1, written, output);
     for (const auto &reference : folder.Assets()) {
@@ -99,51 +95,17 @@ std::string Switches(const AbstractLayer &layer)
     return text;
 }
 
-std::string LayerText(const AbstractLayer &layer, std::size_t position,
-                      const std::unordered_map<kytl::KyID, LayerPointer> &layers)
+std::string LayerText(const AbstractLayer &layer, std::size_t position, const LayerMap &layers)
 {
-    std::string text = "  " + PadLeft(std::to_string(position), 3) + "  " + Name(layer.Name()) + "  " +
+    std::string text = "  " + PadLeft(std::to_string(position), 3) + "  " + Quoted(layer.Name()) + "  " +
                        LayerTypeName(layer.Type()) + ", " + DimensionsName(layer.Dimensions()) + ", frames " +
                        std::to_string(layer.StartFrame()) + " to " + std::to_string(layer.EndFrame());
     if (layer.HasParentLayer()) {
         const auto parent = layers.find(layer.ParentLayerID());
         text += ", on " + (parent == layers.end() ? layer.ParentLayerID().ToNarrowString() + " (not there)"
-                                                  : Name(parent->second->Name()));
+                                                  : Quoted(parent->second->Name()));
     }
     return text + Switches(layer);
-}
-
-std::string PropertyText(const PropertyManager &properties, const NarrowString &name)
-{
-    const KeyFrameList &keyFrames = properties.KeyFrames(name.c_str());
-    const PropertyValue &value = properties.StaticValue(name.c_str());
-    std::string text = "         " + PadRight(name, 20) + " " + PadRight(TypeName(value), 14);
-    if (keyFrames.IsEmpty())
-        text += ValueText(value);
-    else
-        text += Counted(keyFrames.Count(), "key frame") + ", " +
-                std::to_string(keyFrames.FirstByTime().Time()) + " to " +
-                std::to_string(keyFrames.LastByTime().Time()) + " ms";
-    if (properties.IsSpatial(name.c_str()))
-        text += ", spatial";
-    if (properties.HasExpression(name.c_str()))
-        text += ", expression " + OneLine(properties.Expression(name.c_str()));
-    return text;
-}
-
-/// Those that somebody has touched; the others are only counted.
-void WriteProperties(const PropertyManager &properties, Output &output)
-{
-    std::size_t untouched = 0;
-    for (const NarrowString &name : properties.PropertyNames()) {
-        if (properties.KeyFrames(name.c_str()).IsEmpty() && properties.IsDefault(name.c_str()) &&
-            !properties.HasExpression(name.c_str()))
-            ++untouched;
-        else
-            output.Line(PropertyText(properties, name));
-    }
-    if (untouched > 0)
-        output.Line("         " + std::to_string(untouched) + " at their defaults");
 }
 
 std::string FormatText(const AudioVideoSettings &settings)
@@ -167,14 +129,15 @@ std::string TimelineText(const CompositionAsset &composition)
 
 void WriteComposition(const CompositionAsset &composition, Output &output)
 {
-    output.Line("\nComposition " + Name(composition.Name()) + "  " + composition.ID().ToNarrowString());
+    output.Line("\nComposition " + Quoted(composition.Name()) + "  " + composition.ID().ToNarrowString());
     output.Line("  " + FormatText(composition.Settings()));
     output.Line("  " + TimelineText(composition));
     const auto layers = LayersByID(composition);
     std::size_t position = 0;
     for (const LayerPointer &layer : composition.Layers()) {
         output.Line(LayerText(*layer, ++position, layers));
-        WriteProperties(std::as_const(*layer).Animation(), output);
+        WritePropertiesText(std::as_const(*layer).Animation(), kLayerIndent, output);
+        WriteContentText(*layer, layers, output);
     }
 }
 
@@ -192,6 +155,7 @@ void WriteSums(const ProjectSums &sums, std::size_t metadata, Output &output)
     output.Line("\n" + Counted(sums.folders, "folder") + ", " + Counted(sums.assets, "asset") + " (" +
                 std::to_string(sums.offlineAssets) + " offline), " +
                 Counted(sums.compositions, "composition") + ", " + Counted(sums.layers, "layer") + ", " +
+                Counted(sums.effects, "effect") + ", " + Counted(sums.masks, "mask") + ", " +
                 std::to_string(sums.properties) + " properties (" + std::to_string(sums.animatedProperties) +
                 " animated), " + Counted(sums.keyFrames, "key frame") + ", " +
                 Counted(sums.expressions, "expression") + ", " + Counted(metadata, "metadata value"));
@@ -201,7 +165,7 @@ void WriteSums(const ProjectSums &sums, std::size_t metadata, Output &output)
 
 void WriteInfoText(const Project &project, Output &output)
 {
-    output.Line("Project " + Name(project.Name()) + "  " + project.ID().ToNarrowString());
+    output.Line("Project " + Quoted(project.Name()) + "  " + project.ID().ToNarrowString());
     output.Line("  colour bit depth " + std::to_string(static_cast<int>(project.Settings().ColorBitDepth())));
     WriteAssets(project.Assets(), output);
     for (const CompositionPointer &composition : Compositions(project))

@@ -26,6 +26,12 @@ std::string AssetTypeName(AssetType type)
     return NameOf(type, {"media", "image", "solid", "composition"});
 }
 
+std::string ControlTypeName(AbstractPluginUITreeNode::NodeType type)
+{
+    return NameOf(type, {"root", "group", "integer slider", "slider", "check box", "menu", "point", "angle",
+                         "colour", "layer picker", "colour wheels", "histogram"});
+}
+
 std::string LayerTypeName(LayerType type)
 {
     return NameOf(type, {"asset", "effect3d", "camera", "light", "grade", "point", "text"});
@@ -49,6 +55,12 @@ std::string FileStatusName(ImageAsset::FileStatus status)
 std::string ChannelOrderName(KyChannelOrder order)
 {
     return NameOf(order, {"none", "RGB", "BGRA"});
+}
+
+std::string VersionText(const AbstractPlugin::VersionInfo &version)
+{
+    return std::to_string(version.major) + "." + std::to_string(version.minor) + "." +
+           std::to_string(version.revision) + "." + std::to_string(version.build);
 }
 
 } // namespace marlet::tool

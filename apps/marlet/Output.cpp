@@ -2,6 +2,8 @@
 
 #include "Failure.h"
 
+#include <marlet/foundation/Strings.h>
+
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
@@ -81,6 +83,11 @@ std::string OneLine(std::string_view text)
             line += c;
     }
     return line;
+}
+
+std::string Quoted(std::u16string_view text)
+{
+    return "\"" + OneLine(project::ToUtf8(text)) + "\"";
 }
 
 std::string PadRight(std::string text, std::size_t width)

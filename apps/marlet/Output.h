@@ -27,6 +27,9 @@ private:
 /// The text with control characters as escapes, so that it stays on its line.
 std::string OneLine(std::string_view text);
 
+/// The text in quotation marks, on one line.
+std::string Quoted(std::u16string_view text);
+
 /// The text filled up with blanks to a number of characters.
 std::string PadRight(std::string text, std::size_t width);
 std::string PadLeft(std::string text, std::size_t width);

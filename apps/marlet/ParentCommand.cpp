@@ -19,11 +19,6 @@ using namespace project;
 namespace
 {
 
-std::string Quoted(const AbstractLayer &layer)
-{
-    return "\"" + OneLine(ToUtf8(layer.Name())) + "\"";
-}
-
 /// A layer that hangs on itself, over whatever way, would have no place any more.
 void RefuseCircle(const CompositionAsset &composition, const AbstractLayer &layer, const LayerPointer &parent)
 {
@@ -31,7 +26,7 @@ void RefuseCircle(const CompositionAsset &composition, const AbstractLayer &laye
     // A chain that is longer than there are layers runs in a circle itself, which is told of elsewhere.
     for (std::size_t i = 0; ancestor && i <= composition.Layers().size(); ++i) {
         if (ancestor->ID() == layer.ID())
-            throw Failure("Layer " + Quoted(layer) + " would become its own parent");
+            throw Failure("Layer " + Quoted(layer.Name()) + " would become its own parent");
         ancestor = composition.FindLayerByID(ancestor->ParentLayerID());
     }
 }
@@ -54,7 +49,7 @@ void Run(const Arguments &arguments, Output &)
         ParentHelper::Parent(project, time, parent, layer);
     } else {
         if (!layer->HasParentLayer())
-            throw Failure("Layer " + Quoted(*layer) + " has no parent");
+            throw Failure("Layer " + Quoted(layer->Name()) + " has no parent");
         ParentHelper::RemoveParent(project, time, layer);
     }
     WriteProject(*project, arguments.Operand(1));

@@ -1,19 +1,27 @@
 #include "ProjectCheck.h"
 
 #include "Document.h"
+#include "LayerContent.h"
 #include "QuietStandardError.h"
 #include "TypedValue.h"
+#include "plugins/Ribbon.h"
 
 #include <marlet/animation/PropertyManager.h>
 #include <marlet/layers/CameraLayer.h>
+#include <marlet/layers/Effect3DLayer.h>
+#include <marlet/layers/GradeLayer.h>
 #include <marlet/layers/LightLayer.h>
 #include <marlet/layers/PointLayer.h>
+#include <marlet/masks/Mask.h>
+#include <marlet/plugins/AbstractPlugin.h>
+#include <marlet/plugins/EffectInstance.h>
 #include <marlet/project/AbstractAssetInstance.h>
 #include <marlet/project/AssetList.h>
 #include <marlet/project/BinFolder.h>
 #include <marlet/project/CompositionAsset.h>
 #include <marlet/project/ImageAsset.h>
 #include <marlet/project/Project.h>
+#include <marlet/project/TextureImage.h>
 
 #include <unordered_set>
 
@@ -44,6 +52,12 @@ LayerPointer FreshLayer(LayerType type)
         return LightLayer::Create({}, LightLayer::LightType{});
     case LayerType::Point:
         return PointLayer::Create({});
+    case LayerType::Grade:
+        return GradeLayer::Create({}, 0, 0);
+    case LayerType::Text:
+        return TextLayer::Create({}, 0, 0);
+    case LayerType::Effect3D:
+        return Effect3DLayer::Create(std::make_shared<Ribbon>(), {});
     default:
         return {};
     }
@@ -135,14 +149,64 @@ private:
                 Place("layer", layer->Name()) + " of " + Place("composition", composition.Name());
             if (!seen.insert(layer->ID()).second)
                 Add(kRepeated, place, layer->ID().ToNarrowString());
-            if (layer->HasParentLayer() && layers.count(layer->ParentLayerID()) == 0)
-                Add(kDangling, place,
-                    "the parent layer " + layer->ParentLayerID().ToNarrowString() + " does not exist");
+            for (const LayerReference &reference : LayerReferences(*layer))
+                if (layers.count(reference.target) == 0)
+                    Add(kDangling, place,
+                        "the " + HolderText(reference) + (reference.object.IsNull() ? " " : ": the layer ") +
+                            reference.target.ToNarrowString() + " does not exist");
             if (circular.count(layer->ID()) > 0)
                 Add(kCircle, place, "its parents run in a circle");
             CheckOwners(composition, *layer, place);
-            CheckTypes(*layer, place);
+            CheckLayerTypes(*layer, place);
+            CheckEffects(*layer, place);
+            CheckMasks(*layer, place);
+            CheckEffect3D(*layer, place);
         }
+    }
+
+    void CheckEffects(const AbstractLayer &layer, const std::string &layerPlace)
+    {
+        IDSet seen;
+        for (const auto &effect : EffectsOf(layer)) {
+            const std::string place = layerPlace + ", " + Place("effect", effect->Name());
+            if (!seen.insert(effect->ID()).second)
+                Add(kRepeated, place, effect->ID().ToNarrowString());
+            CheckHolder(place, effect->ParentID(), layer.ID());
+            CheckTypes(std::as_const(*effect).Properties(), effect->Plugin()->Properties(), place);
+        }
+    }
+
+    void CheckMasks(const AbstractLayer &layer, const std::string &layerPlace)
+    {
+        IDSet seen;
+        for (const auto &mask : MasksOf(layer)) {
+            const std::string place = layerPlace + ", " + Place("mask", mask->Name());
+            if (!seen.insert(mask->ID()).second)
+                Add(kRepeated, place, mask->ID().ToNarrowString());
+            CheckHolder(place, mask->ParentLayerID(), layer.ID());
+            CheckTypes(std::as_const(*mask).Animation(), Mask::Create({})->Animation(), place);
+        }
+    }
+
+    /// What is on a layer names that layer, or none.
+    void CheckHolder(const std::string &place, const kytl::KyID &named, const kytl::KyID &holder)
+    {
+        if (!named.IsNull() && named != holder)
+            Add(kDangling, place, "the layer " + named.ToNarrowString() + " that it names is another one");
+    }
+
+    void CheckEffect3D(const AbstractLayer &layer, const std::string &layerPlace)
+    {
+        const QuietStandardError quiet;
+        const auto *holder = dynamic_cast<const Effect3DLayer *>(&layer);
+        const auto ribbon = holder ? std::dynamic_pointer_cast<const Ribbon>(holder->Effect()) : nullptr;
+        if (!ribbon)
+            return;
+        const std::string place = layerPlace + ", 3D effect";
+        CheckTypes(ribbon->Properties(), Ribbon().Properties(), place);
+        if (ribbon->Texture() && !ribbon->Texture()->LoadSuccessful())
+            Add(kMissing, place,
+                "the texture " + ToUtf8(ribbon->Texture()->FilePath()) + " cannot be read as an image");
     }
 
     void CheckOwners(const CompositionAsset &composition, const AbstractLayer &layer,
@@ -158,14 +222,18 @@ private:
             Add(kDangling, place, "the asset " + instance->AssetID().ToNarrowString() + " does not exist");
     }
 
-    void CheckTypes(const AbstractLayer &layer, const std::string &place)
+    void CheckLayerTypes(const AbstractLayer &layer, const std::string &place)
     {
-        const PropertyManager &properties = layer.Animation();
         const LayerPointer fresh = FreshLayer(layer.Type());
+        CheckTypes(layer.Animation(), fresh ? fresh->Animation() : layer.Animation(), place);
+    }
+
+    /// The model has the types that its maker gives; properties that it does not know keep their own.
+    void CheckTypes(const PropertyManager &properties, const PropertyManager &model, const std::string &place)
+    {
         for (const NarrowString &name : properties.PropertyNames()) {
-            const bool known = fresh && fresh->Animation().HasProperty(name.c_str());
-            const PropertyManager &model = known ? fresh->Animation() : properties;
-            CheckPropertyTypes(properties, name, model.DefaultValue(name.c_str()),
+            const PropertyManager &known = model.HasProperty(name.c_str()) ? model : properties;
+            CheckPropertyTypes(properties, name, known.DefaultValue(name.c_str()),
                                place + ", property " + name);
         }
     }

@@ -1,5 +1,8 @@
 #include "Arguments.h"
 #include "Document.h"
+#include "Failure.h"
+
+#include <sys/stat.h>
 
 namespace marlet::tool
 {
@@ -7,16 +10,42 @@ namespace marlet::tool
 namespace
 {
 
+/// Whether two paths lead to one file, over links of either kind. What is no regular file, such as a
+/// terminal, keeps nothing that could be lost.
+bool IsSameFile(const std::string &a, const std::string &b)
+{
+    struct stat first {
+    };
+    struct stat second {
+    };
+    return ::stat(a.c_str(), &first) == 0 && ::stat(b.c_str(), &second) == 0 && S_ISREG(first.st_mode) &&
+           first.st_dev == second.st_dev && first.st_ino == second.st_ino;
+}
+
 void Run(const Arguments &arguments, Output &)
 {
-    WriteProject(*ReadProject(arguments.Operand(0)), arguments.Operand(1));
+    const std::string &file = arguments.Operand(0);
+    const std::string &out = arguments.Operand(1);
+    if (!arguments.Has("--without-plugins"))
+        return WriteProject(*ReadProject(file), out);
+    if (IsSameFile(file, out))
+        throw Failure(out, "Without plug-ins every effect gets lost: it is not saved over the file that it "
+                           "was read from");
+    WriteProject(*ReadProject(file, PluginUse::Without), out);
 }
 
 } // namespace
 
 const CommandSpec &SaveCommand()
 {
-    static const CommandSpec command{"save", "load a project and save it", "FILE OUT", 2, 2, {}, Run};
+    static const CommandSpec command{
+        "save",
+        "load a project and save it",
+        "[--without-plugins] FILE OUT",
+        2,
+        2,
+        {{"--without-plugins", "", "leave out every effect; OUT is another file than FILE"}},
+        Run};
     return command;
 }
 

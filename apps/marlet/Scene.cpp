@@ -44,10 +44,10 @@ void Scene::Add(const LayerPointer &layer, const LayerPointer &parent, double st
     composition_->Layers().Add(layer);
 }
 
-int Scene::Time(const LayerPointer &layer, double at) const
+int Scene::Time(const AbstractLayer &layer, double at) const
 {
     const long frame = std::lround(at * composition_->Settings().FrameCount());
-    return layer->GlobalFrameToRelativeTime(static_cast<int>(frame), composition_);
+    return layer.GlobalFrameToRelativeTime(static_cast<int>(frame), composition_);
 }
 
 /// In a very short composition moments fall together; the first of them then stands for all.
@@ -56,7 +56,7 @@ KeyFrameList Scene::Keys(const LayerPointer &layer, const std::vector<Moment> &m
 {
     KeyFrameList keys;
     for (const Moment &moment : moments) {
-        KeyFrame key(Time(layer, moment.at), moment.value);
+        KeyFrame key(Time(*layer, moment.at), moment.value);
         key.SetType(type);
         if (!keys.Exists(key.Time()))
             keys.Add(key);

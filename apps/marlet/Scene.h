@@ -37,11 +37,12 @@ public:
     void AnimateOrbit(const LayerPointer &layer, float radiusX, float radiusY, int turns,
                       int keyFramesPerTurn) const;
 
+    /// A moment in the relative time of the layer.
+    int Time(const project::AbstractLayer &layer, double at) const;
+
 private:
     project::KeyFrameList Keys(const LayerPointer &layer, const std::vector<Moment> &moments,
                                project::KeyFrameType type) const;
-    int Time(const LayerPointer &layer, double at) const;
-
     CompositionPointer composition_;
 };
 

@@ -31,7 +31,7 @@ std::shared_ptr<const PropertyManager> FindProperties(const Arguments &arguments
 {
     ProjectPointer project;
     try {
-        project = ParseProject(text);
+        project = ParseProject(text, FolderOf(arguments.Operand(0)));
     } catch (const XmlParseException &noProject) {
         if (!IsWrongRoot(noProject, "Project"))
             throw;

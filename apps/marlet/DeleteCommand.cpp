@@ -1,0 +1,88 @@
+#include "Arguments.h"
+#include "Document.h"
+#include "LayerContent.h"
+#include "Output.h"
+
+#include <marlet/project/CompositionAsset.h>
+#include <marlet/project/Project.h>
+
+#include <algorithm>
+
+namespace marlet::tool
+{
+
+using namespace project;
+
+namespace
+{
+
+std::string HolderPlace(const AbstractLayer &layer, const LayerReference &reference)
+{
+    return "layer " + Quoted(layer.Name()) + ", " + HolderText(reference);
+}
+
+/// A layer can depend on another one without naming it, such as by the parents of the one that it names.
+void ListReferences(const CompositionPointer &composition, const AbstractLayer &layer, Output &output)
+{
+    for (const LayerPointer &other : composition->Layers()) {
+        if (other->ID() == layer.ID() || !other->IsLayerReferenced(composition, layer.ID()))
+            continue;
+        bool named = false;
+        for (const LayerReference &reference : LayerReferences(*other)) {
+            if (reference.target != layer.ID())
+                continue;
+            named = true;
+            output.Line("referred to by " + HolderPlace(*other, reference));
+        }
+        if (!named)
+            output.Line("referred to by layer " + Quoted(other->Name()) + ", over parents");
+    }
+}
+
+void ClearDanglingReferences(const CompositionAsset &composition, Output &output)
+{
+    std::unordered_map<NarrowString, bool> valid;
+    for (const LayerPointer &layer : composition.Layers())
+        valid.emplace(layer->ID().ToNarrowString(), true);
+    for (const LayerPointer &layer : composition.Layers()) {
+        for (const LayerReference &reference : LayerReferences(*layer))
+            if (valid.count(reference.target.ToNarrowString()) == 0)
+                output.Line("cleared " + HolderPlace(*layer, reference));
+        layer->ClearInvalidLayerReferences(valid);
+    }
+}
+
+void Run(const Arguments &arguments, Output &output)
+{
+    const std::string &compositionName = arguments.Text("--composition");
+    const std::string &layerName = arguments.Text("--layer");
+    const ProjectPointer project = ReadProject(arguments.Operand(0));
+    const CompositionPointer composition = FindComposition(*project, compositionName);
+    const LayerPointer layer = FindLayer(*composition, layerName);
+
+    ListReferences(composition, *layer, output);
+    CompositionAsset::LayerList &layers = composition->Layers();
+    layers.erase(std::find(layers.begin(), layers.end(), layer));
+    ClearDanglingReferences(*composition, output);
+    FillInstances(*project);
+    WriteProject(*project, arguments.Operand(1));
+    output.Line("Layer " + Quoted(layer->Name()) + " is deleted");
+}
+
+} // namespace
+
+const CommandSpec &DeleteCommand()
+{
+    static const CommandSpec command{
+        "delete",
+        "delete a layer: say what refers to it, and clear what then leads nowhere",
+        "FILE OUT --composition C --layer L",
+        2,
+        2,
+        {{"--composition", "C", "the composition, by ID or name"},
+         {"--layer", "L", "the layer, by ID or name"}},
+        Run};
+    return command;
+}
+
+} // namespace marlet::tool
