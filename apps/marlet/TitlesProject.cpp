@@ -98,7 +98,7 @@ protected:
         return effect;
     }
 
-    /// A closed outline of smooth points on an ellipse, in percent of the frame.
+    /// A closed outline of smooth points on an ellipse that fills three fifths of the frame.
     template <class Layer>
     std::shared_ptr<Mask> AddMask(const std::shared_ptr<Layer> &layer, const WideString &name, int points)
     {

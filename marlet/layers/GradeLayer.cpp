@@ -150,7 +150,7 @@ AbstractLayer::Matrix GradeLayer::ParentingWorldTransformationAtTime(int time,
                                                                      const std::shared_ptr<Project> &project,
                                                                      bool avoidZeroScale) const
 {
-    // The chain of parents knows of each type what children hang on, since it calls no layer through another.
+    // What the children of each class hang on stands with the chain of parents, which is walked in one loop.
     return AbstractLayer::ParentingWorldTransformationAtTime(time, project, avoidZeroScale);
 }
 

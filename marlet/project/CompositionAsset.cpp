@@ -151,16 +151,18 @@ void CompositionAsset::Deserialize(const XmlCursor &element,
                                    ProjectTextureImageCache &textures)
 {
     element.RequireHeader("CompositionAsset", 0);
-    CompositionAssetFields(element, *impl_);
+    // Aside, since plug-ins and 3D effects can fail at any layer: the composition is then as it was.
+    CompositionAsset_Impl read(*impl_);
+    CompositionAssetFields(element, read);
     if (const XmlCursor settings = element.Find("AudioVideoSettings"); !settings.IsNull())
-        impl_->settings = AudioVideoSettings(settings);
+        read.settings = AudioVideoSettings(settings);
     if (const XmlCursor settings = element.Find("RenderSettings"); !settings.IsNull())
-        impl_->renderSettings = CompositionRenderSettings(settings);
-
-    Layers().Clear();
+        read.renderSettings = CompositionRenderSettings(settings);
     for (XmlCursor child = element.Find("Layers").FirstChild(); !child.IsNull(); child = child.Next())
         if (const auto layer = LayerReader::Read(child, pluginManager, effectFactory, textures))
-            Layers().Add(layer);
+            read.layers->Add(layer);
+    *impl_ = read;
+    Layers().swap(*read.layers);
 }
 
 void CompositionAsset::Deserialize(const WideString &xml,

@@ -50,6 +50,7 @@ public:
     void SetParentFolderID(const kytl::KyID &id) override;
     void ClearParentBinFolder() override;
     WideString Serialize(const ProjectTextureImageCache &textures) const override;
+    /// A failure leaves the composition as it was.
     void Deserialize(const WideString &xml, const std::shared_ptr<AbstractPluginManager> &pluginManager,
                      const Abstract3DEffectFactory &effectFactory,
                      ProjectTextureImageCache &textures) override;

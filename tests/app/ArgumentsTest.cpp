@@ -97,8 +97,8 @@ TEST_F(ArgumentsTest, HelpIsOnStandardOutput)
     const ToolRun general = Run({"--help"});
     EXPECT_EQ(general.exitCode, 0);
     EXPECT_EQ(general.err, "");
-    for (const char *command :
-         {"info", "value", "matrix", "parent", "save", "image", "timecode", "check", "new"}) {
+    for (const char *command : {"info", "value", "matrix", "parent", "clone", "delete", "save", "image",
+                                "timecode", "check", "new", "plugins"}) {
         EXPECT_NE(general.out.find(std::string("\n  ") + command + " "), std::string::npos) << command;
         const ToolRun own = Run({command, "--help"});
         EXPECT_EQ(own.exitCode, 0) << command;

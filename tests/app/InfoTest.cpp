@@ -90,10 +90,11 @@ TEST_F(InfoTest, WritesOneObjectALineForEverything)
     EXPECT_TRUE(has("{\"kind\":\"property\",\"layer\":\"" + child +
                     "\",\"name\":\"rotationZ\",\"type\":\"float\",\"animatable\":true,\"spatial\":false,"
                     "\"default\":true,\"key_frames\":0,\"static\":0,\"expression\":\"time * 2\"}"));
-    EXPECT_EQ(lines.back(),
-              "{\"kind\":\"sums\",\"folders\":1,\"assets\":2,\"offline_assets\":0,\"compositions\":1,"
-              "\"layers\":2,\"properties\":16,\"animated_properties\":1,\"key_frames\":2,"
-              "\"expressions\":1,\"metadata\":4}");
+    EXPECT_EQ(
+        lines.back(),
+        "{\"kind\":\"sums\",\"folders\":1,\"assets\":2,\"offline_assets\":0,\"compositions\":1,"
+        "\"layers\":2,\"effects\":0,\"masks\":0,\"properties\":16,\"animated_properties\":1,\"key_frames\":2,"
+        "\"expressions\":1,\"metadata\":4}");
 }
 
 TEST_F(InfoTest, ListsTheMetadata)
@@ -119,7 +120,8 @@ TEST_F(InfoTest, KeepsEveryObjectOnItsLineForPeople)
              " position             KyPoint3_32f  2 key frames, 0 to 40 ms, spatial\n",
              " rotationZ            float         0, expression time * 2\n",
              " 6 at their defaults\n",
-             "\n1 folder, 2 assets (0 offline), 1 composition, 2 layers, 16 properties (1 animated), 2 key "
+             "\n1 folder, 2 assets (0 offline), 1 composition, 2 layers, 0 effects, 0 masks, 16 properties "
+             "(1 animated), 2 key "
              "frames, "
              "1 expression, 4 metadata values\n",
          })

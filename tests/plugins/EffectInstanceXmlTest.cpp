@@ -225,12 +225,13 @@ TEST_F(EffectInstanceXmlTest, KeepsWhateverThePluginAppends)
     EXPECT_EQ(ToUtf8(Read(text)->Serialize()), text);
 }
 
-TEST_F(EffectInstanceXmlTest, TakesNoBytesForNone)
+TEST_F(EffectInstanceXmlTest, WritesNoBytesWhereThereAreNone)
 {
     TestPlugin::Text(*effect).clear();
     EXPECT_THAT(Text(), testing::Not(HasSubstr("InstanceBytes")));
     plugin->whenSaved = [](AbstractPluginInstance *instance, void *document, void *element) {
-        instance->SerializeInstanceDataBytes(nullptr, -1, document, element);
+        unsigned char bytes[] = "not these";
+        instance->SerializeInstanceDataBytes(bytes, -1, document, element);
     };
     EXPECT_THAT(Text(), HasSubstr("<InstanceBytes Base64=\"\"/>"));
 }

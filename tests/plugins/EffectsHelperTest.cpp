@@ -182,6 +182,7 @@ TEST_F(EffectsHelperTest, EvaluatesAlikeBeforeAndAfterTheNextSave)
     const std::vector<PropertyValue> flat = {Point2{0, 0}, Point2{10, 30}, Point2{50, 0}};
     const std::vector<PropertyValue> deep = {Point3{0, 0, 1}, Point3{10, 30, 2}, Point3{50, 0, 3}};
     const std::vector<PropertyValue> numbers = {0.f, 10.f, 50.f};
+    const std::vector<PropertyValue> mixed = {Point2{0, 0}, Point2{10, 30}, Point2{50, 0}, 5.f};
     const struct {
         const char *name;
         PropertyValue ofPlugin;
@@ -196,6 +197,7 @@ TEST_F(EffectsHelperTest, EvaluatesAlikeBeforeAndAfterTheNextSave)
         {"the plug-in lost a dimension", Point2{}, true, deep, true, Spatial::Spatial3D},
         {"the plug-in has a point now", Point2{}, true, numbers, false, Spatial::NotSpatial},
         {"the plug-in has a number now", 1.f, true, deep, true, Spatial::NotSpatial},
+        {"not all are points", Point2{}, true, mixed, true, Spatial::NotSpatial},
         {"no key frames", Point3{}, true, {}, false, Spatial::Spatial3D},
     };
     for (const auto &c : kCases) {

@@ -1,8 +1,12 @@
 #include "Loading.h"
 
+#include <tests/support/TestPlugins.h>
+
 #include <marlet/animation/PropertyManager.h>
 #include <marlet/layers/CameraLayer.h>
+#include <marlet/layers/GradeLayer.h>
 #include <marlet/layers/PointLayer.h>
+#include <marlet/plugins/EffectInstance.h>
 #include <marlet/project/CompositionRenderSettings.h>
 #include <marlet/project/ProjectTextureImageCache.h>
 
@@ -166,6 +170,32 @@ TEST(CompositionAsset, ReadsIntoACompositionThatHasLayers)
     EXPECT_EQ(other->Serialize(textures), written);
     EXPECT_NE(other->FindLayerByID(kept->ID()), nullptr);
     EXPECT_EQ(other->FindLayerByID(kytl::KyID::Generate()), nullptr);
+}
+
+TEST(CompositionAsset, StaysAsItWasWhenAPluginFails)
+{
+    const auto plugin = std::make_shared<marlet::test::TestPlugin>();
+    const auto manager = std::make_shared<marlet::test::TestPluginManager>();
+    manager->plugins = {plugin};
+    const NoEffects noEffects;
+    ProjectTextureImageCache textures;
+    const auto composition = Composition(100);
+    AddPoint(*composition);
+    Add(*composition, GradeLayer::Create(u"grade", 1, 1), {0, 10})
+        ->Effects()
+        .Add(EffectInstance::Create(plugin));
+    const WideString written = composition->Serialize(textures);
+
+    const auto other = Composition(7);
+    const auto kept = AddPoint(*other);
+    const WideString before = other->Serialize(textures);
+    plugin->failing = "created";
+    EXPECT_THROW(other->Deserialize(written, manager, noEffects, textures), std::domain_error);
+    EXPECT_EQ(other->Serialize(textures), before);
+    EXPECT_EQ(other->FindLayerByID(kept->ID()), kept);
+    EXPECT_THROW(CompositionAsset::Copy(composition), std::domain_error);
+    EXPECT_EQ(composition->Serialize(textures), written);
+    EXPECT_EQ(plugin->living, 1);
 }
 
 TEST(CompositionRenderSettings, CopyAndTravelAsText)
