@@ -61,7 +61,8 @@ INSTANTIATE_TEST_SUITE_P(
                    "new: --frames: \"2147483648\" is not a whole number"},
         WrongWords{"NoFrames", {"new", "b.xml", "--frames=0"}, "new: --frames: at least one is needed"},
         WrongWords{"NoSuchPreset", {"new", "b.xml", "--preset=15"}, "new: --preset: there is no preset 15"},
-        WrongWords{"NeitherFramesNorTimes", kMatrix, "matrix: either --frames or --times is needed, not both"},
+        WrongWords{"NeitherFramesNorTimes", kMatrix,
+                   "matrix: either --frames or --times is needed, not both"},
         WrongWords{"FramesAndTimes", Matrix({"--frames=1", "--times=1"}),
                    "matrix: either --frames or --times is needed, not both"},
         WrongWords{
