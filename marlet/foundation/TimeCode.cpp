@@ -50,10 +50,8 @@ std::int64_t DropFrameNumber(std::int64_t frame, double rate)
     frame %= 24 * Rounded(rate * 3600);
     const std::int64_t blocks = frame / framesPerTenMinutes;
     const std::int64_t rest = frame % framesPerTenMinutes;
-    std::int64_t added = dropped * 9 * blocks;
-    if (rest > dropped)
-        added += dropped * ((rest - dropped) / framesPerMinute);
-    return frame + added;
+    const std::int64_t minutes = std::max<std::int64_t>(rest - dropped, 0) / framesPerMinute;
+    return frame + dropped * (9 * blocks + minutes);
 }
 
 bool IsSeparator(char16_t c)

@@ -87,6 +87,16 @@ TEST(QuaternionTest, MatrixAndQuaternionAreTheSameRotation)
     }
 }
 
+TEST(QuaternionTest, HalfTurnsAreTheirAxis)
+{
+    const auto of = [](float x, float y, float z) {
+        return Quaternion::FromMatrix(Matrix::Scaling(x, y, z));
+    };
+    EXPECT_EQ(of(1, -1, -1).x, 1);
+    EXPECT_EQ(of(-1, 1, -1).y, 1);
+    EXPECT_EQ(of(-1, -1, 1).z, 1);
+}
+
 TEST(QuaternionTest, EulerAnglesMakeTheRotationAgain)
 {
     for (const Orientation3D &o : kOrientations) {

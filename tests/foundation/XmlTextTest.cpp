@@ -150,6 +150,8 @@ std::vector<std::string> OddTexts()
     for (const std::string &core : cores)
         for (const std::vector<std::string> &padding : paddings)
             texts.push_back(padding[0] + core + padding[1]);
+    texts.push_back("0." + std::string(400, '0') + "1");
+    texts.push_back("-1" + std::string(400, '0'));
     texts.push_back("1e\xE2\x88\x92"
                     "1");
     return texts;
