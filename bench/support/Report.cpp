@@ -51,8 +51,6 @@ constexpr Figure kFigures[] = {
     {"value by ID, allocations", Kind::Count, "ValueAllocations:allocations", nullptr, Bound::AtMost, 0},
     {"value by name - by ID, ns", Kind::Difference, "InOrder/ByName/1000", "InOrder/ByID/1000", Bound::AtMost,
      30},
-    {"value of 100,000 keys / of 1,000, times in order", Kind::Ratio, "InOrder/ByID/100000",
-     "InOrder/ByID/1000", Bound::AtMost, 5},
     {"value of 100,000 keys / of 1,000, random times", Kind::Ratio, "AtRandom/ByID/100000",
      "AtRandom/ByID/1000", Bound::AtMost, 5},
     {"world matrix three parents deep, allocations", Kind::Count, "WorldThreeParentsDeep:allocations",
