@@ -63,36 +63,21 @@ public:
     /// One of the 14 alternatives. A scale is read through float.
     PropertyValue Value(int alternative)
     {
-        switch (alternative) {
-        case 0:
-            return Int();
-        case 1:
-            return static_cast<unsigned int>(Int());
-        case 2:
-            return static_cast<unsigned char>(Int());
-        case 3:
-            return Float();
-        case 4:
-            return Double();
-        case 5:
-            return Bool();
-        case 6:
-            return Scale3D{Float(), Float(), Float()};
-        case 7:
-            return Orientation3D{Float(), Float(), Float()};
-        case 8:
-            return Color();
-        case 9:
-            return kytl::matl::KyPoint<2, float>{Float(), Float()};
-        case 10:
-            return kytl::matl::KyPoint<3, float>{Float(), Float(), Float()};
-        case 11:
-            return kytl::matl::KyVector<2, float>{Float(), Float()};
-        case 12:
-            return kytl::matl::KyVector<3, float>{Float(), Float(), Float()};
-        default:
-            return ID();
-        }
+        const PropertyValue values[] = {Int(),
+                                        static_cast<unsigned int>(Int()),
+                                        static_cast<unsigned char>(Int()),
+                                        Float(),
+                                        Double(),
+                                        Bool(),
+                                        Scale3D{Float(), Float(), Float()},
+                                        Orientation3D{Float(), Float(), Float()},
+                                        Color(),
+                                        kytl::matl::KyPoint<2, float>{Float(), Float()},
+                                        kytl::matl::KyPoint<3, float>{Float(), Float(), Float()},
+                                        kytl::matl::KyVector<2, float>{Float(), Float()},
+                                        kytl::matl::KyVector<3, float>{Float(), Float(), Float()},
+                                        ID()};
+        return values[alternative];
     }
 
 private:
@@ -123,9 +108,6 @@ void FillLayer(Noise &noise, AbstractLayer &layer, const CompositionAsset &compo
     layer.SetEndFrame(noise.Int());
     layer.SetBlendMode(noise.Any<Blend>());
     layer.SetVisible(noise.Bool());
-    layer.SetMuted(noise.Bool());
-    layer.SetLocked(noise.Bool());
-    layer.SetMotionBlur(noise.Bool());
 
     PropertyManager &properties = layer.Animation();
     Animate(noise, properties.KeyFrames("position"), 10);
@@ -145,12 +127,9 @@ std::shared_ptr<Mask> NoisyMask(Noise &noise)
     const auto mask = Mask::Create(noise.Text());
     mask->SetVisible(noise.Bool());
     mask->SetParentLayerID(noise.ID());
-    mask->SetBlendMode(noise.Any<MaskBlend>());
-    mask->SetInverted(noise.Bool());
     Animate(noise, mask->Animation().KeyFrames("feather"), 3);
     for (int count = 1 + noise.Below(4); count > 0; --count) {
         const auto point = PathPoint::Create(noise.Float(), noise.Float(), noise.ID());
-        point->SetLinear(noise.Bool());
         point->SetLocked(noise.Bool());
         Animate(noise, point->Animation().KeyFrames("position"), 9);
         mask->Path().Points().Add(point);
@@ -189,44 +168,26 @@ std::shared_ptr<CompositionAsset> NoisyComposition(Noise &noise)
     const auto composition =
         CompositionAsset::Create(noise.Text(), AudioVideoSettings::Preset::Ntsc, noise.Int());
     composition->SetCurrentTimeIndicator(noise.Int());
-    composition->SetInPoint(noise.Below(1000));
     composition->SetOutPoint(noise.Int());
     composition->SetTimelineZoom(noise.Double());
-    composition->SetSplitterPosition(noise.Int());
-    composition->SetTimelineTimeFormat(noise.Any<TimeFormat>());
     composition->SetTimelineSnapMode(noise.Any<SnapMode>());
 
     AudioVideoSettings &settings = composition->Settings();
-    settings.SetAudioSampleRate(noise.Any<AudioSamplingRate>());
     settings.SetWidth(noise.Int());
-    settings.SetHeight(noise.Int());
-    settings.SetFields(noise.Any<VideoFields>());
     settings.SetFrameRate(noise.Double());
     settings.SetPixelAspectRatio(noise.Any<PAR>());
-    settings.SetCustomPixelAspectRatio(noise.Double());
 
     CompositionRenderSettings &render = composition->RenderSettings();
     render.SetFogEnabled(noise.Bool());
-    render.SetFogNearDistance(noise.Float());
-    render.SetFogFarDistance(noise.Float());
     render.SetFogDensity(noise.Float());
     render.SetFogColor(noise.Color());
-    render.SetFogFalloff(noise.Any<CompositionRenderSettings::FalloffType>());
-    render.SetMotionBlurEnabled(noise.Bool());
-    render.SetShutterAngle(noise.Float());
-    render.SetShutterPhase(noise.Float());
 
     const auto camera = CameraLayer::Create(u"", noise.Float(), noise.Float(), noise.Float(), noise.Float());
     camera->SetDepthOfField(noise.Bool());
-    camera->SetNearClip(noise.Float());
     camera->SetFarClip(noise.Float());
-    camera->SetAutoOrientation(noise.Any<AutoOrient>());
     const auto light = LightLayer::Create(u"", noise.Any<LightLayer::LightType>());
-    light->SetAutoOrientation(noise.Any<AutoOrient>());
-    const auto point = PointLayer::Create(u"");
-    point->SetDimensions(static_cast<LayerDimensions>(noise.Below(2)));
     for (const std::shared_ptr<AbstractLayer> &layer : std::initializer_list<std::shared_ptr<AbstractLayer>>{
-             camera, light, point, NoisyGrade(noise), NoisyText(noise)}) {
+             camera, light, PointLayer::Create(u""), NoisyGrade(noise), NoisyText(noise)}) {
         FillLayer(noise, *layer, *composition);
         composition->Layers().Add(layer);
     }
@@ -238,7 +199,6 @@ void FillAssets(Noise &noise, AssetList &list)
     const auto solid =
         SolidAsset::Create(noise.Text(), noise.Color(), noise.Int(), noise.Int(), noise.Any<PAR>());
     const auto image = ImageAsset::Create(noise.Text());
-    image->SetName(noise.Text());
     image->SetPixelAspectRatio(noise.Any<PAR>());
     for (const std::shared_ptr<AbstractAsset> &asset :
          std::initializer_list<std::shared_ptr<AbstractAsset>>{solid, image, NoisyComposition(noise)}) {
