@@ -1,5 +1,4 @@
 #include <tests/support/LayerStage.h>
-#include <tests/support/MatrixMatchers.h>
 
 #include <gtest/gtest.h>
 

@@ -1,11 +1,10 @@
 #include <tests/support/LayerTexts.h>
 #include <tests/support/Texts.h>
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 #include <functional>
 #include <limits>
-#include <stdexcept>
 
 namespace marlet::test
 {

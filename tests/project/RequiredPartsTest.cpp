@@ -2,7 +2,6 @@
 
 #include <marlet/foundation/Exceptions.h>
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <pugixml.hpp>
 
