@@ -58,7 +58,7 @@ Arguments::Arguments(const CommandSpec &command, const std::vector<std::string> 
             i = TakeOption(command, words, i);
     }
     if (operands_.size() < command.leastOperands)
-        throw UsageError("something is missing");
+        throw UsageError("a file name is missing");
     if (operands_.size() > command.mostOperands)
         throw UsageError("\"" + operands_[command.mostOperands] + "\" is one too many");
     if (std::any_of(operands_.begin(), operands_.end(), [](const std::string &o) { return o.empty(); }))

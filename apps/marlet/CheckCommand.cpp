@@ -40,6 +40,20 @@ std::size_t FirstDifferentLine(const WideString &a, const WideString &b)
     return 1 + static_cast<std::size_t>(std::count(a.begin(), different, u'\n'));
 }
 
+/// Tells where a save would change the file. That is no problem in itself, but where a file was edited by
+/// hand it shows what was not taken as it was meant.
+void TellOfChange(const WideString &file, const WideString &saved, bool json, Output &output)
+{
+    if (file == saved)
+        return;
+    const std::size_t line = FirstDifferentLine(file, saved);
+    if (json)
+        output.Line(
+            JsonWriter().BeginObject().Member("kind", "change").Member("line", line).EndObject().Text());
+    else
+        output.Line("A save changes the file, first in line " + std::to_string(line));
+}
+
 /// What a load and a save of the project's own text change about it.
 std::vector<Finding> CheckSaving(const ProjectPointer &project)
 {
@@ -55,7 +69,10 @@ std::vector<Finding> CheckSaving(const ProjectPointer &project)
 
 void Run(const Arguments &arguments, Output &output)
 {
-    const ProjectPointer project = ReadProject(arguments.Operand(0));
+    const std::string &path = arguments.Operand(0);
+    const WideString text = ReadTextFile(path);
+    const ProjectPointer project = ParseProject(text, FolderOf(path));
+    project->SetFilename(FromUtf8(path));
     std::vector<Finding> findings = CheckProject(*project);
     const std::vector<Finding> saving = CheckSaving(project);
     findings.insert(findings.end(), saving.begin(), saving.end());
@@ -63,6 +80,7 @@ void Run(const Arguments &arguments, Output &output)
     const bool json = arguments.Has("--json");
     for (const Finding &finding : findings)
         output.Line(json ? FindingJson(finding) : FindingText(finding));
+    TellOfChange(text, project->Serialize(), json, output);
     if (json)
         output.Line(JsonWriter()
                         .BeginObject()

@@ -46,8 +46,12 @@ typename Objects::value_type FindByIdOrName(const Objects &objects, const std::s
         if (object->Name() == name && ++count == 1)
             found = object;
     }
-    if (count == 0)
-        throw Failure("There is no " + kind + " \"" + OneLine(text) + "\"");
+    if (count == 0) {
+        std::vector<std::string> names;
+        for (const auto &object : objects)
+            names.push_back(ToUtf8(object->Name()));
+        throw NoSuch(kind, text, names);
+    }
     if (count > 1)
         throw Failure("There are " + std::to_string(count) + " " + kind + "s of the name \"" + OneLine(text) +
                       "\": give the ID");

@@ -2,6 +2,7 @@
 
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 namespace marlet::tool
 {
@@ -29,6 +30,9 @@ class UsageError : public std::runtime_error
 public:
     using runtime_error::runtime_error;
 };
+
+/// That nothing of the kind has the name, and which names there are.
+Failure NoSuch(const std::string &kind, const std::string &name, const std::vector<std::string> &choices);
 
 /// What the operating system says of an error number.
 std::string SystemMessage(int error);

@@ -84,7 +84,7 @@ void Run(const Arguments &arguments, Output &output)
 {
     const bool byFrame = arguments.Has("--frames");
     if (byFrame == arguments.Has("--times"))
-        throw UsageError("either --frames or --times is needed");
+        throw UsageError("either --frames or --times is needed, not both");
     const std::vector<IntegerRange> ranges = arguments.Ranges(byFrame ? "--frames" : "--times");
     const MatrixKind &kind = ChosenKind(arguments);
     const std::string &compositionName = arguments.Text("--composition");

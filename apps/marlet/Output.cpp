@@ -37,6 +37,18 @@ template <class Real> std::string ShortestText(Real number)
 
 } // namespace
 
+Failure NoSuch(const std::string &kind, const std::string &name, const std::vector<std::string> &choices)
+{
+    constexpr std::size_t kMostShown = 20;
+    std::string message = "There is no " + kind + " \"" + OneLine(name) + "\"";
+    const std::size_t shown = std::min(choices.size(), kMostShown);
+    for (std::size_t i = 0; i < shown; ++i)
+        message += (i == 0 ? ", only \"" : ", \"") + OneLine(choices[i]) + "\"";
+    if (shown < choices.size())
+        message += " and " + std::to_string(choices.size() - shown) + " more";
+    return Failure(message);
+}
+
 std::string SystemMessage(int error)
 {
     return std::generic_category().message(error);

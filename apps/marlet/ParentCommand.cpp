@@ -34,7 +34,7 @@ void RefuseCircle(const CompositionAsset &composition, const AbstractLayer &laye
 void Run(const Arguments &arguments, Output &)
 {
     if (arguments.Has("--to") == arguments.Has("--remove"))
-        throw UsageError("either --to or --remove is needed");
+        throw UsageError("either --to or --remove is needed, not both");
     const int frame = arguments.Integer("--frame");
     const std::string &compositionName = arguments.Text("--composition");
     const std::string &layerName = arguments.Text("--layer");

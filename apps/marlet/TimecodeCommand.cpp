@@ -23,7 +23,7 @@ TimeCode AskedTimeCode(const Arguments &arguments, double rate)
     const std::string &text = arguments.Text("--text");
     TimeCode timeCode;
     if (!TimeCode::FromString(FromUtf8(text).c_str(), rate, timeCode))
-        throw Failure(text, "Not a time code");
+        throw Failure(text, "Not a time code, such as 01:02:03:04");
     return timeCode;
 }
 
@@ -48,7 +48,7 @@ std::string TimeCodeJson(const TimeCode &timeCode)
 void Run(const Arguments &arguments, Output &output)
 {
     if (arguments.Has("--frame") == arguments.Has("--text"))
-        throw UsageError("either --frame or --text is needed");
+        throw UsageError("either --frame or --text is needed, not both");
     const double rate = arguments.Real("--rate");
     if (rate <= 0 || rate > kHighestRate)
         throw UsageError("--rate: \"" + arguments.Text("--rate") + "\" is no frame rate");

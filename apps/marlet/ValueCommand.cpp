@@ -58,7 +58,7 @@ void Run(const Arguments &arguments, Output &output)
     const std::vector<IntegerRange> times = arguments.Ranges("--times");
     const auto properties = FindProperties(arguments, ReadTextFile(arguments.Operand(0)));
     if (!properties->HasProperty(name.c_str()))
-        throw Failure("There is no property \"" + OneLine(name) + "\"");
+        throw NoSuch("property", name, properties->PropertyNames());
 
     const PropertyManager::PropertyID id = properties->GetPropertyID(name.c_str());
     for (const IntegerRange &range : times) {

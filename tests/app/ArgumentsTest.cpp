@@ -44,7 +44,7 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(
         WrongWords{"NoCommand", {}, "a command is missing"},
         WrongWords{"UnknownCommand", {"explode"}, "there is no command \"explode\""},
-        WrongWords{"NoFile", {"info"}, "info: something is missing"},
+        WrongWords{"NoFile", {"info"}, "info: a file name is missing"},
         WrongWords{"TooManyFiles", {"save", "a.xml", "b", "c"}, "save: \"c\" is one too many"},
         WrongWords{"EmptyFile", {"info", ""}, "info: a file name is empty"},
         WrongWords{"UnknownOption", {"info", "a.xml", "--jason"}, "info: there is no option --jason"},
@@ -61,9 +61,10 @@ INSTANTIATE_TEST_SUITE_P(
                    "new: --frames: \"2147483648\" is not a whole number"},
         WrongWords{"NoFrames", {"new", "b.xml", "--frames=0"}, "new: --frames: at least one is needed"},
         WrongWords{"NoSuchPreset", {"new", "b.xml", "--preset=15"}, "new: --preset: there is no preset 15"},
-        WrongWords{"NeitherFramesNorTimes", kMatrix, "matrix: either --frames or --times is needed"},
+        WrongWords{"NeitherFramesNorTimes", kMatrix,
+                   "matrix: either --frames or --times is needed, not both"},
         WrongWords{"FramesAndTimes", Matrix({"--frames=1", "--times=1"}),
-                   "matrix: either --frames or --times is needed"},
+                   "matrix: either --frames or --times is needed, not both"},
         WrongWords{
             "RangeThatRunsBack", Matrix({"--frames=5..1"}),
             "matrix: --frames: \"5..1\" is not a list of whole numbers and ranges, such as 0,5,7 or 0..100"},
@@ -80,7 +81,7 @@ INSTANTIATE_TEST_SUITE_P(
         WrongWords{
             "ParentAndRemove",
             {"parent", "a.xml", "b", "--composition=Main", "--layer=L", "--frame=0", "--to=P", "--remove"},
-            "parent: either --to or --remove is needed"},
+            "parent: either --to or --remove is needed, not both"},
         WrongWords{"OnePictureOfTwoFiles",
                    {"image", "a.png", "b.png", "-o", "c.png"},
                    "image: -o takes one FILE alone"},

@@ -97,6 +97,24 @@ TEST_F(CheckTest, FindsIDsThatRepeat)
         std::string::npos);
 }
 
+TEST_F(CheckTest, TellsWhereASaveChangesTheFile)
+{
+    AddPoint(u"Moved", {12, 0, 0});
+    Save("a.xml");
+    Run({"save", "a.xml", "b.xml"});
+    const std::string saved = Read("b.xml");
+    const std::size_t number = saved.find("12\" Y=");
+    ASSERT_NE(number, std::string::npos);
+    const auto line =
+        std::to_string(1 + std::count(saved.begin(), saved.begin() + std::ptrdiff_t(number), '\n'));
+
+    EXPECT_EQ(Run({"check", "b.xml"}).out.find("A save changes"), std::string::npos);
+    Write("c.xml", std::string(saved).replace(number, 2, "12,5"));
+    EXPECT_EQ(Run({"check", "c.xml"}).out.find("A save changes the file, first in line " + line + "\n"), 0u);
+    EXPECT_EQ(Run({"check", "c.xml", "--json"}).out,
+              "{\"kind\":\"change\",\"line\":" + line + "}\n{\"kind\":\"sums\",\"problems\":0}\n");
+}
+
 TEST_F(CheckTest, KnowsTheTypesOfAClassEvenIfTheFileHasOthersThroughout)
 {
     AddPoint(u"Odd", {});

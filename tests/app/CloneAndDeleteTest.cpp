@@ -129,7 +129,8 @@ TEST_F(CloneAndDeleteTest, DeletingSaysWhatReferredToTheLayerAndClearsIt)
               "cleared layer \"Ribbon\", 3D effect \"Ribbon\", property followedLayer\n"
               "Layer \"Child\" is deleted\n");
     EXPECT_EQ(Delete("Grade").out, "Layer \"Grade\" is deleted\n");
-    EXPECT_EQ(Delete("Gone").err, "marlet: a.xml: There is no layer \"Gone\"\n");
+    EXPECT_EQ(Delete("Gone").err,
+              "marlet: a.xml: There is no layer \"Gone\", only \"Map\", \"Child\", \"Grade\", \"Ribbon\"\n");
 }
 
 TEST_F(CloneAndDeleteTest, DeletingOpensACircleOfParentsButAsksNobodyWhoHangsOnAnother)

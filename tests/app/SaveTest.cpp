@@ -56,7 +56,8 @@ TEST_F(SaveTest, LeavesNoEffectsOutOfTheFileThatItReads)
     const std::string before = Read("a.xml");
     fs::create_symlink("a.xml", Path("soft.xml"));
     fs::create_hard_link(Path("a.xml"), Path("hard.xml"));
-    for (const std::string out : {"a.xml", "./a.xml", "../work/a.xml", "soft.xml", "hard.xml"}) {
+    for (const std::string &out : {std::string("a.xml"), std::string("./a.xml"), Path("a.xml"),
+                                   std::string("soft.xml"), std::string("hard.xml")}) {
         for (const char *file : {"a.xml", "soft.xml", "hard.xml"}) {
             const ToolRun run = Run({"save", "--without-plugins", file, out});
             EXPECT_EQ(run.exitCode, 1);

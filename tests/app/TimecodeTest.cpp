@@ -28,7 +28,7 @@ TEST_F(TimecodeTest, FailsForATextThatIsNone)
 {
     const ToolRun run = Run({"timecode", "--text", "1:2:3", "--rate", "25"});
     EXPECT_EQ(run.exitCode, 1);
-    EXPECT_EQ(run.err, "marlet: 1:2:3: Not a time code\n");
+    EXPECT_EQ(run.err, "marlet: 1:2:3: Not a time code, such as 01:02:03:04\n");
 }
 
 } // namespace

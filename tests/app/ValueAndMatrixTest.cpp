@@ -82,14 +82,28 @@ TEST_F(ValueTest, NamesWhatItDoesNotFind)
         return Run({"value", "a.xml", "--composition", composition, "--layer", layer, "--property", property,
                     "--times=0", "--json"});
     };
-    EXPECT_EQ(value("Other", "Twin", "position").err, "marlet: a.xml: There is no composition \"Other\"\n");
-    EXPECT_EQ(value("Main", "Single", "position").err, "marlet: a.xml: There is no layer \"Single\"\n");
+    EXPECT_EQ(value("Other", "Twin", "position").err,
+              "marlet: a.xml: There is no composition \"Other\", only \"Main\"\n");
+    EXPECT_EQ(value("Main", "Single", "position").err,
+              "marlet: a.xml: There is no layer \"Single\", only \"Twin\", \"Twin\"\n");
     EXPECT_EQ(value("Main", "Twin", "position").err,
               "marlet: a.xml: There are 2 layers of the name \"Twin\": give the ID\n");
     const std::string id = second->ID().ToNarrowString();
-    EXPECT_EQ(value("Main", id, "size").err, "marlet: a.xml: There is no property \"size\"\n");
+    EXPECT_EQ(value("Main", id, "size").err,
+              "marlet: a.xml: There is no property \"size\", only \"anchorPoint\", \"position\", \"scale\", "
+              "\"scaleLinked\", \"orientation\", \"rotationX\", \"rotationY\", \"rotationZ\"\n");
     EXPECT_EQ(value(composition_->ID().ToNarrowString(), id, "position").out,
               "{\"time\":0,\"type\":\"KyPoint3_32f\",\"value\":[7,0,0]}\n");
+}
+
+TEST_F(ValueTest, NamesAFewOfManyLayers)
+{
+    for (int i = 1; i <= 22; ++i)
+        AddPoint(FromUtf8("L" + std::to_string(i)), {});
+    Save("a.xml");
+    const std::string error = Run({"matrix", "a.xml", "--composition=Main", "--layer=l1", "--frames=0"}).err;
+    EXPECT_NE(error.find("There is no layer \"l1\", only \"L1\", \"L2\", "), std::string::npos) << error;
+    EXPECT_NE(error.find(", \"L20\" and 2 more\n"), std::string::npos) << error;
 }
 
 TEST_F(ValueTest, ReadsPropertiesThatStandAloneAndTellsWhatIsWrongWithThem)
