@@ -48,7 +48,7 @@ std::shared_ptr<Mask> OddMask()
     return mask;
 }
 
-TEST(Mask, KeepsItsModesInPropertiesOfAnyType)
+TEST(Mask, KeepsItsModesInProperties)
 {
     const auto mask = OddMask();
     EXPECT_EQ(mask->Animation().StaticValue("blendMode"), PropertyValue(-3));
