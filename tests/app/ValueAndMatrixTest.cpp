@@ -60,7 +60,7 @@ TEST_F(ValueTest, NamesWhatItDoesNotFind)
               "{\"time\":0,\"type\":\"KyPoint3_32f\",\"value\":[7,0,0]}\n");
 }
 
-TEST_F(ValueTest, TakesPropertiesThatStandAloneWithoutALayer)
+TEST_F(ValueTest, ReadsPropertiesThatStandAloneAndTellsWhatIsWrongWithThem)
 {
     Write("alone.xml", "<PropertyManager Version=\"0\"/>");
     EXPECT_EQ(Run({"value", "alone.xml", "--property=p", "--times=0"}).err,
