@@ -80,6 +80,8 @@ TEST_F(CloneAndDeleteTest, DeletingSaysWhatReferredToTheLayerAndClearsIt)
               "referred to by layer \"Ribbon\", 3D effect \"Ribbon\", property followedLayer\n"
               "cleared layer \"Ribbon\", 3D effect \"Ribbon\", property followedLayer\n"
               "Layer \"Child\" is deleted\n");
+    EXPECT_EQ(Delete("Grade").out, "Layer \"Grade\" is deleted\n");
+    EXPECT_EQ(Delete("Gone").err, "marlet: a.xml: There is no layer \"Gone\"\n");
 }
 
 TEST_F(CloneAndDeleteTest, DeletingOpensACircleOfParentsButAsksNobodyWhoHangsOnAnother)
