@@ -1,7 +1,6 @@
 #include <marlet/foundation/Exceptions.h>
 #include <marlet/foundation/xml/DomBridge.h>
 #include <marlet/foundation/xml/XmlReader.h>
-#include <marlet/foundation/xml/XmlWriter.h>
 
 #include <QDomDocument>
 #include <gtest/gtest.h>
