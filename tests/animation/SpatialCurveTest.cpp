@@ -1,5 +1,7 @@
 #include <tests/support/OddCurves.h>
 
+#include <marlet/animation/SpatialCurve.h>
+
 #include <gtest/gtest.h>
 
 #include <numeric>
