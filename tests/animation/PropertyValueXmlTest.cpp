@@ -35,12 +35,9 @@ TEST(PropertyValueXmlTest, EachAlternativeHasItsTagAndForm)
 {
     const KyID id = KyID::FromString("01234567-89ab-cdef-0123-456789abcdef");
     const std::pair<PropertyValue, const char *> forms[] = {
-        {-5, "<int32_t>-5</int32_t>\n"},
-        {4294967295u, "<uint32_t>4294967295</uint32_t>\n"},
         {static_cast<unsigned char>(200), "<uint8_t>200</uint8_t>\n"},
         {0.1f, "<float>0.100000001</float>\n"},
         {0.1, "<double>0.10000000000000001</double>\n"},
-        {true, "<bool>1</bool>\n"},
         {Scale3D{0.1, 100, -1}, "<Scale3D X=\"0.10000000000000001\" Y=\"100\" Z=\"-1\"/>\n"},
         {Orientation3D{0.1f, 90, -1}, "<Orientation3D X=\"0.1\" Y=\"90\" Z=\"-1\"/>\n"},
         {KyColorRGBA_32f{1, 0.5f, 0, 2}, "<MarletColor R=\"1\" G=\"0.5\" B=\"0\" A=\"2\"/>\n"},
@@ -50,9 +47,8 @@ TEST(PropertyValueXmlTest, EachAlternativeHasItsTagAndForm)
         {KyVector<3, float>{1, 2, 3}, "<KyVector3_32f X=\"1\" Y=\"2\" Z=\"3\"/>\n"},
         {id, "<KyID>01234567-89ab-cdef-0123-456789abcdef</KyID>\n"},
     };
-    for (const auto &[value, text] : forms) {
+    for (const auto &[value, text] : forms)
         EXPECT_EQ(Written(value), text);
-    }
 }
 
 TEST(PropertyValueXmlTest, ValuesComeBackAsTheyWereButScalesWithThePrecisionOfFloat)
@@ -67,45 +63,27 @@ TEST(PropertyValueXmlTest, ValuesComeBackAsTheyWereButScalesWithThePrecisionOfFl
     }
 }
 
-TEST(PropertyValueXmlTest, OddTextsAreReadAsNumbersGo)
+TEST(PropertyValueXmlTest, OddTextsAreReadAsNumbersGoAndWithoutAKnownTagTheValueStays)
 {
     const std::pair<const char *, PropertyValue> cases[] = {
         {"<int32_t> +7 </int32_t>", 7},
         {"<int32_t>2147483648</int32_t>", 0},
-        {"<int32_t>1.5</int32_t>", 0},
-        {"<uint32_t>-1</uint32_t>", 0u},
         {"<uint8_t>300</uint8_t>", static_cast<unsigned char>(44)},
         {"<float>1e400</float>", std::numeric_limits<float>::infinity()},
-        {"<double>one</double>", 0.0},
-        {"<bool>01</bool>", true},
         {"<float/>", 0.0f},
         {"text <!-- --> <float>1</float><int32_t>2</int32_t>", 1.0f},
         {"<Scale3D X=\"0.1\" Y=\"x\" Z=\"\"/>", Scale3D{0.1f, 0, 0}},
     };
     for (const auto &[text, value] : cases)
         EXPECT_EQ(Exactly(Read(text)), Exactly(value)) << text;
-}
-
-TEST(PropertyValueXmlTest, WithoutAKnownTagTheValueStays)
-{
-    for (const char *text :
-         {"", "text", "<string>x</string>", "<Float>1</Float>", "<unknown/><float>1</float>"})
+    for (const char *text : {"", "text", "<Float>1</Float>", "<unknown/><float>1</float>"})
         EXPECT_EQ(Exactly(Read(text, 8u)), Exactly(8u)) << text;
 }
 
 TEST(PropertyValueXmlTest, MissingAttributesAndMalformedTextsFail)
 {
-    const auto missing = [](const char *text) -> std::string {
-        try {
-            Read(text);
-        } catch (const XmlParseException &error) {
-            return error.what();
-        }
-        return "nothing";
-    };
-    EXPECT_EQ(missing("<Scale3D X=\"1\" Z=\"1\"/>"), "Scale3D is missing attribute Y\n");
-    EXPECT_EQ(missing("<KyPoint2_32f Y=\"1\"/>"), "KyPoint2_32f is missing attribute X\n");
-    EXPECT_EQ(missing("<MarletColor R=\"1\" G=\"1\" B=\"1\"/>"), "MarletColor is missing attribute A\n");
+    EXPECT_THROW(Read("<Scale3D X=\"1\" Z=\"1\"/>"), XmlParseException);
+    EXPECT_THROW(Read("<MarletColor R=\"1\" G=\"1\" B=\"1\"/>"), XmlParseException);
     EXPECT_THROW(Read("<bool>true</bool>"), boost::bad_lexical_cast);
     EXPECT_THROW(Read("<KyID>x</KyID>"), std::runtime_error);
 }

@@ -36,61 +36,26 @@ template <class Exception, class Function> std::string WordsOf(Function &&functi
     return "nothing was thrown";
 }
 
-TEST(XmlReaderTest, AWholeTextHasARoot)
-{
-    const std::u16string_view texts[] = {
-        u"<a/>",
-        u" \r\n\t<a/>\n ",
-        u"\uFEFF<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<a></a>",
-        u"<!-- before --><?instruction x?><a/><!-- behind --> <?end?>\n",
-        u"<a><![CDATA[<!DOCTYPE a> &#0;]]></a>",
-        u"<a><!-- &#0; --></a>",
-        u"<\u00E9t\u00E9/>",
-    };
-    for (const std::u16string_view text : texts)
-        EXPECT_TRUE(HasRoot(text)) << ToUtf8(text);
-}
-
-TEST(XmlReaderTest, AnyOtherTextHasNone)
+TEST(XmlReaderTest, AWholeTextHasARootAndAnyOtherTextHasNone)
 {
     using namespace std::string_view_literals;
-    const std::u16string_view texts[] = {
-        u"",
-        u" ",
-        u"text",
-        u"<a",
-        u"<a>",
-        u"<a></b>",
-        u"<a/><b/>",
-        u"<a/>text",
-        u"text<a/>",
-        u"<a/><",
-        u"<a/>x",
-        u"<a/></a>",
-        u"<a><b></a></b>",
-        u"<a x=1/>",
-        u"<a x=\"1/>",
-        u"<![CDATA[ ]]><a/>",
-        u"<a/><![CDATA[x]]>",
-        u"<!-- only -->",
-        u"<a/><!-- open",
-        u"<!DOCTYPE a><a/>",
-        u"<!DOCTYPE a [<!ENTITY e \"ha\">]><a>&e;</a>",
-        u"<a/><!DOCTYPE a>",
-        u"<a><!DOCTYPE a></a>",
-        u"<a/>\0"sv,
-        u"<a/>\0<b/>"sv,
-        u"\0<a/>"sv,
-        u"<a>x\0y</a>"sv,
-        u"<a>x&#0;y</a>",
-        u"<a x=\"&#x000;\"/>",
-        u"<a>&#4294967296;</a>",
-        u"<a><![CDATA[&#0;]]>&#0;</a>",
-        u"<a><!-- <![CDATA[ -->&#0;<!-- ]]> --></a>",
-        u"<1/>",
-    };
-    for (const std::u16string_view text : texts)
+    const std::u16string_view whole[] = {
+        u" \r\n\t<a/>\n ", u"\uFEFF<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<a></a>",
+        u"<!-- before --><?instruction x?><a/><!-- behind --> <?end?>\n",
+        u"<a><![CDATA[<!DOCTYPE a> &#0;]]><!-- &#0; --></a>", u"<\u00E9t\u00E9/>"};
+    for (const std::u16string_view text : whole)
+        EXPECT_TRUE(HasRoot(text)) << ToUtf8(text);
+    const std::u16string_view others[] = {
+        u"",         u"text", u"<a></b>",  u"<a/><b/>",     u"<a/>text", u"text<a/>",      u"<a/></a>",
+        u"<a x=1/>", u"<1/>", u"<a/>\0"sv, u"<a/>\0<b/>"sv, u"\0<a/>"sv, u"<a>x\0y</a>"sv, u"<a>x&#0;y</a>"};
+    for (const std::u16string_view text : others)
         EXPECT_FALSE(HasRoot(text)) << ToUtf8(text);
+    EXPECT_FALSE(HasRoot(u"<!-- only -->") || HasRoot(u"<a/><!-- open"));
+    EXPECT_FALSE(HasRoot(u"<![CDATA[ ]]><a/>") || HasRoot(u"<a/><![CDATA[x]]>"));
+    EXPECT_FALSE(HasRoot(u"<!DOCTYPE a><a/>") || HasRoot(u"<a><!DOCTYPE a></a>"));
+    EXPECT_FALSE(HasRoot(u"<a x='&#x00;'/>") || HasRoot(u"<a>&#4294967296;</a>"));
+    EXPECT_FALSE(HasRoot(u"<a><![CDATA[&#0;]]>&#0;</a>"));
+    EXPECT_FALSE(HasRoot(u"<a><!-- <![CDATA[ -->&#0;<!-- ]]> --></a>"));
 }
 
 TEST(XmlReaderTest, WhatStandsInManyCommentsTakesNoLongerEach)
@@ -117,7 +82,6 @@ TEST(XmlReaderTest, NestingIsBounded)
     EXPECT_TRUE(HasRoot(Nested(kDeepestNesting)));
     const auto parse = [](const WideString &text) { return [&text] { HasRoot(text); }; };
     EXPECT_EQ(WordsOf<XmlParseException>(parse(Nested(kDeepestNesting + 1))), "Nesting too deep");
-    EXPECT_EQ(WordsOf<XmlParseException>(parse(Nested(1'000'000))), "Nesting too deep");
     // As deep as is allowed with a text in the middle, and one too deep behind that text.
     const WideString start = Nested(kDeepestNesting).substr(0, 3 * kDeepestNesting);
     const WideString end = Nested(kDeepestNesting).substr(3 * kDeepestNesting);
@@ -130,12 +94,8 @@ TEST(XmlReaderTest, TextIsAllTextAndCDataBelowTheElement)
 {
     const std::pair<std::u16string_view, std::u16string> cases[] = {
         {u"<a/>", u""},
-        {u"<a></a>", u""},
-        {u"<a>text</a>", u"text"},
-        {u"<a>  </a>", u"  "},
         {u"<a> \n\t</a>", u" \n\t"},
         {u"<a>  text  </a>", u"  text  "},
-        {u"<a>one<!-- not --> two</a>", u"one two"},
         {u"<a>one<!-- not --> <!-- nor -->two</a>", u"one two"},
         {u"<a><!-- not --> </a>", u" "},
         {u"<a>one<?not this?>two</a>", u"onetwo"},
@@ -143,147 +103,63 @@ TEST(XmlReaderTest, TextIsAllTextAndCDataBelowTheElement)
         {u"<a><![CDATA[ ]]></a>", u" "},
         {u"<a>one<b>two<c>three</c></b>four</a>", u"onetwothreefour"},
         {u"<a>&lt;&gt;&amp;&quot;&apos;&#65;&#x1F600;</a>", u"<>&\"'A\U0001F600"},
-        {u"<a>1\r\n2\r3\n4&#13;</a>", u"1\n2\n3\n4\r"},
-        {u"<a>]]&gt;</a>", u"]]>"},
-    };
-    for (const auto &[text, expected] : cases) {
-        const XmlDocument document(text);
-        WideString value = u"untouched";
-        document.Root().Get(value);
-        EXPECT_EQ(ToUtf8(value), ToUtf8(expected)) << ToUtf8(text);
-        EXPECT_EQ(document.Root().Text(), ToUtf8(expected));
-    }
+        {u"<a>1\r\n2\r3\n4&#13;</a>", u"1\n2\n3\n4\r"}};
+    for (const auto &[text, expected] : cases)
+        EXPECT_EQ(XmlDocument(text).Root().Text(), ToUtf8(expected)) << ToUtf8(text);
     const WideString lone = WideString(u"<a>x") + char16_t(0xD800) + u"y</a>";
     EXPECT_EQ(XmlDocument(lone).Root().Text(), "x\xEF\xBF\xBDy");
-}
-
-TEST(XmlReaderTest, ElementsAreFoundByName)
-{
-    const XmlDocument document(
-        u"<Root>text<A n='1'/><!-- c --><B/><A n='2'><C n='3'/></A><![CDATA[x]]><D/></Root>");
-    const XmlCursor root = document.Root();
-    EXPECT_TRUE(root.Is("Root"));
-    EXPECT_FALSE(root.Is("root"));
-    EXPECT_EQ(root.Find("A").AttributeText("n"), "1");
-    EXPECT_EQ(root.Find("A").Next("A").AttributeText("n"), "2");
-    EXPECT_TRUE(root.Find("A").Next("A").Next("A").IsNull());
-    EXPECT_TRUE(root.Find("a").IsNull());
-    EXPECT_TRUE(root.Find("C").IsNull());
-
-    std::string names;
-    for (XmlCursor child = root.FirstChild(); !child.IsNull(); child = child.Next())
-        names += child.Name();
-    EXPECT_EQ(names, "ABAD");
-    EXPECT_TRUE(root.Find("D").FirstChild().IsNull());
-    EXPECT_TRUE(root.Next().IsNull());
 }
 
 TEST(XmlReaderTest, WhatIsMissingIsNamed)
 {
     const XmlDocument document(u"<Root Version='2' a='x'><Child/></Root>");
     const XmlCursor root = document.Root();
-    const XmlCursor child = root.Require("Child");
-
-    EXPECT_NO_THROW(root.RequireTag("rOOT"));
-    EXPECT_NO_THROW(root.RequireAttribute("a"));
-    EXPECT_EQ(root.RequireHeader("Root", 2), 2u);
+    EXPECT_EQ(root.RequireHeader("rOOT", 2), 2u);
     EXPECT_THROW(root.RequireHeader("Root", 1), InvalidProjectVersionException);
-    EXPECT_EQ(WordsOf<XmlParseException>([&] { root.RequireHeader("Roo", 2); }), "Wrong tag name\nRoo");
-    EXPECT_EQ(WordsOf<XmlParseException>([&] { child.RequireHeader("Child", 0); }),
-              "Child is missing attribute Version\n");
-    EXPECT_EQ(WordsOf<XmlParseException>([&] { root.RequireAttribute("A"); }),
-              "Root is missing attribute A\n");
-    EXPECT_EQ(WordsOf<XmlParseException>([&] { root.Require("child"); }), "Missing element\nchild");
-    int number = 0;
-    EXPECT_EQ(WordsOf<XmlParseException>([&] { root.Child("Other", number); }), "Missing element\nOther");
+    const std::pair<std::function<void()>, const char *> calls[] = {
+        {[&] { root.RequireHeader("Roo", 2); }, "Wrong tag name\nRoo"},
+        {[&] { XmlCursor().RequireTag("Root"); }, "Wrong tag name\nRoot"},
+        {[&] { root.Require("Child").RequireHeader("Child", 0); }, "Child is missing attribute Version\n"},
+        {[&] { root.RequireAttribute("A"); }, "Root is missing attribute A\n"},
+        {[&] { root.Require("child"); }, "Missing element\nchild"}};
+    for (const auto &[call, words] : calls)
+        EXPECT_EQ(WordsOf<XmlParseException>(call), words);
 }
 
-TEST(XmlReaderTest, NoElementReadsLikeAnEmptyOne)
-{
-    const XmlCursor none;
-    EXPECT_TRUE(none.IsNull());
-    EXPECT_EQ(none.Name(), "");
-    EXPECT_TRUE(none.Find("a").IsNull());
-    EXPECT_TRUE(none.FirstChild().IsNull());
-    EXPECT_TRUE(none.Next().IsNull());
-    EXPECT_EQ(none.AttributeText("a"), "");
-    EXPECT_EQ(none.Text(), "");
-    int number = 5;
-    none.Get(number);
-    EXPECT_EQ(number, 0);
-    EXPECT_EQ(WordsOf<XmlParseException>([&] { none.RequireTag("Project"); }), "Wrong tag name\nProject");
-}
-
-enum class Choice : int { First, Second };
-
-TEST(XmlReaderTest, ElementTextIsReadAsValues)
+TEST(XmlReaderTest, ElementsAndAttributesAreReadAsValues)
 {
     const XmlDocument document(
-        u"<r><i> -5 </i><u>4000000000</u><f>0.1</f><d>1e400</d><b>1</b><e>1</e>"
-        u"<id>01234567-089A-0bcd-0ef1-021324354657</id><s>\u00E9 </s><split>1<!-- -->2</split>"
-        u"<c R='0.5' G='inf' B='x' A='-1'/><bad>true</bad></r>");
+        u"<r yes='2' big='18446744073709551615' s='&lt;&#10;\t\u00E9'><i> -5 </i><d>1e400</d><s>\u00E9 </s>"
+        u"<split>1<!-- -->2</split><c R='0.5' G='inf' B='x' A='-1'/><bad>true</bad></r>");
     const XmlCursor root = document.Root();
-    int i = 0;
-    root.Child("i", i);
-    EXPECT_EQ(i, -5);
-    root.Child("split", i);
-    EXPECT_EQ(i, 12);
-    root.Child("s", i);
-    EXPECT_EQ(i, 0);
-    unsigned int u = 0;
-    root.Child("u", u);
-    EXPECT_EQ(u, 4000000000u);
-    float f = 0;
-    root.Child("f", f);
-    EXPECT_EQ(f, 0.1f);
-    double d = 0;
-    root.Child("d", d);
-    EXPECT_EQ(d, INFINITY);
-    bool b = false;
-    root.Child("b", b);
-    EXPECT_TRUE(b);
-    Choice e = Choice::First;
-    root.Child("e", e);
-    EXPECT_EQ(e, Choice::Second);
-    kytl::KyID id;
-    root.Child("id", id);
-    EXPECT_EQ(id.ToNarrowString(), "01234567-089a-0bcd-0ef1-021324354657");
-    WideString s;
-    root.Child("s", s);
-    EXPECT_EQ(s, u"\u00E9 ");
-    kytl::KyColorRGBA_32f c;
-    root.Child("c", c);
-    EXPECT_EQ(c, (kytl::KyColorRGBA_32f{0.5f, INFINITY, 0, -1}));
+    const auto child = [&root](const char *name, auto value) {
+        root.Child(name, value);
+        return value;
+    };
+    EXPECT_EQ(child("i", 1), -5);
+    EXPECT_EQ(child("split", 1), 12);
+    EXPECT_EQ(child("s", 1), 0);
+    EXPECT_EQ(child("d", 1.0), INFINITY);
+    EXPECT_EQ(child("s", WideString()), u"\u00E9 ");
+    const kytl::KyColorRGBA_32f color;
+    EXPECT_EQ(child("c", color), (kytl::KyColorRGBA_32f{0.5f, INFINITY, 0, -1}));
+    EXPECT_EQ(WordsOf<XmlParseException>([&] { child("i", color); }), "i is missing attribute R\n");
+    EXPECT_THROW(child("bad", true), boost::bad_lexical_cast);
+    EXPECT_EQ(WordsOf<std::runtime_error>([&] { child("s", kytl::KyID()); }),
+              "Cannot construct KyID from string");
 
-    EXPECT_THROW(root.Child("bad", b), boost::bad_lexical_cast);
-    EXPECT_EQ(WordsOf<std::runtime_error>([&] { root.Child("s", id); }), "Cannot construct KyID from string");
-    EXPECT_EQ(WordsOf<XmlParseException>([&] { root.Child("i", c); }), "i is missing attribute R\n");
-}
-
-TEST(XmlReaderTest, AttributesAreReadAsValues)
-{
-    const XmlDocument document(u"<r i='-7' big='18446744073709551615' f='0.1' d='1e-300' yes='2' "
-                               u"id='01234567-089a-0bcd-0ef1-021324354657' s='&lt;&#10;\t\u00E9'/>");
-    const XmlCursor root = document.Root();
-    const auto read = [&root](const char *name, auto value) {
+    const auto attribute = [&root](const char *name, auto value) {
         root.Attribute(name, value);
         return value;
     };
-    EXPECT_EQ(read("i", 1), -7);
-    EXPECT_EQ(read("i", 1u), 0u);
-    EXPECT_EQ(read("big", std::uint64_t(0)), 18446744073709551615u);
-    EXPECT_EQ(read("f", 1.0f), 0.1f);
-    EXPECT_EQ(read("d", 1.0), 1e-300);
-    EXPECT_TRUE(read("yes", false));
-    EXPECT_EQ(read("id", kytl::KyID()).Data1, 0x01234567u);
-    EXPECT_EQ(read("s", WideString()), u"<\n \u00E9");
-    EXPECT_EQ(read("yes", Choice::First), static_cast<Choice>(2));
-    EXPECT_EQ(read("none", 1), 0);
-    EXPECT_EQ(read("none", 1.0), 0);
-    EXPECT_EQ(read("none", WideString(u"x")), u"");
-    EXPECT_THROW(read("none", kytl::KyID()), std::runtime_error);
-    EXPECT_TRUE(root.HasAttribute("i"));
-    EXPECT_FALSE(root.HasAttribute("I"));
+    EXPECT_TRUE(attribute("yes", false));
+    EXPECT_EQ(attribute("yes", std::byte(0)), std::byte(2));
+    EXPECT_EQ(attribute("big", std::uint64_t(0)), 18446744073709551615u);
+    EXPECT_EQ(attribute("big", 1), 0);
+    EXPECT_EQ(attribute("s", WideString()), u"<\n \u00E9");
+    EXPECT_EQ(attribute("none", 1), 0);
+    EXPECT_EQ(attribute("none", WideString(u"x")), u"");
+    EXPECT_THROW(attribute("none", kytl::KyID()), std::runtime_error);
 }
 
 } // namespace

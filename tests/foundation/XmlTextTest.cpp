@@ -10,7 +10,9 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
+#include <iterator>
 #include <random>
+#include <sstream>
 
 namespace
 {
@@ -30,130 +32,35 @@ std::string Printf(const char *format, double value)
     return text;
 }
 
-/// Numbers, things that look like numbers, and what may stand around them.
+/// Numbers and things that look like numbers, with blanks between them.
+const std::string kOddNumbers =
+    "0 007 -1 -0 +1 ++1 +-1 + - . 1. .5 +.5 1..5 1,5 1,000 1'000 1_000 0x10 0x1p3 0b1 1e3 1E+3 1e-3 1e "
+    "1e+ e3 .e3 1e3.5 1f 12abc 2147483647 2147483648 -2147483648 -2147483649 4294967295 4294967296 "
+    "18446744073709551615 18446744073709551616 100000000000000000000000000000000000001 "
+    "0000000000000000000000000000000000000001 inf -inf +inf iNf infinity nan NaN -nan nan(1) nanx 1e39 "
+    "-1e39 1e-46 7e-46 1.5e-45 3.4028235e38 3.4028236e38 1e309 -1e309 1e-400 -1e-400 4.9e-324 2e-324 "
+    "1e99999999999999999999 1e-99999999999999999999 0e99999999999999999999 0.00001e-320 1e000000000001 "
+    "0.0000000000000000000000000000000000000000000001e400 1.7976931348623159e308 1e\xE2\x88\x92z";
+
+/// The odd numbers with what may stand around them.
 std::vector<std::string> OddTexts()
 {
-    const std::vector<std::string> cores = {
-        "",
-        "0",
-        "1",
-        "007",
-        "42",
-        "-1",
-        "-0",
-        "+1",
-        "++1",
-        "+-1",
-        "-+1",
-        "--1",
-        "- 1",
-        "+",
-        "-",
-        ".",
-        "1.",
-        ".5",
-        "-.5",
-        "+.5",
-        "1.5",
-        "1..5",
-        "1.5.5",
-        "1,5",
-        "1,000",
-        "1'000",
-        "1_000",
-        "0x10",
-        "0x1p3",
-        "0b1",
-        "1e3",
-        "1E3",
-        "1e+3",
-        "1e-3",
-        "1e",
-        "1e+",
-        "e3",
-        ".e3",
-        "1e3.5",
-        "1e 3",
-        "1f",
-        "1.5d",
-        "2147483647",
-        "2147483648",
-        "-2147483648",
-        "-2147483649",
-        "4294967295",
-        "4294967296",
-        "18446744073709551615",
-        "18446744073709551616",
-        "9223372036854775808",
-        "100000000000000000000000000000000000001",
-        "0000000000000000000000000000000000000001",
-        "inf",
-        "-inf",
-        "+inf",
-        "INF",
-        "iNf",
-        "infinity",
-        "-infinity",
-        "nan",
-        "NaN",
-        "-nan",
-        "+nan",
-        "nan(1)",
-        "nan()",
-        "nanx",
-        "1e39",
-        "-1e39",
-        "1e-46",
-        "-1e-46",
-        "7e-46",
-        "1.5e-45",
-        "-1e-45",
-        "3.4028234e38",
-        "3.4028235e38",
-        "3.4028236e38",
-        "1e308",
-        "1e309",
-        "-1e309",
-        "1e400",
-        "-1e400",
-        "1e-400",
-        "-1e-400",
-        "4.9e-324",
-        "2e-324",
-        "1e99999999999999999999",
-        "-1e99999999999999999999",
-        "1e-99999999999999999999",
-        "0e99999999999999999999",
-        "0.0000000000000000000000000000000000000000000001e400",
-        "100000000000000000000e300",
-        "0.00001e-320",
-        "1e00000000000000000001",
-        "true",
-        "12abc",
-        "1 2",
-        "0.1",
-        "1.7976931348623157e308",
-        "1.7976931348623159e308",
-    };
-    const std::vector<std::string> paddings[] = {{" ", ""},
-                                                 {"", " "},
-                                                 {"\t\n\v\f\r ", "\r\n"},
-                                                 {"\x1F", ""},
-                                                 {"\xC2\xA0", "\xE3\x80\x80"},
-                                                 {"\xE2\x80\x83", ""},
-                                                 {"", "\xC2\x85"},
-                                                 {"\xE2\x88\x92", ""},
-                                                 {"", "\xE2\x80\x8B"},
-                                                 {"", "x"},
-                                                 {"\xD9\xA1", ""}};
-    std::vector<std::string> texts = cores;
+    std::vector<std::string> cores = {"", "- 1", "1e 3", "0." + std::string(400, '0') + "1"};
+    std::istringstream stream(kOddNumbers);
+    cores.insert(cores.end(), std::istream_iterator<std::string>(stream), {});
+    const std::string paddings[][2] = {{"", ""},
+                                       {" ", ""},
+                                       {"\t\n\v\f\r ", "\r\n"},
+                                       {"\x1F", ""},
+                                       {"\xC2\xA0", "\xE3\x80\x80"},
+                                       {"", "\xC2\x85"},
+                                       {"\xE2\x88\x92", ""},
+                                       {"", "\xE2\x80\x8B"},
+                                       {"\xD9\xA1", ""}};
+    std::vector<std::string> texts;
     for (const std::string &core : cores)
-        for (const std::vector<std::string> &padding : paddings)
-            texts.push_back(padding[0] + core + padding[1]);
-    texts.push_back("0." + std::string(400, '0') + "1");
-    texts.push_back("-1" + std::string(400, '0'));
-    texts.push_back("1e\xE2\x88\x92"
-                    "1");
+        for (const auto &[before, after] : paddings)
+            texts.push_back(before + core + after);
     return texts;
 }
 
@@ -173,32 +80,22 @@ TEST(XmlTextTest, NumbersAreReadAsQStringReadsThem)
 
 TEST(XmlTextTest, BooleansAreReadAsALexicalCastReadsThem)
 {
-    for (const char *text : {"0", "1", "+1", "-0", "+0", "00", "01", "0001"})
+    for (const char *text : {"0", "1", "+1", "-0", "01"})
         EXPECT_EQ(ParseBool(text), boost::lexical_cast<bool>(text)) << text;
-    for (const char *text : {"", "true", "false", "2", "-1", " 1", "1 ", "1.0", "yes", "10", "+", "1\n"}) {
-        try {
-            ParseBool(text);
-            ADD_FAILURE() << text;
-        } catch (const boost::bad_lexical_cast &error) {
-            EXPECT_STREQ(error.what(),
-                         "bad lexical cast: source type value could not be interpreted as target");
-        }
-    }
+    for (const char *text : {"", "true", "2", "-1", " 1", "1.0", "+", "1\n"})
+        EXPECT_THROW(ParseBool(text), boost::bad_lexical_cast) << text;
 }
 
 /// Values of every magnitude, those around which the form changes, and halves between two roundings.
 std::vector<double> OddDoubles()
 {
-    std::vector<double> values = {0.0,  DBL_MAX, DBL_MIN, DBL_TRUE_MIN, INFINITY,          0.1, 0.5, 1.0 / 3,
-                                  M_PI, 1e22,    1e23,    123456.0,     9007199254740993.0};
+    std::vector<double> values = {0.0,      DBL_MAX, DBL_MIN, DBL_TRUE_MIN,
+                                  INFINITY, 0.1,     1e23,    9007199254740993.0};
     for (int exponent = -12; exponent <= 22; ++exponent) {
         const double power = std::strtod(("1e" + std::to_string(exponent)).c_str(), nullptr);
-        for (const double factor :
-             {1.0, 1.5, 2.5, 9.99999995, 9.9999999949, 9.9999999999999982, 1.000000005, 1.25}) {
-            values.push_back(power * factor);
-            values.push_back(std::nextafter(power * factor, 0));
-            values.push_back(std::nextafter(power * factor, INFINITY));
-        }
+        for (const double factor : {1.0, 1.5, 9.99999995, 9.9999999949, 9.9999999999999982})
+            for (const double towards : {0.0, power * factor, double(INFINITY)})
+                values.push_back(std::nextafter(power * factor, towards));
     }
     for (int i = 1; i < 4000; ++i)
         values.push_back((i * 2 + 1) / 1024.0 / 1024.0 * (i % 3 == 0 ? 1000 : 1));
@@ -226,8 +123,11 @@ TEST(XmlTextTest, NumbersAreWrittenAsPrintfWritesThem)
     }
     EXPECT_EQ(FormatInt(LLONG_MIN).View(), "-9223372036854775808");
     EXPECT_EQ(FormatUInt(ULLONG_MAX).View(), "18446744073709551615");
-    EXPECT_EQ(FormatFloat(-0.0f).View(), "-0");
-    EXPECT_EQ(FormatFloat(-INFINITY).View(), "-inf");
+    for (const float nan : {NAN, -NAN}) {
+        EXPECT_EQ(FormatFloat(nan).View(), "nan");
+        EXPECT_EQ(FormatDouble(nan).View(), "nan");
+        EXPECT_EQ(FormatFloatAttribute(nan).View(), "nan");
+    }
 }
 
 TEST(XmlTextTest, DoublesInAttributesAreWrittenAsQtWritesThem)
@@ -242,21 +142,10 @@ TEST(XmlTextTest, DoublesInAttributesAreWrittenAsQtWritesThem)
     EXPECT_GT(halves, 100);
 }
 
-TEST(XmlTextTest, NaNHasNoSign)
-{
-    for (const float nan : {NAN, -NAN}) {
-        EXPECT_EQ(FormatFloat(nan).View(), "nan");
-        EXPECT_EQ(FormatDouble(nan).View(), "nan");
-        EXPECT_EQ(FormatFloatAttribute(nan).View(), "nan");
-    }
-}
-
 TEST(XmlTextTest, EveryFloatReadsBackAsItself)
 {
     std::mt19937 generator(5);
-    std::vector<float> values = {0.0f,       -0.0f,        FLT_MAX,  -FLT_MAX, std::nextafter(FLT_MAX, 0.0f),
-                                 FLT_MIN,    FLT_TRUE_MIN, INFINITY, 0.1f,     16777216.0f,
-                                 99999999.0f};
+    std::vector<float> values = {0.0f, -0.0f, FLT_MAX, -FLT_MAX, FLT_TRUE_MIN, INFINITY, 16777216.0f};
     for (int i = 0; i < 30000; ++i) {
         values.push_back(std::bit_cast<float>(static_cast<std::uint32_t>(generator())));
         values.push_back(static_cast<float>(generator()) / 1048576.0f - 2048.0f);
@@ -281,13 +170,11 @@ TEST(XmlTextTest, EveryFloatReadsBackAsItself)
 
 TEST(XmlTextTest, NamesAreThoseOfXml)
 {
-    for (const char *name : {"a", "Position", "_x", "a1-b.c:d", "\xC3\xA9t\xC3\xA9",
-                             "\xE6\x97\xA5\xE6\x9C\xAC", "\xF0\xA0\x80\x80", "a\xC2\xB7", ":"})
+    for (const char *name :
+         {"a", "_x", "a1-b.c:d", "\xC3\xA9t\xC3\xA9", "\xF0\xA0\x80\x80", "a\xC2\xB7", ":"})
         EXPECT_TRUE(IsXmlName(name)) << name;
-    for (const char *name : {"", "1a", "-a", ".a", "a b", " a", "a ", "a<", "a&b", "a/", "a=", "a\"",
-                             "\xC2\xB7"
-                             "a",
-                             "\xC3\x97", "a\xE2\x80\x83", "a\xFF", "a\n"})
+    for (const char *name :
+         {"", "1a", "-a", ".a", "a b", "a<", "a&b", "a/", "\xC2\xB7z", "\xC3\x97", "a\xFF", "a\n"})
         EXPECT_FALSE(IsXmlName(name)) << name;
 }
 

@@ -2,11 +2,13 @@
 
 #include <limits>
 #include <set>
+#include <tuple>
 
 namespace marlet::test
 {
 
 using namespace project;
+using namespace std::string_literals;
 using kytl::KyColorRGBA_32f;
 using kytl::KyID;
 using kytl::matl::KyPoint;
@@ -45,41 +47,29 @@ void AddEachAlternative(std::vector<OddCurve> &curves)
 
 void AddTemporalHandles(std::vector<OddCurve> &curves)
 {
-    struct Case {
-        const char *name;
-        float outgoing;
-        float incoming;
-    };
     // In parts of the piece.
-    const Case cases[] = {{"eased", 0.3f, -0.4f},
-                          {"only outgoing", 0.7f, 0},
-                          {"crossing", 1, -1},
-                          {"overlapping", 3, -3},
-                          {"backwards", -2, 2},
-                          {"both to the left", -1.5f, -2.5f},
-                          {"both to the right", 2.5f, 1.5f},
-                          {"far", 4000, -9000},
-                          {"far backwards", -4000, 9000},
-                          {"out of sight", 1e30f, -1e30f},
-                          {"out of sight to one side", 1e30f, 1e30f},
-                          {"largest", std::numeric_limits<float>::max(), -1},
-                          {"endless", kInfinity, -kInfinity},
-                          {"endless to one side", -kInfinity, -kInfinity},
-                          {"no number", kNaN, 0.1f},
-                          {"tiny", 1e-30f, -1e-42f}};
-    for (const Case &c : cases) {
-        for (const int span : {1, 2, 33, 99, 100, 250, 65534, 65536, 10000000}) {
+    const std::tuple<const char *, float, float> cases[] = {{"eased", 0.3f, -0.4f},
+                                                            {"crossing", 1, -1},
+                                                            {"overlapping", 3, -3},
+                                                            {"backwards", -2, 2},
+                                                            {"both to the right", 2.5f, 1.5f},
+                                                            {"far", 4000, -9000},
+                                                            {"out of sight to one side", 1e30f, 1e30f},
+                                                            {"endless to one side", -kInfinity, -kInfinity},
+                                                            {"no number", kNaN, 0.1f},
+                                                            {"tiny", 1e-30f, -1e-42f}};
+    for (const auto &[name, outgoing, incoming] : cases) {
+        for (const int span : {1, 2, 99, 100, 250, 65534, 65536, 10000000}) {
             const auto length = static_cast<float>(span);
             for (const int first : {-span / 3, 5, -7 * span})
-                curves.push_back(
-                    {std::string(c.name) + ", " + std::to_string(span) + " from " + std::to_string(first),
-                     false,
-                     ListOf({Key(first, 1.0, {}, {c.outgoing * length, 2}),
-                             Key(first + span, 2.0, {c.incoming * length, -3})})});
+                curves.push_back({name + ", "s + std::to_string(span) + " from " + std::to_string(first),
+                                  false,
+                                  ListOf({Key(first, 1.0, {}, {outgoing * length, 2}),
+                                          Key(first + span, 2.0, {incoming * length, -3})})});
         }
-        curves.push_back({std::string(c.name) + ", all of time", false,
-                          ListOf({Key(kFirst, 1.0, {}, {c.outgoing * 4e9f, 2}),
-                                  Key(kLast, 2.0, {c.incoming * 4e9f, -3})})});
+        curves.push_back(
+            {name + ", all of time"s, false,
+             ListOf({Key(kFirst, 1.0, {}, {outgoing * 4e9f, 2}), Key(kLast, 2.0, {incoming * 4e9f, -3})})});
     }
     curves.push_back({"handles in value alone", false,
                       ListOf({Key(0, 1.0f, {}, {-0.0f, 5}), Key(100, 2.0f, {0.0f, kNaN}, {0, kInfinity}),

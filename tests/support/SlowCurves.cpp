@@ -9,13 +9,13 @@
 #include <cmath>
 #include <cstdio>
 #include <stdexcept>
+#include <type_traits>
 #include <vector>
 
 namespace marlet::test
 {
 
 using namespace project;
-using kytl::KyColorRGBA_32f;
 using kytl::KyID;
 using kytl::matl::KyPoint;
 using kytl::matl::KyVector;
@@ -23,73 +23,30 @@ using kytl::matl::KyVector;
 namespace
 {
 
-// The places of the alternatives.
-enum {
-    Int,
-    UInt,
-    UChar,
-    Float,
-    Double,
-    Bool,
-    Scale,
-    Orientation,
-    Color,
-    Point2,
-    Point3,
-    Vector2,
-    Vector3,
-    ID
-};
+template <class T> bool Holds(const PropertyValue &value)
+{
+    return boost::get<T>(&value) != nullptr;
+}
 
 using Numbers = std::vector<double>;
 
 /// A double holds every number of every alternative.
 Numbers NumbersOf(const PropertyValue &value)
 {
-    switch (value.which()) {
-    case Int:
-        return {double(boost::get<int>(value))};
-    case UInt:
-        return {double(boost::get<unsigned int>(value))};
-    case UChar:
-        return {double(boost::get<unsigned char>(value))};
-    case Float:
-        return {boost::get<float>(value)};
-    case Double:
-        return {boost::get<double>(value)};
-    case Bool:
-        return {double(boost::get<bool>(value))};
-    case Scale: {
-        const auto &v = boost::get<Scale3D>(value);
-        return {v.X, v.Y, v.Z};
-    }
-    case Orientation: {
-        const auto &v = boost::get<Orientation3D>(value);
-        return {v.X, v.Y, v.Z};
-    }
-    case Color: {
-        const auto &v = boost::get<KyColorRGBA_32f>(value);
-        return {v.R, v.G, v.B, v.A};
-    }
-    case Point2: {
-        const auto &v = boost::get<KyPoint<2, float>>(value);
-        return {v.X, v.Y};
-    }
-    case Point3: {
-        const auto &v = boost::get<KyPoint<3, float>>(value);
-        return {v.X, v.Y, v.Z};
-    }
-    case Vector2: {
-        const auto &v = boost::get<KyVector<2, float>>(value);
-        return {v.X, v.Y};
-    }
-    case Vector3: {
-        const auto &v = boost::get<KyVector<3, float>>(value);
-        return {v.X, v.Y, v.Z};
-    }
-    default:
-        return {};
-    }
+    return boost::apply_visitor(
+        []<class T>(const T &v) -> Numbers {
+            if constexpr (std::is_arithmetic_v<T>)
+                return {double(v)};
+            else if constexpr (requires { v.A; })
+                return {v.R, v.G, v.B, v.A};
+            else if constexpr (requires { v.Z; })
+                return {v.X, v.Y, v.Z};
+            else if constexpr (requires { v.Y; })
+                return {v.X, v.Y};
+            else
+                return {};
+        },
+        value);
 }
 
 /// Halves away from zero, then the nearest an int comes to it.
@@ -105,37 +62,41 @@ template <class Unsigned> Unsigned Wrapped(double v)
     return std::isnan(v) ? 0 : Unsigned((long long)(std::trunc(std::clamp(v, -9.2e18, 9.2e18))));
 }
 
-PropertyValue ValueOf(int which, const Numbers &n)
+/// The alternative of the pattern with these numbers.
+PropertyValue ValueLike(const PropertyValue &pattern, const Numbers &n)
 {
     const auto f = [&n](std::size_t i) { return float(n[i]); };
-    switch (which) {
-    case Int:
-        return Rounded(n[0]);
-    case UInt:
-        return Wrapped<unsigned int>(n[0]);
-    case UChar:
-        return Wrapped<unsigned char>(n[0]);
-    case Float:
-        return f(0);
-    case Double:
-        return n[0];
-    case Scale:
-        return Scale3D{f(0), f(1), f(2)};
-    case Orientation:
-        return Orientation3D{f(0), f(1), f(2)};
-    case Color:
-        return KyColorRGBA_32f{f(0), f(1), f(2), f(3)};
-    case Point2:
-        return KyPoint<2, float>{f(0), f(1)};
-    case Point3:
-        return KyPoint<3, float>{f(0), f(1), f(2)};
-    case Vector2:
-        return KyVector<2, float>{f(0), f(1)};
-    case Vector3:
-        return KyVector<3, float>{f(0), f(1), f(2)};
-    default:
-        throw std::logic_error("no numbers");
-    }
+    return boost::apply_visitor(
+        [&]<class T>(const T &v) -> PropertyValue {
+            if constexpr (std::is_same_v<T, int>)
+                return Rounded(n[0]);
+            else if constexpr (std::is_unsigned_v<T>)
+                return Wrapped<T>(n[0]);
+            else if constexpr (std::is_arithmetic_v<T>)
+                return T(n[0]);
+            else if constexpr (requires { v.A; })
+                return T{f(0), f(1), f(2), f(3)};
+            else if constexpr (requires { v.Z; })
+                return T{f(0), f(1), f(2)};
+            else if constexpr (requires { v.Y; })
+                return T{f(0), f(1)};
+            else
+                throw std::logic_error("no numbers");
+        },
+        pattern);
+}
+
+bool IsUnsigned(const PropertyValue &value)
+{
+    return Holds<unsigned int>(value) || Holds<unsigned char>(value);
+}
+
+/// Two of one alternative, of which some keep the first one.
+bool KeepsTheFirst(const PropertyValue &a, const PropertyValue &b)
+{
+    if (a.which() != b.which())
+        throw std::runtime_error("Cannot interpolate between different types");
+    return Holds<bool>(a) || Holds<KyID>(a);
 }
 
 double Cubic(double p0, double p1, double p2, double p3, double t)
@@ -146,22 +107,19 @@ double Cubic(double p0, double p1, double p2, double p3, double t)
 
 PropertyValue SlowCurved(const PropertyValue &a, const PropertyValue &b, double t, double o, double i)
 {
-    const int which = a.which();
-    if (which != b.which())
-        throw std::runtime_error("Cannot interpolate between different types");
-    if (which == Bool || which == ID)
+    if (KeepsTheFirst(a, b))
         return a;
     const Numbers from = NumbersOf(a);
     const Numbers to = NumbersOf(b);
     Numbers result;
     for (std::size_t n = 0; n < from.size(); ++n) {
-        const double p0 = which == Scale ? float(from[n]) : from[n];
-        const double p3 = which == Scale ? float(to[n]) : to[n];
+        const double p0 = Holds<Scale3D>(a) ? float(from[n]) : from[n];
+        const double p3 = Holds<Scale3D>(a) ? float(to[n]) : to[n];
         result.push_back(Cubic(p0, p0 + o, p3 + i, p3, t));
-        if (which == UInt || which == UChar)
+        if (IsUnsigned(a))
             result.back() += 0.5;
     }
-    return ValueOf(which, result);
+    return ValueLike(a, result);
 }
 
 PropertyValue SlowRotation(const Orientation3D &a, const Orientation3D &b, float s)
@@ -174,18 +132,15 @@ PropertyValue SlowRotation(const Orientation3D &a, const Orientation3D &b, float
             d += 360;
         degrees.push_back(d == 360 ? 0 : d);
     }
-    return ValueOf(Orientation, degrees);
+    return ValueLike(a, degrees);
 }
 
 PropertyValue SlowStraight(const PropertyValue &a, const PropertyValue &b, std::int64_t span,
                            std::int64_t offset)
 {
-    const int which = a.which();
-    if (which != b.which())
-        throw std::runtime_error("Cannot interpolate between different types");
-    if (which == Bool || which == ID)
+    if (KeepsTheFirst(a, b))
         return a;
-    if (which == Orientation)
+    if (Holds<Orientation3D>(a))
         return SlowRotation(boost::get<Orientation3D>(a), boost::get<Orientation3D>(b),
                             float(offset) / float(span));
     const Numbers from = NumbersOf(a);
@@ -193,15 +148,15 @@ PropertyValue SlowStraight(const PropertyValue &a, const PropertyValue &b, std::
     Numbers result;
     for (std::size_t n = 0; n < from.size(); ++n) {
         const double slope = (to[n] - from[n]) / double(span);
-        if (which == UInt || which == UChar)
+        if (IsUnsigned(a))
             result.push_back(from[n] + 0.5 + double(offset) * slope);
-        else if (which == Int || which == Double || which == Scale)
+        else if (Holds<int>(a) || Holds<double>(a) || Holds<Scale3D>(a))
             result.push_back(from[n] + double(offset) * slope);
         else
             result.push_back(float(from[n]) +
                              float(offset) * ((float(to[n]) - float(from[n])) / float(span)));
     }
-    return ValueOf(which, result);
+    return ValueLike(a, result);
 }
 
 /// The curve's control values between two parameters, by its polar form.
@@ -334,7 +289,7 @@ PropertyValue SlowPieceValue(const std::vector<KeyFrame> &keys, std::size_t piec
     const double fraction =
         straight ? double(offset) / double(span) : Length(first, PointOf(value)) / Length(first, second);
     const Point point = path.AtFraction(std::clamp(fraction, 0.0, 1.0));
-    return ValueOf(value.which(), Numbers(point.begin(), point.end()));
+    return ValueLike(value, Numbers(point.begin(), point.end()));
 }
 
 } // namespace
@@ -393,7 +348,7 @@ PropertyValue SlowValueAt(const KeyFrameList &list, int time, bool isSpatialProp
     const KeyFrame &a = keys[piece];
     if (piece + 1 == keys.size() || a.Type() == KeyFrameType::Hold || a.Value() == keys[piece + 1].Value())
         return a.Value();
-    const bool isPoint = a.Value().which() == Point2 || a.Value().which() == Point3;
+    const bool isPoint = Holds<KyPoint<2, float>>(a.Value()) || Holds<KyPoint<3, float>>(a.Value());
     return SlowPieceValue(keys, piece, time,
                           isSpatialProperty && list.IsSpatial() && keys.size() != 2 && isPoint);
 }
