@@ -116,6 +116,14 @@ TEST_F(ContentInfoTest, CutsALongRunForPeopleBetweenCharacters)
                 {"\"text\":\"" + std::string(59, 'a') + "\U0001D11E" + std::string(20000, 'b') + "\"}"});
 }
 
+TEST_F(ContentInfoTest, ShowsControlCharactersAsEscapes)
+{
+    Append(u"a\n\x1B\x7F\x9B\u00A0\u00E9", Format(12));
+    Save("a.xml");
+    ExpectLines(Run({"info", "a.xml"}).out,
+                {"           run, format 1  \"a\\n\\x1b\\x7f\\x9b\u00A0\u00E9\""});
+}
+
 TEST_F(ContentInfoTest, ShowsMasksWithTheirPoints)
 {
     AddMask();
