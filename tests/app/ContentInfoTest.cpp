@@ -135,7 +135,7 @@ TEST_F(ContentInfoTest, ShowsMasksWithTheirPoints)
                     "           point 1   (0, 5), handles (0, 0) and (0, 0), linear\n"
                     "           point 2   (10, 5), handles (0, 0) and (0, 0), linear\n"
                     "           point 3   2 key frames, handles (0, 0) and (0, 0)",
-                    "1 layer, 0 effects, 1 mask, 21 properties (0 animated), 0 key frames, 0 expressions, "
+                    "1 layer, 0 effects, 1 mask, 38 properties (1 animated), 2 key frames, 0 expressions, "
                     "0 metadata values",
                 });
     const std::vector<std::string> lines = Run({"info", "a.xml", "--json"}).OutLines();
