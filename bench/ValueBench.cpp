@@ -13,6 +13,7 @@
 
 #include <cmath>
 #include <map>
+#include <numeric>
 #include <random>
 #include <vector>
 
@@ -51,12 +52,11 @@ const Curve &CurveOf(std::int64_t keyCount)
     return curves.try_emplace(keyCount, static_cast<int>(keyCount)).first->second;
 }
 
-/// One millisecond after the other, as far as the curve goes.
+/// One millisecond after the other, through the whole curve.
 std::vector<int> TimesInOrder(int end)
 {
-    std::vector<int> times(1 << 14);
-    for (std::size_t i = 0; i < times.size(); ++i)
-        times[i] = static_cast<int>(i) % end;
+    std::vector<int> times(static_cast<std::size_t>(end));
+    std::iota(times.begin(), times.end(), 0);
     return times;
 }
 
@@ -112,7 +112,7 @@ void ValueAllocations(benchmark::State &state)
             state.SkipWithError("the bare program computes another curve");
 }
 
-BENCHMARK(InOrder<&Curve::ByID>)->Name("InOrder/ByID")->Arg(1000)->Arg(100000);
+BENCHMARK(InOrder<&Curve::ByID>)->Name("InOrder/ByID")->Arg(1000);
 BENCHMARK(InOrder<&Curve::Bare>)->Name("InOrder/Bare")->Arg(1000);
 BENCHMARK(InOrder<&Curve::ByName>)->Name("InOrder/ByName")->Arg(1000);
 BENCHMARK(AtRandom<&Curve::ByID>)->Name("AtRandom/ByID")->Arg(1000)->Arg(100000);

@@ -1,15 +1,18 @@
 // Any text either loads or is refused in the documented ways. What loads is saved, loaded and saved again
-// without a byte changing, and answers for its matrices and values.
+// without a byte changing, answers for its matrices, values and references, and is cloned into compositions
+// of their own. Each instance of a plug-in ends once.
 
+#include "support/Fuzz3DEffect.h"
 #include "support/FuzzInput.h"
+#include "support/FuzzPlugins.h"
 
 #include <marlet/animation/PropertyManager.h>
 #include <marlet/foundation/Exceptions.h>
-#include <marlet/layers/Abstract3DEffectFactory.h>
 #include <marlet/layers/AbstractLayer.h>
 #include <marlet/project/AssetList.h>
 #include <marlet/project/CompositionAsset.h>
 #include <marlet/project/Project.h>
+#include <marlet/project/ProjectTextureImageCache.h>
 
 #include <boost/lexical_cast/bad_lexical_cast.hpp>
 
@@ -18,20 +21,22 @@ using namespace marlet::project;
 namespace
 {
 
-struct NoEffects : Abstract3DEffectFactory {
-    std::shared_ptr<Abstract3DEffect> Create(void *, ProjectTextureImageCache &) const override { return {}; }
-};
+using Plugins = std::shared_ptr<FuzzPluginManager>;
+using Composition = std::shared_ptr<CompositionAsset>;
 
-std::shared_ptr<Project> Load(const WideString &text)
+/// Questions that grow with the square of the layers are put to so many of them.
+constexpr std::size_t kMostLayers = 12;
+
+std::shared_ptr<Project> Load(const WideString &text, const Plugins &plugins)
 {
-    return Project::CreateFromXml(text, u"", nullptr, NoEffects());
+    return Project::CreateFromXml(text, u"", plugins, Fuzz3DEffectFactory());
 }
 
-std::shared_ptr<Project> LoadIfAccepted(const WideString &text)
+std::shared_ptr<Project> LoadIfAccepted(const WideString &text, const Plugins &plugins)
 {
     try {
-        return Load(text);
-    } catch (const XmlParseException &) {
+        return Load(text, plugins);
+    } catch (const MessageException &) {
     } catch (const InvalidProjectVersionException &) {
     } catch (const ProjectException &) {
     } catch (const std::runtime_error &) {
@@ -50,22 +55,87 @@ void AskLayer(const AbstractLayer &layer, const std::shared_ptr<Project> &projec
     }
 }
 
-void AskAllLayers(const std::shared_ptr<Project> &project)
+/// Of the layers that have an ID, which a reference to none does not name.
+std::vector<std::shared_ptr<AbstractLayer>> SomeLayers(const CompositionAsset &composition)
 {
-    for (const auto &asset : project->Assets().GetByType(AssetType::Composition))
-        for (const auto &layer : std::static_pointer_cast<CompositionAsset>(asset)->Layers())
+    std::vector<std::shared_ptr<AbstractLayer>> layers;
+    for (const auto &layer : composition.Layers())
+        if (!layer->ID().IsNull() && layers.size() < kMostLayers)
+            layers.push_back(layer);
+    return layers;
+}
+
+void RequireNoReference(const Composition &from, const CompositionAsset &to, const char *when)
+{
+    for (const auto &target : SomeLayers(to))
+        for (const auto &layer : SomeLayers(*from))
+            if (layer->IsLayerReferenced(from, target->ID()))
+                Fail(when);
+}
+
+void AskReferences(const Composition &composition)
+{
+    const auto layers = SomeLayers(*composition);
+    for (const auto &layer : layers) {
+        layer->LayerReferencePropertyNames();
+        for (const auto &target : layers)
+            MayRefuse([&] { layer->IsLayerReferenced(composition, target->ID()); });
+    }
+}
+
+void ChangeReferences(CompositionAsset &composition)
+{
+    const auto layers = SomeLayers(composition);
+    std::unordered_map<NarrowString, NarrowString> changes;
+    for (std::size_t i = 0; i < layers.size(); ++i)
+        changes.try_emplace(layers[i]->ID().ToNarrowString(),
+                            layers[(i + 1) % layers.size()]->ID().ToNarrowString());
+    composition.ChangeLayerReferences(changes);
+}
+
+void CloneComposition(const Composition &composition)
+{
+    const auto clone = std::static_pointer_cast<CompositionAsset>(composition->Clone());
+    if (clone->Layers().size() != composition->Layers().size())
+        Fail("a clone has fewer layers");
+    MayRefuse([&] { RequireNoReference(clone, *composition, "a clone refers to a layer of its source"); });
+    AskReferences(clone);
+    ChangeReferences(*clone);
+    const ProjectTextureImageCache textures;
+    clone->Serialize(textures);
+    for (const auto &layer : clone->Layers())
+        layer->ClearInvalidLayerReferences({});
+    RequireNoReference(clone, *clone, "a cleared reference leads to a layer");
+}
+
+void AskProject(const std::shared_ptr<Project> &project)
+{
+    for (const auto &asset : project->Assets().GetByType(AssetType::Composition)) {
+        const auto composition = std::static_pointer_cast<CompositionAsset>(asset);
+        for (const auto &layer : composition->Layers())
             AskLayer(*layer, project);
+        AskReferences(composition);
+        CloneComposition(composition);
+    }
+}
+
+void TryText(const WideString &text, const Plugins &plugins)
+{
+    const auto project = LoadIfAccepted(text, plugins);
+    if (!project)
+        return;
+    AskProject(project);
+    const WideString saved = project->Serialize();
+    RequireSame(saved, Load(saved, plugins)->Serialize());
 }
 
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *bytes, std::size_t size)
 {
-    const auto project = LoadIfAccepted(TextOfInput(bytes, size));
-    if (!project)
-        return 0;
-    AskAllLayers(project);
-    const WideString saved = project->Serialize();
-    RequireSame(saved, Load(saved)->Serialize());
+    static const auto plugins = std::make_shared<FuzzPluginManager>();
+    TryText(TextOfInput(bytes, size), plugins);
+    if (plugins->LivingInstances() != 0)
+        Fail("an instance of a plug-in did not end, or ended twice");
     return 0;
 }

@@ -39,6 +39,13 @@ template <class Question> void MayRefuse(Question &&question)
     }
 }
 
+/// Ends the run: a document is not as it must be.
+[[noreturn]] inline void Fail(const char *words)
+{
+    std::fprintf(stderr, "%s\n", words);
+    std::abort();
+}
+
 /// Ends the run if what was saved, loaded and saved again differs.
 inline void RequireSame(const WideString &first, const WideString &second)
 {

@@ -27,7 +27,7 @@ inline std::size_t LastNotAfter(const std::vector<int> &times, int time)
             low += count;
             count *= 2;
         }
-        count = std::min(count, last + 1 - low);
+        count = std::min(count, last - low);
     } else {
         while (low > count && times[low - count] > time) {
             low -= count;

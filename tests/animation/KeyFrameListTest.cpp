@@ -321,6 +321,17 @@ TEST(KeyFrameListTest, EvaluatingClearsTheFlagsOfItsPieceAlone)
         list.Add(Key(time, static_cast<float>(time), {-3, 0}, {3, 0}));
     manager->ValueAtTime("p", 5);
     EXPECT_THAT(Flags(list), ElementsAre("is", "os", "ios"));
+    list.At(0).SetValue(7.0f);
+    list.At(10).SetValue(8.0f);
+    manager->ValueAtTime("p", 5);
+    EXPECT_THAT(Flags(list), ElementsAre("is", "os", "ios")) << "though the timing is the same as before";
+}
+
+TEST(KeyFrameListTest, MovingMarksAllButTheKeyFrameThatMoves)
+{
+    KeyFrameList list = At({0, 10, 20});
+    list.Move(list.At(10).ID(), 15);
+    EXPECT_THAT(Flags(list), ElementsAre("ios", "s", "ios"));
 }
 
 } // namespace
