@@ -7,6 +7,7 @@
 #include <marlet/project/Project.h>
 
 #include <algorithm>
+#include <stdexcept>
 
 namespace marlet::tool
 {
@@ -21,11 +22,22 @@ std::string HolderPlace(const AbstractLayer &layer, const LayerReference &refere
     return "layer " + Quoted(layer.Name()) + ", " + HolderText(reference);
 }
 
-/// A layer can depend on another one without naming it, such as by the parents of the one that it names.
+/// Whether a layer depends on another one, be it without naming it, such as by the parents of the one that it
+/// names. Parents in a circle that does not pass by the other layer lead to no answer; they do not depend on
+/// it, and keep nobody from deleting it.
+bool DependsOn(const CompositionPointer &composition, const AbstractLayer &layer, const kytl::KyID &on)
+{
+    try {
+        return layer.IsLayerReferenced(composition, on);
+    } catch (const std::logic_error &) {
+        return false;
+    }
+}
+
 void ListReferences(const CompositionPointer &composition, const AbstractLayer &layer, Output &output)
 {
     for (const LayerPointer &other : composition->Layers()) {
-        if (other->ID() == layer.ID() || !other->IsLayerReferenced(composition, layer.ID()))
+        if (other->ID() == layer.ID())
             continue;
         bool named = false;
         for (const LayerReference &reference : LayerReferences(*other)) {
@@ -34,7 +46,7 @@ void ListReferences(const CompositionPointer &composition, const AbstractLayer &
             named = true;
             output.Line("referred to by " + HolderPlace(*other, reference));
         }
-        if (!named)
+        if (!named && DependsOn(composition, *other, layer.ID()))
             output.Line("referred to by layer " + Quoted(other->Name()) + ", over parents");
     }
 }

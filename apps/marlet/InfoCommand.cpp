@@ -2,9 +2,14 @@
 #include "Document.h"
 #include "Info.h"
 #include "LayerContent.h"
+#include "plugins/Ribbon.h"
 
 #include <marlet/animation/PropertyManager.h>
-#include <marlet/layers/AbstractLayer.h>
+#include <marlet/layers/Effect3DLayer.h>
+#include <marlet/masks/Mask.h>
+#include <marlet/masks/MotionPath.h>
+#include <marlet/masks/PathPoint.h>
+#include <marlet/plugins/EffectInstance.h>
 #include <marlet/project/AssetList.h>
 #include <marlet/project/BinFolder.h>
 #include <marlet/project/CompositionAsset.h>
@@ -37,6 +42,26 @@ void CountProperties(const PropertyManager &properties, ProjectSums &sums)
     }
 }
 
+/// Every property that the details show, be it of the layer or of what is on it.
+void CountLayer(const AbstractLayer &layer, ProjectSums &sums)
+{
+    ++sums.layers;
+    CountProperties(layer.Animation(), sums);
+    if (const auto *layer3D = dynamic_cast<const Effect3DLayer *>(&layer))
+        if (const auto ribbon = std::dynamic_pointer_cast<const Ribbon>(layer3D->Effect()))
+            CountProperties(ribbon->Properties(), sums);
+    for (const auto &effect : EffectsOf(layer)) {
+        ++sums.effects;
+        CountProperties(std::as_const(*effect).Properties(), sums);
+    }
+    for (const auto &mask : MasksOf(layer)) {
+        ++sums.masks;
+        CountProperties(std::as_const(*mask).Animation(), sums);
+        for (const auto &point : mask->Path().Points())
+            CountProperties(std::as_const(*point).Animation(), sums);
+    }
+}
+
 void Run(const Arguments &arguments, Output &output)
 {
     const ProjectPointer project = ReadProject(arguments.Operand(0));
@@ -58,12 +83,8 @@ ProjectSums CountProject(const Project &project)
     }
     for (const CompositionPointer &composition : Compositions(project)) {
         ++sums.compositions;
-        for (const LayerPointer &layer : composition->Layers()) {
-            ++sums.layers;
-            sums.effects += EffectsOf(*layer).size();
-            sums.masks += MasksOf(*layer).size();
-            CountProperties(std::as_const(*layer).Animation(), sums);
-        }
+        for (const LayerPointer &layer : composition->Layers())
+            CountLayer(*layer, sums);
     }
     return sums;
 }

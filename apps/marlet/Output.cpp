@@ -28,6 +28,18 @@ std::string Blanks(const std::string &text, std::size_t width)
     return std::string(count < width ? width - count : 0, ' ');
 }
 
+std::string Escape(unsigned char control)
+{
+    constexpr char kDigits[] = "0123456789abcdef";
+    return {'\\', 'x', kDigits[control >> 4], kDigits[control & 15]};
+}
+
+/// Whether it starts with one of U+0080 to U+009F, which terminals obey like those below the blank.
+bool StartsWithHighControl(std::string_view utf8)
+{
+    return utf8.size() > 1 && utf8[0] == '\xC2' && (utf8[1] & 0xE0) == 0x80;
+}
+
 template <class Real> std::string ShortestText(Real number)
 {
     char buffer[32];
@@ -80,17 +92,19 @@ void Output::Fail()
 
 std::string OneLine(std::string_view text)
 {
-    constexpr char kDigits[] = "0123456789abcdef";
     std::string line;
     line.reserve(text.size());
-    for (const char c : text) {
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const char c = text[i];
         const auto byte = static_cast<unsigned char>(c);
         if (c == '\n')
             line += "\\n";
         else if (c == '\t')
             line += "\\t";
         else if (byte < 0x20 || byte == 0x7F)
-            line.append({'\\', 'x', kDigits[byte >> 4], kDigits[byte & 15]});
+            line += Escape(byte);
+        else if (StartsWithHighControl(text.substr(i)))
+            line += Escape(static_cast<unsigned char>(text[++i]));
         else
             line += c;
     }

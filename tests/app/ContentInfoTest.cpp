@@ -72,6 +72,12 @@ TEST_F(ContentInfoTest, CutsALongRunForPeopleBetweenCharacters)
     ExpectLines("           run, format 1  \"" + std::string(59, 'a') + "\"..., 70 tokens");
 }
 
+TEST_F(ContentInfoTest, ShowsControlCharactersAsEscapes)
+{
+    Append(u"a\n\x1B\x7F\x9B\u00A0\u00E9", Format(12));
+    ExpectLines("           run, format 1  \"a\\n\\x1b\\x7f\\x9b\u00A0\u00E9\"");
+}
+
 TEST_F(ContentInfoTest, ShowsMasksWithTheirPoints)
 {
     const auto mask = Mask::Create(u"Hole");
@@ -88,6 +94,8 @@ TEST_F(ContentInfoTest, ShowsMasksWithTheirPoints)
                 "           point 1   (0, 5), handles (0, 0) and (0, 0), linear\n"
                 "           point 2   (10, 5), handles (0, 0) and (0, 0), linear\n"
                 "           point 3   1 key frame, handles (0, 0) and (0, 0)");
+    const std::string info = Run({"info", "a.xml"}).out;
+    EXPECT_THAT(info, testing::HasSubstr(", 1 mask, 38 properties (1 animated), 1 key frame, "));
 }
 
 TEST_F(ContentInfoTest, ShowsEffectsWithPluginVersionAndState)
