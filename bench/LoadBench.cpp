@@ -1,5 +1,5 @@
 // Loading, beside a bare pugixml parse with a walk over all nodes, and beside Qt's DOM. All three get the
-// same text, in UTF-16. The heap is warm: earlier rounds have left it grown.
+// same text, in UTF-16. The heap is warm.
 
 #include <bench/support/Documents.h>
 #include <bench/support/Stopwatch.h>
