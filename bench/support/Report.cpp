@@ -57,6 +57,16 @@ constexpr Figure kFigures[] = {
      nullptr, Bound::AtMost, 0},
     {"throughput of two threads / of one", Kind::Ratio, "WorldOfScene/1", "WorldOfScene/2", Bound::AtLeast,
      1.8},
+    {"load a text of 1,000,000 characters / of 100,000", Kind::Ratio, "LoadText/1000000", "LoadText/100000",
+     Bound::AtMost, 13},
+    {"clone a text of 1,000,000 characters / of 100,000", Kind::Ratio, "CloneText/1000000",
+     "CloneText/100000", Bound::AtMost, 13},
+    {"save a text of 1,000,000 characters / of 100,000", Kind::Ratio, "SaveText/1000000", "SaveText/100000",
+     Bound::AtMost, 13},
+    {"drop a text of 1,000,000 characters / of 100,000", Kind::Ratio, "DropText/1000000", "DropText/100000",
+     Bound::AtMost, 13},
+    {"clone 1,000 layers with five effects / 100", Kind::Ratio, "CloneEffects/1000", "CloneEffects/100",
+     Bound::AtMost, 13},
 };
 
 std::string TimeText(double nanoseconds)

@@ -1,12 +1,7 @@
 #include "ToolTest.h"
 
-#include <marlet/animation/PropertyManager.h>
-#include <marlet/layers/PointLayer.h>
-#include <marlet/project/AssetList.h>
 #include <marlet/project/BinFolder.h>
-#include <marlet/project/CompositionAsset.h>
 #include <marlet/project/ImageAsset.h>
-#include <marlet/project/Project.h>
 
 #include <algorithm>
 
@@ -16,21 +11,9 @@ namespace marlet::test
 namespace
 {
 
-using namespace project;
 using CheckTest = ToolTest;
 
 const kytl::KyID kNowhere{1, 2, 3, {4, 5, 6, 7, 8, 9, 10, 11}};
-
-TEST_F(CheckTest, ASoundProjectHasNoProblems)
-{
-    AddPoint(u"Child", {})->SetParentLayer(AddPoint(u"Parent", {}));
-    composition_->SetParentFolderID(project_->Assets().Bin().ID());
-    Save("a.xml");
-    const ToolRun run = Run({"check", "a.xml", "--json"});
-    EXPECT_EQ(run.exitCode, 0);
-    EXPECT_EQ(run.out, "{\"kind\":\"sums\",\"problems\":0}\n");
-    EXPECT_EQ(run.err, "");
-}
 
 TEST_F(CheckTest, FindsOneProblemOfEachKind)
 {
@@ -41,13 +24,13 @@ TEST_F(CheckTest, FindsOneProblemOfEachKind)
     folder->SetParentFolderID(kNowhere);
     project_->Assets().Bin().Folders().Add(folder);
 
-    AddPoint(u"Orphan", {})->SetParentLayer(kNowhere);
-    const auto first = AddPoint(u"First", {});
-    const auto second = AddPoint(u"Second", {});
+    AddPoint(u"Orphan")->SetParentLayer(kNowhere);
+    const auto first = AddPoint(u"First");
+    const auto second = AddPoint(u"Second");
     first->SetParentLayer(second);
     second->SetParentLayer(first);
-    AddPoint(u"Exile", {})->SetParentComposition(kNowhere);
-    const auto typed = AddPoint(u"Typed", {});
+    AddPoint(u"Exile")->SetParentComposition(kNowhere);
+    const auto typed = AddPoint(u"Typed");
     typed->Animation().StaticValue("rotationZ") = 5;
     typed->Animation().KeyFrames("position").Add(KeyFrame(40, 1.5f));
     Save("a.xml");
@@ -62,7 +45,7 @@ TEST_F(CheckTest, FindsOneProblemOfEachKind)
     const auto layer = [](const std::string &name) {
         return "layer \\\"" + name + "\\\" of composition \\\"Main\\\"";
     };
-    const std::vector<std::string> expected = {
+    const std::string expected[] = {
         line("dangling ID", "folder \\\"Stray\\\"", "the parent folder " + id + " does not exist"),
         line("dangling ID", "asset \\\"gone.png\\\"", "the parent folder " + id + " does not exist"),
         line("missing file", "asset \\\"gone.png\\\"", "its file is not there"),
@@ -76,25 +59,20 @@ TEST_F(CheckTest, FindsOneProblemOfEachKind)
              "the static value is of type int32_t in place of float"),
         "{\"kind\":\"sums\",\"problems\":9}",
     };
-    std::vector<std::string> found = run.OutLines();
-    std::sort(found.begin(), found.end());
-    std::vector<std::string> sorted = expected;
-    std::sort(sorted.begin(), sorted.end());
-    EXPECT_EQ(found, sorted);
+    EXPECT_THAT(run.OutLines(), testing::UnorderedElementsAreArray(expected));
 }
 
 TEST_F(CheckTest, FindsIDsThatRepeat)
 {
     project_->Assets().All().Add(composition_);
-    const auto layer = AddPoint(u"Twin", {});
+    const auto layer = AddPoint(u"Twin");
     composition_->Layers().Add(layer);
     Save("a.xml");
     const std::string out = Run({"check", "a.xml"}).out;
-    EXPECT_NE(out.find("repeated ID     asset \"Main\": " + composition_->ID().ToNarrowString()),
-              std::string::npos);
-    EXPECT_NE(
-        out.find("repeated ID     layer \"Twin\" of composition \"Main\": " + layer->ID().ToNarrowString()),
-        std::string::npos);
+    EXPECT_THAT(out, testing::StartsWith(
+                         "repeated ID     asset \"Main\": " + composition_->ID().ToNarrowString() + "\n"));
+    EXPECT_THAT(out, testing::EndsWith("repeated ID     layer \"Twin\" of composition \"Main\": " +
+                                       layer->ID().ToNarrowString() + "\n"));
 }
 
 TEST_F(CheckTest, TellsWhereASaveChangesTheFile)
@@ -117,7 +95,7 @@ TEST_F(CheckTest, TellsWhereASaveChangesTheFile)
 
 TEST_F(CheckTest, KnowsTheTypesOfAClassEvenIfTheFileHasOthersThroughout)
 {
-    AddPoint(u"Odd", {});
+    AddPoint(u"Odd");
     std::string text = ToUtf8(project_->Serialize());
     const std::size_t start = text.find("<rotationX");
     std::string property = text.substr(start, text.find("</rotationX>") - start);

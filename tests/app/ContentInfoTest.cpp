@@ -2,23 +2,17 @@
 #include "plugins/PluginManager.h"
 #include "plugins/Plugins.h"
 
-#include <marlet/animation/PropertyManager.h>
 #include <marlet/layers/TextLayer.h>
 #include <marlet/masks/Mask.h>
 #include <marlet/masks/MotionPath.h>
 #include <marlet/masks/PathPoint.h>
 #include <marlet/plugins/EffectInstance.h>
-#include <marlet/project/CompositionAsset.h>
-
-#include <algorithm>
 
 namespace marlet::test
 {
 
 namespace
 {
-
-using namespace project;
 
 class ContentInfoTest : public ToolTest
 {
@@ -36,36 +30,15 @@ protected:
             text_->Text().Append(TextLayer::CreateCharToken(character, format, {}));
     }
 
-    void AddParagraph(int justification)
-    {
-        text_->Text().Append(
-            TextLayer::CreateParagraphToken(TextLayer::JustificationType(justification), {}));
-    }
-
     std::shared_ptr<TextLayer::Format> Format(int size)
     {
         return text_->TextFormat(u"Serif", u"Bold", size, {1, 0.5f, 0, 1}, {0, 0, 0, 1}, 2, 0, 12.5f);
     }
 
-    void AddMask()
+    void ExpectLines(const std::string &lines, const std::string &option = "--") const
     {
-        const auto mask = Mask::Create(u"Hole");
-        mask->SetParentLayerID(text_->ID());
-        for (const float x : {0.f, 10.f, 20.f})
-            mask->Path().Points().Add(PathPoint::Create(x, 5, mask->Path().ID()));
-        PathPoint &last = *mask->Path().Points().back();
-        last.Animation().KeyFrames("position").Add(KeyFrame(0, kytl::matl::KyPoint<2, float>{20, 5}));
-        last.Animation().KeyFrames("position").Add(KeyFrame(40, kytl::matl::KyPoint<2, float>{30, 5}));
-        last.SetLinear(false);
-        mask->Path().SetClosed(true);
-        mask->SetVisible(false);
-        text_->Masks().Add(mask);
-    }
-
-    void ExpectLines(const std::string &out, const std::vector<std::string> &lines) const
-    {
-        for (const std::string &line : lines)
-            EXPECT_NE(out.find(line + "\n"), std::string::npos) << line << "\n" << out;
+        Save("a.xml");
+        EXPECT_THAT(Run({"info", "a.xml", option}).out, testing::HasSubstr(lines + "\n"));
     }
 
     std::shared_ptr<TextLayer> text_;
@@ -76,64 +49,45 @@ TEST_F(ContentInfoTest, ShowsTextByRunsAndFormats)
     Format(99); // in no use, so it is not saved
     Append(u"\u05D0\U0001D11E", Format(12));
     Append(u"b\n", Format(14));
-    AddParagraph(1);
-    Append(u"c", Format(12));
     Append(u"d", nullptr);
-    AddParagraph(-2);
-    Save("a.xml");
-    ExpectLines(
-        Run({"info", "a.xml"}).out,
-        {
-            "         text in a frame of 100x50, 9 tokens, 2 paragraph breaks, 2 formats",
-            "           format 1  \"Serif\" \"Bold\", size 12, fill (1, 0.5, 0, 1), stroke (0, 0, 0, 1) "
-            "of 2, tracking 0, leading 12.5",
-            "           run, format 1  \"\u05D0\U0001D11E\"\n"
-            "           run, format 2  \"b\\n\"\n"
-            "           paragraph, justification 1\n"
-            "           run, format 1  \"c\"\n"
-            "           run, no format  \"d\"\n"
-            "           paragraph, justification -2",
-        });
+    text_->Text().Append(TextLayer::CreateParagraphToken(TextLayer::JustificationType{-2}, {}));
+    ExpectLines("         text in a frame of 100x50, 7 tokens, 1 paragraph break, 2 formats");
+    ExpectLines("           format 1  \"Serif\" \"Bold\", size 12, fill (1, 0.5, 0, 1), "
+                "stroke (0, 0, 0, 1) of 2, tracking 0, leading 12.5");
+    ExpectLines("           run, format 1  \"\u05D0\U0001D11E\"\n"
+                "           run, format 2  \"b\\n\"\n"
+                "           run, no format  \"d\"\n"
+                "           paragraph, justification -2");
     const std::string id = "\"layer\":\"" + text_->ID().ToNarrowString() + "\"";
-    ExpectLines(Run({"info", "a.xml", "--json"}).out,
-                {
-                    "{\"kind\":\"text\"," + id +
-                        ",\"min_x\":-50,\"max_x\":50,\"min_y\":-25,\"max_y\":25,\"tokens\":9,"
-                        "\"paragraph_breaks\":2,\"formats\":2,\"runs\":4}",
-                    "{\"kind\":\"text_run\"," + id + ",\"format\":1,\"text\":\"\u05D0\U0001D11E\"}",
-                    "{\"kind\":\"text_run\"," + id + ",\"format\":null,\"text\":\"d\"}",
-                    "{\"kind\":\"text_paragraph\"," + id + ",\"justification\":-2}",
-                });
+    ExpectLines("{\"kind\":\"text\"," + id +
+                    ",\"min_x\":-50,\"max_x\":50,\"min_y\":-25,\"max_y\":25,\"tokens\":7,"
+                    "\"paragraph_breaks\":1,\"formats\":2,\"runs\":3}",
+                "--json");
+    ExpectLines("{\"kind\":\"text_run\"," + id + ",\"format\":1,\"text\":\"\u05D0\U0001D11E\"}", "--json");
 }
 
 TEST_F(ContentInfoTest, CutsALongRunForPeopleBetweenCharacters)
 {
-    Append(WideString(59, u'a') + u"\U0001D11E" + WideString(20000, u'b'), Format(12));
-    Save("a.xml");
-    ExpectLines(Run({"info", "a.xml"}).out,
-                {"           run, format 1  \"" + std::string(59, 'a') + "\"..., 20061 tokens"});
-    ExpectLines(Run({"info", "a.xml", "--json"}).out,
-                {"\"text\":\"" + std::string(59, 'a') + "\U0001D11E" + std::string(20000, 'b') + "\"}"});
+    Append(WideString(59, u'a') + u"\U0001D11E" + WideString(9, u'b'), Format(12));
+    ExpectLines("           run, format 1  \"" + std::string(59, 'a') + "\"..., 70 tokens");
 }
 
 TEST_F(ContentInfoTest, ShowsMasksWithTheirPoints)
 {
-    AddMask();
-    Save("a.xml");
-    ExpectLines(Run({"info", "a.xml"}).out,
-                {
-                    "         mask \"Hole\"  closed path of 3 points, hidden\n"
-                    "           8 at their defaults\n"
-                    "           point 1   (0, 5), handles (0, 0) and (0, 0), linear\n"
-                    "           point 2   (10, 5), handles (0, 0) and (0, 0), linear\n"
-                    "           point 3   2 key frames, handles (0, 0) and (0, 0)",
-                    "1 layer, 0 effects, 1 mask, 21 properties (0 animated), 0 key frames, 0 expressions, "
-                    "0 metadata values",
-                });
-    const std::vector<std::string> lines = Run({"info", "a.xml", "--json"}).OutLines();
-    EXPECT_EQ(std::count_if(lines.begin(), lines.end(),
-                            [](const auto &line) { return line.find("{\"kind\":\"mask_point\"") == 0; }),
-              3);
+    const auto mask = Mask::Create(u"Hole");
+    for (const float x : {0.f, 10.f, 20.f})
+        mask->Path().Points().Add(PathPoint::Create(x, 5, mask->Path().ID()));
+    PathPoint &last = *mask->Path().Points().back();
+    last.Animation().KeyFrames("position").Add(KeyFrame(40, kytl::matl::KyPoint<2, float>{30, 5}));
+    last.SetLinear(false);
+    mask->Path().SetClosed(true);
+    mask->SetVisible(false);
+    text_->Masks().Add(mask);
+    ExpectLines("         mask \"Hole\"  closed path of 3 points, hidden\n"
+                "           8 at their defaults\n"
+                "           point 1   (0, 5), handles (0, 0) and (0, 0), linear\n"
+                "           point 2   (10, 5), handles (0, 0) and (0, 0), linear\n"
+                "           point 3   1 key frame, handles (0, 0) and (0, 0)");
 }
 
 TEST_F(ContentInfoTest, ShowsEffectsWithPluginVersionAndState)
@@ -141,24 +95,17 @@ TEST_F(ContentInfoTest, ShowsEffectsWithPluginVersionAndState)
     const auto blur = EffectInstance::Create(tool::Plugins()->FindPlugin(tool::kGaussianBlurID));
     blur->SetName(u"Fog");
     blur->SetEnabled(false);
-    blur->Properties().StaticValue("radius") = 2.f;
     text_->Effects().Add(blur);
     text_->Effects().Add(EffectInstance::Create(tool::Plugins()->FindPlugin(tool::kDropShadowID)));
-    Save("a.xml");
-    ExpectLines(Run({"info", "a.xml"}).out, {
-                                                "         effect \"Fog\"  Gaussian Blur 1.2.0.0, off\n"
-                                                "           radius               float         2\n"
-                                                "           3 at their defaults\n"
-                                                "         effect \"Drop Shadow\"  Drop Shadow 1.1.0.0, on\n"
-                                                "           9 at their defaults\n"
-                                                "           hidden in its panel: light, spread",
-                                            });
-    ExpectLines(Run({"info", "a.xml", "--json"}).out,
-                {"{\"kind\":\"effect\",\"layer\":\"" + text_->ID().ToNarrowString() + "\",\"id\":\"" +
-                 blur->ID().ToNarrowString() +
-                 "\",\"name\":\"Fog\",\"plugin\":\"8e1c4a50-52d7-4f0b-9a61-1d3f70c24e01\",\"plugin_name\":"
-                 "\"Gaussian Blur\",\"plugin_version\":\"1.2.0.0\",\"enabled\":false,\"private_bytes\":0,"
-                 "\"hidden\":[]}"});
+    ExpectLines("         effect \"Fog\"  Gaussian Blur 1.2.0.0, off\n"
+                "           4 at their defaults\n"
+                "         effect \"Drop Shadow\"  Drop Shadow 1.1.0.0, on\n"
+                "           9 at their defaults\n"
+                "           hidden in its panel: light, spread");
+    ExpectLines("\"name\":\"Fog\",\"plugin\":\"8e1c4a50-52d7-4f0b-9a61-1d3f70c24e01\",\"plugin_name\":"
+                "\"Gaussian Blur\",\"plugin_version\":\"1.2.0.0\",\"enabled\":false,\"private_bytes\":0,"
+                "\"hidden\":[]}",
+                "--json");
 }
 
 } // namespace

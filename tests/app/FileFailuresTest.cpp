@@ -1,9 +1,6 @@
 #include "ToolTest.h"
 
-#include <marlet/project/Project.h>
-
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <filesystem>
 
@@ -28,38 +25,27 @@ std::string Utf16(const std::u16string &text, bool bigEndian)
 
 TEST_F(FileFailuresTest, EveryFailureIsOneLineThatNamesTheFile)
 {
-    const std::string project = project::ToUtf8(project_->Serialize());
-    fs::create_directory(Path("folder"));
+    const std::string project = ToUtf8(project_->Serialize());
     Write("empty.xml", "");
-    Write("binary.xml", std::string("\x7F\x45\x4C\x46\0\x01", 6));
     Write("latin.xml", "<Project Version=\"0\"><Name>caf\xE9</Name></Project>");
     Write("cut.xml", project.substr(0, project.size() / 2));
     Write("odd.xml", Utf16(u"<Project/>", false) + "x");
     Write("bare.xml", "<Project/>");
-    Write("nameless.xml", "<Project Version=\"0\"><ID>00000000-0000-0000-0000-000000000000</ID></Project>");
-    Write("id.xml", "<Project Version=\"0\"><ID>none</ID><Name/></Project>");
 
     const std::pair<const char *, const char *> cases[] = {
         {"gone.xml", "No such file or directory"},
-        {"folder", "Is a directory"},
-        {"bare.xml/x", "Not a directory"},
+        {".", "Is a directory"},
         {"empty.xml", "Wrong tag name: Project"},
-        {"binary.xml", "Wrong tag name: Project"},
         {"latin.xml", "The text is not UTF-8"},
         {"cut.xml", "Wrong tag name: Project"},
         {"odd.xml", "The text is cut off in the middle of a character"},
         {"bare.xml", "Project is missing attribute Version: "},
-        {"nameless.xml", "Missing element: Name"},
-        {"id.xml", "Cannot construct KyID from string"},
         {"/dev/null", "Wrong tag name: Project"},
     };
     for (const auto &[file, message] : cases) {
-        for (const char *command : {"info", "check"}) {
-            const ToolRun run = Run({command, file});
-            EXPECT_EQ(run.exitCode, 1) << file;
-            EXPECT_EQ(run.err, std::string("marlet: ") + file + ": " + message + "\n");
-            EXPECT_EQ(run.out, "");
-        }
+        const ToolRun run = Run({"info", file});
+        EXPECT_EQ(run.exitCode, 1) << file;
+        EXPECT_EQ(run.err, std::string("marlet: ") + file + ": " + message + "\n");
     }
 }
 
@@ -67,22 +53,17 @@ TEST_F(FileFailuresTest, ReadsUtf8AndUtf16WithAByteOrderMark)
 {
     project_->SetName(u"M\u00E4r\U0001F419");
     const std::u16string text = project_->Serialize();
-    const std::string plain = project::ToUtf8(text);
-    Write("bom.xml", "\xEF\xBB\xBF" + plain);
-    Write("little.xml", Utf16(text, false));
-    Write("big.xml", Utf16(text, true));
-    for (const char *file : {"bom.xml", "little.xml", "big.xml"}) {
-        EXPECT_EQ(Run({"save", file, "out.xml"}).exitCode, 0) << file;
-        EXPECT_EQ(Read("out.xml"), plain) << file;
+    const std::string plain = ToUtf8(text);
+    for (const std::string &bytes : {"\xEF\xBB\xBF" + plain, Utf16(text, false), Utf16(text, true)}) {
+        Write("in.xml", bytes);
+        EXPECT_EQ(Run({"save", "in.xml", "out.xml"}).exitCode, 0);
+        EXPECT_EQ(Read("out.xml"), plain);
     }
-    Write("fed.xml", plain);
-    EXPECT_EQ(Shell("cat fed.xml | \"$MARLET\" save /dev/stdin out2.xml").exitCode, 0);
-    EXPECT_EQ(Read("out2.xml"), plain);
 }
 
 TEST_F(FileFailuresTest, AFailedSaveLeavesTheOldFileWholeAndNothingElse)
 {
-    AddPoint(u"Point", {});
+    AddPoint(u"Point");
     Save("a.xml");
     Write("old.xml", "old");
     // 512 bytes are less than the project has.
@@ -93,11 +74,8 @@ TEST_F(FileFailuresTest, AFailedSaveLeavesTheOldFileWholeAndNothingElse)
 
     EXPECT_EQ(Run({"save", "a.xml", "no/such/folder.xml"}).err,
               "marlet: no/such/folder.xml: No such file or directory\n");
-    EXPECT_EQ(Run({"save", "a.xml", "/proc/none.xml"}).exitCode, 1);
-    fs::create_directory(Path("taken"));
-    EXPECT_EQ(Run({"save", "a.xml", "taken"}).err, "marlet: taken: Is a directory\n");
     EXPECT_EQ(Run({"save", "a.xml", "/dev/full"}).err, "marlet: /dev/full: No space left on device\n");
-    EXPECT_EQ(FileNames().size(), 3u); // a.xml, old.xml, taken
+    EXPECT_EQ(FileNames().size(), 2u);
 }
 
 TEST_F(FileFailuresTest, ASaveKeepsPermissionsAndFollowsLinks)
@@ -107,7 +85,6 @@ TEST_F(FileFailuresTest, ASaveKeepsPermissionsAndFollowsLinks)
     Write("sub/real.xml", "old");
     ::chmod(Path("sub/real.xml").c_str(), 0640);
     fs::create_symlink("sub/real.xml", Path("link.xml"));
-    fs::create_symlink("sub/later.xml", Path("dangling.xml"));
 
     EXPECT_EQ(Run({"save", "a.xml", "link.xml"}).exitCode, 0);
     EXPECT_TRUE(fs::is_symlink(Path("link.xml")));
@@ -117,32 +94,16 @@ TEST_F(FileFailuresTest, ASaveKeepsPermissionsAndFollowsLinks)
     ::stat(Path("sub/real.xml").c_str(), &status);
     EXPECT_EQ(status.st_mode & 07777u, 0640u);
 
-    EXPECT_EQ(Run({"save", "a.xml", "dangling.xml"}).exitCode, 0);
-    EXPECT_TRUE(fs::is_symlink(Path("dangling.xml")));
-    EXPECT_EQ(Read("sub/later.xml"), Read("a.xml"));
-
-    EXPECT_EQ(Shell("umask 027; \"$MARLET\" save a.xml fresh.xml").exitCode, 0);
-    ::stat(Path("fresh.xml").c_str(), &status);
-    EXPECT_EQ(status.st_mode & 07777u, 0640u);
-
-    EXPECT_EQ(Run({"save", "a.xml", "a.xml"}).exitCode, 0);
     EXPECT_EQ(Shell("\"$MARLET\" save a.xml /dev/stdout").out, Read("a.xml"));
-    EXPECT_EQ(Run({"save", "a.xml", "/dev/null"}).exitCode, 0);
-    EXPECT_TRUE(fs::is_character_file("/dev/null"));
 }
 
 TEST_F(FileFailuresTest, LostOutputIsAFailure)
 {
-    AddPoint(u"Point", {});
+    AddPoint(u"Point");
     Save("a.xml");
     EXPECT_EQ(Shell("\"$MARLET\" info a.xml >/dev/full").err,
               "marlet: standard output: No space left on device\n");
-    EXPECT_EQ(Shell("\"$MARLET\" info a.xml >/dev/full").exitCode, 1);
     EXPECT_EQ(Shell("\"$MARLET\" help >&-").exitCode, 1);
-    // More than the buffers hold.
-    EXPECT_EQ(
-        Shell("\"$MARLET\" matrix a.xml --composition Main --layer Point --frames 0..999 >/dev/full").err,
-        "marlet: standard output: No space left on device\n");
     const ToolRun closed = Shell("{ \"$MARLET\" matrix a.xml --composition Main --layer Point "
                                  "--frames 0..2147483647; echo $? >code; } | head -n 1 >/dev/null; cat code");
     EXPECT_EQ(closed.out, "1\n");

@@ -17,9 +17,7 @@ protected:
         QImage image(width, height, format);
         for (int y = 0; y < height; ++y)
             for (int x = 0; x < width; ++x)
-                image.setPixelColor(x, y,
-                                    QColor(x * 40 % 256, y * 60 % 256, (x + y) * 20 % 256,
-                                           image.hasAlphaChannel() ? 50 + y % 200 : 255));
+                image.setPixelColor(x, y, QColor(x, y, 9, image.hasAlphaChannel() ? 50 + y : 255));
         EXPECT_TRUE(image.save(QString::fromStdString(Path(name))));
         return image;
     }
@@ -28,19 +26,16 @@ protected:
 TEST_F(ImageTest, TellsWhatBothClassesAnswer)
 {
     Save("alpha.png", 5, 3, QImage::Format_ARGB32);
-    Save("opaque.png", 4, 2, QImage::Format_RGB888);
     Write("text.png", "no picture");
     const std::vector<std::string> lines =
-        Run({"image", "alpha.png", "opaque.png", "text.png", "gone.png", "--json"}).OutLines();
-    ASSERT_EQ(lines.size(), 4u);
+        Run({"image", "alpha.png", "text.png", "gone.png", "--json"}).OutLines();
+    ASSERT_EQ(lines.size(), 3u);
     EXPECT_EQ(lines[0],
               "{\"file\":\"alpha.png\",\"image\":{\"name\":\"alpha.png\",\"status\":\"usable\",\"offline\":"
               "false,\"width\":5,\"height\":3,\"bits\":32,\"channels\":\"BGRA\",\"pixel_aspect_ratio\":1},"
               "\"texture\":{\"loaded\":true,\"width\":5,\"height\":3}}");
-    EXPECT_NE(lines[1].find("\"width\":4,\"height\":2,\"bits\":24,\"channels\":\"RGB\""), std::string::npos);
-    EXPECT_NE(lines[2].find("\"status\":\"unreadable\",\"offline\":false,\"width\":0"), std::string::npos);
-    EXPECT_NE(lines[3].find("\"status\":\"missing\",\"offline\":true,\"width\":0"), std::string::npos);
-    EXPECT_NE(lines[3].find("\"texture\":{\"loaded\":false,\"width\":0,\"height\":0}"), std::string::npos);
+    EXPECT_THAT(lines[1], testing::HasSubstr("\"status\":\"unreadable\",\"offline\":false,\"width\":0"));
+    EXPECT_THAT(lines[2], testing::HasSubstr("\"status\":\"missing\",\"offline\":true,\"width\":0"));
 }
 
 TEST_F(ImageTest, WritesThePictureAsItIs)
@@ -60,23 +55,19 @@ TEST_F(ImageTest, ScalesDownIntoASizeButNeverUp)
     Save("in.png", 40, 20, QImage::Format_RGB888);
     ASSERT_EQ(Run({"image", "in.png", "-o=small.png", "--size=10x10"}).exitCode, 0);
     EXPECT_EQ(QImage(QString::fromStdString(Path("small.png"))).size(), QSize(10, 5));
-    const std::string large = Run({"image", "in.png", "--size", "400x400", "--json"}).out;
-    EXPECT_NE(large.find("\"pixels\":{\"width\":40,\"height\":20}"), std::string::npos) << large;
+    EXPECT_THAT(Run({"image", "in.png", "--size", "400x400", "--json"}).out,
+                testing::HasSubstr("\"pixels\":{\"width\":40,\"height\":20}"));
 }
 
 TEST_F(ImageTest, APictureThatCannotBeReadIsAFailure)
 {
-    Write("text.png", "no picture");
-    Save("whole.png", 5, 3, QImage::Format_RGB888);
-    std::string damaged = Read("whole.png");
-    damaged[damaged.find("IDAT") + 6] ^= 0x55;
-    Write("damaged.png", damaged);
-    for (const std::string file : {"text.png", "damaged.png"})
-        EXPECT_EQ(Run({"image", file, "-o", "out.png"}).err,
-                  "marlet: " + file + ": Not an image that can be read\n");
-    EXPECT_EQ(Run({"image", "gone.png", "-o", "out.png"}).err,
-              "marlet: gone.png: No such file or directory\n");
-    EXPECT_EQ(FileNames().size(), 3u);
+    Save("in.png", 5, 3, QImage::Format_RGB888);
+    std::string bytes = Read("in.png");
+    bytes[bytes.find("IDAT") + 6] ^= 0x55;
+    Write("in.png", bytes);
+    EXPECT_EQ(Run({"image", "in.png", "-o", "out.png"}).err,
+              "marlet: in.png: Not an image that can be read\n");
+    EXPECT_EQ(FileNames().size(), 1u);
 }
 
 } // namespace

@@ -1,8 +1,5 @@
 #include "ToolTest.h"
 
-#include <marlet/animation/PropertyManager.h>
-#include <marlet/layers/PointLayer.h>
-
 namespace marlet::test
 {
 
@@ -12,15 +9,15 @@ namespace
 class ParentingTest : public ToolTest
 {
 protected:
-    ToolRun Parent(const std::string &file, const std::string &out, const std::string &layer,
-                   const std::string &change) const
+    /// Changes the parent of "Child" in "a.xml".
+    ToolRun Parent(const std::string &change) const
     {
-        return Run({"parent", file, out, "--composition=Main", "--layer", layer, "--frame=10", change});
+        return Run({"parent", "a.xml", "a.xml", "--composition=Main", "--layer=Child", "--frame=10", change});
     }
 
-    std::string Position(const std::string &file, const std::string &layer) const
+    std::string Position() const
     {
-        const std::string line = Run({"value", file, "--composition=Main", "--layer", layer,
+        const std::string line = Run({"value", "a.xml", "--composition=Main", "--layer=Child",
                                       "--property=position", "--times=0", "--json"})
                                      .out;
         return line.substr(line.find('['));
@@ -32,27 +29,24 @@ TEST_F(ParentingTest, KeepsTheLayerInPlaceBothWays)
     AddPoint(u"Parent", {30, 0, 0});
     AddPoint(u"Child", {100, 0, 0});
     Save("a.xml");
-    ASSERT_EQ(Parent("a.xml", "b.xml", "Child", "--to=Parent").exitCode, 0);
-    EXPECT_EQ(Position("a.xml", "Child"), "[100,0,0]}\n");
-    EXPECT_EQ(Position("b.xml", "Child"), "[70,0,0]}\n");
-    ASSERT_EQ(Parent("b.xml", "b.xml", "Child", "--remove").exitCode, 0);
-    EXPECT_EQ(Position("b.xml", "Child"), "[100,0,0]}\n");
-    EXPECT_EQ(Parent("b.xml", "c.xml", "Child", "--remove").err,
-              "marlet: b.xml: Layer \"Child\" has no parent\n");
+    ASSERT_EQ(Parent("--to=Parent").exitCode, 0);
+    EXPECT_EQ(Position(), "[70,0,0]}\n");
+    ASSERT_EQ(Parent("--remove").exitCode, 0);
+    EXPECT_EQ(Position(), "[100,0,0]}\n");
+    EXPECT_EQ(Parent("--remove").err, "marlet: a.xml: Layer \"Child\" has no parent\n");
 }
 
 TEST_F(ParentingTest, RefusesACircle)
 {
-    AddPoint(u"A", {});
-    AddPoint(u"B", {})->SetParentLayer(AddPoint(u"C", {}));
+    const auto middle = AddPoint(u"Middle");
+    middle->SetParentLayer(AddPoint(u"Child"));
+    AddPoint(u"Grandchild")->SetParentLayer(middle);
     Save("a.xml");
-    ASSERT_EQ(Parent("a.xml", "b.xml", "C", "--to=A").exitCode, 0);
-    for (const char *descendant : {"A", "B", "C"}) {
-        const ToolRun run = Parent("b.xml", "c.xml", "A", std::string("--to=") + descendant);
+    for (const char *descendant : {"Child", "Grandchild"}) {
+        const ToolRun run = Parent(std::string("--to=") + descendant);
         EXPECT_EQ(run.exitCode, 1);
-        EXPECT_EQ(run.err, "marlet: b.xml: Layer \"A\" would become its own parent\n");
+        EXPECT_EQ(run.err, "marlet: a.xml: Layer \"Child\" would become its own parent\n");
     }
-    EXPECT_EQ(FileNames().size(), 2u);
 }
 
 } // namespace

@@ -1,11 +1,5 @@
 #include "ToolTest.h"
 
-#include <marlet/animation/PropertyManager.h>
-#include <marlet/layers/PointLayer.h>
-#include <marlet/project/AssetList.h>
-#include <marlet/project/CompositionAsset.h>
-#include <marlet/project/Project.h>
-
 #include <sys/wait.h>
 
 #include <cstdlib>
@@ -18,7 +12,6 @@ namespace marlet::test
 {
 
 namespace fs = std::filesystem;
-using namespace project;
 
 namespace
 {
@@ -27,18 +20,6 @@ std::string ReadAll(const std::string &path)
 {
     std::ifstream file(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};
-}
-
-std::string ShellQuoted(const std::string &word)
-{
-    std::string quoted = "'";
-    for (const char c : word) {
-        if (c == '\'')
-            quoted += "'\\''";
-        else
-            quoted += c;
-    }
-    return quoted + "'";
 }
 
 } // namespace
@@ -70,7 +51,7 @@ ToolRun ToolTest::Run(const std::vector<std::string> &words) const
 {
     std::string line = "\"$MARLET\"";
     for (const std::string &word : words)
-        line += " " + ShellQuoted(word);
+        line += " '" + word + "'";
     return Shell(line);
 }
 
@@ -78,9 +59,8 @@ ToolRun ToolTest::Shell(const std::string &line) const
 {
     const std::string out = folder_ + "/out";
     const std::string err = folder_ + "/err";
-    const std::string script = "cd " + ShellQuoted(folder_ + "/files") +
-                               "; MARLET=" + ShellQuoted(MARLET_TOOL) + "; exec >" + ShellQuoted(out) +
-                               " 2>" + ShellQuoted(err) + "; " + line;
+    const std::string script =
+        "cd " + Path("") + "; MARLET='" MARLET_TOOL "'; exec >" + out + " 2>" + err + "; " + line;
     const int status = std::system(script.c_str());
     return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, ReadAll(out), ReadAll(err)};
 }

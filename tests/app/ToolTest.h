@@ -1,23 +1,20 @@
 #pragma once
 
-#include <marlet/foundation/KyPoint.h>
-#include <marlet/foundation/Strings.h>
+#include <marlet/animation/PropertyManager.h>
+#include <marlet/layers/PointLayer.h>
+#include <marlet/project/AssetList.h>
+#include <marlet/project/CompositionAsset.h>
+#include <marlet/project/Project.h>
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
-#include <memory>
 #include <string>
 #include <vector>
 
-namespace marlet::project
-{
-class CompositionAsset;
-class PointLayer;
-class Project;
-} // namespace marlet::project
-
 namespace marlet::test
 {
+
+using namespace marlet::project;
 
 struct ToolRun {
     int exitCode = -1;
@@ -46,11 +43,11 @@ protected:
 
     /// A project with one composition "Main" at 25 frames per second, saved under a name; returns the path.
     std::string Save(const std::string &name) const;
-    std::shared_ptr<project::PointLayer> AddPoint(const std::u16string &name,
-                                                  kytl::matl::KyPoint<3, float> position);
+    std::shared_ptr<PointLayer> AddPoint(const std::u16string &name,
+                                         kytl::matl::KyPoint<3, float> position = {});
 
-    std::shared_ptr<project::Project> project_;
-    std::shared_ptr<project::CompositionAsset> composition_;
+    std::shared_ptr<Project> project_;
+    std::shared_ptr<CompositionAsset> composition_;
 
 private:
     std::string folder_;

@@ -1,9 +1,5 @@
 #include "ToolTest.h"
 
-#include <marlet/animation/PropertyManager.h>
-#include <marlet/layers/PointLayer.h>
-#include <marlet/project/CompositionAsset.h>
-
 #include <limits>
 
 namespace marlet::test
@@ -12,13 +8,10 @@ namespace marlet::test
 namespace
 {
 
-using namespace project;
 using ValueTest = ToolTest;
 using MatrixTest = ToolTest;
 
-constexpr float kInfinity = std::numeric_limits<float>::infinity();
-
-TEST_F(ValueTest, WritesEveryAlternativeWithAllItsDigits)
+TEST_F(ValueTest, WritesTypesAndValuesWithAllTheirDigits)
 {
     const struct {
         PropertyValue value;
@@ -27,23 +20,14 @@ TEST_F(ValueTest, WritesEveryAlternativeWithAllItsDigits)
         const char *text;
     } cases[] = {
         {-7, "int32_t", "-7", "-7"},
-        {7u, "uint32_t", "7", "7"},
         {static_cast<unsigned char>(200), "uint8_t", "200", "200"},
         {0.1f, "float", "0.100000001", "0.1"},
         {0.1, "double", "0.10000000000000001", "0.1"},
-        {kInfinity, "float", "\"inf\"", "inf"},
-        {-kInfinity, "float", "\"-inf\"", "-inf"},
+        {std::numeric_limits<float>::infinity(), "float", "\"inf\"", "inf"},
         {std::numeric_limits<double>::quiet_NaN(), "double", "\"nan\"", "nan"},
         {true, "bool", "true", "yes"},
         {Scale3D{100, 50.5, 25}, "Scale3D", "[100,50.5,25]", "(100, 50.5, 25)"},
-        {Orientation3D{1, 2, 3}, "Orientation3D", "[1,2,3]", "(1, 2, 3)"},
-        {kytl::KyColorRGBA_32f{1, 0, 0.5f, 1}, "MarletColor", "[1,0,0.5,1]", "(1, 0, 0.5, 1)"},
-        {kytl::matl::KyPoint<2, float>{1, 2}, "KyPoint2_32f", "[1,2]", "(1, 2)"},
         {kytl::matl::KyPoint<3, float>{1, 2, 1e20f}, "KyPoint3_32f", "[1,2,1.00000002e+20]", "(1, 2, 1e+20)"},
-        {kytl::matl::KyVector<2, float>{1, 2}, "KyVector2_32f", "[1,2]", "(1, 2)"},
-        {kytl::matl::KyVector<3, float>{1, 2, 3}, "KyVector3_32f", "[1,2,3]", "(1, 2, 3)"},
-        {kytl::KyID(), "KyID", "\"00000000-0000-0000-0000-000000000000\"",
-         "00000000-0000-0000-0000-000000000000"},
     };
     for (const auto &row : cases) {
         PropertyManager properties;
@@ -51,30 +35,14 @@ TEST_F(ValueTest, WritesEveryAlternativeWithAllItsDigits)
         Write("properties.xml", ToUtf8(properties.Serialize()));
         EXPECT_EQ(Run({"value", "properties.xml", "--property=value", "--times=-3", "--json"}).out,
                   std::string("{\"time\":-3,\"type\":\"") + row.type + "\",\"value\":" + row.json + "}\n");
-        const std::string text = Run({"value", "properties.xml", "--property=value", "--times=-3"}).out;
-        EXPECT_NE(text.find(std::string(" ") + row.type + " "), std::string::npos) << text;
-        EXPECT_EQ(text.substr(text.size() - std::string(row.text).size() - 2),
-                  std::string(" ") + row.text + "\n");
+        EXPECT_THAT(Run({"value", "properties.xml", "--property=value", "--times=-3"}).out,
+                    testing::EndsWith(std::string(" ") + row.text + "\n"));
     }
-}
-
-TEST_F(ValueTest, FollowsTheKeyFramesOfALayer)
-{
-    KeyFrameList &keys = AddPoint(u"Ünit", {})->Animation().KeyFrames("rotationZ");
-    keys.Add(KeyFrame(0, 10.f));
-    keys.Add(KeyFrame(100, 20.f));
-    Save("a.xml");
-    const ToolRun run = Run({"value", "a.xml", "--composition=Main", "--layer=Ünit", "--property=rotationZ",
-                             "--times=-5,25..26,200", "--json"});
-    EXPECT_EQ(run.out, "{\"time\":-5,\"type\":\"float\",\"value\":10}\n"
-                       "{\"time\":25,\"type\":\"float\",\"value\":12.5}\n"
-                       "{\"time\":26,\"type\":\"float\",\"value\":12.6000004}\n"
-                       "{\"time\":200,\"type\":\"float\",\"value\":20}\n");
 }
 
 TEST_F(ValueTest, NamesWhatItDoesNotFind)
 {
-    AddPoint(u"Twin", {});
+    AddPoint(u"Twin");
     const auto second = AddPoint(u"Twin", {7, 0, 0});
     Save("a.xml");
     const auto value = [&](const std::string &composition, const std::string &layer,
@@ -109,15 +77,8 @@ TEST_F(ValueTest, NamesAFewOfManyLayers)
 TEST_F(ValueTest, ReadsPropertiesThatStandAloneAndTellsWhatIsWrongWithThem)
 {
     Write("alone.xml", "<PropertyManager Version=\"0\"/>");
-    Write("newer.xml", "<PropertyManager Version=\"1\"/>");
-    Write("other.xml", "<Layer/>");
-    const auto error = [&](const std::string &file) {
-        return Run({"value", file, "--property=p", "--times=0"}).err;
-    };
-    EXPECT_EQ(error("alone.xml"), "marlet: alone.xml: There is no property \"p\"\n");
-    EXPECT_EQ(error("newer.xml"), "marlet: newer.xml: The project file was saved by a newer version of the "
-                                  "application than this one.\n");
-    EXPECT_EQ(error("other.xml"), "marlet: other.xml: Wrong tag name: Project\n");
+    EXPECT_EQ(Run({"value", "alone.xml", "--property=p", "--times=0"}).err,
+              "marlet: alone.xml: There is no property \"p\"\n");
     EXPECT_EQ(Run({"value", "alone.xml", "--property=p", "--times=0", "--layer=L"}).exitCode, 2);
 }
 
@@ -137,8 +98,6 @@ TEST_F(MatrixTest, TellsTheKindsApart)
         const char *matrix;
     } cases[] = {
         {"world", "2,0,0,4,0,2,0,14,0,0,2,48,0,0,0,1"},
-        {"parenting", "2,0,0,4,0,2,0,14,0,0,2,48,0,0,0,1"},
-        {"set-parent", "2,0,0,4,0,2,0,14,0,0,2,48,0,0,0,1"},
         {"transformation", "1,0,0,1,0,1,0,2,0,0,1,3,0,0,0,1"},
         {"origin", "1,0,0,-4,0,1,0,-5,0,0,1,6,0,0,0,1"},
         {"parent", "2,0,0,10,0,2,0,20,0,0,2,30,0,0,0,1"},
@@ -154,48 +113,26 @@ TEST_F(MatrixTest, TellsTheKindsApart)
 
 TEST_F(MatrixTest, TakesFramesRangesAndTimesOnBothSidesOfTheStart)
 {
-    KeyFrameList &keys = AddPoint(u"Mover", {})->Animation().KeyFrames("position");
+    KeyFrameList &keys = AddPoint(u"Mover")->Animation().KeyFrames("position");
     keys.Add(KeyFrame(0, kytl::matl::KyPoint<3, float>{0, 0, 0}));
     keys.Add(KeyFrame(80, kytl::matl::KyPoint<3, float>{8, 0, 0}));
     Save("a.xml");
-    const std::vector<std::string> byFrame =
-        Run({"matrix", "a.xml", "--composition=Main", "--layer=Mover", "--frames=-1..1,3", "--json"})
-            .OutLines();
-    const std::vector<std::string> byTime =
-        Run({"matrix", "a.xml", "--composition=Main", "--layer=Mover", "--times=-40,0,40,120", "--json"})
-            .OutLines();
-    ASSERT_EQ(byFrame.size(), 4u);
-    EXPECT_EQ(byFrame, byTime);
-    EXPECT_EQ(byFrame[0], "{\"frame\":-1,\"time\":-40,\"matrix\":[1,0,0,0,0,1,0,0,0,0,1,0,0,0,0,1]}");
-    EXPECT_EQ(byFrame[2], "{\"frame\":1,\"time\":40,\"matrix\":[1,0,0,4,0,1,0,0,0,0,1,0,0,0,0,1]}");
-    EXPECT_EQ(byFrame[3], "{\"frame\":3,\"time\":120,\"matrix\":[1,0,0,8,0,1,0,0,0,0,1,0,0,0,0,1]}");
-}
-
-TEST_F(MatrixTest, AvoidsAScaleOfZeroOnRequest)
-{
-    AddPoint(u"Flat", {})->Animation().StaticValue("scale") = Scale3D{100, 0, 100};
-    Save("a.xml");
-    const std::vector<std::string> words = {"matrix",       "a.xml",     "--composition=Main",
-                                            "--layer=Flat", "--times=0", "--kind=transformation"};
-    std::vector<std::string> avoiding = words;
-    avoiding.push_back("--avoid-zero-scale");
-    EXPECT_EQ(Run(words).OutLines().at(2), "             0             0             0             0");
-    EXPECT_EQ(Run(avoiding).OutLines().at(2), "             0         1e-05             0             0");
+    for (const char *when : {"--frames=-1..1", "--times=-40,0,40"})
+        EXPECT_EQ(Run({"matrix", "a.xml", "--composition=Main", "--layer=Mover", when, "--json"}).out,
+                  "{\"frame\":-1,\"time\":-40,\"matrix\":[1,0,0,0,0,1,0,0,0,0,1,0,0,0,0,1]}\n"
+                  "{\"frame\":0,\"time\":0,\"matrix\":[1,0,0,0,0,1,0,0,0,0,1,0,0,0,0,1]}\n"
+                  "{\"frame\":1,\"time\":40,\"matrix\":[1,0,0,4,0,1,0,0,0,0,1,0,0,0,0,1]}\n");
 }
 
 TEST_F(MatrixTest, AParentThatIsMissingOrRunsInACircleIsAFailure)
 {
-    const auto lost = AddPoint(u"Lost", {});
-    lost->SetParentLayer(kytl::KyID::Generate());
-    const auto ring = AddPoint(u"Ring", {});
-    ring->SetParentLayer(ring->ID());
+    AddPoint(u"Lost")->SetParentLayer(kytl::KyID::Generate());
+    const auto ring = AddPoint(u"Ring");
+    ring->SetParentLayer(ring);
     Save("a.xml");
-    for (const char *layer : {"Lost", "Ring"}) {
-        const ToolRun run = Run({"matrix", "a.xml", "--composition=Main", "--layer", layer, "--frames=0"});
-        EXPECT_EQ(run.exitCode, 1);
-        EXPECT_EQ(run.err.find("marlet: a.xml: "), 0u);
-        EXPECT_NE(run.err.find(layer), std::string::npos) << run.err;
-    }
+    for (const std::string layer : {"Lost", "Ring"})
+        EXPECT_THAT(Run({"matrix", "a.xml", "--composition=Main", "--layer", layer, "--frames=0"}).err,
+                    testing::MatchesRegex("marlet: a.xml: .*" + layer + ".*\n"));
 }
 
 } // namespace

@@ -1,5 +1,4 @@
 #include <tests/support/LayerStage.h>
-#include <tests/support/MatrixMatchers.h>
 
 #include <gtest/gtest.h>
 
@@ -22,16 +21,14 @@ struct Findings {
     bool operator==(const Findings &) const = default;
 };
 
-/// Adds points, lights and cameras with curved animations that hang on one another by IDs not looked up yet.
+/// Adds points and lights with curved animations that hang on one another by IDs not looked up yet.
 void Animate(const LayerStage &stage)
 {
     KyID parentID;
     for (int i = 0; i < 12; ++i) {
-        std::shared_ptr<AbstractLayer> layer = stage.AddPoint(u"Layer " + WideString(1, char16_t(u'a' + i)));
-        if (i % 3 == 1)
-            layer = stage.AddLight();
-        else if (i % 3 == 2)
-            layer = stage.AddCamera();
+        std::shared_ptr<AbstractLayer> layer = stage.AddLight();
+        if (i % 2 == 0)
+            layer = stage.AddPoint(u"Layer " + WideString(1, char16_t(u'a' + i)));
         layer->SetDimensions(LayerDimensions::ThreeD);
         layer->SetStartFrame(i);
         const auto number = static_cast<float>(i);
@@ -44,7 +41,7 @@ void Animate(const LayerStage &stage)
             layer->Animation().KeyFrames("rotationZ").Add(key);
         }
         if (auto light = std::dynamic_pointer_cast<LightLayer>(layer))
-            light->SetAutoOrientation(i % 2 ? AutoOrient::AlongPath : AutoOrient::TowardsTarget);
+            light->SetAutoOrientation(i % 4 == 1 ? AutoOrient::AlongPath : AutoOrient::TowardsTarget);
         if (i % 5 != 0)
             layer->SetParentLayer(parentID);
         parentID = layer->ID();

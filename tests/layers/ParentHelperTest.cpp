@@ -1,4 +1,3 @@
-#include <tests/support/FixedLayer.h>
 #include <tests/support/LayerStage.h>
 #include <tests/support/MatrixMatchers.h>
 
@@ -23,36 +22,6 @@ struct Family : LayerStage {
     void Parent(int time = 0) { ParentHelper::Parent(project, time, parent, layer); }
     void RemoveParent(int time = 0) { ParentHelper::RemoveParent(project, time, layer); }
 };
-
-TEST(ParentHelper, SubtractsThePositionOfTheParent)
-{
-    Family f;
-    Set(*f.parent, "position", Point{30, 0, 0});
-    Set(*f.layer, "position", Point{100, 0, 0});
-    f.Parent();
-    EXPECT_EQ(Get<Point>(*f.layer, "position"), (Point{70, 0, 0}));
-    EXPECT_EQ(f.layer->ParentLayer(f.Assets()), f.parent);
-    EXPECT_THAT(f.World(), IsMatrixNear(Matrix::Translation(100, 0, 0), 1e-6));
-}
-
-TEST(ParentHelper, DividesByTheScaleOfTheParent)
-{
-    Family f;
-    Set(*f.parent, "scale", Scale3D{200, 200, 100});
-    f.Parent();
-    EXPECT_EQ(Get<Scale3D>(*f.layer, "scale"), (Scale3D{50, 50, 100}));
-}
-
-TEST(ParentHelper, TurnsAFlatLayerBackAndForth)
-{
-    Family f;
-    Set(*f.parent, "rotationZ", 30.f);
-    f.Parent();
-    EXPECT_NEAR(Get<float>(*f.layer, "rotationZ"), -30, 1e-4);
-    f.RemoveParent();
-    EXPECT_NEAR(Get<float>(*f.layer, "rotationZ"), 0, 1e-4);
-    EXPECT_FALSE(f.layer->HasParentLayer());
-}
 
 /// Gives a layer odd values, with the same scale along all axes so that no parent shears its children.
 void Scatter(AbstractLayer &layer, std::mt19937 &random)
@@ -87,8 +56,10 @@ TEST(ParentHelper, KeepsALayerWhereItIs)
             const Matrix before = f.World(1000);
             f.Parent(1000);
             EXPECT_THAT(f.World(1000), IsMatrixNear(before, 2e-2));
+            EXPECT_EQ(f.layer->ParentLayer(f.Assets()), f.parent);
             f.RemoveParent(1000);
             EXPECT_THAT(f.World(1000), IsMatrixNear(before, 2e-2));
+            EXPECT_FALSE(f.layer->HasParentLayer());
         }
     }
 }
@@ -105,7 +76,6 @@ TEST(ParentHelper, MovesAllKeyFramesByTheSameAmount)
     SetAt(*f.layer, "scale", 0, Scale3D{100, 100, 100});
     SetAt(*f.layer, "scale", 1000, Scale3D{300, 100, 40});
     SetAt(*f.layer, "orientation", 0, Orientation3D{0, 0, 10});
-    SetAt(*f.layer, "orientation", 1000, Orientation3D{0, 0, 50});
     const Matrix before = f.World(500);
     f.Parent(500);
     // At (50, 0, 0) the layer is (40, -20, -30) from the parent, whose frame is turned by 90 degrees and half
@@ -115,7 +85,6 @@ TEST(ParentHelper, MovesAllKeyFramesByTheSameAmount)
     EXPECT_THAT(Get<Point>(*f.layer, "position", 1000), IsPointNear(10, -80, -60, 1e-3));
     EXPECT_THAT(Get<Scale3D>(*f.layer, "scale", 1000), IsPointNear(600, 200, 80, 1e-3));
     EXPECT_THAT(Get<Orientation3D>(*f.layer, "orientation", 0), IsPointNear(0, 0, 100, 1e-3));
-    EXPECT_THAT(Get<Orientation3D>(*f.layer, "orientation", 1000), IsPointNear(0, 0, 140, 1e-3));
 }
 
 TEST(ParentHelper, MultipliesByAHundredWhatIsZeroAtTheTime)
@@ -126,7 +95,6 @@ TEST(ParentHelper, MultipliesByAHundredWhatIsZeroAtTheTime)
     f.Parent(0);
     EXPECT_EQ(Get<Scale3D>(*f.layer, "scale", 0).X, 0);
     EXPECT_EQ(Get<Scale3D>(*f.layer, "scale", 1000).X, 300);
-    EXPECT_NEAR(Get<Scale3D>(*f.layer, "scale", 1000).Y, 50, 1e-5);
 }
 
 TEST(ParentHelper, TurnsACameraByItsOrientationAlone)
@@ -134,10 +102,8 @@ TEST(ParentHelper, TurnsACameraByItsOrientationAlone)
     Family f;
     f.layer = f.AddCamera();
     Set(*f.layer, "rotationX", 15.f);
-    Set(*f.parent, "position", Point{0, 0, 500});
     Set(*f.parent, "rotationZ", 20.f);
     f.Parent();
-    EXPECT_THAT(Get<Point>(*f.layer, "position"), IsPointNear(0, 0, 500, 1e-3));
     EXPECT_THAT(Get<Orientation3D>(*f.layer, "orientation"), IsPointNear(0, 0, -20, 1e-4));
     EXPECT_EQ(Get<float>(*f.layer, "rotationX"), 15);
 }
@@ -147,60 +113,16 @@ TEST(ParentHelper, ChangesNothingButTheLinkInAFrameThatCannotBeInverted)
     Family f;
     Set(*f.parent, "scale", Scale3D{1e-20, 1e-20, 1e-20});
     Set(*f.layer, "position", Point{1, 2, 3});
-    Set(*f.layer, "rotationZ", 30.f);
     f.Parent();
     EXPECT_EQ(f.layer->ParentLayer(f.Assets()), f.parent);
     EXPECT_EQ(Get<Point>(*f.layer, "position"), (Point{1, 2, 3}));
     EXPECT_EQ(Get<Scale3D>(*f.layer, "scale"), Scale3D{});
-    EXPECT_EQ(Get<float>(*f.layer, "rotationZ"), 30);
-}
-
-TEST(ParentHelper, TakesAFlattenedFrameForUnturned)
-{
-    Family f;
-    Set(*f.parent, "rotationZ", 90.f);
-    Set(*f.parent, "scale", Scale3D{0, 0, 0});
-    Set(*f.layer, "rotationZ", 10.f);
-    f.Parent();
-    EXPECT_NEAR(Get<float>(*f.layer, "rotationZ"), 10, 1e-4);
-}
-
-TEST(ParentHelper, LeavesTheRotationInAFrameWhereItIsLost)
-{
-    for (const LayerDimensions dimensions : {LayerDimensions::TwoD, LayerDimensions::ThreeD}) {
-        Family f;
-        f.layer->SetDimensions(dimensions);
-        Set(*f.layer, "rotationZ", 10.f);
-        Set(*f.layer, "orientation", Orientation3D{0, 0, 20});
-        // The first axis is too short to count as turned, so that it falls together with the second.
-        const auto frame = f.Add(std::make_shared<FixedLayer>());
-        frame->transformation = Matrix();
-        frame->transformation(0, 0) = frame->transformation(1, 1) = 0;
-        frame->transformation(1, 0) = -1e-6f;
-        frame->transformation(0, 1) = 2;
-        ParentHelper::Parent(f.project, 0, frame, f.layer);
-        EXPECT_EQ(Get<float>(*f.layer, "rotationZ"), 10);
-        EXPECT_EQ(Get<Orientation3D>(*f.layer, "orientation"), (Orientation3D{0, 0, 20}));
-        EXPECT_NEAR(Get<Scale3D>(*f.layer, "scale").Y, 50, 1e-4);
-    }
-}
-
-TEST(ParentHelper, LeavesTheLinkToACallerThatUpdatesThePosition)
-{
-    Family f;
-    Set(*f.parent, "position", Point{30, 0, 0});
-    ParentHelper::UpdatePosition(f.project, 0, f.layer, f.parent);
-    EXPECT_EQ(Get<Point>(*f.layer, "position"), (Point{-30, 0, 0}));
-    EXPECT_FALSE(f.layer->HasParentLayer());
 }
 
 TEST(ParentHelper, CannotTakeAParentFromALayerInSpaceThatHasNone)
 {
     Family f;
-    Set(*f.layer, "position", Point{1, 2, 3});
     f.RemoveParent();
-    EXPECT_EQ(Get<Point>(*f.layer, "position"), (Point{1, 2, 3}));
-
     f.layer->SetDimensions(LayerDimensions::ThreeD);
     Set(*f.layer, "scale", Scale3D{0, 0, 0});
     EXPECT_THROW(f.RemoveParent(), std::logic_error);

@@ -47,9 +47,6 @@ TEST(ParticleLayer, TurnsUpOntoItsVelocityAboutItsOffset)
     EXPECT_THAT(ParticleLayerTransformation(p).TransformPoint({0, 3, 0}), IsPointNear(103, 50, 0, 1e-4));
     p.velocity = {1e-5f, 0, -1e-5f};
     EXPECT_THAT(ParticleLayerTransformation(p).TransformPoint({0, 3, 0}), IsPointNear(100, 53, 0, 1e-4));
-    p.velocity = {7, 0, 0};
-    p.alignment = 2;
-    EXPECT_THAT(ParticleLayerTransformation(p).TransformPoint({0, 3, 0}), IsPointNear(100, 53, 0, 1e-4));
 }
 
 TEST(ParticleLayer, GoesFromItsPreviousSampleToItsCurrentOne)
@@ -65,25 +62,16 @@ TEST(ParticleLayer, GoesFromItsPreviousSampleToItsCurrentOne)
         current.previousSpin = -0.25f;
         current.previousVelocity = {-3, 4, 1};
         ParticleLayer between = current;
-        const auto expect = [&](float fraction) {
-            EXPECT_THAT(ParticleLayerMotionBlurTransformation(current, fraction),
-                        IsMatrixNear(ParticleLayerTransformation(between), 1e-5));
-        };
-        expect(1);
+        EXPECT_THAT(ParticleLayerMotionBlurTransformation(current, 1),
+                    IsMatrixNear(ParticleLayerTransformation(between), 1e-5));
         between.scale = 3.5f;
         between.position = {70, 80, 90};
         between.offset = {2, 0, 4};
         between.rotation = {2, 2, 0.5f};
         between.spin = 0;
         between.velocity = {-2, 3.5f, 1.5f};
-        expect(0.25f);
-        between.scale = 4;
-        between.position = current.previousPosition;
-        between.offset = current.previousOffset;
-        between.rotation = current.previousRotation;
-        between.spin = current.previousSpin;
-        between.velocity = current.previousVelocity;
-        expect(0);
+        EXPECT_THAT(ParticleLayerMotionBlurTransformation(current, 0.25f),
+                    IsMatrixNear(ParticleLayerTransformation(between), 1e-5));
     }
 }
 

@@ -2,7 +2,10 @@
 #include <tests/support/MatrixMatchers.h>
 #include <tests/support/TransformationModel.h>
 
+#include <marlet/layers/GradeLayer.h>
+#include <marlet/layers/TextLayer.h>
 #include <marlet/layers/TransformationHelper.h>
+#include <marlet/masks/Mask.h>
 
 #include <gtest/gtest.h>
 
@@ -31,34 +34,15 @@ void Apply(const model::Layer &values, PointLayer &layer)
     Set(layer, "rotationZ", float(values.rotation[2]));
 }
 
-TEST(Transformation, TurnsAFlatLayerAgainstTheSignOfItsRotation)
-{
-    const LayerStage stage;
-    const auto layer = stage.AddPoint();
-    Set(*layer, "rotationZ", 90.f);
-    const Matrix m = layer->TransformationAtTime(0, stage.project, false);
-    EXPECT_THAT(m.TransformPoint({1, 0, 0}), IsPointNear(0, -1, 0, 1e-6));
-}
-
-TEST(Transformation, KeepsTheSignOfTheAnchorsDepth)
-{
-    const LayerStage stage;
-    const auto layer = stage.AddPoint();
-    Set(*layer, "anchorPoint", Point{10, 20, 30});
-    EXPECT_EQ(layer->OriginAtTime(0, stage.project), Matrix::Translation(-10, -20, 30));
-}
-
 TEST(Transformation, ReplacesAScaleOfZeroWhenAsked)
 {
     const LayerStage stage;
     const auto layer = stage.AddPoint();
-    for (const double zero : {0.0, -0.0}) {
-        Set(*layer, "scale", Scale3D{100, zero, -50});
-        EXPECT_EQ(TransformationHelper::Scale(layer.get(), stage.project, 0, false),
-                  Matrix::Scaling(1, 0, -0.5f));
-        EXPECT_EQ(TransformationHelper::Scale(layer.get(), stage.project, 0, true),
-                  Matrix::Scaling(1, 0.00001f, -0.5f));
-    }
+    Set(*layer, "scale", Scale3D{100, -0.0, -50});
+    EXPECT_EQ(TransformationHelper::Scale(layer.get(), stage.project, 0, false),
+              Matrix::Scaling(1, 0, -0.5f));
+    EXPECT_EQ(TransformationHelper::Scale(layer.get(), stage.project, 0, true),
+              Matrix::Scaling(1, 0.00001f, -0.5f));
 }
 
 TEST(Transformation, AgreesWithThePlainModelDownToTheThirdGeneration)
@@ -104,22 +88,36 @@ TEST(Transformation, PlacesCamerasAndLightsWithoutScaleAndAnchor)
     }
 }
 
-TEST(Transformation, FollowsKeyFramesBeforeTheStartToo)
+TEST(Transformation, OfAGradeHasItsOriginInTheMiddleOfItsFrame)
 {
     const LayerStage stage;
-    const auto layer = stage.AddPoint();
-    SetAt(*layer, "rotationZ", -100, 0.f);
-    SetAt(*layer, "rotationZ", 100, 90.f);
-    EXPECT_THAT(layer->TransformationAtTime(-50, stage.project, false),
-                IsMatrixNear(model::AboutZ(-22.5), 1e-6));
+    const auto layer = stage.Add(GradeLayer::Create(u"", 1920, 1080));
+    EXPECT_EQ(layer->OriginAtTime(0, stage.project), Matrix::Translation(-960, -540, 0));
+    layer->SetWidth(-3);
+    layer->SetHeight(std::numeric_limits<int>::min());
+    Set(*layer, "anchorPoint", Point{10, 0, 30});
+    EXPECT_EQ(layer->OriginAtTime(0, stage.project), Matrix::Translation(-8.5f, 1073741824, 30));
 }
 
-TEST(Transformation, FailsForAPropertyOfAnotherType)
+TEST(Transformation, PlacesGradesAndTextsLikePoints)
 {
     const LayerStage stage;
-    const auto layer = stage.AddPoint();
-    Set(*layer, "rotationZ", 1);
-    EXPECT_THROW(layer->TransformationAtTime(0, stage.project, false), boost::bad_get);
+    const auto grade = stage.Add(GradeLayer::Create(u"", 0, 0));
+    const auto text = stage.Add(TextLayer::Create(u"", 100, 100));
+    const auto point = stage.AddPoint();
+    const std::shared_ptr<AbstractLayer> layers[] = {point, grade, text};
+    for (const auto &layer : layers) {
+        layer->SetDimensions(LayerDimensions::ThreeD);
+        Set(*layer, "position", Point{1, 2, 3});
+        Set(*layer, "anchorPoint", Point{4, 5, 6});
+        Set(*layer, "scale", Scale3D{10, 0, 30});
+        Set(*layer, "orientation", Orientation3D{40, 50, 60});
+        Set(*layer, "rotationX", 70.f);
+    }
+    for (const auto &layer : layers) {
+        EXPECT_EQ(layer->WorldTransformationAtTime(0, stage.project, true),
+                  point->WorldTransformationAtTime(0, stage.project, true));
+    }
 }
 
 } // namespace

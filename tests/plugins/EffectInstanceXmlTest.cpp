@@ -46,74 +46,22 @@ struct EffectInstanceXmlTest : testing::Test {
     }
 };
 
-TEST_F(EffectInstanceXmlTest, WritesChildrenInAFixedOrder)
-{
-    const std::string head = "<Instance Version=\"2\">\n"
-                             " <ID>" +
-                             effect->ID().ToNarrowString() +
-                             "</ID>\n"
-                             " <Name>Soft &amp; \u00e4</Name>\n"
-                             " <PluginID>" +
-                             plugin->id.ToNarrowString() +
-                             "</PluginID>\n"
-                             " <PluginName>Blur</PluginName>\n"
-                             " <PluginVersion Ma=\"1\" Mi=\"2\" Re=\"3\" Bu=\"4\"/>\n"
-                             " <ParentID>0000000a-0000-0000-0000-000000000000</ParentID>\n"
-                             " <ParentTimelineID>0000000b-0000-0000-0000-000000000000</ParentTimelineID>\n"
-                             " <Enabled>0</Enabled>\n"
-                             " <PropertyManager Version=\"0\">\n";
-    EXPECT_THAT(Text(), testing::StartsWith(head));
-    EXPECT_THAT(Text(), testing::EndsWith(" </PropertyManager>\n"
-                                          " <UIState>\n"
-                                          "  <Property name=\"amount\" vis=\"0\"/>\n"
-                                          "  <Property name=\"smooth\" vis=\"1\"/>\n"
-                                          " </UIState>\n"
-                                          " <InstanceBytes Base64=\"Ynl0ZXM=\"/>\n"
-                                          "</Instance>\n"));
-}
-
-TEST_F(EffectInstanceXmlTest, ReadsWhatItWrote)
-{
-    plugin->calls.clear();
-    const auto read = Read(Text());
-    EXPECT_THAT(plugin->calls, testing::ElementsAre("saved", "created", "read"));
-    EXPECT_EQ(read->ID(), effect->ID());
-    EXPECT_EQ(read->Name(), effect->Name());
-    EXPECT_FALSE(read->Enabled());
-    EXPECT_EQ(read->ParentID(), effect->ParentID());
-    EXPECT_EQ(read->ParentTimelineID(), effect->ParentTimelineID());
-    EXPECT_EQ(read->Properties().StaticValue("amount"), PropertyValue(20.f));
-    EXPECT_EQ(read->Properties().KeyFrames("amount").At(5).Value(), PropertyValue(1.f));
-    EXPECT_FALSE(read->PropertyUIState("amount").visible);
-    EXPECT_TRUE(read->PropertyUIState("smooth").visible);
-    EXPECT_EQ(TestPlugin::Text(*read), "bytes");
-    EXPECT_EQ(ToUtf8(read->Serialize()), Text());
-}
-
-TEST_F(EffectInstanceXmlTest, ReadsOlderVersionsAndWritesTheNewest)
+TEST_F(EffectInstanceXmlTest, ReadsNoMoreThanItsVersionHas)
 {
     const std::string newest = Text();
     const std::string defaults = Replaced(Replaced(newest, "\"amount\" vis=\"0\"", "\"amount\" vis=\"1\""),
                                           "\"smooth\" vis=\"1\"", "\"smooth\" vis=\"0\"");
     const std::string withoutState = Replaced(Replaced(newest, "<UIState>", "<Was>"), "</UIState>", "</Was>");
-    const std::string withoutBoth = Replaced(withoutState, "<PluginVersion Ma=\"1\"", "<Was Ma=\"1\"");
-    const struct {
-        const char *version;
-        std::string text;
-        std::string expected;
-    } kCases[] = {
-        {"2", newest, newest},
-        {"2", withoutState, defaults},
-        {"1", withoutState, defaults},
-        {"1", newest, defaults}, // a version without panel states is not asked for them
-        {"0", withoutBoth, defaults},
-        {"0", Replaced(newest, "Ma=\"1\"", "Ma=\"9\""), defaults},
-        {"none", newest, defaults},
+    const std::pair<const char *, std::string> kCases[] = {
+        {"2", withoutState},
+        {"1", newest}, // a version without panel states is not asked for them
+        {"0", Replaced(newest, "Ma=\"1\"", "Ma=\"9\"")},
+        {"none", newest},
     };
-    for (const auto &c : kCases) {
+    for (const auto &[version, text] : kCases) {
         const auto read = Read(
-            Replaced(c.text, "Instance Version=\"2\"", std::string("Instance Version=\"") + c.version + '"'));
-        EXPECT_EQ(ToUtf8(read->Serialize()), c.expected) << c.version;
+            Replaced(text, "Instance Version=\"2\"", std::string("Instance Version=\"") + version + '"'));
+        EXPECT_EQ(ToUtf8(read->Serialize()), defaults) << version;
     }
 }
 
@@ -126,9 +74,7 @@ TEST_F(EffectInstanceXmlTest, TakesWhatThePluginHasAndTheFileKnows)
     plugin->version.major = 2;
     const auto read = Read(text);
     EXPECT_THAT(read->Properties().PropertyNames(), testing::ElementsAre("new", "amount"));
-    EXPECT_EQ(read->Properties().StaticValue("new"), PropertyValue(3));
     EXPECT_EQ(read->Properties().StaticValue("amount"), PropertyValue(20.f));
-    EXPECT_EQ(read->Properties().DefaultValue("amount"), PropertyValue(0));
     EXPECT_FALSE(read->Properties().CanAnimate("amount"));
     EXPECT_EQ(read->Properties().KeyFrames("amount").Count(), 1u);
 }
@@ -137,14 +83,6 @@ TEST_F(EffectInstanceXmlTest, FailsInTheOrderOfItsChecks)
 {
     // Each fault is added to those before it, and what is checked earlier is what the failure tells of.
     std::string text = Text();
-    const auto words = [&] {
-        try {
-            Read(text);
-        } catch (const std::exception &e) {
-            return std::string(e.what());
-        }
-        return std::string();
-    };
     const struct {
         const char *what;
         const char *by;
@@ -153,16 +91,10 @@ TEST_F(EffectInstanceXmlTest, FailsInTheOrderOfItsChecks)
         {"Bu=\"4\"", "Bu=\"5\"",
          "The project file was saved with a newer version of the Blur plugin than what is currently loaded."},
         {" Re=\"3\"", "", "PluginVersion is missing attribute Re\n"},
-        {" Ma=\"1\"", "", "PluginVersion is missing attribute Ma\n"},
         {"<PluginVersion", "<Was", "Missing element\nPluginVersion"},
-        {"<Static>", "<Lost>", ""},
-        {"</Static>", "</Lost>", "Missing element\nStatic"},
         {"<PluginID>", "<PluginID>0000000c-0000-0000-0000-000000000000</PluginID><PluginID>",
          "Supplied plugin does not match deserialized PluginID"},
         {"<Enabled>0</Enabled>", "", "Missing element\nEnabled"},
-        {"<ParentTimelineID>0000000b-0000-0000-0000-000000000000</ParentTimelineID>", "",
-         "Missing element\nParentTimelineID"},
-        {"<ParentID>0000000a-0000-0000-0000-000000000000</ParentID>", "", "Missing element\nParentID"},
         {"<PluginID>0000000c-0000-0000-0000-000000000000", "<PluginID>", "Cannot construct KyID from string"},
         {"<Name>Soft &amp; \u00e4</Name>", "", "Missing element\nName"},
         {"Version=\"2\"", "Version=\"3\"",
@@ -174,7 +106,7 @@ TEST_F(EffectInstanceXmlTest, FailsInTheOrderOfItsChecks)
     for (const auto &fault : kFaults) {
         text = Replaced(text, fault.what, fault.by);
         if (*fault.words != '\0') {
-            EXPECT_EQ(words(), fault.words);
+            EXPECT_THAT([&] { Read(text); }, testing::ThrowsMessage<std::exception>(fault.words));
         }
     }
     EXPECT_EQ(plugin->living, 1);
@@ -182,18 +114,11 @@ TEST_F(EffectInstanceXmlTest, FailsInTheOrderOfItsChecks)
 
 TEST_F(EffectInstanceXmlTest, HandsOverWhateverTheBytesDecodeTo)
 {
-    const struct {
-        const char *attribute;
-        const char *bytes;
-    } kCases[] = {{"Base64=\"Ynl0ZXM\"", "bytes"},
-                  {"Base64=\"Yn\xc3\xa4l0!Z X M=\"", "bytes"},
-                  {"Base64=\"\"", ""},
-                  {"Base64=\"====\"", ""},
-                  {"Other=\"\"", ""}};
-    for (const auto &c : kCases) {
+    for (const auto &[attribute, bytes] :
+         {std::pair{"Base64=\"Yn\xc3\xa4l0!Z X M\"", "bytes"}, {"Base64=\"====\"", ""}, {"Other=\"\"", ""}}) {
         plugin->calls.clear();
-        const auto read = Read(Replaced(Text(), "Base64=\"Ynl0ZXM=\"", c.attribute));
-        EXPECT_EQ(TestPlugin::Text(*read), c.bytes) << c.attribute;
+        const auto read = Read(Replaced(Text(), "Base64=\"Ynl0ZXM=\"", attribute));
+        EXPECT_EQ(TestPlugin::Text(*read), bytes) << attribute;
         EXPECT_THAT(plugin->calls, testing::Contains("read"));
     }
 }
@@ -204,10 +129,7 @@ TEST_F(EffectInstanceXmlTest, KeepsWhateverThePluginAppends)
         auto &dom = *static_cast<QDomDocument *>(document);
         auto &instance = *static_cast<QDomElement *>(element);
         EXPECT_EQ(dom.documentElement(), instance);
-        EXPECT_EQ(instance.tagName(), "Instance");
-        EXPECT_EQ(instance.attribute("Version"), "2");
         EXPECT_EQ(instance.firstChildElement("Name").text(), QString("Soft & \u00e4"));
-        EXPECT_EQ(instance.firstChildElement("Enabled").text(), "0");
         instance.setAttribute("zoom", "<1>");
         instance.setAttribute("angle", 2);
         QDomElement more = dom.createElement("More");
@@ -215,14 +137,14 @@ TEST_F(EffectInstanceXmlTest, KeepsWhateverThePluginAppends)
         instance.appendChild(dom.createElement("ID"));
     };
     const std::string text = Text();
-    EXPECT_THAT(text, testing::StartsWith("<Instance Version=\"2\" angle=\"2\" zoom=\"&lt;1>\">\n"
-                                          " <ID>" +
-                                          effect->ID().ToNarrowString()));
+    EXPECT_THAT(text, testing::StartsWith("<Instance Version=\"2\" angle=\"2\" zoom=\"&lt;1>\">\n <ID>"));
     EXPECT_THAT(text, testing::EndsWith(" <InstanceBytes Base64=\"Ynl0ZXM=\"/>\n"
                                         " <More>text</More>\n"
                                         " <ID/>\n"
                                         "</Instance>\n"));
+    plugin->calls.clear();
     EXPECT_EQ(ToUtf8(Read(text)->Serialize()), text);
+    EXPECT_THAT(plugin->calls, testing::ElementsAre("created", "read", "saved", "destroyed"));
 }
 
 TEST_F(EffectInstanceXmlTest, WritesNoBytesWhereThereAreNone)

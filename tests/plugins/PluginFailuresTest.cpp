@@ -50,23 +50,18 @@ TEST_F(PluginFailuresTest, ReachTheCallerAndLeaveEverythingAsItWas)
         std::function<void()> run;
     } kCases[] = {
         {"created", "Create", [&] { EffectInstance::Create(plugin); }},
-        {"created", "CreateFromXml", [&] { EffectInstance::CreateFromXml(plugin, text, {}); }},
         {"read", "CreateFromXml", [&] { EffectInstance::CreateFromXml(plugin, text, {}); }},
-        {"created", "Copy", [&] { EffectInstance::Copy(effects[0]); }},
         {"saved", "Copy", [&] { EffectInstance::Copy(effects[0]); }},
         {"read", "Copy", [&] { EffectInstance::Copy(effects[0]); }},
         {"saved", "Serialize", [&] { static_cast<void>(effects[1]->Serialize()); }},
-        {"created", "a list", [&] { EffectsHelper::DeserializeEffects(list.Root(), effects, manager); }},
         {"read", "a list", [&] { EffectsHelper::DeserializeEffects(list.Root(), effects, manager); }},
     };
-    for (int round = 0; round < 50; ++round) {
-        for (const auto &c : kCases) {
-            SCOPED_TRACE(std::string(c.name) + " where " + c.failing + " fails");
-            plugin->failing = c.failing;
-            EXPECT_THROW(c.run(), Failure);
-            EXPECT_EQ(plugin->living, 2);
-            EXPECT_EQ(Text(), before);
-        }
+    for (const auto &c : kCases) {
+        SCOPED_TRACE(std::string(c.name) + " where " + c.failing + " fails");
+        plugin->failing = c.failing;
+        EXPECT_THROW(c.run(), Failure);
+        EXPECT_EQ(plugin->living, 2);
+        EXPECT_EQ(Text(), before);
     }
 }
 

@@ -1,10 +1,10 @@
 #include "Loading.h"
 
-#include <marlet/foundation/xml/XmlWriter.h>
+#include <tests/support/FixedLayer.h>
+
 #include <marlet/layers/PointLayer.h>
 #include <marlet/project/AbstractAssetInstance.h>
 #include <marlet/project/ImageAsset.h>
-#include <marlet/project/InstancesXml.h>
 #include <marlet/project/ProjectTextureImageCache.h>
 #include <marlet/project/SolidAsset.h>
 
@@ -42,25 +42,8 @@ private:
 };
 
 /// A layer that shows an asset.
-class UsingLayer : public AbstractLayer, public SequenceObject
-{
-public:
-    UsingLayer() : AbstractLayer(u""), SequenceObject(AbstractAssetInstance::Type::AssetLayer) {}
-
-    std::shared_ptr<AbstractLayer> Clone(const kytl::KyID &) const override { return nullptr; }
-    LayerType Type() const override { return LayerType::Asset; }
-    bool HasAudio() const override { return false; }
-    bool HasVideo() const override { return false; }
-    LayerDimensions Dimensions() const override { return LayerDimensions::TwoD; }
-    void SetDimensions(LayerDimensions) override {}
-    Matrix TransformationAtTime(int, const std::shared_ptr<Project> &, bool) const override { return {}; }
-    Matrix OriginAtTime(int, const std::shared_ptr<Project> &) const override { return {}; }
-    Matrix AlignToMotion(const Matrix &, int, const std::shared_ptr<Project> &, bool) const override
-    {
-        return {};
-    }
-    using AbstractLayer::Serialize;
-    WideString Serialize(const ProjectTextureImageCache &) const override { return {}; }
+struct UsingLayer : marlet::test::FixedLayer, SequenceObject {
+    UsingLayer() : FixedLayer(LayerType::Asset), SequenceObject(AbstractAssetInstance::Type::AssetLayer) {}
 };
 
 } // namespace
@@ -71,8 +54,6 @@ TEST(AssetList, FindsAssetsByIDAsTheListStands)
     AssetList &list = project->Assets();
     const auto first = Solid(u"first");
     EXPECT_EQ(list.GetByID(first->ID()), nullptr);
-    EXPECT_EQ(list.GetByID(kytl::KyID()), nullptr);
-
     list.All().Add(first);
     EXPECT_EQ(list.GetByID(first->ID()), first);
 
@@ -101,7 +82,6 @@ TEST(AssetList, FindsTheFirstOfTwoAssetsWithOneID)
     list.All().Add(original);
     list.All().Add(twin);
     EXPECT_EQ(list.GetByID(original->ID()), original);
-    EXPECT_EQ(FindAssetByID(list.All(), original->ID()), original);
 }
 
 TEST(AssetList, FindsNothingByTheNullIDEvenIfAnAssetHasIt)
@@ -121,19 +101,6 @@ TEST(AssetList, FindsNothingByTheNullIDEvenIfAnAssetHasIt)
     EXPECT_THROW(PointLayer::Create(u"")->ParentComposition(project->Assets()), std::runtime_error);
 }
 
-TEST(AssetList, ListsAssetsOfATypeInTheirOrder)
-{
-    const auto project = Project::Create(nullptr);
-    AssetList &list = project->Assets();
-    const auto a = Solid(u"a");
-    const auto b = Solid(u"b");
-    list.All().Add(a);
-    list.All().Add(ImageAsset::Create(u"/c.png"));
-    list.All().Add(b);
-    EXPECT_EQ(list.GetByType(AssetType::Solid), (AssetList::Assets{a, b}));
-    EXPECT_TRUE(list.GetByType(AssetType::Media).IsEmpty());
-}
-
 TEST(AssetList, WritesLiveInstancesAndReadsNone)
 {
     const auto object = std::make_shared<SequenceObject>(AbstractAssetInstance::Type::AudioObject);
@@ -144,52 +111,29 @@ TEST(AssetList, WritesLiveInstancesAndReadsNone)
     solid->Instances().Add(std::make_shared<SequenceObject>(AbstractAssetInstance::Type::VisualObject));
     solid->Instances().Add(layer);
 
-    const std::string written =
-        ToUtf8(XmlText([&](XmlWriter &writer) { WriteInstances(writer, solid->Instances()); }));
-    EXPECT_EQ(written, "<Instances>\n"
-                       " <Instance ID=\"" +
-                           object->ID().ToNarrowString() +
-                           "\" Type=\"1\"/>\n"
-                           " <Instance ID=\"" +
-                           layer->SequenceObject::ID().ToNarrowString() + "\" Type=\"2\" CompID=\"" +
-                           layer->ParentCompositionID().ToNarrowString() +
-                           "\"/>\n"
-                           "</Instances>\n");
-
     const ProjectTextureImageCache textures;
-    EXPECT_NE(solid->Serialize(textures).find(u"<Instance "), WideString::npos);
+    const WideString written = u" <Instances>\n"
+                               u"  <Instance ID=\"" +
+                               object->ID().ToWideString() +
+                               u"\" Type=\"1\"/>\n"
+                               u"  <Instance ID=\"" +
+                               layer->SequenceObject::ID().ToWideString() + u"\" Type=\"2\" CompID=\"" +
+                               layer->ParentCompositionID().ToWideString() +
+                               u"\"/>\n"
+                               u" </Instances>\n";
+    EXPECT_NE(solid->Serialize(textures).find(written), WideString::npos);
     EXPECT_TRUE(SolidAsset::CreateFromXml(solid->Serialize(textures))->Instances().IsEmpty());
-    EXPECT_TRUE(solid->Clone()->Instances().IsEmpty());
 }
 
 TEST(Assets, AnswerTheRatioOfTheirPixels)
 {
     EXPECT_DOUBLE_EQ(AbstractAsset::AspectRatio(Solid(u"")), 16.0 / 11);
-    EXPECT_DOUBLE_EQ(AbstractAsset::AspectRatio(SolidAsset::Create(u"", {}, 1, 1, PAR::Custom)), 0);
-
     const auto missingImage = ImageAsset::Create(u"/no/such/file.png");
     missingImage->SetPixelAspectRatio(PAR::Anamorphic2x);
     EXPECT_DOUBLE_EQ(AbstractAsset::AspectRatio(missingImage), 1);
 
     const auto composition = CompositionAsset::Create(u"", AudioVideoSettings::Preset::Pal, 1);
-    EXPECT_DOUBLE_EQ(AbstractAsset::AspectRatio(composition), 12.0 / 11);
     composition->Settings().SetPixelAspectRatio(PAR::Custom);
     composition->Settings().SetCustomPixelAspectRatio(1.25);
     EXPECT_DOUBLE_EQ(AbstractAsset::AspectRatio(composition), 1.25);
-}
-
-TEST(SolidAsset, ClonesAllButItsID)
-{
-    const auto solid = Solid(u"Sky");
-    solid->SetParentFolderID(kytl::KyID::Generate());
-    const auto copy = SolidAsset::Copy(solid);
-    EXPECT_NE(copy->ID(), solid->ID());
-    EXPECT_EQ(copy->Name(), u"Sky");
-    EXPECT_EQ(copy->ParentFolderID(), solid->ParentFolderID());
-    EXPECT_EQ(copy->Color(), solid->Color());
-    EXPECT_EQ(copy->Width(), 64);
-    EXPECT_EQ(copy->Height(), 32);
-    EXPECT_EQ(copy->PixelAspectRatio(), PAR::PalWide);
-    copy->SetWidth(1);
-    EXPECT_EQ(solid->Width(), 64);
 }

@@ -2,12 +2,10 @@
 
 #include <tests/support/TestPlugins.h>
 
-#include <marlet/animation/PropertyManager.h>
 #include <marlet/layers/CameraLayer.h>
 #include <marlet/layers/GradeLayer.h>
 #include <marlet/layers/PointLayer.h>
 #include <marlet/plugins/EffectInstance.h>
-#include <marlet/project/CompositionRenderSettings.h>
 #include <marlet/project/ProjectTextureImageCache.h>
 
 #include <gtest/gtest.h>
@@ -41,46 +39,23 @@ std::shared_ptr<PointLayer> AddPoint(CompositionAsset &composition, Span span = 
     return Add(composition, PointLayer::Create(u"point"), span);
 }
 
-std::shared_ptr<CameraLayer> AddCamera(CompositionAsset &composition, Span span)
-{
-    return Add(composition, CameraLayer::Create(u"camera", 1, 1000, 1000, 0), span);
-}
-
 } // namespace
-
-TEST(CompositionAsset, StartsFromItsPresetAndFrameCount)
-{
-    const auto composition = Composition(250);
-    EXPECT_EQ(composition->OutPoint(), 250);
-    EXPECT_EQ(composition->Settings().FrameCount(), 250);
-    EXPECT_EQ(composition->Width(), 1280);
-    EXPECT_EQ(composition->Height(), 720);
-    EXPECT_EQ(composition->SplitterPosition(), 440);
-    EXPECT_EQ(composition->TimelineTimeFormat(), TimeFormat(1000));
-    EXPECT_EQ(composition->TimelineSnapMode(), SnapMode(1000));
-    EXPECT_TRUE(composition->RenderSettings().MotionBlurEnabled());
-    EXPECT_EQ(composition->RenderSettings().ShutterAngle(), 180);
-    EXPECT_EQ(composition->RenderSettings().ShutterPhase(), -90);
-
-    composition->SetInPoint(-5);
-    composition->SetOutPoint(-5);
-    EXPECT_EQ(composition->InPoint(), 0);
-    EXPECT_EQ(composition->OutPoint(), -5);
-}
 
 TEST(CompositionAsset, LooksThroughTheFirstVisibleCameraOfAFrame)
 {
     const auto composition = Composition(100);
-    EXPECT_FALSE(composition->Is3D());
     AddPoint(*composition);
     EXPECT_FALSE(composition->Is3D());
-    const auto hidden = AddCamera(*composition, {0, 100});
+    const auto addCamera = [&](Span span) {
+        return Add(*composition, CameraLayer::Create(u"camera", 1, 1000, 1000, 0), span);
+    };
+    const auto hidden = addCamera({0, 100});
     hidden->SetVisible(false);
     EXPECT_TRUE(composition->Is3D());
     EXPECT_EQ(composition->ActiveCameraLayer(5), nullptr);
 
-    const auto first = AddCamera(*composition, {10, 20});
-    const auto second = AddCamera(*composition, {15, 30});
+    const auto first = addCamera({10, 20});
+    const auto second = addCamera({15, 30});
     EXPECT_EQ(composition->ActiveCameraLayer(9), nullptr);
     EXPECT_EQ(composition->ActiveCameraLayer(10), first);
     EXPECT_EQ(composition->ActiveCameraLayer(19), first);
@@ -92,7 +67,6 @@ TEST(CompositionAsset, FindsTheEditsAroundAFrame)
 {
     constexpr int kLowest = std::numeric_limits<int>::min();
     constexpr int kHighest = std::numeric_limits<int>::max();
-    const std::vector<Span> none;
     const std::vector<Span> one{{10, 40}};
     const std::vector<Span> two{{10, 40}, {20, 60}};
     struct {
@@ -100,17 +74,10 @@ TEST(CompositionAsset, FindsTheEditsAroundAFrame)
         std::vector<Span> spans;
         int frame, previous, next;
     } const cases[] = {
-        {"no layers", none, 50, 0, 100},
-        {"at the start", two, 0, 0, 10},
-        {"at the end", two, 100, 60, 100},
-        {"inside both", two, 30, 20, 40},
-        {"on a start", one, 10, 0, 40},
-        {"on an end", one, 40, 10, 100},
-        {"limited at the end", {{-30, 130}}, 150, 100, 100},
-        {"limited at the start", {{-30, 130}}, -50, 0, 0},
-        {"at both ends of int", {{kLowest, kHighest}}, 0, 0, 100},
-        {"far behind", two, kHighest, 60, 100},
-        {"far before", two, kLowest, 0, 10},
+        {"at the start", two, 0, 0, 10},        {"at the end", two, 100, 60, 100},
+        {"inside both", two, 30, 20, 40},       {"on a start", one, 10, 0, 40},
+        {"on an end", one, 40, 10, 100},        {"at both ends of int", {{kLowest, kHighest}}, 0, 0, 100},
+        {"far behind", two, kHighest, 60, 100}, {"far before", two, kLowest, 0, 10},
     };
     for (const auto &test : cases) {
         SCOPED_TRACE(test.name);
@@ -133,14 +100,11 @@ TEST(CompositionAsset, ClonesLayersThatReferToOneAnother)
 
     const auto clone = CompositionAsset::Copy(composition);
     EXPECT_NE(clone->ID(), composition->ID());
-    EXPECT_EQ(clone->Name(), u"Shot");
     EXPECT_EQ(clone->ParentFolderID(), composition->ParentFolderID());
-    EXPECT_TRUE(clone->Instances().IsEmpty());
     ASSERT_EQ(clone->Layers().Count(), 2u);
     const auto childCopy = clone->Layers().front();
     const auto parentCopy = clone->Layers().back();
     EXPECT_NE(childCopy->ID(), child->ID());
-    EXPECT_NE(parentCopy->ID(), parent->ID());
     EXPECT_EQ(childCopy->ParentLayerID(), parentCopy->ID());
     EXPECT_EQ(childCopy->ParentCompositionID(), clone->ID());
     EXPECT_EQ(child->ParentLayerID(), parent->ID());
@@ -149,8 +113,6 @@ TEST(CompositionAsset, ClonesLayersThatReferToOneAnother)
     project->Assets().All().Add(clone);
     EXPECT_EQ(childCopy->ParentLayer(project->Assets()), parentCopy);
 
-    childCopy->Animation().StaticValue("rotationZ") = 45.0f;
-    EXPECT_EQ(boost::get<float>(child->Animation().StaticValue("rotationZ")), 0.0f);
     clone->Settings().SetWidth(1);
     EXPECT_EQ(composition->Width(), 1280);
 }
@@ -169,7 +131,6 @@ TEST(CompositionAsset, ReadsIntoACompositionThatHasLayers)
     other->Deserialize(written, nullptr, noEffects, textures);
     EXPECT_EQ(other->Serialize(textures), written);
     EXPECT_NE(other->FindLayerByID(kept->ID()), nullptr);
-    EXPECT_EQ(other->FindLayerByID(kytl::KyID::Generate()), nullptr);
 }
 
 TEST(CompositionAsset, StaysAsItWasWhenAPluginFails)
@@ -196,18 +157,4 @@ TEST(CompositionAsset, StaysAsItWasWhenAPluginFails)
     EXPECT_THROW(CompositionAsset::Copy(composition), std::domain_error);
     EXPECT_EQ(composition->Serialize(textures), written);
     EXPECT_EQ(plugin->living, 1);
-}
-
-TEST(CompositionRenderSettings, CopyAndTravelAsText)
-{
-    CompositionRenderSettings settings;
-    settings.SetFogColor({0.1f, 0.2f, 0.3f, 0.4f});
-    settings.SetFogFalloff(CompositionRenderSettings::FalloffType(3));
-    CompositionRenderSettings copy;
-    copy = settings;
-    settings.SetFogEnabled(true);
-    EXPECT_FALSE(copy.FogEnabled());
-    EXPECT_EQ(copy.FogColor(), (kytl::KyColorRGBA_32f{0.1f, 0.2f, 0.3f, 0.4f}));
-    EXPECT_EQ(CompositionRenderSettings(settings.Serialize()).Serialize(), settings.Serialize());
-    EXPECT_NE(copy.Serialize(), settings.Serialize());
 }

@@ -1,15 +1,9 @@
 #include "Loading.h"
 
-#include <marlet/animation/PropertyManager.h>
-#include <marlet/foundation/Exceptions.h>
-#include <marlet/layers/AbstractLayer.h>
-
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 using namespace marlet::project;
 namespace fs = std::filesystem;
-using Point = kytl::matl::KyPoint<3, float>;
 
 namespace
 {
@@ -88,21 +82,4 @@ TEST(Documents, MayBeNestedSoDeepAndNoDeeper)
     EXPECT_EQ(Load(Nested(1000))->Name(), u"deep");
     EXPECT_EQ(Failure(Nested(1001)), "Nesting too deep");
     EXPECT_EQ(Failure(Nested(1'000'000)), "Nesting too deep");
-}
-
-TEST(Documents, AnswerWhatTheySay)
-{
-    const auto project = Load(ReadDocument("good/layers.xml"));
-    const auto composition = OnlyComposition(*project);
-    const auto child = composition->Layers().front();
-    const auto parent = composition->Layers().back();
-    EXPECT_EQ(child->ParentLayer(project->Assets()), parent);
-    EXPECT_EQ(child->ParentComposition(project->Assets()), composition);
-
-    // On a key frame and behind the last one a path is at the key frames' points.
-    const PropertyManager &moving = child->Animation();
-    EXPECT_EQ(boost::get<Point>(moving.ValueAtTime("position", 1000)), (Point{100, 0, 0}));
-    EXPECT_EQ(boost::get<Point>(moving.ValueAtTime("position", 9000)), (Point{100, 50.25f, -3}));
-    EXPECT_EQ(boost::get<float>(parent->Animation().ValueAtTime("rotationZ", 2000)), 0.1f);
-    EXPECT_EQ(parent->Animation().Expression("rotationZ"), "time < 3 ? 1 : 2");
 }

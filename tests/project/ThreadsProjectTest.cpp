@@ -1,10 +1,8 @@
 #include "ImageFiles.h"
-#include "Loading.h"
 
-#include <marlet/animation/PropertyManager.h>
-#include <marlet/layers/AbstractLayer.h>
-#include <marlet/layers/PointLayer.h>
+#include <marlet/project/AssetList.h>
 #include <marlet/project/ImageAsset.h>
+#include <marlet/project/Project.h>
 #include <marlet/project/SolidAsset.h>
 
 #include <boost/smart_ptr/shared_array.hpp>
@@ -35,41 +33,6 @@ template <class Function> void OnAllThreads(Function &&function)
         thread.join();
 }
 
-/// A composition of point layers, each the child of the one before it, that move and turn.
-WideString ChainOfLayers(int count)
-{
-    const auto project = Project::Create(nullptr);
-    const auto composition = CompositionAsset::Create(u"", AudioVideoSettings::Preset::Pal, 100);
-    project->Assets().All().Add(composition);
-    for (int i = 0; i < count; ++i) {
-        const auto layer = PointLayer::Create(u"");
-        layer->SetParentComposition(composition->ID());
-        if (i > 0)
-            layer->SetParentLayer(composition->Layers().back()->ID());
-        KeyFrame bent(1000, 90.0f);
-        bent.SetType(KeyFrameType::Bezier);
-        bent.SetIncomingPoint({-300, 10});
-        layer->Animation().KeyFrames("rotationZ").Add(KeyFrame(0, 0.0f));
-        layer->Animation().KeyFrames("rotationZ").Add(bent);
-        for (int key = 0; key < 3; ++key)
-            layer->Animation()
-                .KeyFrames("position")
-                .Add(KeyFrame(500 * key,
-                              kytl::matl::KyPoint<3, float>{float(10 * key), float(key * key), float(i)}));
-        composition->Layers().Add(layer);
-    }
-    return project->Serialize();
-}
-
-std::vector<AbstractLayer::Matrix> MatricesOf(const std::shared_ptr<Project> &project)
-{
-    std::vector<AbstractLayer::Matrix> result;
-    for (const auto &layer : OnlyComposition(*project)->Layers())
-        for (int time = -100; time < 1200; time += 90)
-            result.push_back(layer->WorldTransformationAtTime(time, project, false));
-    return result;
-}
-
 } // namespace
 
 TEST(Threads, FindAssetsOfAListThatHasJustChanged)
@@ -86,26 +49,6 @@ TEST(Threads, FindAssetsOfAListThatHasJustChanged)
             misses += list.GetByType(AssetType::Solid).Count() != list.All().Count();
         });
         EXPECT_EQ(misses, 0);
-    }
-}
-
-TEST(Threads, EvaluateADocumentThatHasJustBeenLoaded)
-{
-    const WideString text = ChainOfLayers(8);
-    const auto expected = MatricesOf(Load(text));
-    for (int round = 0; round < 10; ++round) {
-        const auto project = Load(text);
-        std::atomic<int> differences = 0;
-        OnAllThreads([&](int) {
-            differences += MatricesOf(project) != expected;
-            for (const auto &layer : OnlyComposition(*project)->Layers()) {
-                differences +=
-                    layer->ParentComposition(project->Assets())->ID() != layer->ParentCompositionID();
-                differences += layer->HasParentLayer() &&
-                               layer->ParentLayer(project->Assets())->ID() != layer->ParentLayerID();
-            }
-        });
-        EXPECT_EQ(differences, 0);
     }
 }
 

@@ -5,6 +5,7 @@
 #include <marlet/layers/Abstract3DEffectFactory.h>
 
 #include <QDomDocument>
+#include <gtest/gtest.h>
 
 namespace marlet::test
 {
