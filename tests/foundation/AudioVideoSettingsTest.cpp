@@ -78,8 +78,9 @@ TEST(AudioVideoSettingsTest, RefusesWhatIsNotItsElement)
         {With(u"Version=\"0\"", u""), "AudioVideoSettings is missing attribute Version\n"},
         {With(u"FrameCount>", u"framecount>"), "Wrong tag name\nAudioVideoSettings"},
         {With(u"<PARCustom>1.1000000000000001</PARCustom>", u"<parcustom/>"), "Missing element\nPARCustom"}};
-    for (const auto &[xml, words] : cases)
-        EXPECT_THAT([&] { AudioVideoSettings{xml}; }, testing::ThrowsMessage<XmlParseException>(words));
+    for (const auto &refused : cases)
+        EXPECT_THAT([&] { AudioVideoSettings{refused.first}; },
+                    testing::ThrowsMessage<XmlParseException>(refused.second));
     const WideString newer = With(u"Version=\"0\"", u"Version=\"1\"");
     EXPECT_THROW(AudioVideoSettings{newer}, InvalidProjectVersionException);
 }
