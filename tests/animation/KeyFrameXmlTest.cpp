@@ -35,9 +35,9 @@ TEST(KeyFrameXmlTest, WhatIsMissingFailsInTheOrderOfReading)
         {start + "<IncomingPt Y='0'/>" + out + "</Key>", "IncomingPt is missing attribute X\n"},
         {start + in + "</Key>", "Missing element\nOutgoingPt"},
         {start + in + out + "</Key>", "Missing element\nValue"}};
-    for (const auto &[text, words] : cases)
-        EXPECT_THAT([&] { KeyFrameList::DeserializeKeyFrame(FromUtf8(text)); },
-                    testing::ThrowsMessage<XmlParseException>(words));
+    for (const auto &refused : cases)
+        EXPECT_THAT([&] { KeyFrameList::DeserializeKeyFrame(FromUtf8(refused.first)); },
+                    testing::ThrowsMessage<XmlParseException>(refused.second));
     EXPECT_NO_THROW(
         KeyFrameList::DeserializeKeyFrame(FromUtf8("<KEY Time='0' Type='1'><Value/>" + out + in + "</KEY>")));
 }

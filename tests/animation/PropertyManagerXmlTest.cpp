@@ -116,8 +116,9 @@ TEST(PropertyManagerXmlTest, WhatIsMissingOrMalformedFailsWithItsWords)
         {"<PropertyManager Version='1'/>",
          "The project file was saved by a newer version of the application than this one."},
     };
-    for (const auto &[text, expected] : cases)
-        EXPECT_THAT([&] { Loaded(text); }, testing::ThrowsMessage<std::exception>(expected)) << text;
+    for (const auto &refused : cases)
+        EXPECT_THAT([&] { Loaded(refused.first); }, testing::ThrowsMessage<std::exception>(refused.second))
+            << refused.first;
 }
 
 TEST(PropertyManagerXmlTest, WhatMayBeAbsentOrOddIsTakenAsItComes)
