@@ -5,6 +5,15 @@ set(MARLET_PUBLIC_HEADERS
     animation/KeyFrameList.h
     animation/PropertyManager.h
     animation/PropertyValue.h
+    editor/AbstractSequenceObject.h
+    editor/AbstractSequenceTrack.h
+    editor/AudioObject.h
+    editor/AudioTrack.h
+    editor/EditorSequence.h
+    editor/SequenceObjectList.h
+    editor/Transition.h
+    editor/VideoTrack.h
+    editor/VisualObject.h
     foundation/AudioVideoSettings.h
     foundation/Deserializer.h
     foundation/Exceptions.h
@@ -26,8 +35,10 @@ set(MARLET_PUBLIC_HEADERS
     layers/Abstract3DEffect.h
     layers/Abstract3DEffectFactory.h
     layers/AbstractLayer.h
+    layers/AssetLayer.h
     layers/CameraLayer.h
     layers/Effect3DLayer.h
+    layers/FontCache.h
     layers/GradeLayer.h
     layers/LayerTypes.h
     layers/LightLayer.h
@@ -40,6 +51,13 @@ set(MARLET_PUBLIC_HEADERS
     masks/Mask.h
     masks/MotionPath.h
     masks/PathPoint.h
+    platform/media/KyAbstractAudioStream.h
+    platform/media/KyAbstractCodecInfo.h
+    platform/media/KyAbstractMediaFile.h
+    platform/media/KyAbstractMediaStream.h
+    platform/media/KyAbstractVideoStream.h
+    platform/media/KyMedia.h
+    platform/media/KyMediaTypes.h
     plugins/AbstractPlugin.h
     plugins/AbstractPlugin2D.h
     plugins/AbstractPluginInstance.h
@@ -69,9 +87,17 @@ set(MARLET_PUBLIC_HEADERS
     project/CompositionAsset.h
     project/CompositionRenderSettings.h
     project/ImageAsset.h
+    project/MediaAsset.h
+    project/MediaAudioStream.h
+    project/MediaManager.h
+    project/MediaVideoStream.h
+    project/PanelRenderState.h
     project/Project.h
     project/ProjectMetadata.h
     project/ProjectSettings.h
     project/ProjectTextureImageCache.h
     project/SolidAsset.h
-    project/TextureImage.h)
+    project/TextureImage.h
+    tracking/Tracker.h
+    tracking/TrackingActiveObject.h
+    tracking/TrackingPoint.h)

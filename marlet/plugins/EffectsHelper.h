@@ -9,6 +9,7 @@
 
 class QDomDocument;
 class QDomElement;
+class QString;
 
 namespace marlet::project
 {
@@ -16,15 +17,17 @@ namespace marlet::project
 class AbstractPluginManager;
 class EffectInstance;
 class PropertyManager;
+class SequenceObjectList;
+class Transition;
 class XmlCursor;
 class XmlWriter;
 
-/// What all that hold effects have in common: the list of effects in the file, the state of panels, and the
-/// rules by which a file meets the plug-ins at hand.
+/// What all that hold effects and transitions have in common: the list of effects and the transitions in the
+/// file, the state of panels, and the rules by which a file meets the plug-ins at hand.
 ///
 /// A plug-in that is missing, or older than the one that saved the file, ends the load. One that is the same
 /// or newer loads: its own set of properties wins, and those that the file knows take their values from it.
-/// Without a plug-in manager effects are skipped. A failure leaves a list as it was.
+/// Without a plug-in manager effects and transitions are skipped. A failure leaves a list as it was.
 class MARLET_EXPORT EffectsHelper
 {
 public:
@@ -35,6 +38,16 @@ public:
     /// @throws MissingPluginException, InvalidPluginVersionException, and as EffectInstance::CreateFromXml
     static void DeserializeEffects(QDomElement *parent, Effects &effects,
                                    const std::shared_ptr<AbstractPluginManager> &pluginManager);
+
+    /// A null transition writes nothing. One that belongs to an object before the cut stands with that, and
+    /// is written as a reference if that is allowed.
+    static void SerializeTransition(QDomDocument *document, QDomElement *parent, const QString &tag,
+                                    const std::shared_ptr<Transition> &transition, bool allowReference);
+    /// A reference is the outgoing transition of an object of the list, if that has it.
+    /// @throws MissingPluginException, InvalidPluginVersionException, and as Transition::CreateFromXml
+    static void DeserializeTransition(QDomElement *parent, const QString &tag,
+                                      const std::shared_ptr<AbstractPluginManager> &pluginManager,
+                                      std::shared_ptr<Transition> &transition, SequenceObjectList *objects);
 
     /// The states of a plug-in's controls before anything changes them.
     static UIStates CreateUIState(const std::shared_ptr<AbstractPlugin> &plugin);
@@ -53,6 +66,12 @@ public:
     static void SerializeEffects(XmlWriter &writer, const Effects &effects);
     static void DeserializeEffects(const XmlCursor &parent, Effects &effects,
                                    const std::shared_ptr<AbstractPluginManager> &pluginManager);
+    static void SerializeTransition(XmlWriter &writer, const char *tag,
+                                    const std::shared_ptr<Transition> &transition, bool allowReference);
+    static void DeserializeTransition(const XmlCursor &parent, const char *tag,
+                                      const std::shared_ptr<AbstractPluginManager> &pluginManager,
+                                      std::shared_ptr<Transition> &transition,
+                                      const SequenceObjectList *objects);
     static void SerializeUIState(XmlWriter &writer, const UIStates &states);
     static void SynchronizeUIState(const XmlCursor &parent, UIStates &states);
 };

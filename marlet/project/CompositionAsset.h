@@ -10,6 +10,7 @@ namespace marlet::project
 
 class AbstractLayer;
 class CompositionRenderSettings;
+class PanelRenderState;
 class XmlCursor;
 struct CompositionAsset_Impl;
 
@@ -66,6 +67,11 @@ public:
     const AudioVideoSettings &Settings() const;
     CompositionRenderSettings &RenderSettings();
     const CompositionRenderSettings &RenderSettings() const;
+    /// Of the composition's viewer, which is saved, and of a layer's, which is not.
+    PanelRenderState &ViewerPanelState();
+    const PanelRenderState &ViewerPanelState() const;
+    PanelRenderState &LayerPanelState();
+    const PanelRenderState &LayerPanelState() const;
 
     /// Whether there is a camera, visible or not.
     bool Is3D() const;

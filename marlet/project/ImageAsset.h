@@ -2,6 +2,7 @@
 
 #include <marlet/foundation/AudioVideoSettings.h>
 #include <marlet/foundation/Deserializer.h>
+#include <marlet/platform/media/KyMediaTypes.h>
 #include <marlet/project/AbstractAsset.h>
 
 namespace boost
@@ -15,12 +16,7 @@ namespace marlet::project
 class XmlCursor;
 struct ImageAsset_Impl;
 
-/// How the bytes of a pixel are arranged.
-enum class KyChannelOrder : int {
-    None,
-    RGB,  ///< 24 bits
-    BGRA, ///< 32 bits
-};
+using kyh::media::KyChannelOrder;
 
 /// A reference to a still image file. The file is looked at when something is asked of it, never while a
 /// project is loaded; its size and layout are then kept until Sleep, SetFilename or Deserialize. Stills are

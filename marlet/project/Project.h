@@ -12,14 +12,17 @@ class Abstract3DEffectFactory;
 class AbstractExpressionEngine;
 class AbstractPluginManager;
 class AssetList;
+class EditorSequence;
+class MediaManager;
 class ProjectMetadata;
 class ProjectSettings;
 class ProjectTextureImageCache;
 class XmlCursor;
 struct Project_Impl;
 
-/// The root of a document: everything that a user's project consists of. It owns its assets, settings,
-/// metadata and texture cache, and shares the plug-in manager and the expression engine with the host.
+/// The root of a document: everything that a user's project consists of. It owns its assets, media files,
+/// settings, metadata, texture cache and editor sequence, and shares the plug-in manager and the expression
+/// engine with the host.
 ///
 /// A project belongs to the thread that edits it. While nothing changes it, any number of threads may read it
 /// at once: values at a time, matrices, lookups by ID.
@@ -57,12 +60,18 @@ public:
 
     AssetList &Assets();
     const AssetList &Assets() const;
+    MediaManager &Media();
+    const MediaManager &Media() const;
     ProjectSettings &Settings();
     const ProjectSettings &Settings() const;
     ProjectMetadata &Metadata();
     const ProjectMetadata &Metadata() const;
     ProjectTextureImageCache &TextureImageCache();
     const ProjectTextureImageCache &TextureImageCache() const;
+
+    /// The editor timeline, or an empty pointer.
+    std::shared_ptr<EditorSequence> Sequence() const;
+    void SetSequence(std::shared_ptr<EditorSequence> sequence);
 
     const std::shared_ptr<AbstractPluginManager> &PluginManager() const;
     /// Does not call AttachProject.

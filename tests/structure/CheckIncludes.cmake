@@ -16,7 +16,13 @@ set(below_project foundation animation plugins masks tracking layers platform)
 set(below_editor foundation animation plugins masks tracking layers project)
 
 # Sources that must reach up, as "source folder".
-set(reaching_up)
+set(reaching_up
+    "marlet/plugins/EffectsHelperTransitions.cpp editor"
+    "marlet/project/Project.cpp editor"
+    "marlet/tracking/TrackingActiveObject.cpp layers"
+    "marlet/tracking/TrackingActiveObject.cpp project"
+    "marlet/tracking/TrackingRun.cpp project"
+    "marlet/tracking/TrackingRun.h project")
 
 # Third-party headers of the interface, as "header third-party-header".
 set(third_party_in_public
