@@ -49,23 +49,18 @@ bool IsOpen(int descriptor)
 
 TEST_F(MediaVideoStreamTest, CountsFramesAtAnotherRateThanTheFiles)
 {
-    const struct {
-        double fileRate;
-        std::optional<double> override;
-        double asked;
-        int count;
-    } kCases[] = {{0.0, {}, 1.0, 100},        {29.97, {}, 30.0, 100},   {30.0, 15.0, 30.0, 200},
-                  {30.0, 0.5, 30.0, 6000},    {30.0, {}, NAN, 0},       {30.0, {}, 0.0, 0},
-                  {30.0, 0.0, 30.0, INT_MAX}, {30.0, -15.0, 30.0, -200}};
-    for (const auto &c : kCases) {
-        video.frameRate = c.fileRate;
-        media.asset->Override().overrideFrameRate = c.override.has_value();
-        media.asset->Override().frameRate = c.override.value_or(99);
-        EXPECT_EQ(stream->OriginalFrameRate(), std::max(c.fileRate, 1.0));
-        EXPECT_EQ(stream->FrameCount(c.asked), c.count) << c.fileRate << " at " << c.asked;
+    const std::tuple<double, std::optional<double>, double, int> kCases[] = {
+        {0.0, {}, 1.0, 100}, {29.97, {}, 30.0, 100}, {30.0, 15.0, 30.0, 200},    {30.0, 0.5, 30.0, 6000},
+        {30.0, {}, NAN, 0},  {30.0, {}, 0.0, 0},     {30.0, 0.0, 30.0, INT_MAX}, {30.0, -15.0, 30.0, -200}};
+    for (const auto &[fileRate, rate, asked, count] : kCases) {
+        video.frameRate = fileRate;
+        media.asset->Override().overrideFrameRate = rate.has_value();
+        media.asset->Override().frameRate = rate.value_or(99);
+        EXPECT_EQ(stream->OriginalFrameRate(), std::max(fileRate, 1.0));
+        EXPECT_EQ(stream->FrameCount(asked), count) << fileRate << " at " << asked;
         EXPECT_EQ(stream->FrameCount(), 100);
         // The last frame, if there is any, is one that the file has.
-        EXPECT_EQ(Read(c.asked, c.count - 1), c.count > 0 ? 0 : 8);
+        EXPECT_EQ(Read(asked, count - 1), count > 0 ? 0 : 8);
         EXPECT_LT(video.lastFrame, 100);
     }
 }
@@ -90,26 +85,17 @@ TEST_F(MediaVideoStreamTest, ShowsTheFrameOfTheFileThatTheRatesPick)
 
 TEST_F(MediaVideoStreamTest, KnowsTheShapeOfPixelsAndTheFields)
 {
-    const struct {
-        KyVideoCodec codec;
-        int width;
-        double aspect;
-        int order;
-        PAR par;
-        VideoFields fields;
-    } kCases[] = {
+    const std::tuple<KyVideoCodec, int, double, int, PAR, VideoFields> kCases[] = {
         {KyVideoCodec::H264, 1440, 16.0 / 11, 1, PAR::PalWide, VideoFields::Progressive},
         {KyVideoCodec::H264, 1440, 1.23, 2, PAR::Square, VideoFields::StandardDefinitionInterlaced},
         {KyVideoCodec::Shapeless, 1440, 2.0, 3, PAR::FourThirds, VideoFields::HighDefinitionInterlaced},
         {KyVideoCodec::Shapeless, 1920, 2.0, 4, PAR::Square, VideoFields::Progressive}};
     video.height = 1080;
-    for (const auto &c : kCases) {
-        video.codec = c.codec;
-        video.width = c.width;
-        video.pixelAspect = c.aspect;
-        video.fieldOrder = c.order;
-        EXPECT_EQ(stream->AspectRatio(), c.par) << c.width << " " << c.aspect;
-        EXPECT_EQ(stream->FieldsType(), c.fields) << c.order;
+    for (const auto &[codec, width, aspect, order, par, fields] : kCases) {
+        std::tie(video.codec, video.width) = std::tuple(codec, width);
+        std::tie(video.pixelAspect, video.fieldOrder) = std::tuple(aspect, order);
+        EXPECT_EQ(stream->AspectRatio(), par) << width << " " << aspect;
+        EXPECT_EQ(stream->FieldsType(), fields) << order;
     }
     media.asset->Override() = {
         .overrideFields = true, .overridePAR = true, .fields = VideoFields{9}, .par = PAR::Ntsc};
@@ -117,7 +103,7 @@ TEST_F(MediaVideoStreamTest, KnowsTheShapeOfPixelsAndTheFields)
     EXPECT_EQ(stream->FieldsType(), VideoFields{9});
 }
 
-TEST_F(MediaVideoStreamTest, ScalesDownWhatIsLargerThanAskedFor)
+TEST_F(MediaVideoStreamTest, ScalesDownWhatIsLargerThanAskedForIfItFits)
 {
     EXPECT_EQ(ReadScaled(64, 32), 0);
     EXPECT_EQ(video.lastBuffer, destination.get());
@@ -137,10 +123,9 @@ TEST_F(MediaVideoStreamTest, ScalesDownWhatIsLargerThanAskedFor)
     EXPECT_EQ(size, std::pair(1, 1));
     EXPECT_EQ(video.lastBuffer, first);
     EXPECT_EQ(scratch.get(), first);
-}
 
-TEST_F(MediaVideoStreamTest, RefusesAScaledReadThatHasNoPlaceOrNoSize)
-{
+    video.code = 0;
+    std::fill_n(destination.get(), kRoom, static_cast<unsigned char>(0));
     EXPECT_EQ(ReadScaled(16, 16, 16 * 8 * 4 - 1), kyh::media::kBufferTooSmall);
     for (const auto &[maxWidth, maxHeight] : {std::pair(0, 16), std::pair(16, -1), std::pair(INT_MIN, 0)}) {
         EXPECT_EQ(ReadScaled(maxWidth, maxHeight), kyh::media::kFailed);
