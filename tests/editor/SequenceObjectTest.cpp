@@ -88,26 +88,26 @@ TYPED_TEST(SequenceObjectTest, FindsItsAssetAgainAndKnowsItsTypeMeanwhile)
 
 TYPED_TEST(SequenceObjectTest, CopiesOneSidedTransitionsIfAsked)
 {
-    TypeParam &object = *this->object;
+    TypeParam &source = *this->object;
     const KyID neighbour = KyID::Generate();
     const auto copy = TypeParam::Copy(this->object, true);
-    EXPECT_NE(copy->ID(), object.ID());
+    EXPECT_NE(copy->ID(), source.ID());
     EXPECT_TRUE(copy->ParentTrackID().IsNull() && copy->LinkedObjectID().IsNull());
     EXPECT_EQ(copy->EndFrame(), 50);
     EXPECT_EQ(copy->Speed(), 0.5);
-    EXPECT_NE(&copy->Properties(), &object.Properties());
+    EXPECT_NE(&copy->Properties(), &source.Properties());
     ASSERT_EQ(copy->Effects().Count(), 1u);
-    EXPECT_NE(copy->Effects()[0], object.Effects()[0]);
+    EXPECT_NE(copy->Effects()[0], source.Effects()[0]);
     EXPECT_EQ(copy->Effects()[0]->ParentID(), copy->ID());
     EXPECT_EQ(copy->Effects()[0]->ParentTimelineID(), this->sequence->ID());
-    EXPECT_NE(copy->IncomingTransition(), object.IncomingTransition());
+    EXPECT_NE(copy->IncomingTransition(), source.IncomingTransition());
     EXPECT_EQ(copy->IncomingTransition()->ToObject(), copy->ID());
     EXPECT_EQ(copy->OutgoingTransition()->FromObject(), copy->ID());
-    EXPECT_TRUE(object.IncomingTransition()->ToObject().IsNull());
+    EXPECT_TRUE(source.IncomingTransition()->ToObject().IsNull());
 
     const auto without = TypeParam::Copy(this->object, false);
-    object.IncomingTransition()->SetFromObject(neighbour);
-    object.OutgoingTransition()->SetToObject(neighbour);
+    source.IncomingTransition()->SetFromObject(neighbour);
+    source.OutgoingTransition()->SetToObject(neighbour);
     const auto shared = TypeParam::Copy(this->object, true);
     for (const auto &bare : {without, shared}) {
         EXPECT_EQ(bare->IncomingTransition(), nullptr);
