@@ -7,12 +7,15 @@
 #include "plugins/Ribbon.h"
 
 #include <marlet/animation/PropertyManager.h>
+#include <marlet/layers/AssetLayer.h>
 #include <marlet/layers/Effect3DLayer.h>
 #include <marlet/masks/Mask.h>
 #include <marlet/masks/MotionPath.h>
 #include <marlet/masks/PathPoint.h>
 #include <marlet/plugins/EffectInstance.h>
 #include <marlet/project/TextureImage.h>
+#include <marlet/tracking/Tracker.h>
+#include <marlet/tracking/TrackingPoint.h>
 
 namespace marlet::tool
 {
@@ -128,6 +131,27 @@ void WriteMask(const Mask &mask, Output &output)
         output.Line(kDeeper + "point " + PadRight(std::to_string(++position), 3) + " " + PointText(*point));
 }
 
+/// The asset may be gone.
+void WriteShown(const AssetLayer &layer, Output &output)
+{
+    output.Line(kIndent + "shows the " + AssetTypeName(layer.AssetType()) + " " +
+                layer.AssetID().ToNarrowString() + " from its frame " +
+                std::to_string(layer.AssetInstanceStart()));
+}
+
+void WriteTracker(const Tracker &tracker, Output &output)
+{
+    const bool single = tracker.Type() == Tracker::TrackerType::SinglePoint;
+    const bool flow = tracker.Method() == Tracker::TrackerMethod::OpticalFlow;
+    output.Line(kIndent + "tracker " + Quoted(tracker.Name()) + "  " + (single ? "one point" : "two points") +
+                " by " + (flow ? "optical flow" : "template matching"));
+    const std::shared_ptr<const TrackingPoint> points[] = {tracker.PrimaryTrackingPoint(),
+                                                           tracker.SecondaryTrackingPoint()};
+    for (const auto &point : points)
+        if (point && point->IsVisible())
+            WritePropertiesText(point->Animation(), kDeeper, output);
+}
+
 void WriteReference(const LayerReference &reference, const LayerMap &layers, Output &output)
 {
     const auto target = layers.find(reference.target);
@@ -141,10 +165,14 @@ void WriteReference(const LayerReference &reference, const LayerMap &layers, Out
 
 void WriteContentText(const AbstractLayer &layer, const LayerMap &layers, Output &output)
 {
+    if (const auto *asset = dynamic_cast<const AssetLayer *>(&layer))
+        WriteShown(*asset, output);
     if (const auto *text = dynamic_cast<const TextLayer *>(&layer))
         WriteText(*text, output);
     if (const auto *effect3D = dynamic_cast<const Effect3DLayer *>(&layer))
         WriteEffect3D(*effect3D, output);
+    for (const auto &tracker : TrackersOf(layer))
+        WriteTracker(*tracker, output);
     for (const auto &effect : EffectsOf(layer))
         WriteEffect(*effect, output);
     for (const auto &mask : MasksOf(layer))

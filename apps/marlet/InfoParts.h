@@ -25,7 +25,8 @@ inline constexpr char kLayerIndent[] = "         ";
 void WritePropertiesText(const project::PropertyManager &properties, const std::string &indent,
                          Output &output);
 
-/// What a layer has beside its properties: text, 3D effect, effects, masks, and references to other layers.
+/// What a layer has beside its properties: the asset that it shows, text, 3D effect, trackers, effects,
+/// masks, and references to other layers.
 void WriteContentText(const project::AbstractLayer &layer, const LayerMap &layers, Output &output);
 
 // The same as JSON, one object a line.

@@ -7,6 +7,7 @@
 #include "plugins/Ribbon.h"
 
 #include <marlet/animation/PropertyManager.h>
+#include <marlet/layers/AssetLayer.h>
 #include <marlet/layers/CameraLayer.h>
 #include <marlet/layers/Effect3DLayer.h>
 #include <marlet/layers/GradeLayer.h>
@@ -21,7 +22,10 @@
 #include <marlet/project/CompositionAsset.h>
 #include <marlet/project/ImageAsset.h>
 #include <marlet/project/Project.h>
+#include <marlet/project/SolidAsset.h>
 #include <marlet/project/TextureImage.h>
+#include <marlet/tracking/Tracker.h>
+#include <marlet/tracking/TrackingPoint.h>
 
 #include <unordered_set>
 
@@ -42,10 +46,12 @@ constexpr const char *kCircle = "parent circle";
 constexpr const char *kMissing = "missing file";
 constexpr const char *kType = "unexpected type";
 
-/// A layer as its class makes it, which tells the type of each property; empty for other classes.
+/// A layer as its class makes it, which tells the type of each property; empty for a type of no class.
 LayerPointer FreshLayer(LayerType type)
 {
     switch (type) {
+    case LayerType::Asset:
+        return AssetLayer::Create(SolidAsset::Create({}, {}, 0, 0, {}));
     case LayerType::Camera:
         return CameraLayer::Create({}, 0, 0, 0, 0);
     case LayerType::Light:
@@ -158,9 +164,26 @@ private:
                 Add(kCircle, place, "its parents run in a circle");
             CheckOwners(composition, *layer, place);
             CheckLayerTypes(*layer, place);
+            CheckTrackers(*layer, place);
             CheckEffects(*layer, place);
             CheckMasks(*layer, place);
             CheckEffect3D(*layer, place);
+        }
+    }
+
+    void CheckTrackers(const AbstractLayer &layer, const std::string &layerPlace)
+    {
+        IDSet seen;
+        const auto fresh = Tracker::Create({}, {}, {}, 0, 0)->PrimaryTrackingPoint();
+        for (const auto &tracker : TrackersOf(layer)) {
+            const std::string place = layerPlace + ", " + Place("tracker", tracker->Name());
+            if (!seen.insert(tracker->ID()).second)
+                Add(kRepeated, place, tracker->ID().ToNarrowString());
+            CheckHolder(place, tracker->ParentLayerID(), layer.ID());
+            for (const std::shared_ptr<const TrackingPoint> point :
+                 {tracker->PrimaryTrackingPoint(), tracker->SecondaryTrackingPoint()})
+                if (point)
+                    CheckTypes(point->Animation(), fresh->Animation(), place);
         }
     }
 
