@@ -5,6 +5,7 @@
 #include <marlet/foundation/xml/XmlWriter.h>
 #include <marlet/plugins/AbstractPluginManager.h>
 #include <marlet/project/AssetList.h>
+#include <marlet/project/MediaManager.h>
 #include <marlet/project/ProjectMetadata.h>
 #include <marlet/project/ProjectSettings.h>
 #include <marlet/project/ProjectTextureImageCache.h>
@@ -18,6 +19,7 @@ struct Project_Impl {
     WideString filename;
     ProjectSettings settings;
     AssetList assets;
+    MediaManager media;
     std::shared_ptr<AbstractPluginManager> pluginManager;
     std::shared_ptr<AbstractExpressionEngine> expressionEngine;
     ProjectMetadata metadata;
@@ -95,7 +97,8 @@ void Project::Deserialize(const XmlCursor &element, const Abstract3DEffectFactor
     if (const XmlCursor settings = element.Find("ProjectSettings"); !settings.IsNull())
         impl_->settings.Deserialize(settings);
     if (const XmlCursor assets = element.Find("AssetList"); !assets.IsNull())
-        impl_->assets.Deserialize(assets, impl_->pluginManager, effectFactory, impl_->textureImages);
+        impl_->assets.Deserialize(assets, impl_->media, impl_->pluginManager, effectFactory,
+                                  impl_->textureImages);
     if (const XmlCursor sequence = element.Find("EditorSequence"); !sequence.IsNull())
         impl_->sequence.reset(new EditorSequence(sequence, impl_->pluginManager));
     if (const XmlCursor metadata = element.Find("Metadata"); !metadata.IsNull())
@@ -135,6 +138,16 @@ AssetList &Project::Assets()
 const AssetList &Project::Assets() const
 {
     return impl_->assets;
+}
+
+MediaManager &Project::Media()
+{
+    return impl_->media;
+}
+
+const MediaManager &Project::Media() const
+{
+    return impl_->media;
 }
 
 ProjectSettings &Project::Settings()
