@@ -83,31 +83,30 @@ TYPED_TEST(SequenceObjectTest, FindsItsAssetAgainAndKnowsItsTypeMeanwhile)
     this->project->Assets().All().Clear();
     EXPECT_EQ(read->Asset(this->project->Assets()), this->solid);
     EXPECT_THROW(TypeParam::Create(nullptr, this->sequence), std::logic_error);
-    EXPECT_THROW(TypeParam::Create(this->solid, nullptr), std::logic_error);
 }
 
 TYPED_TEST(SequenceObjectTest, CopiesOneSidedTransitionsIfAsked)
 {
-    TypeParam &object = *this->object;
+    TypeParam &source = *this->object;
     const KyID neighbour = KyID::Generate();
     const auto copy = TypeParam::Copy(this->object, true);
-    EXPECT_NE(copy->ID(), object.ID());
+    EXPECT_NE(copy->ID(), source.ID());
     EXPECT_TRUE(copy->ParentTrackID().IsNull() && copy->LinkedObjectID().IsNull());
     EXPECT_EQ(copy->EndFrame(), 50);
     EXPECT_EQ(copy->Speed(), 0.5);
-    EXPECT_NE(&copy->Properties(), &object.Properties());
+    EXPECT_NE(&copy->Properties(), &source.Properties());
     ASSERT_EQ(copy->Effects().Count(), 1u);
-    EXPECT_NE(copy->Effects()[0], object.Effects()[0]);
+    EXPECT_NE(copy->Effects()[0], source.Effects()[0]);
     EXPECT_EQ(copy->Effects()[0]->ParentID(), copy->ID());
     EXPECT_EQ(copy->Effects()[0]->ParentTimelineID(), this->sequence->ID());
-    EXPECT_NE(copy->IncomingTransition(), object.IncomingTransition());
+    EXPECT_NE(copy->IncomingTransition(), source.IncomingTransition());
     EXPECT_EQ(copy->IncomingTransition()->ToObject(), copy->ID());
     EXPECT_EQ(copy->OutgoingTransition()->FromObject(), copy->ID());
-    EXPECT_TRUE(object.IncomingTransition()->ToObject().IsNull());
+    EXPECT_TRUE(source.IncomingTransition()->ToObject().IsNull());
 
     const auto without = TypeParam::Copy(this->object, false);
-    object.IncomingTransition()->SetFromObject(neighbour);
-    object.OutgoingTransition()->SetToObject(neighbour);
+    source.IncomingTransition()->SetFromObject(neighbour);
+    source.OutgoingTransition()->SetToObject(neighbour);
     const auto shared = TypeParam::Copy(this->object, true);
     for (const auto &bare : {without, shared}) {
         EXPECT_EQ(bare->IncomingTransition(), nullptr);
@@ -117,7 +116,12 @@ TYPED_TEST(SequenceObjectTest, CopiesOneSidedTransitionsIfAsked)
 
 TYPED_TEST(SequenceObjectTest, IsItsOwnTextButForTheTransitions)
 {
+    // What it shares with the object before stands there.
+    this->object->IncomingTransition()->SetFromObject(KyID::Generate());
+    this->object->OutgoingTransition()->SetFromObject(this->object->ID());
     const std::string text = ToUtf8(this->object->Serialize());
+    EXPECT_THAT(text, testing::HasSubstr("<InTrans ref="));
+    EXPECT_THAT(text, testing::HasSubstr("<OutTrans>"));
     const auto read = this->Read(text);
     EXPECT_EQ(read->IncomingTransition(), nullptr);
     EXPECT_EQ(read->OutgoingTransition(), nullptr);
@@ -205,15 +209,15 @@ TEST_F(VisualObjectTest, PlacesWhatIsOfflineByItsPosition)
     EXPECT_THROW(lost->OriginTransformation(project), std::logic_error);
 }
 
-TEST(AudioObject, CountsNoFramesForAPictureAndAsksForItsAsset)
+TEST(AudioObject, NamesTheAssetThatItAsksForInVain)
 {
-    const auto project = Project::Create(nullptr);
     const auto solid = SolidAsset::Create(u"Solid", {}, 1, 1, PAR::Square);
-    const auto object = AudioObject::Create(solid, EditorSequence::Create({}, 1));
-    EXPECT_EQ(object->AudioFrameRate(project->Assets()), 0.0);
-    const auto read = AudioObject::CreateFromXml(object->Serialize(), nullptr);
-    EXPECT_THAT([&] { read->AudioFrameRate(project->Assets()); },
-                testing::ThrowsMessage<std::logic_error>(testing::HasSubstr(solid->ID().ToNarrowString())));
+    const auto text = AudioObject::Create(solid, EditorSequence::Create({}, 1))->Serialize();
+    EXPECT_THAT(
+        [&] {
+            AudioObject::CreateFromXml(text, nullptr)->AudioFrameRate(Project::Create(nullptr)->Assets());
+        },
+        testing::ThrowsMessage<std::logic_error>(testing::HasSubstr(solid->ID().ToNarrowString())));
 }
 
 } // namespace

@@ -99,8 +99,8 @@ TEST_F(TransitionSlots, HoldAReferenceOnlyToOneOfAnObjectBefore)
 {
     EXPECT_EQ(Written(nullptr, true), "<Root/>\n");
     EXPECT_EQ(Written(transition, true),
-              "<Root>\n <InTrans ref=\"1\" transID=\"" + transition->ID().ToNarrowString() +
-                  "\" fromObjectID=\"0000000a-0000-0000-0000-000000000000\"/>\n</Root>\n");
+              "<Root>\n <InTrans fromObjectID=\"0000000a-0000-0000-0000-000000000000\" ref=\"1\" transID=\"" +
+                  transition->ID().ToNarrowString() + "\"/>\n</Root>\n");
     EXPECT_THAT(Written(transition, false), HasSubstr("<InTrans>\n  <Transition Version=\"2\">"));
     transition->ClearFromObject();
     EXPECT_THAT(Written(transition, true), HasSubstr("<InTrans>\n  <Transition Version=\"2\">"));
