@@ -4,6 +4,7 @@
 #include <marlet/foundation/xml/XmlWriter.h>
 #include <marlet/plugins/AbstractPluginManager.h>
 #include <marlet/project/AssetList.h>
+#include <marlet/project/MediaManager.h>
 #include <marlet/project/ProjectMetadata.h>
 #include <marlet/project/ProjectSettings.h>
 #include <marlet/project/ProjectTextureImageCache.h>
@@ -17,6 +18,7 @@ struct Project_Impl {
     WideString filename;
     ProjectSettings settings;
     AssetList assets;
+    MediaManager media;
     std::shared_ptr<AbstractPluginManager> pluginManager;
     std::shared_ptr<AbstractExpressionEngine> expressionEngine;
     ProjectMetadata metadata;
@@ -91,7 +93,8 @@ void Project::Deserialize(const XmlCursor &element, const Abstract3DEffectFactor
     if (const XmlCursor settings = element.Find("ProjectSettings"); !settings.IsNull())
         impl_->settings.Deserialize(settings);
     if (const XmlCursor assets = element.Find("AssetList"); !assets.IsNull())
-        impl_->assets.Deserialize(assets, impl_->pluginManager, effectFactory, impl_->textureImages);
+        impl_->assets.Deserialize(assets, impl_->media, impl_->pluginManager, effectFactory,
+                                  impl_->textureImages);
     if (const XmlCursor metadata = element.Find("Metadata"); !metadata.IsNull())
         impl_->metadata.Deserialize(metadata);
 }
@@ -129,6 +132,16 @@ AssetList &Project::Assets()
 const AssetList &Project::Assets() const
 {
     return impl_->assets;
+}
+
+MediaManager &Project::Media()
+{
+    return impl_->media;
+}
+
+const MediaManager &Project::Media() const
+{
+    return impl_->media;
 }
 
 ProjectSettings &Project::Settings()
