@@ -1,5 +1,6 @@
 #include <marlet/project/Project.h>
 
+#include <marlet/editor/EditorSequence.h>
 #include <marlet/foundation/xml/XmlReader.h>
 #include <marlet/foundation/xml/XmlWriter.h>
 #include <marlet/plugins/AbstractPluginManager.h>
@@ -22,6 +23,7 @@ struct Project_Impl {
     std::shared_ptr<AbstractPluginManager> pluginManager;
     std::shared_ptr<AbstractExpressionEngine> expressionEngine;
     ProjectMetadata metadata;
+    std::shared_ptr<EditorSequence> sequence;
     ProjectTextureImageCache textureImages;
 };
 
@@ -79,6 +81,8 @@ WideString Project::Serialize() const
         ProjectFields(writer, *impl_);
         impl_->settings.Serialize(writer);
         impl_->assets.Serialize(writer, impl_->textureImages);
+        if (impl_->sequence)
+            impl_->sequence->Serialize(writer);
         impl_->metadata.Serialize(writer);
     }
     return writer.Take();
@@ -95,6 +99,8 @@ void Project::Deserialize(const XmlCursor &element, const Abstract3DEffectFactor
     if (const XmlCursor assets = element.Find("AssetList"); !assets.IsNull())
         impl_->assets.Deserialize(assets, impl_->media, impl_->pluginManager, effectFactory,
                                   impl_->textureImages);
+    if (const XmlCursor sequence = element.Find("EditorSequence"); !sequence.IsNull())
+        impl_->sequence.reset(new EditorSequence(sequence, impl_->pluginManager));
     if (const XmlCursor metadata = element.Find("Metadata"); !metadata.IsNull())
         impl_->metadata.Deserialize(metadata);
 }
@@ -172,6 +178,16 @@ ProjectTextureImageCache &Project::TextureImageCache()
 const ProjectTextureImageCache &Project::TextureImageCache() const
 {
     return impl_->textureImages;
+}
+
+std::shared_ptr<EditorSequence> Project::Sequence() const
+{
+    return impl_->sequence;
+}
+
+void Project::SetSequence(std::shared_ptr<EditorSequence> sequence)
+{
+    impl_->sequence = std::move(sequence);
 }
 
 const std::shared_ptr<AbstractPluginManager> &Project::PluginManager() const
