@@ -1,6 +1,5 @@
 #include <marlet/tracking/TrackingRun.h>
 
-#include <marlet/project/MediaAsset.h>
 #include <marlet/project/MediaVideoStream.h>
 #include <marlet/tracking/Stopwatch.h>
 #include <marlet/tracking/TrackingFrame.h>
