@@ -10,8 +10,6 @@
 
 #include <boost/smart_ptr/shared_array.hpp>
 
-#include <optional>
-
 namespace marlet::tool
 {
 
@@ -28,45 +26,64 @@ struct Frame {
     int code = 0;
 };
 
-/// Which of the ways to ask for a frame it is follows from what is given.
-Frame ReadFrame(const MediaVideoStream &video, int frame, const std::optional<double> &rate,
-                const std::optional<PixelSize> &within)
+/// Which frame it is, and in which of the ways it is asked for.
+struct Wish {
+    int frame = 0;
+    bool hasRate = false;
+    double rate = 0;
+    bool isLimited = false;
+    PixelSize within;
+};
+
+Wish ParseWish(const Arguments &arguments)
 {
-    const int size = video.FrameBufferSize(KyImageChannels::Four);
-    Frame read{boost::shared_array<unsigned char>(new unsigned char[static_cast<std::size_t>(size)]),
-               video.Width(), video.Height()};
-    if (within) {
+    Wish wish;
+    wish.frame = arguments.Integer("--frame");
+    wish.hasRate = arguments.Has("--rate");
+    if (wish.hasRate)
+        wish.rate = RateOption(arguments, "--rate");
+    wish.isLimited = arguments.Has("--size");
+    if (wish.isLimited)
+        wish.within = arguments.Size("--size");
+    return wish;
+}
+
+Frame ReadFrame(const MediaVideoStream &video, const Wish &wish)
+{
+    constexpr KyImageChannels kChannels = KyImageChannels::Four;
+    const int size = video.FrameBufferSize(kChannels);
+    Frame frame{boost::shared_array<unsigned char>(new unsigned char[static_cast<std::size_t>(size)]),
+                video.Width(), video.Height()};
+    if (wish.isLimited) {
+        const double rate = wish.hasRate ? wish.rate : video.FrameRate();
         boost::shared_array<unsigned char> scratch;
         unsigned int scratchSize = 0;
-        read.code = video.GetFrame(rate.value_or(video.FrameRate()), frame, within->width, within->height,
-                                   scratch, scratchSize, read.pixels, static_cast<unsigned int>(size),
-                                   &read.width, &read.height, 0);
-    } else if (rate) {
-        read.code = video.GetFrame(*rate, frame, KyImageChannels::Four, read.pixels.get(), size, nullptr, 0);
+        frame.code =
+            video.GetFrame(rate, wish.frame, wish.within.width, wish.within.height, scratch, scratchSize,
+                           frame.pixels, static_cast<unsigned int>(size), &frame.width, &frame.height, 0);
+    } else if (wish.hasRate) {
+        frame.code = video.GetFrame(wish.rate, wish.frame, kChannels, frame.pixels.get(), size, nullptr, 0);
     } else {
-        read.code = video.GetFrame(frame, KyImageChannels::Four, read.pixels.get(), size, nullptr, 0);
+        frame.code = video.GetFrame(wish.frame, kChannels, frame.pixels.get(), size, nullptr, 0);
     }
-    return read;
+    return frame;
 }
 
 void Run(const Arguments &arguments, Output &output)
 {
-    const int number = arguments.Integer("--frame");
+    const Wish wish = ParseWish(arguments);
     const std::string &out = arguments.Text("-o");
-    const auto rate = arguments.Has("--rate") ? std::optional(RateOption(arguments, "--rate")) : std::nullopt;
-    const auto within = arguments.Has("--size") ? std::optional(arguments.Size("--size")) : std::nullopt;
-
     const MediaSource source = OpenMediaSource(arguments);
     const auto video = VideoOf(*source.media);
-    const Frame frame = ReadFrame(*video, number, rate, within);
-    RequireSuccess(*source.media, frame.code, "Frame " + std::to_string(number));
+    const Frame frame = ReadFrame(*video, wish);
+    RequireSuccess(*source.media, frame.code, "Frame " + std::to_string(wish.frame));
     WriteFile(out, EncodePng({frame.pixels.get(), static_cast<std::size_t>(frame.width),
                               static_cast<std::size_t>(frame.height), true}));
     if (arguments.Has("--json"))
         output.Line(JsonWriter()
                         .BeginObject()
                         .Member("file", source.media->Filename())
-                        .Member("frame", number)
+                        .Member("frame", wish.frame)
                         .Member("width", frame.width)
                         .Member("height", frame.height)
                         .EndObject()

@@ -9,7 +9,6 @@
 #include <marlet/project/Project.h>
 
 #include <filesystem>
-#include <optional>
 
 namespace marlet::tool
 {
@@ -27,12 +26,12 @@ void MakeFromClip(const Arguments &arguments)
             throw UsageError(std::string(option) + " does not go with --media");
     // A project names its files so that it can be opened in any folder.
     const std::string path = std::filesystem::absolute(arguments.Text("--media")).lexically_normal().string();
-    const std::optional<Feature> feature =
-        arguments.Has("--at") ? std::optional(FeatureOption(arguments)) : std::nullopt;
+    const bool hasFeature = arguments.Has("--at");
+    const Feature feature = hasFeature ? FeatureOption(arguments) : Feature();
     const MediaSource source = OpenMediaFile(path, arguments.Has("--sequence"));
     const ClipProject clip = MakeClipProject(source.project, source.media);
-    if (feature)
-        AddTracker(*clip.layer, *feature);
+    if (hasFeature)
+        AddTracker(*clip.layer, feature);
     WriteProject(*clip.project, arguments.Operand(0));
 }
 
