@@ -45,5 +45,6 @@ const CommandSpec &RelinkCommand();
 const CommandSpec &TrackCommand();
 const CommandSpec &PostFilterCommand();
 const CommandSpec &ClipCommand();
+const CommandSpec &FontsCommand();
 
 } // namespace marlet::tool

@@ -16,7 +16,7 @@ const std::vector<const CommandSpec *> &Commands()
         &InfoCommand(),    &ValueCommand(),  &MatrixCommand(), &ParentCommand(),     &CloneCommand(),
         &DeleteCommand(),  &SaveCommand(),   &ImageCommand(),  &MediaCommand(),      &DecodeCommand(),
         &SamplesCommand(), &RelinkCommand(), &TrackCommand(),  &PostFilterCommand(), &TimecodeCommand(),
-        &CheckCommand(),   &NewCommand(),    &ClipCommand(),   &PluginsCommand(),
+        &CheckCommand(),   &NewCommand(),    &ClipCommand(),   &PluginsCommand(),    &FontsCommand(),
     };
     return commands;
 }
