@@ -1,3 +1,4 @@
+#include "InfoAssetLayer.h"
 #include "InfoParts.h"
 #include "LayerContent.h"
 #include "Names.h"
@@ -13,8 +14,6 @@
 #include <marlet/masks/PathPoint.h>
 #include <marlet/plugins/EffectInstance.h>
 #include <marlet/project/TextureImage.h>
-#include <marlet/tracking/Tracker.h>
-#include <marlet/tracking/TrackingPoint.h>
 
 namespace marlet::tool
 {
@@ -140,51 +139,20 @@ void WriteMask(const AbstractLayer &layer, const Mask &mask, Output &output)
     }
 }
 
-void WriteShown(const AssetLayer &layer, Output &output)
-{
-    JsonWriter json = BeginJson("shown");
-    json.Member("layer", layer.ID())
-        .Member("asset", layer.AssetID())
-        .Member("asset_type", AssetTypeName(layer.AssetType()))
-        .Member("start", layer.AssetInstanceStart())
-        .Member("end", layer.AssetInstanceEnd())
-        .Member("promote_lights", layer.PromoteLights());
-    EndJson(json, output);
-}
-
-void WriteTracker(const AbstractLayer &layer, const Tracker &tracker, Output &output)
-{
-    JsonWriter json = BeginJson("tracker");
-    json.Member("layer", layer.ID())
-        .Member("id", tracker.ID())
-        .Member("name", tracker.Name())
-        .Member("type", static_cast<int>(tracker.Type()))
-        .Member("method", static_cast<int>(tracker.Method()));
-    EndJson(json, output);
-    const std::shared_ptr<const TrackingPoint> points[] = {tracker.PrimaryTrackingPoint(),
-                                                           tracker.SecondaryTrackingPoint()};
-    for (const auto &point : points)
-        if (point)
-            WritePropertiesJson("tracking_point", point->ID(), point->Animation(), output);
-}
-
-const char *HolderKey(LayerReference::Holder holder)
-{
-    if (holder == LayerReference::Holder::Tracker)
-        return "tracker";
-    return holder == LayerReference::Holder::Effect ? "effect" : "effect3d";
-}
-
 /// The parent link stands with the layer.
 void WriteReference(const AbstractLayer &layer, const LayerReference &reference, Output &output)
 {
     if (reference.holder == LayerReference::Holder::ParentLink)
         return;
     JsonWriter json = BeginJson("reference");
-    json.Member("layer", layer.ID())
-        .Member(HolderKey(reference.holder), reference.object)
-        .Member("property", reference.property)
-        .Member("target", reference.target);
+    json.Member("layer", layer.ID());
+    if (reference.holder == LayerReference::Holder::Tracker)
+        json.Member("tracker", reference.object);
+    else
+        json.Member(reference.holder == LayerReference::Holder::Effect ? "effect" : "effect3d",
+                    reference.object)
+            .Member("property", reference.property);
+    json.Member("target", reference.target);
     EndJson(json, output);
 }
 
@@ -193,13 +161,11 @@ void WriteReference(const AbstractLayer &layer, const LayerReference &reference,
 void WriteContentJson(const AbstractLayer &layer, Output &output)
 {
     if (const auto *asset = dynamic_cast<const AssetLayer *>(&layer))
-        WriteShown(*asset, output);
+        WriteAssetLayerJson(*asset, output);
     if (const auto *text = dynamic_cast<const TextLayer *>(&layer))
         WriteText(*text, output);
     if (const auto *effect3D = dynamic_cast<const Effect3DLayer *>(&layer))
         WriteEffect3D(*effect3D, output);
-    for (const auto &tracker : TrackersOf(layer))
-        WriteTracker(layer, *tracker, output);
     for (const auto &effect : EffectsOf(layer))
         WriteEffect(layer, *effect, output);
     for (const auto &mask : MasksOf(layer))

@@ -1,3 +1,4 @@
+#include "InfoAssetLayer.h"
 #include "InfoParts.h"
 #include "LayerContent.h"
 #include "Names.h"
@@ -14,8 +15,6 @@
 #include <marlet/masks/PathPoint.h>
 #include <marlet/plugins/EffectInstance.h>
 #include <marlet/project/TextureImage.h>
-#include <marlet/tracking/Tracker.h>
-#include <marlet/tracking/TrackingPoint.h>
 
 namespace marlet::tool
 {
@@ -131,27 +130,6 @@ void WriteMask(const Mask &mask, Output &output)
         output.Line(kDeeper + "point " + PadRight(std::to_string(++position), 3) + " " + PointText(*point));
 }
 
-/// The asset may be gone.
-void WriteShown(const AssetLayer &layer, Output &output)
-{
-    output.Line(kIndent + "shows the " + AssetTypeName(layer.AssetType()) + " " +
-                layer.AssetID().ToNarrowString() + " from its frame " +
-                std::to_string(layer.AssetInstanceStart()));
-}
-
-void WriteTracker(const Tracker &tracker, Output &output)
-{
-    const bool single = tracker.Type() == Tracker::TrackerType::SinglePoint;
-    const bool flow = tracker.Method() == Tracker::TrackerMethod::OpticalFlow;
-    output.Line(kIndent + "tracker " + Quoted(tracker.Name()) + "  " + (single ? "one point" : "two points") +
-                " by " + (flow ? "optical flow" : "template matching"));
-    const std::shared_ptr<const TrackingPoint> points[] = {tracker.PrimaryTrackingPoint(),
-                                                           tracker.SecondaryTrackingPoint()};
-    for (const auto &point : points)
-        if (point && point->IsVisible())
-            WritePropertiesText(point->Animation(), kDeeper, output);
-}
-
 void WriteReference(const LayerReference &reference, const LayerMap &layers, Output &output)
 {
     const auto target = layers.find(reference.target);
@@ -163,16 +141,15 @@ void WriteReference(const LayerReference &reference, const LayerMap &layers, Out
 
 } // namespace
 
-void WriteContentText(const AbstractLayer &layer, const LayerMap &layers, Output &output)
+void WriteContentText(const AbstractLayer &layer, const LayerMap &layers, const AssetList &assets,
+                      Output &output)
 {
     if (const auto *asset = dynamic_cast<const AssetLayer *>(&layer))
-        WriteShown(*asset, output);
+        WriteAssetLayerText(*asset, assets, output);
     if (const auto *text = dynamic_cast<const TextLayer *>(&layer))
         WriteText(*text, output);
     if (const auto *effect3D = dynamic_cast<const Effect3DLayer *>(&layer))
         WriteEffect3D(*effect3D, output);
-    for (const auto &tracker : TrackersOf(layer))
-        WriteTracker(*tracker, output);
     for (const auto &effect : EffectsOf(layer))
         WriteEffect(*effect, output);
     for (const auto &mask : MasksOf(layer))
