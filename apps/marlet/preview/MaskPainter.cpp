@@ -1,9 +1,8 @@
 #include "MaskPainter.h"
 
 #include "Blur.h"
+#include "Values.h"
 
-#include <marlet/animation/PropertyManager.h>
-#include <marlet/animation/PropertyValue.h>
 #include <marlet/masks/Mask.h>
 #include <marlet/masks/MotionPath.h>
 #include <marlet/masks/PathPoint.h>
@@ -25,20 +24,10 @@ namespace
 using Point = kytl::matl::KyPoint<2, float>;
 using Vector = kytl::matl::KyVector<2, float>;
 
-/// A value of a type that a file may have changed.
-template <class T>
-T ValueOr(const PropertyManager &properties, const char *name, int time, const T &otherwise)
-{
-    const PropertyValue value = properties.ValueAtTime(name, time);
-    const T *found = boost::get<T>(&value);
-    return found ? *found : otherwise;
-}
-
 float LengthOr0(const PropertyManager &properties, const char *name, int time)
 {
     constexpr float kMost = 4096;
-    const float length = ValueOr(properties, name, time, 0.f);
-    return std::isfinite(length) ? std::clamp(length, -kMost, kMost) : 0;
+    return std::clamp(NumberOr(properties, name, time, 0), -kMost, kMost);
 }
 
 struct OutlinePoint {
@@ -113,9 +102,8 @@ int Joined(int below, int mask, MaskMode mode)
 
 void Join(std::vector<int> &coverage, const QImage &of, const Mask &mask, MaskMode mode, int time)
 {
-    const float percent = ValueOr(mask.Animation(), "opacity", time, 100.f);
-    const int opacity =
-        std::isfinite(percent) ? static_cast<int>(std::clamp(percent, 0.f, 100.f) * 2.55f) : 255;
+    const float percent = std::clamp(NumberOr(mask.Animation(), "opacity", time, 100), 0.f, 100.f);
+    const int opacity = static_cast<int>(percent * 2.55f);
     const bool inverted = ValueOr(mask.Animation(), "inverted", time, false);
     auto pixel = coverage.begin();
     for (int y = 0; y < of.height(); ++y) {
