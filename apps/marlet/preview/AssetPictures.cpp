@@ -1,6 +1,7 @@
 #include "AssetPictures.h"
 
 #include "QuietStandardError.h"
+#include "Values.h"
 
 #include <marlet/project/ImageAsset.h>
 #include <marlet/project/MediaAsset.h>
@@ -100,9 +101,7 @@ QImage AssetPictures::PictureOf(const SolidAsset &solid)
                    QImage::Format_ARGB32_Premultiplied);
     if (picture.isNull())
         return picture;
-    const kytl::KyColorRGBA_32f &color = solid.Color();
-    const auto level = [](float value) { return std::isfinite(value) ? std::clamp(value, 0.f, 1.f) : 0.f; };
-    picture.fill(QColor::fromRgbF(level(color.R), level(color.G), level(color.B), level(color.A)));
+    picture.fill(ToQColor(solid.Color()));
     return picture;
 }
 

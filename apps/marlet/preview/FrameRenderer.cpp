@@ -4,10 +4,9 @@
 #include "Markers.h"
 #include "MaskPainter.h"
 #include "TextPainter.h"
+#include "Values.h"
 #include "View.h"
 
-#include <marlet/animation/PropertyManager.h>
-#include <marlet/animation/PropertyValue.h>
 #include <marlet/layers/AssetLayer.h>
 #include <marlet/layers/GradeLayer.h>
 #include <marlet/layers/TextLayer.h>
@@ -43,11 +42,7 @@ QSize FrameSize(const AudioVideoSettings &settings)
 
 double OpacityOf(const AbstractLayer &layer, int time)
 {
-    if (!layer.Animation().HasProperty("opacity"))
-        return 1;
-    const PropertyValue value = layer.Animation().ValueAtTime("opacity", time);
-    const float *percent = boost::get<float>(&value);
-    return percent && std::isfinite(*percent) ? std::clamp(static_cast<double>(*percent) / 100, 0.0, 1.0) : 1;
+    return std::clamp(static_cast<double>(NumberOr(layer.Animation(), "opacity", time, 100)) / 100, 0.0, 1.0);
 }
 
 bool IsInSpace(const AbstractLayer &layer)

@@ -1,9 +1,8 @@
 #include "Markers.h"
 
+#include "Values.h"
 #include "plugins/Ribbon.h"
 
-#include <marlet/animation/PropertyManager.h>
-#include <marlet/animation/PropertyValue.h>
 #include <marlet/layers/AbstractLayer.h>
 #include <marlet/layers/Effect3DLayer.h>
 
@@ -25,28 +24,9 @@ using Point = kytl::matl::KyPoint<3, float>;
 
 constexpr double kTurn = 6.28318530717958647692;
 
-template <class T>
-T ValueOr(const PropertyManager &properties, const char *name, int time, const T &otherwise)
-{
-    if (!properties.HasProperty(name))
-        return otherwise;
-    const PropertyValue value = properties.ValueAtTime(name, time);
-    const T *found = boost::get<T>(&value);
-    return found ? *found : otherwise;
-}
-
-float NumberOr0(const PropertyManager &properties, const char *name, int time)
-{
-    const float number = ValueOr(properties, name, time, 0.f);
-    return std::isfinite(number) ? number : 0;
-}
-
 QColor ColorOf(const PropertyManager &properties, int time)
 {
-    const kytl::KyColorRGBA_32f white{1, 1, 1, 1};
-    const kytl::KyColorRGBA_32f color = ValueOr(properties, "color", time, white);
-    const auto level = [](float value) { return std::isfinite(value) ? std::clamp(value, 0.f, 1.f) : 0.f; };
-    return QColor::fromRgbF(level(color.R), level(color.G), level(color.B));
+    return ToQColor(ValueOr(properties, "color", time, kytl::KyColorRGBA_32f{1, 1, 1, 1}));
 }
 
 void PaintCross(QPainter &painter, const Placing &place)
@@ -75,9 +55,9 @@ void PaintSun(QPainter &painter, const QColor &color, const QPointF &centre)
 void PaintRibbon(QPainter &painter, const PropertyManager &properties, int time, const Placing &place)
 {
     constexpr int kSteps = 48;
-    const double radius = NumberOr0(properties, "radius", time);
-    const double height = NumberOr0(properties, "height", time);
-    const double turns = std::clamp(static_cast<double>(NumberOr0(properties, "turns", time)), -50.0, 50.0);
+    const double radius = NumberOr(properties, "radius", time, 0);
+    const double height = NumberOr(properties, "height", time, 0);
+    const double turns = std::clamp(static_cast<double>(NumberOr(properties, "turns", time, 0)), -50.0, 50.0);
     const int steps = static_cast<int>(std::ceil(std::abs(turns) * kSteps)) + 1;
     QPolygonF line;
     for (int step = 0; step <= steps; ++step) {

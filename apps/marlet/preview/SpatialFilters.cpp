@@ -1,5 +1,6 @@
 #include "Blur.h"
 #include "FilterInput.h"
+#include "Values.h"
 #include "plugins/Displacement.h"
 
 #include <QPainter>
@@ -17,12 +18,6 @@ namespace
 {
 
 constexpr double kRadians = 3.14159265358979323846 / 180;
-
-QColor Color(const kytl::KyColorRGBA_32f &color)
-{
-    const auto level = [](float value) { return std::isfinite(value) ? std::clamp(value, 0.f, 1.f) : 0.f; };
-    return QColor::fromRgbF(level(color.R), level(color.G), level(color.B), level(color.A));
-}
 
 /// The way that a shadow falls, in pixels to the right and down.
 QPointF ShadowOffset(const Surface &surface, const FilterInput &input)
@@ -124,7 +119,7 @@ void RenderDropShadow(Surface &surface, const FilterInput &input)
         painter.drawImage(ShadowOffset(surface, input), surface.picture);
         painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
         painter.setOpacity(1);
-        painter.fillRect(shadow.rect(), Color(input.Value<kytl::KyColorRGBA_32f>("color")));
+        painter.fillRect(shadow.rect(), ToQColor(input.Value<kytl::KyColorRGBA_32f>("color")));
     }
     const int softness = static_cast<int>(std::clamp(input.Number("softness"), 0.f, 500.f));
     shadow = Blurred(shadow, {softness, softness});

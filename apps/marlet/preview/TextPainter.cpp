@@ -1,5 +1,7 @@
 #include "TextPainter.h"
 
+#include "Values.h"
+
 #include <QPainter>
 #include <QTextLayout>
 
@@ -18,12 +20,6 @@ namespace
 
 constexpr int kLongestSide = 8192;
 
-QColor Color(const kytl::KyColorRGBA_32f &color)
-{
-    const auto level = [](float value) { return std::isfinite(value) ? std::clamp(value, 0.f, 1.f) : 0.f; };
-    return QColor::fromRgbF(level(color.R), level(color.G), level(color.B), level(color.A));
-}
-
 QString ToQString(const WideString &text)
 {
     return QString::fromStdU16String(text);
@@ -37,9 +33,9 @@ QTextCharFormat CharFormat(const TextLayer::Format &format)
     font.setLetterSpacing(QFont::AbsoluteSpacing, static_cast<qreal>(format.tracking));
     QTextCharFormat result;
     result.setFont(font);
-    result.setForeground(Color(format.fillColor));
+    result.setForeground(ToQColor(format.fillColor));
     if (format.strokeWidth > 0)
-        result.setTextOutline(QPen(Color(format.strokeColor), static_cast<qreal>(format.strokeWidth)));
+        result.setTextOutline(QPen(ToQColor(format.strokeColor), static_cast<qreal>(format.strokeWidth)));
     return result;
 }
 

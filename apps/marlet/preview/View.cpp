@@ -1,7 +1,7 @@
 #include "View.h"
 
-#include <marlet/animation/PropertyManager.h>
-#include <marlet/animation/PropertyValue.h>
+#include "Values.h"
+
 #include <marlet/layers/CameraLayer.h>
 #include <marlet/project/AssetList.h>
 #include <marlet/project/CompositionAsset.h>
@@ -36,9 +36,8 @@ View::View(const ProjectPointer &project, const CompositionAsset &composition, i
     if (!camera)
         return;
     const int time = camera->GlobalFrameToRelativeTime(frame, std::as_const(*project).Assets());
-    const PropertyValue zoom = std::as_const(*camera).Animation().ValueAtTime("zoom", time);
-    if (const float *value = boost::get<float>(&zoom); value && std::isfinite(*value) && *value > 0)
-        zoom_ = *value;
+    if (const float zoom = NumberOr(std::as_const(*camera).Animation(), "zoom", time, 0); zoom > 0)
+        zoom_ = zoom;
     nearest_ = std::max(static_cast<double>(camera->NearClip()), 1e-3);
     Matrix placement = camera->WorldTransformationAtTime(time, project, true);
     try {
