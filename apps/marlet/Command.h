@@ -26,6 +26,7 @@ struct CommandSpec {
     void (*run)(const Arguments &, Output &);
 };
 
+const CommandSpec &FrameCommand();
 const CommandSpec &InfoCommand();
 const CommandSpec &ValueCommand();
 const CommandSpec &MatrixCommand();

@@ -13,9 +13,9 @@ namespace
 const std::vector<const CommandSpec *> &Commands()
 {
     static const std::vector<const CommandSpec *> commands{
-        &InfoCommand(),     &ValueCommand(),  &MatrixCommand(), &ParentCommand(),
-        &CloneCommand(),    &DeleteCommand(), &SaveCommand(),   &ImageCommand(),
-        &TimecodeCommand(), &CheckCommand(),  &NewCommand(),    &PluginsCommand(),
+        &InfoCommand(),  &ValueCommand(),  &MatrixCommand(),  &ParentCommand(), &FrameCommand(),
+        &CloneCommand(), &DeleteCommand(), &SaveCommand(),    &ImageCommand(),  &TimecodeCommand(),
+        &CheckCommand(), &NewCommand(),    &PluginsCommand(),
     };
     return commands;
 }
