@@ -27,6 +27,7 @@ struct CommandSpec {
 };
 
 const CommandSpec &FrameCommand();
+const CommandSpec &DiffCommand();
 const CommandSpec &CurveCommand();
 const CommandSpec &InfoCommand();
 const CommandSpec &ValueCommand();
