@@ -27,6 +27,7 @@ struct CommandSpec {
 };
 
 const CommandSpec &FrameCommand();
+const CommandSpec &TreeCommand();
 const CommandSpec &DiffCommand();
 const CommandSpec &CurveCommand();
 const CommandSpec &InfoCommand();
