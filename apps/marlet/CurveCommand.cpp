@@ -35,16 +35,18 @@ void Run(const Arguments &arguments, Output &output)
 
 const CommandSpec &CurveCommand()
 {
-    static const CommandSpec command{"curve",
-                                     "a picture of a property over time, and of its path",
-                                     "FILE --composition C --layer L --property P -o OUT.svg",
-                                     1,
-                                     1,
-                                     {{"--composition", "C", "the composition, by ID or name"},
-                                      {"--layer", "L", "the layer, by ID or name"},
-                                      {"--property", "P", "the property, such as position"},
-                                      {"-o", "OUT.svg", "the picture"}},
-                                     Run};
+    static const CommandSpec command{
+        "curve",
+        "a picture of a property over time, and of its path",
+        "FILE --composition C --layer L --property P -o OUT.svg",
+        1,
+        1,
+        {{"--composition", "C", "the composition, by ID or name"},
+         {"--layer", "L", "the layer, by ID or name"},
+         {"--property", "P", "the property, such as position"},
+         {"-o", "OUT.svg", "the picture"}},
+        Run,
+        "curve examples/orbit.xml --composition Orbit --layer Moon --property position -o moon.svg"};
     return command;
 }
 

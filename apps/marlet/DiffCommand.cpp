@@ -91,7 +91,8 @@ const CommandSpec &DiffCommand()
                                      2,
                                      2,
                                      {{"--json", "", "one JSON object a line"}},
-                                     Run};
+                                     Run,
+                                     "diff before.xml after.xml"};
     return command;
 }
 

@@ -150,7 +150,8 @@ const CommandSpec &FrameCommand()
          {"--to", "B", "the last of several, the composition's last if not given"},
          {"--size", "WxH", "scale the pictures to that size"},
          {"-o", "OUT", "the picture; of several a folder, or a clip: .mp4, .mov, .avi, .mkv"}},
-        Run};
+        Run,
+        "frame examples/titles.xml --composition Opening --frame 25 --size 640x360 -o frame.png"};
     return command;
 }
 

@@ -49,7 +49,8 @@ const CommandSpec &NewCommand()
          {"--frames", "N", "the length; 250 if not given"},
          {"--titles", "", "styled text with effects and masks in place of a system of planets"},
          {"--texture", "IMAGE", "the picture on the ribbon of the titles, as seen from the folder of OUT"}},
-        Run};
+        Run,
+        "new film.xml --preset 6 --frames 250"};
     return command;
 }
 

@@ -29,7 +29,8 @@ const CommandSpec &TreeCommand()
                                      1,
                                      1,
                                      {{"-o", "OUT.svg", "the picture"}},
-                                     Run};
+                                     Run,
+                                     "tree examples/titles.xml -o tree.svg"};
     return command;
 }
 

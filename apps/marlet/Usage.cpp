@@ -7,9 +7,6 @@
 namespace marlet::tool
 {
 
-namespace
-{
-
 const std::vector<const CommandSpec *> &Commands()
 {
     static const std::vector<const CommandSpec *> commands{
@@ -20,7 +17,10 @@ const std::vector<const CommandSpec *> &Commands()
     return commands;
 }
 
-} // namespace
+std::string VersionLine()
+{
+    return "marlet " MARLET_VERSION "\n";
+}
 
 const CommandSpec *FindCommand(const std::string &name)
 {
@@ -34,7 +34,8 @@ std::string GeneralUsage()
     std::string usage = "usage: marlet COMMAND ...\n\n";
     for (const CommandSpec *command : Commands())
         usage += "  " + PadRight(command->name, 10) + command->summary + "\n";
-    return usage + "\n\"marlet help COMMAND\" tells how a command is called.\n";
+    return usage + "\n\"marlet help COMMAND\" tells how a command is called, \"marlet --version\" which "
+                   "marlet this is.\n";
 }
 
 std::string CommandUsage(const CommandSpec &command)
@@ -51,6 +52,8 @@ std::string CommandUsage(const CommandSpec &command)
         usage += '\n';
     for (const OptionSpec &option : command.options)
         usage += "  " + PadRight(option.name + " " + option.placeholder, 20) + option.help + "\n";
+    if (!command.example.empty())
+        usage += "\nexample:\n  marlet " + command.example + "\n";
     return usage;
 }
 
