@@ -10,9 +10,11 @@ namespace marlet::tool
 const std::vector<const CommandSpec *> &Commands()
 {
     static const std::vector<const CommandSpec *> commands{
-        &InfoCommand(),  &ValueCommand(),  &MatrixCommand(),  &ParentCommand(), &FrameCommand(),
-        &CloneCommand(), &DeleteCommand(), &SaveCommand(),    &ImageCommand(),  &TimecodeCommand(),
-        &CheckCommand(), &NewCommand(),    &PluginsCommand(),
+        &InfoCommand(),  &CheckCommand(),    &ReportCommand(),  &TreeCommand(),   &DiffCommand(),
+        &ValueCommand(), &CurveCommand(),    &MatrixCommand(),  &FrameCommand(),  &PostFilterCommand(),
+        &NewCommand(),   &SaveCommand(),     &ParentCommand(),  &CloneCommand(),  &DeleteCommand(),
+        &MediaCommand(), &DecodeCommand(),   &SamplesCommand(), &RelinkCommand(), &TrackCommand(),
+        &ImageCommand(), &TimecodeCommand(), &PluginsCommand(), &FontsCommand(),  &ClipCommand(),
     };
     return commands;
 }
