@@ -67,6 +67,19 @@ constexpr Figure kFigures[] = {
      Bound::AtMost, 13},
     {"clone 1,000 layers with five effects / 100", Kind::Ratio, "CloneEffects/1000", "CloneEffects/100",
      Bound::AtMost, 13},
+    {"load a track of 100,000 objects / parse and walk", Kind::Ratio, "LoadTrack/100000", "ParseTrack/100000",
+     Bound::AtMost, 4},
+    {"load a track of 100,000 objects / of 10,000", Kind::Ratio, "LoadTrack/100000", "LoadTrack/10000",
+     Bound::AtMost, 12},
+    {"insert 100,000 objects in order / 10,000", Kind::Ratio, "InsertInOrder/100000", "InsertInOrder/10000",
+     Bound::AtMost, 12},
+    {"insert 100,000 objects at random / bare vector", Kind::Ratio, "InsertAtRandom/100000",
+     "InsertIntoVector/100000", Bound::AtMost, 1.5},
+    {"object on a frame / bare search", Kind::Ratio, "FindOnFrame", "SearchFrame", Bound::AtMost, 3},
+    {"object by start frame / bare search", Kind::Ratio, "GetByStartFrame", "SearchStart", Bound::AtMost, 3},
+    {"object by ID / bare hash lookup", Kind::Ratio, "GetByID", "LookUpID", Bound::AtMost, 2},
+    {"next edit over 20 tracks / 20 bare searches", Kind::Ratio, "NextEdit", "SearchTracks", Bound::AtMost,
+     3},
 };
 
 std::string TimeText(double nanoseconds)
