@@ -28,22 +28,22 @@ void SequenceObjectList::SetTrackID(const kytl::KyID &id)
 
 bool SequenceObjectList::IsEmpty() const
 {
-    return impl_->objects.IsEmpty();
+    return impl_->slots.empty();
 }
 
 unsigned int SequenceObjectList::Count() const
 {
-    return impl_->objects.Count();
+    return static_cast<unsigned int>(impl_->Count());
 }
 
 const SequenceObjectList::Object &SequenceObjectList::operator[](unsigned int index) const
 {
-    return impl_->objects.at(index);
+    return impl_->objects[impl_->slots.at(index)];
 }
 
 SequenceObjectList::Object &SequenceObjectList::operator[](unsigned int index)
 {
-    Object &entry = impl_->objects.at(index);
+    Object &entry = impl_->objects[impl_->slots.at(index)];
     impl_->Lend(index);
     return entry;
 }
@@ -52,14 +52,14 @@ const SequenceObjectList::Object &SequenceObjectList::FirstByTime() const
 {
     if (IsEmpty())
         throw std::logic_error("The track has no first object");
-    return impl_->objects.front();
+    return impl_->At(0);
 }
 
 const SequenceObjectList::Object &SequenceObjectList::LastByTime() const
 {
     if (IsEmpty())
         throw std::logic_error("The track has no last object");
-    return impl_->objects.back();
+    return impl_->At(impl_->Count() - 1);
 }
 
 SequenceObjectList::Object SequenceObjectList::GetByStartFrame(int frame) const
@@ -67,7 +67,7 @@ SequenceObjectList::Object SequenceObjectList::GetByStartFrame(int frame) const
     const std::size_t position = impl_->LowerBound(frame);
     if (position == impl_->Count() || impl_->startFrames[position] != frame)
         return nullptr;
-    return impl_->objects[position];
+    return impl_->At(position);
 }
 
 SequenceObjectList::Object SequenceObjectList::GetByID(const kytl::KyID &id) const
@@ -81,7 +81,7 @@ SequenceObjectList::Object SequenceObjectList::GetByID(const kytl::KyID &id) con
 SequenceObjectList::Object SequenceObjectList::FindOnFrame(int frame) const
 {
     const std::size_t position = impl_->FindOnFrame(frame, impl_->LowerBound(frame));
-    return position == SequenceObjectList_Impl::kNone ? nullptr : impl_->objects[position];
+    return position == SequenceObjectList_Impl::kNone ? nullptr : impl_->At(position);
 }
 
 SequenceObjectList::Objects SequenceObjectList::FindInRange(int first, int last) const
@@ -98,7 +98,7 @@ SequenceObjectList::Objects SequenceObjectList::FindInRange(int first, int last)
         const bool endsInside = first < end && end <= last;
         const bool coversAll = start < first && last < end;
         if (startsInside || endsInside || coversAll)
-            found.Add(data.objects[i]);
+            found.Add(data.At(i));
     }
     return found;
 }
@@ -112,9 +112,9 @@ void SequenceObjectList::FindAdjacentObjects(int frame, Object &previous, Object
     const std::size_t before = data.FindBefore(frame, lowerBound, excludedID);
     const std::size_t after = data.FindAfter(frame, lowerBound, excludedID);
     if (before != data.kNone)
-        previous = data.objects[before];
+        previous = data.At(before);
     if (after != data.kNone)
-        next = data.objects[after];
+        next = data.At(after);
 }
 
 std::optional<int> SequenceObjectList::FindPreviousEdit(int frame) const
@@ -124,8 +124,8 @@ std::optional<int> SequenceObjectList::FindPreviousEdit(int frame) const
     const std::size_t onFrame = data.FindOnFrame(frame, lowerBound);
     if (onFrame != data.kNone && data.startFrames[onFrame] != frame)
         return data.startFrames[onFrame];
-    const std::size_t before = data.FindBefore(
-        frame, lowerBound, onFrame == data.kNone ? kytl::KyID() : data.objects[onFrame]->ID());
+    const std::size_t before =
+        data.FindBefore(frame, lowerBound, onFrame == data.kNone ? kytl::KyID() : data.At(onFrame)->ID());
     if (before == data.kNone)
         return std::nullopt;
     const int end = data.EndFrame(before);
@@ -145,15 +145,15 @@ std::optional<int> SequenceObjectList::FindNextEdit(int frame) const
 
 void SequenceObjectList::ForEach(const std::function<void(Object)> &function)
 {
-    for (const Object &object : impl_->objects)
-        function(object);
+    for (std::size_t i = 0; i < impl_->Count(); ++i)
+        function(impl_->At(i));
 }
 
 void SequenceObjectList::ForEach(
     const std::function<void(std::shared_ptr<const AbstractSequenceObject>)> &function) const
 {
-    for (const Object &object : impl_->objects)
-        function(object);
+    for (std::size_t i = 0; i < impl_->Count(); ++i)
+        function(impl_->At(i));
 }
 
 void SequenceObjectList::Insert(const Object &object, int startFrame)
@@ -199,14 +199,9 @@ SequenceObjectList::Object SequenceObjectList::Remove(const kytl::KyID &id)
 void SequenceObjectList::Clear()
 {
     impl_->TakeBack();
-    for (const Object &object : impl_->objects) {
+    const Objects removed = impl_->TakeAll();
+    for (const Object &object : removed)
         impl_->sequence->RemoveObjectFromCache(object);
-        impl_->Release(*object);
-    }
-    const Objects removed = std::exchange(impl_->objects, {});
-    impl_->startFrames.clear();
-    impl_->endFrames.clear();
-    impl_->mayHaveNullIDs = false;
 }
 
 } // namespace marlet::project

@@ -12,7 +12,7 @@ namespace marlet::project
 /// A lent entry is asked itself.
 int SequenceObjectList_Impl::EndFrame(std::size_t position) const
 {
-    return IsLent(position) ? objects[position]->EndFrame() : endFrames[position];
+    return IsLent(position) ? At(position)->EndFrame() : endFrames[slots[position]];
 }
 
 /// Asks no object whether it has the null ID unless one may have it.
@@ -20,7 +20,7 @@ bool SequenceObjectList_Impl::HasID(std::size_t position, const kytl::KyID &id) 
 {
     if (id.IsNull() && !mayHaveNullIDs && !IsLent(position))
         return false;
-    return objects[position]->ID() == id;
+    return At(position)->ID() == id;
 }
 
 /// The first position that starts at the frame or later.
@@ -69,7 +69,7 @@ std::size_t SequenceObjectList_Impl::FindEntry(const Object &object) const
 {
     const int startFrame = object->StartFrame();
     for (std::size_t i = LowerBound(startFrame); i < Count() && startFrames[i] == startFrame; ++i)
-        if (objects[i] == object)
+        if (At(i) == object)
             return i;
     return kNone;
 }
@@ -89,8 +89,8 @@ void SequenceObjectList_Impl::TakeEndFrame(const AbstractSequenceObject &object)
 {
     const int startFrame = object.StartFrame();
     for (std::size_t i = LowerBound(startFrame); i < Count() && startFrames[i] == startFrame; ++i)
-        if (objects[i].get() == &object)
-            endFrames[i] = object.EndFrame();
+        if (At(i).get() == &object)
+            endFrames[slots[i]] = object.EndFrame();
 }
 
 void SequenceObjectList_Impl::Lend(std::size_t position)
@@ -106,8 +106,8 @@ void SequenceObjectList_Impl::TakeBack()
     const std::size_t end = std::exchange(endLent, 0);
     for (std::size_t i = std::exchange(firstLent, 0); i < end; ++i) {
         // What is on another list by now stays with that.
-        if (objects[i]->list_->expired())
-            *objects[i]->list_ = weak_from_this();
+        if (At(i)->list_->expired())
+            *At(i)->list_ = weak_from_this();
         Refresh(i);
     }
     if (end > 0 && !std::is_sorted(startFrames.begin(), startFrames.end()))
@@ -117,16 +117,17 @@ void SequenceObjectList_Impl::TakeBack()
 /// Takes over what the object of an entry says.
 void SequenceObjectList_Impl::Refresh(std::size_t position)
 {
-    const AbstractSequenceObject &object = *objects[position];
+    const AbstractSequenceObject &object = *At(position);
     startFrames[position] = object.StartFrame();
-    endFrames[position] = object.EndFrame();
+    endFrames[slots[position]] = object.EndFrame();
     mayHaveNullIDs = mayHaveNullIDs || object.ID().IsNull();
 }
 
 void SequenceObjectList_Impl::SortAgain()
 {
-    std::stable_sort(objects.begin(), objects.end(),
-                     [](const Object &a, const Object &b) { return a->StartFrame() < b->StartFrame(); });
+    std::stable_sort(slots.begin(), slots.end(), [this](std::uint32_t a, std::uint32_t b) {
+        return objects[a]->StartFrame() < objects[b]->StartFrame();
+    });
     for (std::size_t i = 0; i < Count(); ++i)
         Refresh(i);
 }
@@ -138,25 +139,53 @@ void SequenceObjectList_Impl::Release(AbstractSequenceObject &object) const
         object.list_->reset();
 }
 
+std::uint32_t SequenceObjectList_Impl::TakeSlot(const Object &object)
+{
+    if (freeSlots.empty()) {
+        objects.push_back(object);
+        endFrames.push_back(0);
+        return static_cast<std::uint32_t>(objects.size() - 1);
+    }
+    const std::uint32_t slot = freeSlots.back();
+    freeSlots.pop_back();
+    objects[slot] = object;
+    return slot;
+}
+
 void SequenceObjectList_Impl::Insert(const Object &object, std::size_t position)
 {
     const auto offset = static_cast<std::ptrdiff_t>(position);
+    slots.insert(slots.begin() + offset, TakeSlot(object));
     startFrames.insert(startFrames.begin() + offset, 0);
-    endFrames.insert(endFrames.begin() + offset, 0);
-    objects.insert(objects.begin() + offset, object);
     *object->list_ = weak_from_this();
     Refresh(position);
 }
 
 void SequenceObjectList_Impl::Erase(std::size_t position)
 {
-    const Object object = objects[position];
     const auto offset = static_cast<std::ptrdiff_t>(position);
+    const Object object = std::exchange(objects[slots[position]], nullptr);
+    freeSlots.push_back(slots[position]);
+    slots.erase(slots.begin() + offset);
     startFrames.erase(startFrames.begin() + offset);
-    endFrames.erase(endFrames.begin() + offset);
-    objects.erase(objects.begin() + offset);
     if (FindEntry(object) == kNone)
         Release(*object);
+}
+
+SequenceObjectList::Objects SequenceObjectList_Impl::TakeAll()
+{
+    SequenceObjectList::Objects taken;
+    for (std::size_t i = 0; i < Count(); ++i) {
+        Release(*At(i));
+        taken.Add(At(i));
+    }
+    startFrames.clear();
+    slots.clear();
+    objects.clear();
+    endFrames.clear();
+    freeSlots.clear();
+    mayHaveNullIDs = false;
+    return taken;
 }
 
 /// Takes an entry to another position; those between move up.
@@ -169,9 +198,8 @@ void SequenceObjectList_Impl::Shift(std::size_t from, std::size_t to)
         else
             std::rotate(at(to), at(from), at(from + 1));
     };
-    rotate(objects.begin());
     rotate(startFrames.begin());
-    rotate(endFrames.begin());
+    rotate(slots.begin());
 }
 
 /// Sets the object's start frame, and takes its entries, of which there may be none or several, behind what
@@ -184,7 +212,7 @@ void SequenceObjectList_Impl::MoveEntries(const Object &object, int startFrame)
     object->SetStartFrame(startFrame);
     std::size_t position = LowerBound(former);
     while (position < Count() && startFrames[position] == former) {
-        if (objects[position] != object) {
+        if (At(position) != object) {
             ++position;
             continue;
         }

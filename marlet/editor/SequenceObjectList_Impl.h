@@ -7,8 +7,9 @@
 namespace marlet::project
 {
 
-/// The objects of a list, with their frames in flat arrays beside them, so that a search by frame touches no
-/// object. The list alone sets start frames; objects tell it of their end frames.
+/// The objects of a list in slots, whose numbers stand in order of time beside the start frames. A search by
+/// frame touches flat arrays and no object, and an insertion moves no object. The list alone sets start
+/// frames; objects tell it of their end frames.
 struct SequenceObjectList_Impl : std::enable_shared_from_this<SequenceObjectList_Impl> {
     using Object = SequenceObjectList::Object;
 
@@ -16,10 +17,13 @@ struct SequenceObjectList_Impl : std::enable_shared_from_this<SequenceObjectList
 
     EditorSequence *sequence = nullptr;
     kytl::KyID trackID;
-    SequenceObjectList::Objects objects;
-    // Of the objects at the same positions.
+    // By position, that is in order.
     std::vector<int> startFrames;
+    std::vector<std::uint32_t> slots;
+    // By slot.
+    std::vector<Object> objects;
     std::vector<int> endFrames;
+    std::vector<std::uint32_t> freeSlots;
     // The positions from the first to before the last may hold other objects than the list put there:
     // somebody was given a reference.
     std::size_t firstLent = 0;
@@ -27,6 +31,7 @@ struct SequenceObjectList_Impl : std::enable_shared_from_this<SequenceObjectList
     bool mayHaveNullIDs = false;
 
     std::size_t Count() const { return startFrames.size(); }
+    const Object &At(std::size_t position) const { return objects[slots[position]]; }
     bool IsLent(std::size_t position) const { return position >= firstLent && position < endLent; }
     int EndFrame(std::size_t position) const;
     bool HasID(std::size_t position, const kytl::KyID &id) const;
@@ -44,10 +49,13 @@ struct SequenceObjectList_Impl : std::enable_shared_from_this<SequenceObjectList
     void TakeBack();
     void Insert(const Object &object, std::size_t position);
     void Erase(std::size_t position);
-    void Release(AbstractSequenceObject &object) const;
+    /// Leaves the list empty.
+    SequenceObjectList::Objects TakeAll();
     void MoveEntries(const Object &object, int startFrame);
 
 private:
+    void Release(AbstractSequenceObject &object) const;
+    std::uint32_t TakeSlot(const Object &object);
     void Shift(std::size_t from, std::size_t to);
     void Refresh(std::size_t position);
     void SortAgain();
