@@ -13,7 +13,7 @@ namespace
 
 /// A figure to reach: what was measured, alone or beside something else.
 struct Figure {
-    enum class Kind { Ratio, Difference, Count };
+    enum class Kind { Ratio, Difference, Count, Milliseconds };
     enum class Bound { AtMost, AtLeast };
 
     const char *text;
@@ -80,6 +80,10 @@ constexpr Figure kFigures[] = {
     {"object by ID / bare hash lookup", Kind::Ratio, "GetByID", "LookUpID", Bound::AtMost, 2},
     {"next edit over 20 tracks / 20 bare searches", Kind::Ratio, "NextEdit", "SearchTracks", Bound::AtMost,
      3},
+    {"match by optical flow, ms", Kind::Milliseconds, "MatchByFlow", nullptr, Bound::AtMost, 10},
+    {"match by template, ms", Kind::Milliseconds, "MatchByTemplate", nullptr, Bound::AtMost, 10},
+    {"match by template in colour, ms", Kind::Milliseconds, "MatchByTemplateInColour", nullptr, Bound::AtMost,
+     10},
 };
 
 std::string TimeText(double nanoseconds)
@@ -141,7 +145,9 @@ void Report::PrintTable() const
             continue;
         double value = *first;
         std::string source;
-        if (figure.kind != Kind::Count) {
+        if (figure.kind == Kind::Milliseconds) {
+            value /= 1e6;
+        } else if (figure.kind != Kind::Count) {
             value = figure.kind == Kind::Ratio ? *first / *second : *first - *second;
             source = TimeText(*first) + ", " + TimeText(*second);
         }

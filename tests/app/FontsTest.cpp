@@ -5,28 +5,17 @@
 namespace marlet::test
 {
 
-namespace
-{
-
-using FontsTest = ToolTest;
-
-TEST_F(FontsTest, ListsFamiliesAndTheFacesOfOne)
+TEST_F(ToolTest, ListsTheFontsOfTheMachine)
 {
     const FontFolder folder;
     folder.Add("Sans", "Zebras");
-    folder.Add("Sans-Bold", "Zebras");
-    EXPECT_EQ(Run({"fonts"}).out, folder.Path() + "\n  \"Zebras Sans\"  family \"Zebras Sans\", " +
-                                      folder.Path() + "/ZebrasSans.ttf\n");
-    const auto lines = Run({"fonts", "Zebras Sans", "--json"}).OutLines();
-    ASSERT_EQ(lines.size(), 3u);
-    EXPECT_EQ(lines[2], "{\"kind\":\"font\",\"full_name\":\"Zebras Sans Bold\",\"family\":\"Zebras Sans\","
-                        "\"file\":\"" +
-                            folder.Path() + "/ZebrasSans-Bold.ttf\"}");
-    const ToolRun unknown = Run({"fonts", "Zebra"});
-    EXPECT_EQ(unknown.exitCode, 1);
-    EXPECT_EQ(unknown.err, "marlet: There is no font family \"Zebra\", only \"Zebras Sans\"\n");
+    EXPECT_EQ(Run({"fonts"}).out, folder.path + "\n  \"Zebras Sans\"  family \"Zebras Sans\", " +
+                                      folder.path + "/ZebrasSans.ttf\n");
+    EXPECT_EQ(Run({"fonts", "Zebras Sans", "--json"}).OutLines().at(1),
+              "{\"kind\":\"font\",\"full_name\":\"Zebras Sans\",\"family\":\"Zebras Sans\",\"file\":\"" +
+                  folder.path + "/ZebrasSans.ttf\"}");
+    EXPECT_EQ(Run({"fonts", "Zebra"}).err,
+              "marlet: There is no font family \"Zebra\", only \"Zebras Sans\"\n");
 }
-
-} // namespace
 
 } // namespace marlet::test

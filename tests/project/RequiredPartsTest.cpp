@@ -20,38 +20,25 @@ constexpr const char *kNewer =
 using Names = std::set<std::string>;
 
 /// The elements whose children are lists or values, which may all be missing.
-const Names kLists = {"Assets",    "SubFolders", "Layers",   "Masks",  "Points", "Tokens",  "Formats",
-                      "Animation", "Value",      "Default",  "Static", "bool",   "int32_t", "float",
-                      "KyID",      "wstring",    "Metadata", "Views",  "Video",  "Audio",   "Objects"};
+const Names kLists = {"Assets",   "SubFolders", "Layers", "Masks",   "Points",   "Tokens",
+                      "Formats",  "Animation",  "Value",  "Default", "Static",   "bool",
+                      "int32_t",  "float",      "KyID",   "wstring", "Metadata", "Views",
+                      "Trackers", "Video",      "Audio",  "Objects"};
 
 /// What a reader does without elsewhere; it asks for all others.
-const Names kOptional = {"ProjectSettings",
-                         "AssetList",
-                         "Assets",
-                         "SubFolders",
-                         "Metadata",
-                         "Instances",
-                         "RenderSettings",
-                         "Layers",
-                         "Effects",
-                         "Masks",
-                         "MotionPath",
-                         "Points",
-                         "AudioVideoSettings",
-                         "ViewerState",
-                         "Views",
-                         "Options",
-                         "EditorSequence",
-                         "Video",
-                         "Audio",
-                         "Objects"};
+const Names kOptional = {
+    "ProjectSettings",    "AssetList",   "Assets",  "SubFolders", "Metadata",      "Instances",
+    "RenderSettings",     "Layers",      "Effects", "Masks",      "MotionPath",    "Points",
+    "AudioVideoSettings", "ViewerState", "Views",   "Options",    "Trackers",      "Primary",
+    "Secondary",          "Video",       "Audio",   "Objects",    "EditorSequence"};
 const Names kOptionalAttributes = {"Ft", "Ch", "Jf", "K", "V"};
 
 /// The first property that each class looks for, which one without its properties is said to lack.
 const std::map<std::string, std::string> kFirstProperty = {
-    {"CameraLayer", "position"}, {"LightLayer", "position"},   {"PointLayer", "anchorPoint"},
-    {"GradeLayer", "opacity"},   {"TextLayer", "anchorPoint"}, {"Mask", "opacity"},
-    {"Point", "position"},       {"VisualObject", "opacity"},  {"AudioObject", "audioLevel"}};
+    {"AssetLayer", "anchorPoint"}, {"Primary", "featurePosition"}, {"Secondary", "featurePosition"},
+    {"CameraLayer", "position"},   {"LightLayer", "position"},     {"PointLayer", "anchorPoint"},
+    {"GradeLayer", "opacity"},     {"TextLayer", "anchorPoint"},   {"Mask", "opacity"},
+    {"Point", "position"},         {"VisualObject", "opacity"},    {"AudioObject", "audioLevel"}};
 
 bool IsPanelLayout(std::string_view name)
 {

@@ -12,64 +12,41 @@
 namespace marlet::test
 {
 
-/// A folder of fonts which alone make up the machine's fonts while it lives.
-class FontFolder
-{
-public:
-    /// The configuration names the folders, one a line.
+/// A folder with the machine's only fonts, as long as it lives.
+struct FontFolder {
     FontFolder()
     {
-        std::string pattern = (std::filesystem::temp_directory_path() / "marlet-fonts-XXXXXX").string();
-        path_ = ::mkdtemp(pattern.data());
-        Configure({path_ + "/missing", path_ + "/"});
-        ::setenv("FONTCONFIG_FILE", (path_ + "/fonts.conf").c_str(), 1);
+        Use(path);
+        ::setenv("FONTCONFIG_FILE", (path + "/fonts.conf").c_str(), 1);
     }
-    FontFolder(const FontFolder &) = delete;
-    FontFolder &operator=(const FontFolder &) = delete;
     ~FontFolder()
     {
         ::unsetenv("FONTCONFIG_FILE");
-        std::filesystem::remove_all(path_);
+        std::filesystem::remove_all(path);
     }
 
-    const std::string &Path() const { return path_; }
-
-    void Configure(const std::vector<std::string> &folders) const
+    /// Takes the fonts from elsewhere.
+    void Use(const std::string &folder) const
     {
-        std::ofstream file(path_ + "/fonts.conf");
-        file << "<fontconfig><cachedir>" << path_ << "/cache</cachedir>";
-        for (const std::string &folder : folders)
-            file << "<dir>" << folder << "</dir>";
-        file << "</fontconfig>";
+        std::ofstream(path + "/fonts.conf")
+            << "<fontconfig><cachedir>" << path << "/cache</cachedir><dir>" << path << "/missing</dir><dir>"
+            << folder << "/</dir></fontconfig>";
     }
 
-    /// A font of the DejaVu family, whose name has other six letters in place of "DejaVu".
-    void Add(const std::string &style, const std::string &sixLetters) const
+    /// A font of the DejaVu families, but with six other letters in its names.
+    void Add(const std::string &style, const std::string &letters) const
     {
         std::ifstream file("/usr/share/fonts/truetype/dejavu/DejaVu" + style + ".ttf", std::ios::binary);
         std::string bytes{std::istreambuf_iterator<char>(file), {}};
         ASSERT_FALSE(bytes.empty()) << "The package fonts-dejavu-core is missing";
-        Replace(bytes, "DejaVu", sixLetters);
-        Replace(bytes, Wide("DejaVu"), Wide(sixLetters));
-        std::ofstream(path_ + "/" + sixLetters + style + ".ttf", std::ios::binary) << bytes;
+        const std::string name("\0D\0e\0j\0a\0V\0u", 12);
+        for (std::size_t at = 0; (at = bytes.find(name, at)) != std::string::npos; at += name.size())
+            for (std::size_t i = 0; i < letters.size(); ++i)
+                bytes[at + 2 * i + 1] = letters[i];
+        std::ofstream(path + "/" + letters + style + ".ttf", std::ios::binary) << bytes;
     }
 
-private:
-    static std::string Wide(const std::string &text)
-    {
-        std::string wide;
-        for (const char c : text)
-            wide += {'\0', c};
-        return wide;
-    }
-
-    static void Replace(std::string &bytes, const std::string &from, const std::string &to)
-    {
-        for (std::size_t at = 0; (at = bytes.find(from, at)) != std::string::npos; at += to.size())
-            bytes.replace(at, from.size(), to);
-    }
-
-    std::string path_;
+    std::string path = ::mkdtemp(std::string("/tmp/marlet-fonts-XXXXXX").data());
 };
 
 } // namespace marlet::test

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <map>
 #include <memory>
+#include <string>
 #include <tuple>
 
 namespace marlet::project::platform
@@ -119,25 +120,35 @@ std::vector<FontFace> RegularFaces(const std::vector<const FcPattern *> &fonts)
     return faces;
 }
 
+/// The folders that the configuration names, in its order, without separators at their ends.
+std::vector<std::string> ExistingFolders(FcConfig *config)
+{
+    std::vector<std::string> existing;
+    FcStrList *folders = config ? FcConfigGetFontDirs(config) : nullptr;
+    while (const FcChar8 *next = folders ? FcStrListNext(folders) : nullptr) {
+        std::string folder(View(next));
+        while (folder.size() > 1 && folder.ends_with('/'))
+            folder.pop_back();
+        std::error_code error;
+        if (std::filesystem::is_directory(folder, error))
+            existing.push_back(folder);
+    }
+    if (folders)
+        FcStrListDone(folders);
+    return existing;
+}
+
 } // namespace
 
 WideString SystemFontsFolder()
 {
     const Config config(FcInitLoadConfig());
-    FcStrList *folders = config ? FcConfigGetConfigDirs(config.get()) : nullptr;
-    if (!folders)
+    const std::vector<std::string> folders = ExistingFolders(config.get());
+    if (folders.empty())
         return {};
-    std::string found;
-    for (const FcChar8 *folder = FcStrListNext(folders); folder && found.empty();
-         folder = FcStrListNext(folders)) {
-        std::error_code error;
-        if (std::filesystem::is_directory(View(folder), error))
-            found = View(folder);
-    }
-    FcStrListDone(folders);
-    while (found.size() > 1 && found.ends_with('/'))
-        found.pop_back();
-    return FromUtf8(found);
+    // Those of the user stand first.
+    const auto shared = std::ranges::find(folders, "/usr/share/fonts");
+    return FromUtf8(shared == folders.end() ? folders.front() : *shared);
 }
 
 std::vector<FontFace> FontFaces(const WideString &family)

@@ -14,7 +14,8 @@ struct FontFace {
     WideString file;
 };
 
-/// The system's fonts folder, without a separator at the end; empty if there is none.
+/// The system's fonts folder, or the first that there is besides, without a separator at the end; empty if
+/// there is none.
 WideString SystemFontsFolder();
 
 /// All faces of a family with outlines of TrueType type, in no fixed order; of an empty name one face of each
