@@ -23,7 +23,7 @@ void Catch(int signal, struct sigaction &before)
     struct sigaction action {
     };
     action.sa_handler = TakeNote;
-    action.sa_flags = static_cast<int>(SA_RESTART | SA_RESETHAND);
+    action.sa_flags = SA_RESTART;
     sigemptyset(&action.sa_mask);
     ::sigaction(signal, nullptr, &before);
     if (before.sa_handler != SIG_IGN)

@@ -28,7 +28,8 @@ const Names kLists = {"Assets",    "SubFolders", "Layers",   "Masks",  "Points",
 const Names kOptional = {
     "ProjectSettings",    "AssetList",   "Assets",  "SubFolders", "Metadata",   "Instances",
     "RenderSettings",     "Layers",      "Effects", "Masks",      "MotionPath", "Points",
-    "AudioVideoSettings", "ViewerState", "Views",   "Options"};
+    "AudioVideoSettings", "ViewerState", "Views",   "Options",    "Trackers",   "Primary",
+    "Secondary"};
 const Names kOptionalAttributes = {"Ft", "Ch", "Jf", "K", "V"};
 
 /// The first property that each class looks for, which one without its properties is said to lack.
