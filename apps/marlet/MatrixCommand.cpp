@@ -123,7 +123,8 @@ const CommandSpec &MatrixCommand()
          {"--kind", "KIND", "world (if not given), parenting, transformation, origin, parent or set-parent"},
          {"--avoid-zero-scale", "", "take a very small scale for one of zero"},
          {"--json", "", "one JSON object a line"}},
-        Run};
+        Run,
+        "matrix examples/orbit.xml --composition Orbit --layer Moon --frames 0,12,24"};
     return command;
 }
 
