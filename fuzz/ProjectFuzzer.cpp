@@ -1,6 +1,7 @@
 // Any text either loads or is refused in the documented ways. What loads is saved, loaded and saved again
 // without a byte changing, answers for its matrices, values and references, and is cloned into compositions
-// of their own. Each instance of a plug-in ends once.
+// of their own. Media assets open what their paths name, for reading alone. Each instance of a plug-in ends
+// once.
 
 #include "support/Fuzz3DEffect.h"
 #include "support/FuzzInput.h"
@@ -11,6 +12,9 @@
 #include <marlet/layers/AbstractLayer.h>
 #include <marlet/project/AssetList.h>
 #include <marlet/project/CompositionAsset.h>
+#include <marlet/project/MediaAsset.h>
+#include <marlet/project/MediaAudioStream.h>
+#include <marlet/project/MediaVideoStream.h>
 #include <marlet/project/Project.h>
 #include <marlet/project/ProjectTextureImageCache.h>
 
@@ -108,8 +112,28 @@ void CloneComposition(const Composition &composition)
     RequireNoReference(clone, *clone, "a cleared reference leads to a layer");
 }
 
+void AskMedia(const std::shared_ptr<AbstractAsset> &asset)
+{
+    const auto media = std::static_pointer_cast<MediaAsset>(asset);
+    if (media->HasVideo() != (media->VideoStream() != nullptr) ||
+        media->HasAudio() != (media->AudioStream() != nullptr))
+        Fail("an asset and its file have different streams");
+    if (media->IsOffline() && AbstractAsset::AspectRatio(asset) != 1)
+        Fail("an offline asset has a shape of its own");
+    media->TrimmerInPoint();
+    media->TrimmerOutPoint();
+    if (const auto video = media->VideoStream())
+        for (const double rate : {0.0, 1e-300, 29.97, media->Override().frameRate})
+            video->GetFrame(rate, video->FrameCount(rate), kyh::media::KyImageChannels::Four, nullptr, 0,
+                            nullptr, 0);
+    const ProjectTextureImageCache textures;
+    media->Clone()->Serialize(textures);
+}
+
 void AskProject(const std::shared_ptr<Project> &project)
 {
+    for (const auto &asset : project->Assets().GetByType(AssetType::Media))
+        AskMedia(asset);
     for (const auto &asset : project->Assets().GetByType(AssetType::Composition)) {
         const auto composition = std::static_pointer_cast<CompositionAsset>(asset);
         for (const auto &layer : composition->Layers())

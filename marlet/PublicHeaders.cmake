@@ -10,6 +10,7 @@ set(MARLET_PUBLIC_HEADERS
     editor/AudioObject.h
     editor/AudioTrack.h
     editor/EditorSequence.h
+    editor/SequenceObject.h
     editor/SequenceObjectList.h
     editor/Transition.h
     editor/VideoTrack.h

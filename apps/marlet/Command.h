@@ -44,5 +44,6 @@ const CommandSpec &NewCommand();
 const CommandSpec &CloneCommand();
 const CommandSpec &DeleteCommand();
 const CommandSpec &PluginsCommand();
+const CommandSpec &FontsCommand();
 
 } // namespace marlet::tool

@@ -10,9 +10,10 @@ namespace marlet::tool
 const std::vector<const CommandSpec *> &Commands()
 {
     static const std::vector<const CommandSpec *> commands{
-        &InfoCommand(),  &ValueCommand(),  &MatrixCommand(),  &ParentCommand(), &FrameCommand(),
-        &CloneCommand(), &DeleteCommand(), &SaveCommand(),    &ImageCommand(),  &TimecodeCommand(),
-        &CheckCommand(), &NewCommand(),    &PluginsCommand(),
+        &InfoCommand(),   &ValueCommand(),   &CurveCommand(),  &MatrixCommand(),   &ParentCommand(),
+        &FrameCommand(),  &TreeCommand(),    &ReportCommand(), &DiffCommand(),     &CloneCommand(),
+        &DeleteCommand(), &SaveCommand(),    &ImageCommand(),  &TimecodeCommand(), &CheckCommand(),
+        &NewCommand(),    &PluginsCommand(), &FontsCommand(),
     };
     return commands;
 }

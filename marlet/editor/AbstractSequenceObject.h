@@ -27,6 +27,8 @@ class MARLET_EXPORT AbstractSequenceObject : public AbstractAssetInstance
 public:
     using EffectList = kytl::KyList<std::shared_ptr<EffectInstance>, std::vector>;
 
+    ~AbstractSequenceObject() override;
+
     virtual const kytl::KyID &ParentSequenceID() const = 0;
     virtual ObjectType Type() const = 0;
     virtual PropertyManager &Properties() = 0;

@@ -96,7 +96,6 @@ private:
 
     void AddObjectToCache(const std::shared_ptr<AbstractSequenceObject> &object);
     void RemoveObjectFromCache(const std::shared_ptr<AbstractSequenceObject> &object);
-    void ClearCache();
     void Serialize(XmlWriter &writer) const;
 
     std::unique_ptr<EditorSequence_Impl> impl_;

@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 
 namespace marlet::project
 {
@@ -33,6 +34,8 @@ public:
     unsigned int Count() const;
     /// @throws std::out_of_range
     const Object &operator[](unsigned int index) const;
+    /// An object that is put in the place of another, which must not be null, keeps that place, as if it had
+    /// the other's start frame, until it is moved or removed; lookups by ID do not find it.
     Object &operator[](unsigned int index);
     /// @throws std::logic_error if the list is empty
     const Object &FirstByTime() const;
@@ -57,7 +60,9 @@ public:
     void ForEach(const std::function<void(Object)> &function);
     void ForEach(const std::function<void(std::shared_ptr<const AbstractSequenceObject>)> &function) const;
 
-    /// Sets the object's start frame, not its end frame nor its parent track.
+    /// Sets the object's start frame, not its end frame nor its parent track. An object that is on another
+    /// list as well goes astray there: it stands where it stood, until it is moved or removed.
+    /// @throws std::invalid_argument for a null pointer
     void Insert(const Object &object, int startFrame);
     /// Sets the start frame; the end frame goes with it if the length is kept.
     /// @throws std::logic_error if the object is not in the list
@@ -65,17 +70,19 @@ public:
     /// @throws std::logic_error if the object is not in the list
     void Remove(const Object &object);
     /// What GetByID finds is removed and returned.
+    /// @throws std::logic_error if that says it is on this track and is not in the list
     Object Remove(const kytl::KyID &id);
     void Clear();
 
 private:
-    friend class AudioTrack;
-    friend class VideoTrack;
-    friend struct AudioTrack_Impl;
-    friend struct VideoTrack_Impl;
+    friend class EditorSequence;
+    friend struct SequenceTrack_Impl;
 
     SequenceObjectList(EditorSequence *sequence, const kytl::KyID &trackID);
     void SetTrackID(const kytl::KyID &id);
+    /// What the track offers as the edit before and after a frame, if anything.
+    std::optional<int> FindPreviousEdit(int frame) const;
+    std::optional<int> FindNextEdit(int frame) const;
 
     std::unique_ptr<SequenceObjectList_Impl> impl_;
 };

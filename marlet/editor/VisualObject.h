@@ -1,24 +1,17 @@
 #pragma once
 
-#include <marlet/editor/AbstractSequenceObject.h>
+#include <marlet/editor/SequenceObject.h>
 #include <marlet/foundation/KyMatrix.h>
 #include <marlet/foundation/KyPoint.h>
-#include <marlet/foundation/ValuePtr.h>
 
 namespace marlet::project
 {
 
-class AbstractPluginManager;
-class EditorSequence;
 class Project;
-class SequenceObjectList;
-class XmlCursor;
-class XmlWriter;
-struct VisualObject_Impl;
 
 /// A picture on a VideoTrack, with its placement in the sequence's frame: position and anchor point in
 /// pixels, scale and opacity in percent, "rotationZ" in degrees.
-class MARLET_EXPORT VisualObject : public AbstractSequenceObject
+class MARLET_EXPORT VisualObject : public SequenceObject
 {
 public:
     using Matrix = kytl::matl::KyMatrix<4, 4, float>;
@@ -36,43 +29,8 @@ public:
                                               bool copyTransitions);
     ~VisualObject() override;
 
-    const kytl::KyID &ID() const override;
-    const WideString &Name() const override;
-    void SetName(const WideString &name) override;
-    const kytl::KyID &AssetID() const override;
-    project::AssetType AssetType() const override;
     AbstractAssetInstance::Type AssetInstanceType() const override;
-    int AssetInstanceStart() const override;
-    void SetAssetInstanceStart(int frame) override;
-    /// The last frame of the asset that is used; speed plays no part.
-    int AssetInstanceEnd() const override;
-    const kytl::KyID &ParentSequenceID() const override;
     ObjectType Type() const override;
-    PropertyManager &Properties() override;
-    const PropertyManager &Properties() const override;
-    std::shared_ptr<AbstractAsset> Asset(const AssetList &assets) const override;
-    int StartFrame() const override;
-    int EndFrame() const override;
-    void SetEndFrame(int frame) override;
-    int Length() const override;
-    EffectList &Effects() override;
-    const EffectList &Effects() const override;
-    double Speed() const override;
-    void SetSpeed(double speed) override;
-    const kytl::KyID &ParentTrackID() const override;
-    void SetParentTrackID(const kytl::KyID &id) override;
-    void ClearParentTrackID() override;
-    const kytl::KyID &LinkedObjectID() const override;
-    void SetLinkedObjectID(const kytl::KyID &id) override;
-    void ClearLinkedObject() override;
-    const std::shared_ptr<Transition> &IncomingTransition() const override;
-    void SetIncomingTransition(const std::shared_ptr<Transition> &transition) override;
-    void ClearIncomingTransition() override;
-    const std::shared_ptr<Transition> &OutgoingTransition() const override;
-    void SetOutgoingTransition(const std::shared_ptr<Transition> &transition) override;
-    void ClearOutgoingTransition() override;
-
-    WideString Serialize() const;
 
     // Static values of properties; key frames play no part. Reading one that holds another type throws
     // boost::bad_get.
@@ -103,18 +61,13 @@ public:
 private:
     friend class VideoTrack;
 
-    VisualObject();
-    VisualObject(const std::shared_ptr<AbstractAsset> &asset, const EditorSequence &sequence);
+    VisualObject(const std::shared_ptr<AbstractAsset> &asset,
+                 const std::shared_ptr<EditorSequence> &sequence);
     /// Without a list the transitions are not read.
     VisualObject(const XmlCursor &element, const std::shared_ptr<AbstractPluginManager> &pluginManager,
                  const SequenceObjectList *objects);
     VisualObject(const VisualObject &other);
-    VisualObject &operator=(VisualObject other);
-
-    void SetStartFrame(int frame) override;
-    void Serialize(XmlWriter &writer) const;
-
-    ValuePtr<VisualObject_Impl> impl_;
+    VisualObject &operator=(const VisualObject &other);
 };
 
 } // namespace marlet::project

@@ -120,6 +120,7 @@ public:
 
 private:
     friend class CompositionAsset;
+    friend class EditorSequence;
 
     explicit AudioVideoSettings(const XmlCursor &element);
     void Serialize(XmlWriter &writer) const;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <limits>
@@ -30,6 +31,13 @@ template <class Unsigned> Unsigned TruncateWrapping(double value)
 {
     static_assert(std::is_unsigned_v<Unsigned>);
     return static_cast<Unsigned>(Truncate<std::int64_t>(value));
+}
+
+/// The nearest int: what frames that were added or subtracted in 64 bits come to.
+inline int Saturate(std::int64_t value)
+{
+    using Limits = std::numeric_limits<int>;
+    return static_cast<int>(std::clamp<std::int64_t>(value, Limits::min(), Limits::max()));
 }
 
 /// The nearest integer, halves away from zero.

@@ -1,14 +1,13 @@
 #include <marlet/layers/AbstractLayer.h>
 
+#include <marlet/foundation/Numbers.h>
 #include <marlet/foundation/xml/XmlReader.h>
 #include <marlet/foundation/xml/XmlWriter.h>
 #include <marlet/layers/AbstractLayerImpl.h>
 #include <marlet/layers/LayerReader.h>
 #include <marlet/project/AssetList.h>
 
-#include <algorithm>
 #include <cstdint>
-#include <limits>
 #include <stdexcept>
 
 namespace marlet::project
@@ -32,12 +31,6 @@ template <class Xml, class Data> void LayerBaseFields(Xml &xml, Data &data)
     xml.Child("Muted", data.muted);
     xml.Child("Locked", data.locked);
     xml.Child("MotionBlurOn", data.motionBlur);
-}
-
-int Saturate(std::int64_t frames)
-{
-    using Limits = std::numeric_limits<int>;
-    return static_cast<int>(std::clamp<std::int64_t>(frames, Limits::min(), Limits::max()));
 }
 
 } // namespace

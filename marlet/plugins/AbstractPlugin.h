@@ -61,9 +61,9 @@ public:
     /// From the instance's destructor, before its data goes, if the plug-in still lives.
     virtual void InstanceDestroyed(AbstractPluginInstance *instance) = 0;
     /// When an instance is saved and when it is copied. The document is a QDomDocument, the element its root,
-    /// a QDomElement "Instance" that holds the instance's "Version" and its children from "ID" to "Enabled".
-    /// A plug-in with private data calls SerializeInstanceDataBytes on the instance with the two. Whatever
-    /// else it appends, also attributes, is saved behind the library's own.
+    /// a QDomElement that holds the instance's "Version" and its children up to, and without,
+    /// "PropertyManager". A plug-in with private data calls SerializeInstanceDataBytes on the instance with
+    /// the two. Whatever else it appends, also attributes, is saved behind the library's own.
     virtual void SerializeInstance(AbstractPluginInstance *instance, void *document, void *element) = 0;
     /// Last when an instance with private data is read or copied. The bytes are the library's, and stay for
     /// the length of the call.

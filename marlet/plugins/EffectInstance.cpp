@@ -2,34 +2,19 @@
 
 #include <marlet/animation/PropertyValue.h>
 #include <marlet/foundation/xml/XmlReader.h>
+#include <marlet/foundation/xml/XmlWriter.h>
 #include <marlet/plugins/AbstractPlugin.h>
 #include <marlet/plugins/AbstractPluginUITreeNode.h>
-#include <marlet/plugins/EffectInstance_Impl.h>
+#include <marlet/plugins/PluginInstance_Impl.h>
 #include <marlet/plugins/PluginUITreeWalk.h>
 
 #include <algorithm>
-#include <stdexcept>
 
 namespace marlet::project
 {
 
 namespace
 {
-
-const std::shared_ptr<AbstractPlugin> &Require(const std::shared_ptr<AbstractPlugin> &plugin)
-{
-    if (!plugin)
-        throw std::invalid_argument("An effect needs a plug-in");
-    return plugin;
-}
-
-template <class UIStates> auto &UIStateOf(UIStates &states, const char *name)
-{
-    const auto found = states.find(name != nullptr ? name : "");
-    if (found == states.end())
-        throw std::runtime_error("Property not found in UI state hashmap");
-    return found->second;
-}
 
 /// The static values of the layer pickers' properties. A picker whose property is not there, or holds no ID
 /// (both of which a plug-in or a file can bring about), refers to no layer: it must not keep a layer from
@@ -45,24 +30,47 @@ std::vector<ID *> LayerReferences(const EffectInstance &effect, Properties &prop
     return references;
 }
 
+template <class Xml, class Data> void IdentityFields(Xml &xml, Data &data)
+{
+    xml.Child("ID", data.id);
+    xml.Child("Name", data.name);
+    xml.Child("PluginID", data.pluginID);
+}
+
+template <class Xml, class Data> void PlaceFields(Xml &xml, Data &data)
+{
+    xml.Child("ParentID", data.parentID);
+    xml.Child("ParentTimelineID", data.parentTimelineID);
+    xml.Child("Enabled", data.enabled);
+}
+
 } // namespace
 
-EffectInstance_Impl::EffectInstance_Impl(const std::shared_ptr<AbstractPlugin> &ofPlugin)
-    : name(Require(ofPlugin)->Name()),
-      pluginID(ofPlugin->ID()),
-      plugin(ofPlugin),
-      properties(PropertyManager::Copy(ofPlugin->Properties())),
-      uiStates(EffectsHelper::CreateUIState(ofPlugin))
-{
-}
+struct EffectInstance_Impl : PluginInstance_Impl {
+    explicit EffectInstance_Impl(const std::shared_ptr<AbstractPlugin> &ofPlugin)
+        : PluginInstance_Impl(ofPlugin), name(ofPlugin->Name())
+    {
+    }
 
-std::shared_ptr<AbstractPlugin> EffectInstance_Impl::RequirePlugin() const
-{
-    std::shared_ptr<AbstractPlugin> locked = plugin.lock();
-    if (!locked)
-        throw std::logic_error("The plug-in of the effect \"" + ToUtf8(name) + "\" is gone");
-    return locked;
-}
+    const char *Tag() const override { return "Instance"; }
+    NarrowString Description() const override { return "the effect \"" + ToUtf8(name) + '"'; }
+    void WriteHead(XmlWriter &writer, const AbstractPlugin &ofPlugin) const override
+    {
+        IdentityFields(writer, *this);
+        WritePluginNameAndVersion(writer, ofPlugin);
+        PlaceFields(writer, *this);
+    }
+    void ReadHead(const XmlCursor &element) override
+    {
+        IdentityFields(element, *this);
+        PlaceFields(element, *this);
+    }
+
+    WideString name;
+    kytl::KyID parentID;
+    kytl::KyID parentTimelineID;
+    bool enabled = true;
+};
 
 // A plug-in that throws out of InstanceCreated is not told of the instance's end: it comes last, so that the
 // destructor does not run. Whatever reads goes on from a finished instance, whose destructor runs.
@@ -81,11 +89,7 @@ EffectInstance::EffectInstance(const EffectInstance &other)
 
 EffectInstance::~EffectInstance()
 {
-    try {
-        if (const std::shared_ptr<AbstractPlugin> plugin = Plugin())
-            plugin->InstanceDestroyed(this);
-    } catch (...) { // nobody is left to tell
-    }
+    impl_->AnnounceEnd(this);
 }
 
 std::shared_ptr<EffectInstance> EffectInstance::Create(const std::shared_ptr<AbstractPlugin> &plugin)
@@ -117,8 +121,28 @@ std::shared_ptr<EffectInstance> EffectInstance::Copy(const std::shared_ptr<Effec
     data.properties = PropertyManager::Copy(source->Properties());
     data.hostInstanceData = nullptr;
     copy->ClearParent();
-    copy->TakePrivateData(*source);
+    source->impl_->CopyPrivateData(source.get(), copy.get());
     return copy;
+}
+
+WideString EffectInstance::Serialize() const
+{
+    return XmlText([this](XmlWriter &writer) { Serialize(writer); });
+}
+
+void EffectInstance::Serialize(XmlWriter &writer) const
+{
+    impl_->Write(writer, *this);
+}
+
+void EffectInstance::SerializeInstanceDataBytes(unsigned char *bytes, int size, void *document, void *element)
+{
+    AppendInstanceBytes(bytes, size, document, element);
+}
+
+void EffectInstance::Deserialize(const XmlCursor &element)
+{
+    impl_->Read(element, this);
 }
 
 AbstractPluginInstance::InstanceType EffectInstance::Type() const
@@ -153,12 +177,12 @@ const PropertyManager &EffectInstance::Properties() const
 
 const AbstractPluginInstance::UIState &EffectInstance::PropertyUIState(const char *name) const
 {
-    return UIStateOf(impl_->uiStates, name);
+    return impl_->RequireUIState(name);
 }
 
 void EffectInstance::SetPropertyUIState(const char *name, const UIState &state)
 {
-    UIStateOf(impl_->uiStates, name) = state;
+    impl_->SetUIState(name, state);
 }
 
 void EffectInstance::NotifyPropertyChanged(const char *name)

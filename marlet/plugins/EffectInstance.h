@@ -84,7 +84,6 @@ private:
 
     void Serialize(XmlWriter &writer) const;
     void Deserialize(const XmlCursor &element);
-    void TakePrivateData(EffectInstance &source);
 
     ValuePtr<EffectInstance_Impl> impl_;
 };

@@ -1,13 +1,12 @@
 #include <marlet/plugins/EffectsHelper.h>
 
 #include <marlet/animation/PropertyManager.h>
-#include <marlet/foundation/Exceptions.h>
 #include <marlet/foundation/xml/DomBridge.h>
 #include <marlet/foundation/xml/XmlReader.h>
 #include <marlet/foundation/xml/XmlWriter.h>
-#include <marlet/plugins/AbstractPluginManager.h>
 #include <marlet/plugins/AbstractPluginUITreeNode.h>
 #include <marlet/plugins/EffectInstance.h>
+#include <marlet/plugins/PluginInstance_Impl.h>
 #include <marlet/plugins/PluginUITreeWalk.h>
 
 #include <map>
@@ -24,16 +23,6 @@ using NodeType = AbstractPluginUITreeNode::NodeType;
 bool HasUIState(NodeType type)
 {
     return type >= NodeType::SliderInt && type <= NodeType::ColorPicker;
-}
-
-std::shared_ptr<AbstractPlugin> FindPlugin(AbstractPluginManager &manager, const XmlCursor &instance)
-{
-    kytl::KyID id;
-    instance.Child("PluginID", id);
-    if (std::shared_ptr<AbstractPlugin> plugin = manager.FindPlugin(id))
-        return plugin;
-    throw MissingPluginException("This project uses the " + instance.Require("PluginName").Text() +
-                                 " plugin but it cannot be found.");
 }
 
 /// The path in space that values of this alternative can run along.

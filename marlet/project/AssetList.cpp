@@ -7,6 +7,8 @@
 #include <marlet/project/BinFolder.h>
 #include <marlet/project/CompositionAsset.h>
 #include <marlet/project/ImageAsset.h>
+#include <marlet/project/MediaAsset.h>
+#include <marlet/project/MediaManager.h>
 #include <marlet/project/SolidAsset.h>
 
 namespace marlet::project
@@ -82,7 +84,7 @@ void AssetList::Serialize(XmlWriter &writer, const ProjectTextureImageCache &tex
     impl_->bin.Serialize(writer);
 }
 
-void AssetList::Deserialize(const XmlCursor &element,
+void AssetList::Deserialize(const XmlCursor &element, MediaManager &media,
                             const std::shared_ptr<AbstractPluginManager> &pluginManager,
                             const Abstract3DEffectFactory &effectFactory, ProjectTextureImageCache &textures)
 {
@@ -97,6 +99,8 @@ void AssetList::Deserialize(const XmlCursor &element,
         else if (child.Is("CompositionAsset"))
             assets.Add(std::shared_ptr<CompositionAsset>(
                 new CompositionAsset(child, pluginManager, effectFactory, textures)));
+        else if (child.Is("MediaAsset"))
+            assets.Add(media.CreateMediaAsset(child));
     }
     // The folders name assets by ID, so they are read once all assets are there.
     impl_->bin.Deserialize(element.Find("BinFolder"), AssetsByID(assets));

@@ -9,6 +9,7 @@ namespace marlet::project
 {
 
 class BinFolder;
+class MediaManager;
 class XmlCursor;
 class XmlWriter;
 struct AssetList_Impl;
@@ -42,7 +43,8 @@ private:
 
     AssetList();
     void Serialize(XmlWriter &writer, const ProjectTextureImageCache &textures) const;
-    void Deserialize(const XmlCursor &element, const std::shared_ptr<AbstractPluginManager> &pluginManager,
+    void Deserialize(const XmlCursor &element, MediaManager &media,
+                     const std::shared_ptr<AbstractPluginManager> &pluginManager,
                      const Abstract3DEffectFactory &effectFactory, ProjectTextureImageCache &textures);
 
     std::unique_ptr<AssetList_Impl> impl_;

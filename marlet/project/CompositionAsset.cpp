@@ -6,6 +6,7 @@
 #include <marlet/layers/LayerReader.h>
 #include <marlet/project/CompositionRenderSettings.h>
 #include <marlet/project/InstancesXml.h>
+#include <marlet/project/PanelRenderState.h>
 
 #include <algorithm>
 #include <cstdlib>
@@ -13,15 +14,13 @@
 namespace marlet::project
 {
 
-struct CompositionAsset_Impl {
+/// What a copy takes over as it is, and what a file is read into aside.
+struct CompositionFields {
     kytl::KyID id;
     WideString name;
     AudioVideoSettings settings{AudioVideoSettings::Preset::None, 0};
     CompositionRenderSettings renderSettings;
-    Uncopied<AbstractAsset::InstanceList> instances;
     kytl::KyID parentFolderID;
-    /// A copy has layers of its own, which Clone makes.
-    Uncopied<CompositionAsset::LayerList> layers;
     int currentTimeIndicator = 0;
     int inPoint = 0;
     int outPoint = 0;
@@ -31,10 +30,18 @@ struct CompositionAsset_Impl {
     SnapMode timelineSnapMode{1000};
 };
 
+struct CompositionAsset_Impl : CompositionFields {
+    Uncopied<AbstractAsset::InstanceList> instances;
+    /// A copy has layers of its own, which Clone makes.
+    Uncopied<CompositionAsset::LayerList> layers;
+    PanelRenderState viewerPanelState;
+    PanelRenderState layerPanelState;
+};
+
 namespace
 {
 
-template <class Xml, class Self> void CompositionAssetFields(Xml &xml, Self &self)
+template <class Xml, class Self> void CompositionChildren(Xml &xml, Self &self)
 {
     xml.Child("ID", self.id);
     xml.Child("Name", self.name);
@@ -129,7 +136,7 @@ std::shared_ptr<AbstractAsset> CompositionAsset::Clone() const
 void CompositionAsset::Serialize(XmlWriter &writer, const ProjectTextureImageCache &textures) const
 {
     const XmlElement element(writer, "CompositionAsset", 0);
-    CompositionAssetFields(writer, *impl_);
+    CompositionChildren(writer, *impl_);
     impl_->settings.Serialize(writer);
     impl_->renderSettings.Serialize(writer);
     {
@@ -138,6 +145,7 @@ void CompositionAsset::Serialize(XmlWriter &writer, const ProjectTextureImageCac
             layer->Serialize(writer, textures);
     }
     WriteInstances(writer, *impl_->instances);
+    impl_->viewerPanelState.Serialize(writer);
 }
 
 WideString CompositionAsset::Serialize(const ProjectTextureImageCache &textures) const
@@ -152,17 +160,20 @@ void CompositionAsset::Deserialize(const XmlCursor &element,
 {
     element.RequireHeader("CompositionAsset", 0);
     // Aside, since plug-ins and 3D effects can fail at any layer: the composition is then as it was.
-    CompositionAsset_Impl read(*impl_);
-    CompositionAssetFields(element, read);
+    CompositionFields read(*impl_);
+    LayerList layers;
+    CompositionChildren(element, read);
     if (const XmlCursor settings = element.Find("AudioVideoSettings"); !settings.IsNull())
         read.settings = AudioVideoSettings(settings);
     if (const XmlCursor settings = element.Find("RenderSettings"); !settings.IsNull())
         read.renderSettings = CompositionRenderSettings(settings);
     for (XmlCursor child = element.Find("Layers").FirstChild(); !child.IsNull(); child = child.Next())
         if (const auto layer = LayerReader::Read(child, pluginManager, effectFactory, textures))
-            read.layers->Add(layer);
-    *impl_ = read;
-    Layers().swap(*read.layers);
+            layers.Add(layer);
+    if (const XmlCursor viewer = element.Find("ViewerState"); !viewer.IsNull())
+        impl_->viewerPanelState = PanelRenderState(viewer);
+    static_cast<CompositionFields &>(*impl_) = std::move(read);
+    Layers().swap(layers);
 }
 
 void CompositionAsset::Deserialize(const WideString &xml,
@@ -323,6 +334,26 @@ CompositionRenderSettings &CompositionAsset::RenderSettings()
 const CompositionRenderSettings &CompositionAsset::RenderSettings() const
 {
     return impl_->renderSettings;
+}
+
+PanelRenderState &CompositionAsset::ViewerPanelState()
+{
+    return impl_->viewerPanelState;
+}
+
+const PanelRenderState &CompositionAsset::ViewerPanelState() const
+{
+    return impl_->viewerPanelState;
+}
+
+PanelRenderState &CompositionAsset::LayerPanelState()
+{
+    return impl_->layerPanelState;
+}
+
+const PanelRenderState &CompositionAsset::LayerPanelState() const
+{
+    return impl_->layerPanelState;
 }
 
 int CompositionAsset::CurrentTimeIndicator() const

@@ -16,7 +16,7 @@ struct PanelRenderState_Impl;
 
 /// How the host's viewer panel is split into views, and what each view shows. The library stores it. A layout
 /// has a fixed number of positions, from 0, at which views stand. Copies have views of their own with the
-/// same IDs. Belongs to the host's interface thread.
+/// same IDs, listed in an order that the IDs alone decide. Belongs to the host's interface thread.
 class MARLET_EXPORT PanelRenderState
 {
 public:
@@ -63,7 +63,7 @@ public:
     PanelRenderState &operator=(PanelRenderState other);
     ~PanelRenderState();
 
-    // A layout is 0 to 4 and a splitter 0 to 2: std::out_of_range for others.
+    // A layout is 0 to 4 and a splitter 0 to 2: std::out_of_range for others wherever they are looked up.
 
     LayoutType Layout() const;
     void SetLayout(LayoutType layout);
@@ -113,6 +113,7 @@ private:
 
     void Serialize(XmlWriter &writer) const;
     void Deserialize(const XmlCursor &element);
+    void ReadLayout(const XmlCursor &element, LayoutType type);
 
     ValuePtr<PanelRenderState_Impl> impl_;
 };

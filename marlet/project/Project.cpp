@@ -1,9 +1,11 @@
 #include <marlet/project/Project.h>
 
+#include <marlet/editor/EditorSequence.h>
 #include <marlet/foundation/xml/XmlReader.h>
 #include <marlet/foundation/xml/XmlWriter.h>
 #include <marlet/plugins/AbstractPluginManager.h>
 #include <marlet/project/AssetList.h>
+#include <marlet/project/MediaManager.h>
 #include <marlet/project/ProjectMetadata.h>
 #include <marlet/project/ProjectSettings.h>
 #include <marlet/project/ProjectTextureImageCache.h>
@@ -17,9 +19,11 @@ struct Project_Impl {
     WideString filename;
     ProjectSettings settings;
     AssetList assets;
+    MediaManager media;
     std::shared_ptr<AbstractPluginManager> pluginManager;
     std::shared_ptr<AbstractExpressionEngine> expressionEngine;
     ProjectMetadata metadata;
+    std::shared_ptr<EditorSequence> sequence;
     ProjectTextureImageCache textureImages;
 };
 
@@ -77,6 +81,8 @@ WideString Project::Serialize() const
         ProjectFields(writer, *impl_);
         impl_->settings.Serialize(writer);
         impl_->assets.Serialize(writer, impl_->textureImages);
+        if (impl_->sequence)
+            impl_->sequence->Serialize(writer);
         impl_->metadata.Serialize(writer);
     }
     return writer.Take();
@@ -91,7 +97,10 @@ void Project::Deserialize(const XmlCursor &element, const Abstract3DEffectFactor
     if (const XmlCursor settings = element.Find("ProjectSettings"); !settings.IsNull())
         impl_->settings.Deserialize(settings);
     if (const XmlCursor assets = element.Find("AssetList"); !assets.IsNull())
-        impl_->assets.Deserialize(assets, impl_->pluginManager, effectFactory, impl_->textureImages);
+        impl_->assets.Deserialize(assets, impl_->media, impl_->pluginManager, effectFactory,
+                                  impl_->textureImages);
+    if (const XmlCursor sequence = element.Find("EditorSequence"); !sequence.IsNull())
+        impl_->sequence.reset(new EditorSequence(sequence, impl_->pluginManager));
     if (const XmlCursor metadata = element.Find("Metadata"); !metadata.IsNull())
         impl_->metadata.Deserialize(metadata);
 }
@@ -131,6 +140,16 @@ const AssetList &Project::Assets() const
     return impl_->assets;
 }
 
+MediaManager &Project::Media()
+{
+    return impl_->media;
+}
+
+const MediaManager &Project::Media() const
+{
+    return impl_->media;
+}
+
 ProjectSettings &Project::Settings()
 {
     return impl_->settings;
@@ -159,6 +178,16 @@ ProjectTextureImageCache &Project::TextureImageCache()
 const ProjectTextureImageCache &Project::TextureImageCache() const
 {
     return impl_->textureImages;
+}
+
+std::shared_ptr<EditorSequence> Project::Sequence() const
+{
+    return impl_->sequence;
+}
+
+void Project::SetSequence(std::shared_ptr<EditorSequence> sequence)
+{
+    impl_->sequence = std::move(sequence);
 }
 
 const std::shared_ptr<AbstractPluginManager> &Project::PluginManager() const

@@ -78,13 +78,7 @@ TYPED_TEST(LayerEffects, AreCopiedForTheCloneAndItsComposition)
 
 TYPED_TEST(LayerEffects, AreNotClonedWithoutTheirPlugin)
 {
-    {
-        const auto lost = std::make_shared<TestPlugin>();
-        const auto effect = EffectInstance::Create(lost);
-        // Nobody is there to free it later.
-        delete &TestPlugin::Text(*effect);
-        this->layer->Effects().Add(effect);
-    }
+    this->layer->Effects().Add(EffectInstance::Create(std::make_shared<TestPlugin>()));
     this->AddEffect()->SetName(u"Left");
     const auto clone = std::static_pointer_cast<TypeParam>(this->layer->Clone(KyID()));
     ASSERT_EQ(clone->Effects().Count(), 1u);

@@ -78,7 +78,6 @@ TEST_F(EffectInstanceTest, CopiesWithAnIDPropertiesAndDataOfItsOwn)
 
 TEST_F(EffectInstanceTest, OutlivesItsPlugin)
 {
-    delete &TestPlugin::Text(*effect);
     plugin.reset();
     EXPECT_EQ(effect->Plugin(), nullptr);
     EXPECT_EQ(EffectInstance::Copy(effect), nullptr);

@@ -20,14 +20,15 @@ constexpr const char *kNewer =
 using Names = std::set<std::string>;
 
 /// The elements whose children are lists or values, which may all be missing.
-const Names kLists = {"Assets",  "SubFolders", "Layers", "Masks",   "Points",  "Tokens",
-                      "Formats", "Animation",  "Value",  "Default", "Static",  "bool",
-                      "int32_t", "float",      "KyID",   "wstring", "Metadata"};
+const Names kLists = {"Assets",  "SubFolders", "Layers", "Masks",   "Points",   "Tokens",
+                      "Formats", "Animation",  "Value",  "Default", "Static",   "bool",
+                      "int32_t", "float",      "KyID",   "wstring", "Metadata", "Views"};
 
 /// What a reader does without elsewhere; it asks for all others.
-const Names kOptional = {"ProjectSettings",   "AssetList", "Assets",  "SubFolders", "Metadata",   "Instances",
-                         "RenderSettings",    "Layers",    "Effects", "Masks",      "MotionPath", "Points",
-                         "AudioVideoSettings"};
+const Names kOptional = {
+    "ProjectSettings",    "AssetList",   "Assets",  "SubFolders", "Metadata",   "Instances",
+    "RenderSettings",     "Layers",      "Effects", "Masks",      "MotionPath", "Points",
+    "AudioVideoSettings", "ViewerState", "Views",   "Options"};
 const Names kOptionalAttributes = {"Ft", "Ch", "Jf", "K", "V"};
 
 /// The first property that each class looks for, which one without its properties is said to lack.
@@ -35,6 +36,11 @@ const std::map<std::string, std::string> kFirstProperty = {
     {"CameraLayer", "position"}, {"LightLayer", "position"},   {"PointLayer", "anchorPoint"},
     {"GradeLayer", "opacity"},   {"TextLayer", "anchorPoint"}, {"Mask", "opacity"},
     {"Point", "position"}};
+
+bool IsPanelLayout(std::string_view name)
+{
+    return name.starts_with("Layout");
+}
 
 bool IsProperty(const pugi::xml_node &element)
 {
@@ -57,7 +63,7 @@ std::string WordsWithout(const pugi::xml_node &element)
         return name.starts_with("extra") ? "" : MissingProperty(name);
     if (IsProperty(parent))
         return name == "Default" || name == "Static" ? "Missing element\n" + name : "";
-    if (kLists.contains(parent.name()) || kOptional.contains(name))
+    if (kLists.contains(parent.name()) || kOptional.contains(name) || IsPanelLayout(name))
         return "";
     if (name == "LayerBase")
         return MissingProperty(kFirstProperty.at(parent.name()));
@@ -70,6 +76,10 @@ std::string WordsWithout(const pugi::xml_node &element)
 
 std::string WordsWithout(const pugi::xml_node &element, const std::string &attribute)
 {
+    // A view without an ID has an empty one.
+    if (const std::string_view name = element.name();
+        name == "State" || name == "Options" || IsPanelLayout(name))
+        return attribute == "ID" ? "Cannot construct KyID from string" : "";
     const bool isRequired =
         attribute == "Version" ||
         (IsProperty(element) ? attribute == "Type" : !kOptionalAttributes.contains(attribute));

@@ -10,6 +10,7 @@
 #include <marlet/plugins/PluginUINode.h>
 #include <marlet/plugins/PluginUISliderFloat.h>
 
+#include <deque>
 #include <functional>
 #include <stdexcept>
 #include <vector>
@@ -20,8 +21,8 @@ namespace marlet::test
 using namespace marlet::project;
 using kytl::KyID;
 
-/// A plug-in that keeps a text of its own with each instance, notes the calls that it gets, and fails on
-/// demand. Its panel shows "amount", hides "smooth" and picks "layer".
+/// A plug-in that keeps a text for each instance, notes the calls that it gets, and fails on demand. Its
+/// panel shows "amount", hides "smooth" and picks "layer".
 class TestPlugin : public AbstractPlugin
 {
 public:
@@ -73,27 +74,28 @@ public:
         if (whenCreated)
             whenCreated(instance);
         Note("created");
-        instance->SetInstanceData(new NarrowString);
+        KeepTextOf(instance);
         ++living;
     }
-    void InstanceDestroyed(Instance instance) override
+    void InstanceDestroyed(Instance) override
     {
-        delete &Text(*instance);
         --living;
         Note("destroyed");
     }
     void SerializeInstance(Instance instance, void *document, void *element) override
     {
-        NarrowString &text = Text(*instance);
-        if (!text.empty())
-            instance->SerializeInstanceDataBytes(reinterpret_cast<unsigned char *>(text.data()),
-                                                 static_cast<int>(text.size()), document, element);
+        auto *text = static_cast<NarrowString *>(instance->InstanceData());
+        if (text != nullptr && !text->empty())
+            instance->SerializeInstanceDataBytes(reinterpret_cast<unsigned char *>(text->data()),
+                                                 static_cast<int>(text->size()), document, element);
         if (whenSaved)
             whenSaved(instance, document, element);
         Note("saved");
     }
     void DeserializeInstance(Instance instance, unsigned char *bytes, int size) override
     {
+        if (instance->InstanceData() == nullptr)
+            KeepTextOf(instance);
         Text(*instance).assign(reinterpret_cast<const char *>(bytes), static_cast<std::size_t>(size));
         Note("read");
     }
@@ -111,6 +113,9 @@ public:
     void HostOperation7() override {}
 
 private:
+    std::deque<NarrowString> texts_;
+
+    void KeepTextOf(Instance instance) { instance->SetInstanceData(&texts_.emplace_back()); }
     void Note(const NarrowString &call)
     {
         calls.push_back(call);

@@ -7,17 +7,19 @@
 namespace marlet::project::platform
 {
 
-/// One face of an installed font with outlines of TrueType type. Internal.
+/// One face of an installed font. Internal.
 struct FontFace {
     WideString family;
     WideString fullName;
     WideString file;
 };
 
-/// The system's fonts folder, empty if there is none.
+/// The system's fonts folder, or the first that there is besides, without a separator at the end; empty if
+/// there is none.
 WideString SystemFontsFolder();
 
-/// All faces of a family, in no fixed order; of an empty name one face of each family.
+/// All faces of a family with outlines of TrueType type, in no fixed order; of an empty name one face of each
+/// family. Faces whose full name begins with "@" are left out.
 std::vector<FontFace> FontFaces(const WideString &family);
 
 } // namespace marlet::project::platform

@@ -1,6 +1,7 @@
 #include <tests/support/TestPlugins.h>
 
 #include <marlet/animation/KeyFrameList.h>
+#include <marlet/editor/Transition.h>
 #include <marlet/foundation/Exceptions.h>
 #include <marlet/plugins/EffectInstance.h>
 
@@ -14,14 +15,6 @@ namespace marlet::test
 namespace
 {
 
-std::string Document(int version)
-{
-    std::ifstream file(std::string(MARLET_TEST_DOCUMENTS) + "/plugins/Instance-" + std::to_string(version) +
-                           ".xml",
-                       std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
 std::string Replaced(std::string text, const std::string &what, const std::string &by)
 {
     const std::size_t at = text.find(what);
@@ -29,18 +22,29 @@ std::string Replaced(std::string text, const std::string &what, const std::strin
     return at == std::string::npos ? text : text.replace(at, what.size(), by);
 }
 
-struct EffectVersions : testing::Test {
+/// For the tag of either kind of instance.
+struct InstanceVersions : testing::TestWithParam<std::string> {
     std::shared_ptr<TestPlugin> plugin = std::make_shared<TestPlugin>();
 
-    EffectVersions() { plugin->id = KyID::FromString("00000011-aaaa-4bbb-8ccc-0123456789ab"); }
+    InstanceVersions() { plugin->id = KyID::FromString("00000011-aaaa-4bbb-8ccc-0123456789ab"); }
 
-    std::shared_ptr<EffectInstance> Read(const std::string &text) const
+    static std::string Document(int version)
     {
+        std::ifstream file(std::string(MARLET_TEST_DOCUMENTS) + "/plugins/" + GetParam() + "-" +
+                               std::to_string(version) + ".xml",
+                           std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+
+    std::shared_ptr<AbstractPluginInstance> Read(const std::string &text) const
+    {
+        if (GetParam() == "Transition")
+            return Transition::CreateFromXml(plugin, FromUtf8(text));
         return EffectInstance::CreateFromXml(plugin, FromUtf8(text), {});
     }
 };
 
-TEST_F(EffectVersions, AreReadAndWrittenInTheNewest)
+TEST_P(InstanceVersions, AreReadAndWrittenInTheNewest)
 {
     const std::string newest = Document(2);
     // Older ones know nothing of the panel, which then looks as the plug-in has it.
@@ -49,13 +53,13 @@ TEST_F(EffectVersions, AreReadAndWrittenInTheNewest)
                  "name=\"smooth\" vis=\"1\"", "name=\"smooth\" vis=\"0\"");
     const std::string expected[] = {untouched, untouched, newest};
     for (int version = 0; version <= 2; ++version) {
-        const auto effect = Read(Document(version));
-        EXPECT_EQ(ToUtf8(effect->Serialize()), expected[version]) << version;
-        EXPECT_EQ(TestPlugin::Text(*effect), NarrowString("\0\xffprivate", 9)) << version;
+        const auto instance = Read(Document(version));
+        EXPECT_EQ(ToUtf8(instance->Serialize()), expected[version]) << version;
+        EXPECT_EQ(TestPlugin::Text(*instance), NarrowString("\0\xffprivate", 9)) << version;
     }
 }
 
-TEST_F(EffectVersions, AskForAPluginAsNewAsTheFileFromOneOn)
+TEST_P(InstanceVersions, AskForAPluginAsNewAsTheFileFromOneOn)
 {
     plugin->version.build = 3;
     EXPECT_NO_THROW(Read(Document(0)));
@@ -64,6 +68,13 @@ TEST_F(EffectVersions, AskForAPluginAsNewAsTheFileFromOneOn)
     EXPECT_THROW(Read(Replaced(Document(0), "Version=\"0\"", "Version=\"1\"")), XmlParseException);
     EXPECT_EQ(plugin->living, 0);
 }
+
+TEST_P(InstanceVersions, AboveTheNewestAreRefusedBeforeAnythingIsRead)
+{
+    EXPECT_THROW(Read("<" + GetParam() + " Version=\"3\"/>"), InvalidProjectVersionException);
+}
+
+INSTANTIATE_TEST_SUITE_P(Kinds, InstanceVersions, testing::Values("Instance", "Transition"));
 
 } // namespace
 } // namespace marlet::test

@@ -1,0 +1,8 @@
+#include <marlet/editor/AbstractSequenceObject.h>
+
+namespace marlet::project
+{
+
+AbstractSequenceObject::~AbstractSequenceObject() = default;
+
+} // namespace marlet::project

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <marlet/animation/PropertyTable.h>
+#include <marlet/editor/SequenceObject.h>
+
+namespace marlet::project
+{
+
+/// What tells the classes of objects apart in the file.
+struct SequenceObjectKind {
+    const char *tag;
+    bool canBeMuted;
+    PropertyTable properties;
+};
+
+struct SequenceObject_Impl {
+    explicit SequenceObject_Impl(const SequenceObjectKind &ofKind) : kind(&ofKind) {}
+
+    const SequenceObjectKind *kind;
+    kytl::KyID id;
+    kytl::KyID parentSequenceID;
+    std::shared_ptr<PropertyManager> properties = PropertyManager::Create();
+    WideString name;
+    // The ID is what is stored. The link only saves looking it up, and the type is what it was when the link
+    // held last.
+    mutable std::weak_ptr<AbstractAsset> asset;
+    kytl::KyID assetID;
+    mutable AssetType assetType = {};
+    int assetInstanceStart = 0;
+    int startFrame = 0;
+    int endFrame = 0;
+    bool muted = false;
+    kytl::KyID parentTrackID;
+    kytl::KyID linkedObjectID;
+    std::shared_ptr<Transition> incomingTransition;
+    std::shared_ptr<Transition> outgoingTransition;
+    AbstractSequenceObject::EffectList effects;
+};
+
+/// The static value of a property.
+/// @throws boost::bad_get if the property is of another type
+template <class T> const T &StaticValueOf(const PropertyManager &properties, const char *name)
+{
+    return boost::get<T>(properties.StaticValue(name));
+}
+
+} // namespace marlet::project

@@ -1,0 +1,186 @@
+#include <marlet/foundation/Exceptions.h>
+#include <marlet/foundation/xml/DomBridge.h>
+#include <marlet/foundation/xml/XmlReader.h>
+#include <marlet/foundation/xml/XmlWriter.h>
+#include <marlet/plugins/AbstractPluginManager.h>
+#include <marlet/plugins/PluginInstance_Impl.h>
+
+#include <QByteArray>
+#include <QDomDocument>
+
+#include <algorithm>
+#include <map>
+#include <stdexcept>
+
+namespace marlet::project
+{
+
+namespace
+{
+
+constexpr unsigned int kVersion = 2;
+constexpr unsigned int kFirstWithPluginVersion = 1;
+constexpr unsigned int kFirstWithUIState = 2;
+constexpr char kVersionAttribute[] = "Version";
+constexpr char kPluginVersionTag[] = "PluginVersion";
+constexpr char kBytesTag[] = "InstanceBytes";
+constexpr char kBytesAttribute[] = "Base64";
+
+constexpr struct {
+    const char *name;
+    std::uint32_t AbstractPlugin::VersionInfo::*number;
+} kPluginVersion[] = {{"Ma", &AbstractPlugin::VersionInfo::major},
+                      {"Mi", &AbstractPlugin::VersionInfo::minor},
+                      {"Re", &AbstractPlugin::VersionInfo::revision},
+                      {"Bu", &AbstractPlugin::VersionInfo::build}};
+
+AbstractPlugin::VersionInfo ReadPluginVersion(const XmlCursor &element)
+{
+    AbstractPlugin::VersionInfo version;
+    for (const auto &field : kPluginVersion)
+        element.RequireAttribute(field.name);
+    for (const auto &field : kPluginVersion)
+        element.Attribute(field.name, version.*field.number);
+    return version;
+}
+
+void RequireVersion(const AbstractPlugin &plugin, const AbstractPlugin::VersionInfo &saved)
+{
+    if (EffectsHelper::ComparePluginVersions(saved, plugin.Version()) > 0)
+        throw InvalidPluginVersionException("The project file was saved with a newer version of the " +
+                                            ToUtf8(plugin.Name()) + " plugin than what is currently loaded.");
+}
+
+std::u16string_view View(const QString &text)
+{
+    return {QStringView(text).utf16(), static_cast<std::size_t>(text.size())};
+}
+
+/// What a plug-in has to say of an instance: the element that it is handed, and what it appended to that.
+class PluginElement
+{
+public:
+    PluginElement(const PluginInstance_Impl &data, AbstractPlugin &plugin, AbstractPluginInstance *instance)
+    {
+        const WideString own = XmlText([&](XmlWriter &writer) {
+            const XmlElement element(writer, data.Tag(), kVersion);
+            data.WriteHead(writer, plugin);
+        });
+        AppendXmlToDom(own, &document_, &document_);
+        element_ = document_.documentElement();
+        const QDomNode lastOwn = element_.lastChild();
+        plugin.SerializeInstance(instance, &document_, &element_);
+        appended_ = lastOwn.nextSibling();
+    }
+
+    QDomElement Bytes() const { return element_.firstChildElement(kBytesTag); }
+
+    void WriteAttributes(XmlWriter &writer) const
+    {
+        std::map<NarrowString, QString> sorted;
+        const QDomNamedNodeMap attributes = element_.attributes();
+        for (int i = 0; i < attributes.count(); ++i)
+            sorted.emplace(ToUtf8(View(attributes.item(i).nodeName())), attributes.item(i).nodeValue());
+        sorted.erase(kVersionAttribute);
+        for (const auto &[name, value] : sorted)
+            if (IsXmlName(name))
+                writer.Attribute(name, View(value));
+    }
+
+    void WriteChildren(XmlWriter &writer) const
+    {
+        for (QDomNode node = appended_; !node.isNull(); node = node.nextSibling()) {
+            const QDomElement child = node.toElement();
+            if (node.isText())
+                writer.Text(View(node.nodeValue()));
+            else
+                WriteDom(writer, &child);
+        }
+    }
+
+private:
+    QDomDocument document_;
+    QDomElement element_;
+    QDomNode appended_;
+};
+
+void HandOver(AbstractPlugin &plugin, AbstractPluginInstance *instance, const QByteArray &base64)
+{
+    QByteArray bytes = QByteArray::fromBase64(base64);
+    plugin.DeserializeInstance(instance, reinterpret_cast<unsigned char *>(bytes.data()),
+                               static_cast<int>(bytes.size()));
+}
+
+} // namespace
+
+void PluginInstance_Impl::Write(XmlWriter &writer, const AbstractPluginInstance &instance) const
+{
+    const std::shared_ptr<AbstractPlugin> locked = RequirePlugin();
+    const PluginElement plugins(*this, *locked, const_cast<AbstractPluginInstance *>(&instance));
+    const XmlElement element(writer, Tag(), kVersion);
+    plugins.WriteAttributes(writer);
+    WriteHead(writer, *locked);
+    properties->Serialize(writer);
+    EffectsHelper::SerializeUIState(writer, uiStates);
+    plugins.WriteChildren(writer);
+}
+
+void PluginInstance_Impl::Read(const XmlCursor &element, AbstractPluginInstance *instance)
+{
+    const std::shared_ptr<AbstractPlugin> locked = RequirePlugin();
+    const unsigned int version = element.RequireHeader(Tag(), kVersion);
+    ReadHead(element);
+    if (locked->ID() != pluginID)
+        throw std::runtime_error("Supplied plugin does not match deserialized PluginID");
+    if (const XmlCursor saved = element.Find("PropertyManager"); !saved.IsNull()) {
+        PropertyManager fromFile;
+        fromFile.Deserialize(saved);
+        EffectsHelper::SynchronizeSourceWithDest(*properties, fromFile);
+    }
+    if (version >= kFirstWithPluginVersion)
+        RequireVersion(*locked, ReadPluginVersion(element.Require(kPluginVersionTag)));
+    if (version >= kFirstWithUIState)
+        EffectsHelper::SynchronizeUIState(element, uiStates);
+    if (const XmlCursor bytes = element.Find(kBytesTag); !bytes.IsNull()) {
+        const std::string_view base64 = bytes.AttributeText(kBytesAttribute);
+        HandOver(*locked, instance, QByteArray(base64.data(), static_cast<qsizetype>(base64.size())));
+    }
+}
+
+void PluginInstance_Impl::CopyPrivateData(AbstractPluginInstance *instance,
+                                          AbstractPluginInstance *copy) const
+{
+    const std::shared_ptr<AbstractPlugin> locked = RequirePlugin();
+    const PluginElement saved(*this, *locked, instance);
+    if (const QDomElement bytes = saved.Bytes(); !bytes.isNull())
+        HandOver(*locked, copy, bytes.attribute(kBytesAttribute).toLatin1());
+}
+
+void WritePluginNameAndVersion(XmlWriter &writer, const AbstractPlugin &plugin)
+{
+    writer.Child("PluginName", plugin.Name());
+    const XmlElement element(writer, kPluginVersionTag);
+    const AbstractPlugin::VersionInfo &version = plugin.Version();
+    for (const auto &field : kPluginVersion)
+        writer.Attribute(field.name, version.*field.number);
+}
+
+void AppendInstanceBytes(const unsigned char *bytes, int size, void *document, void *element)
+{
+    const QByteArray data(reinterpret_cast<const char *>(bytes), std::max(size, 0));
+    QDomElement child = static_cast<QDomDocument *>(document)->createElement(kBytesTag);
+    child.setAttribute(kBytesAttribute, QString::fromLatin1(data.toBase64()));
+    static_cast<QDomElement *>(element)->appendChild(child);
+}
+
+std::shared_ptr<AbstractPlugin> FindPlugin(AbstractPluginManager &manager, const XmlCursor &instance)
+{
+    kytl::KyID id;
+    instance.Child("PluginID", id);
+    if (std::shared_ptr<AbstractPlugin> plugin = manager.FindPlugin(id))
+        return plugin;
+    throw MissingPluginException("This project uses the " + instance.Require("PluginName").Text() +
+                                 " plugin but it cannot be found.");
+}
+
+} // namespace marlet::project

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <marlet/animation/PropertyManager.h>
+#include <marlet/plugins/AbstractPlugin.h>
+#include <marlet/plugins/AbstractPluginInstance.h>
+#include <marlet/plugins/EffectsHelper.h>
+
+namespace marlet::project
+{
+
+/// What effects and transitions hold alike, and how they stand in the file. What is handed to the plug-in is
+/// the instance itself, which knows nothing of this record's base.
+struct PluginInstance_Impl {
+    using UIState = AbstractPluginInstance::UIState;
+
+    /// A new instance, as the plug-in has it by default.
+    /// @throws std::invalid_argument if there is no plug-in
+    explicit PluginInstance_Impl(const std::shared_ptr<AbstractPlugin> &ofPlugin);
+    PluginInstance_Impl(const PluginInstance_Impl &other) = default;
+    PluginInstance_Impl &operator=(const PluginInstance_Impl &) = delete;
+    virtual ~PluginInstance_Impl();
+
+    virtual const char *Tag() const = 0;
+    /// What messages call the instance.
+    virtual NarrowString Description() const = 0;
+    /// The children of the element up to "PropertyManager": they are also what the plug-in is handed.
+    virtual void WriteHead(XmlWriter &writer, const AbstractPlugin &ofPlugin) const = 0;
+    virtual void ReadHead(const XmlCursor &element) = 0;
+
+    /// @throws std::logic_error if the plug-in is gone
+    std::shared_ptr<AbstractPlugin> RequirePlugin() const;
+    /// @throws std::runtime_error "Property not found in UI state hashmap"
+    const UIState &RequireUIState(const char *name) const;
+    void SetUIState(const char *name, const UIState &state);
+
+    /// The plug-in, if it lives, hears of the instance's end. What it throws is dropped.
+    void AnnounceEnd(AbstractPluginInstance *instance) const noexcept;
+
+    /// The plug-in is handed an instance that it may change; saving is const to everybody else.
+    void Write(XmlWriter &writer, const AbstractPluginInstance &instance) const;
+    void Read(const XmlCursor &element, AbstractPluginInstance *instance);
+    /// Hands private data from an instance to its copy, as it is saved and read.
+    void CopyPrivateData(AbstractPluginInstance *instance, AbstractPluginInstance *copy) const;
+
+    kytl::KyID id = kytl::KyID::Generate();
+    kytl::KyID pluginID;
+    std::weak_ptr<AbstractPlugin> plugin;
+    std::shared_ptr<PropertyManager> properties;
+    EffectsHelper::UIStates uiStates;
+    void *instanceData = nullptr;
+    void *hostInstanceData = nullptr;
+};
+
+/// The children "PluginName" and "PluginVersion".
+void WritePluginNameAndVersion(XmlWriter &writer, const AbstractPlugin &plugin);
+
+/// The child "InstanceBytes" of an element of Qt's DOM.
+void AppendInstanceBytes(const unsigned char *bytes, int size, void *document, void *element);
+
+/// The plug-in of the instance in an element.
+/// @throws MissingPluginException; XmlParseException, std::runtime_error if the element does not name one
+std::shared_ptr<AbstractPlugin> FindPlugin(AbstractPluginManager &manager, const XmlCursor &instance);
+
+} // namespace marlet::project

@@ -1,0 +1,386 @@
+#include <marlet/project/MediaAsset.h>
+
+#include <marlet/foundation/KyCriticalSection.h>
+#include <marlet/foundation/xml/XmlReader.h>
+#include <marlet/foundation/xml/XmlWriter.h>
+#include <marlet/platform/images/ImageFile.h>
+#include <marlet/platform/media/KyAbstractAudioStream.h>
+#include <marlet/platform/media/KyAbstractMediaFile.h>
+#include <marlet/platform/media/KyAbstractVideoStream.h>
+#include <marlet/platform/media/KyMedia.h>
+#include <marlet/project/InstancesXml.h>
+#include <marlet/project/MediaAudioStream.h>
+#include <marlet/project/MediaVideoStream.h>
+
+#include <algorithm>
+
+namespace marlet::project
+{
+
+using kyh::media::KyAbstractMediaFile;
+using kytl::thread::KyCriticalSection;
+using kytl::thread::KyScopedLock;
+
+namespace
+{
+
+constexpr int kNotSet = -1;
+
+MediaAsset::Status StatusOf(int code)
+{
+    switch (code) {
+    case kyh::media::kSuccess:
+        return MediaAsset::Status::Usable;
+    case kyh::media::kNotFound:
+    case kyh::media::kNoPermission:
+    case kyh::media::kNotAFile:
+        return MediaAsset::Status::Missing;
+    case kyh::media::kUnknownFormat:
+    case kyh::media::kDamaged:
+        return MediaAsset::Status::Unreadable;
+    default:
+        return MediaAsset::Status::Failed;
+    }
+}
+
+} // namespace
+
+struct MediaAsset_Impl {
+    kytl::KyID id;
+    WideString name;
+    WideString filename;
+    bool isImageSequence = false;
+    bool isDirty = false;
+    Uncopied<AbstractAsset::InstanceList> instances;
+    kytl::KyID parentFolderID;
+    // The lock guards the status, the file and the streams. The file is not touched when an asset ends: its
+    // manager may have released it by then.
+    MediaAsset::Status status = MediaAsset::Status::Failed;
+    KyAbstractMediaFile *mediaFile = nullptr;
+    mutable Uncopied<std::shared_ptr<MediaVideoStream>> videoStream;
+    mutable Uncopied<std::shared_ptr<MediaAudioStream>> audioStream;
+    MediaAsset::OverrideOptions override;
+    mutable int trimmerInPoint = kNotSet;
+    mutable int trimmerOutPoint = kNotSet;
+    mutable Uncopied<KyCriticalSection> lock;
+
+    bool HasStream(int kind) const
+    {
+        const KyScopedLock hold(*lock);
+        return mediaFile && mediaFile->Stream(kind);
+    }
+
+    void DropStreams()
+    {
+        audioStream->reset();
+        videoStream->reset();
+    }
+};
+
+namespace
+{
+
+template <class Xml, class Self> void MediaAssetFields(Xml &xml, Self &self)
+{
+    xml.Child("ID", self.id);
+    xml.Child("Name", self.name);
+    xml.Child("ParentFolderID", self.parentFolderID);
+    xml.Child("Filename", self.filename);
+    xml.Child("IsImageSequence", self.isImageSequence);
+    xml.Child("OverrideFrameRate", self.override.overrideFrameRate);
+    xml.Child("FrameRate", self.override.frameRate);
+    xml.Child("OverridePAR", self.override.overridePAR);
+    xml.Child("PAR", self.override.par);
+    xml.Child("OverrideFields", self.override.overrideFields);
+    xml.Child("Fields", self.override.fields);
+    xml.Child("InPoint", self.trimmerInPoint);
+    xml.Child("OutPoint", self.trimmerOutPoint);
+}
+
+/// Moves a point beyond the end to the last frame.
+int CorrectedPoint(int &point, const MediaAsset &asset)
+{
+    if (point == kNotSet)
+        return point;
+    if (const auto video = asset.VideoStream())
+        point = std::min(point, video->FrameCount() - 1);
+    else if (const auto audio = asset.AudioStream())
+        point = std::min(point, audio->FrameCount() - 1);
+    return point;
+}
+
+} // namespace
+
+MediaAsset::MediaAsset() = default;
+
+MediaAsset::MediaAsset(const WideString &path, KyAbstractMediaFile *file, int code, bool isImageSequence)
+    : MediaAsset()
+{
+    impl_->id = kytl::KyID::Generate();
+    impl_->name = platform::FileName(path);
+    impl_->filename = path;
+    impl_->isImageSequence = isImageSequence;
+    impl_->status = StatusOf(code);
+    impl_->mediaFile = file;
+}
+
+MediaAsset::MediaAsset(const XmlCursor &element, const Deserializer &) : MediaAsset()
+{
+    Deserialize(element);
+}
+
+MediaAsset::MediaAsset(const WideString &xml, const Deserializer &) : MediaAsset()
+{
+    const XmlDocument document(xml);
+    Deserialize(document.Root());
+}
+
+MediaAsset::MediaAsset(const MediaAsset &other) = default;
+
+MediaAsset::~MediaAsset() = default;
+
+std::shared_ptr<MediaAsset> MediaAsset::Copy(std::shared_ptr<MediaAsset> other)
+{
+    return other;
+}
+
+std::shared_ptr<AbstractAsset> MediaAsset::Clone() const
+{
+    const KyScopedLock hold(Mutex());
+    std::shared_ptr<MediaAsset> clone(new MediaAsset(*this));
+    clone->impl_->id = kytl::KyID::Generate();
+    return clone;
+}
+
+void MediaAsset::Serialize(XmlWriter &writer, const ProjectTextureImageCache &) const
+{
+    const XmlElement element(writer, "MediaAsset", 0);
+    MediaAssetFields(writer, *impl_);
+    WriteInstances(writer, *impl_->instances);
+}
+
+WideString MediaAsset::Serialize(const ProjectTextureImageCache &textures) const
+{
+    return XmlText([&](XmlWriter &writer) { Serialize(writer, textures); });
+}
+
+void MediaAsset::Deserialize(const XmlCursor &element)
+{
+    // A thread that reads frames looks at the overrides.
+    const KyScopedLock hold(Mutex());
+    element.RequireHeader("MediaAsset", 0);
+    MediaAssetFields(element, *impl_);
+}
+
+void MediaAsset::Deserialize(const WideString &xml, const std::shared_ptr<AbstractPluginManager> &,
+                             const Abstract3DEffectFactory &, ProjectTextureImageCache &)
+{
+    const XmlDocument document(xml);
+    Deserialize(document.Root());
+}
+
+bool MediaAsset::HasAudio() const
+{
+    return impl_->HasStream(kyh::media::kAudioStream);
+}
+
+bool MediaAsset::HasVideo() const
+{
+    return impl_->HasStream(kyh::media::kVideoStream);
+}
+
+bool MediaAsset::IsOffline() const
+{
+    return MediaFileStatus() != Status::Usable;
+}
+
+int MediaAsset::Width() const
+{
+    const auto video = VideoStream();
+    return video ? video->Width() : 0;
+}
+
+int MediaAsset::Height() const
+{
+    const auto video = VideoStream();
+    return video ? video->Height() : 0;
+}
+
+KyAbstractMediaFile *MediaAsset::MediaFile() const
+{
+    const KyScopedLock hold(Mutex());
+    return impl_->mediaFile;
+}
+
+MediaAsset::Status MediaAsset::MediaFileStatus() const
+{
+    const KyScopedLock hold(Mutex());
+    return impl_->status;
+}
+
+std::shared_ptr<MediaAudioStream> MediaAsset::AudioStream() const
+{
+    const KyScopedLock hold(Mutex());
+    std::shared_ptr<MediaAudioStream> &cached = *impl_->audioStream;
+    if (cached || !impl_->mediaFile)
+        return cached;
+    if (const auto stream = impl_->mediaFile->Stream(kyh::media::kAudioStream))
+        cached.reset(
+            new MediaAudioStream(std::static_pointer_cast<kyh::media::KyAbstractAudioStream>(stream)));
+    return cached;
+}
+
+std::shared_ptr<MediaVideoStream> MediaAsset::VideoStream() const
+{
+    const KyScopedLock hold(Mutex());
+    std::shared_ptr<MediaVideoStream> &cached = *impl_->videoStream;
+    if (cached || !impl_->mediaFile)
+        return cached;
+    if (const auto stream = impl_->mediaFile->Stream(kyh::media::kVideoStream))
+        cached.reset(
+            new MediaVideoStream(std::static_pointer_cast<kyh::media::KyAbstractVideoStream>(stream), this));
+    return cached;
+}
+
+void MediaAsset::Sleep()
+{
+    const KyScopedLock hold(Mutex());
+    if (impl_->mediaFile)
+        impl_->mediaFile->Sleep();
+}
+
+void MediaAsset::Wake()
+{
+    const KyScopedLock hold(Mutex());
+    if (!impl_->mediaFile)
+        return;
+    impl_->DropStreams();
+    const int code = impl_->mediaFile->Wake();
+    if (code != kyh::media::kNothingToReport)
+        impl_->status = StatusOf(code);
+}
+
+void MediaAsset::SetMediaFile(KyAbstractMediaFile *file)
+{
+    const KyScopedLock hold(Mutex());
+    impl_->mediaFile = file;
+}
+
+void MediaAsset::SetMediaFileStatus(int code)
+{
+    const KyScopedLock hold(Mutex());
+    impl_->status = StatusOf(code);
+}
+
+void MediaAsset::Relink(const WideString &path, KyAbstractMediaFile *file, int code)
+{
+    const KyScopedLock hold(Mutex());
+    impl_->DropStreams();
+    impl_->filename = path;
+    impl_->mediaFile = file;
+    impl_->status = StatusOf(code);
+    if (file && impl_->status == Status::Usable)
+        file->NotifyRelinked();
+}
+
+int MediaAsset::TrimmerInPoint() const
+{
+    return CorrectedPoint(impl_->trimmerInPoint, *this);
+}
+
+int MediaAsset::TrimmerOutPoint() const
+{
+    return CorrectedPoint(impl_->trimmerOutPoint, *this);
+}
+
+void MediaAsset::SetTrimmerInPoint(int frame)
+{
+    impl_->trimmerInPoint = frame;
+}
+
+void MediaAsset::SetTrimmerOutPoint(int frame)
+{
+    impl_->trimmerOutPoint = frame;
+}
+
+const kytl::KyID &MediaAsset::ID() const
+{
+    return impl_->id;
+}
+
+AssetType MediaAsset::Type() const
+{
+    return AssetType::Media;
+}
+
+const WideString &MediaAsset::Name() const
+{
+    return impl_->name;
+}
+
+void MediaAsset::SetName(const WideString &name)
+{
+    impl_->name = name;
+}
+
+AbstractAsset::InstanceList &MediaAsset::Instances()
+{
+    return *impl_->instances;
+}
+
+const AbstractAsset::InstanceList &MediaAsset::Instances() const
+{
+    return *impl_->instances;
+}
+
+const kytl::KyID &MediaAsset::ParentFolderID() const
+{
+    return impl_->parentFolderID;
+}
+
+void MediaAsset::SetParentFolderID(const kytl::KyID &id)
+{
+    impl_->parentFolderID = id;
+}
+
+void MediaAsset::ClearParentBinFolder()
+{
+    impl_->parentFolderID = kytl::KyID();
+}
+
+WideString MediaAsset::Filename() const
+{
+    return impl_->filename;
+}
+
+bool MediaAsset::IsImageSequence() const
+{
+    return impl_->isImageSequence;
+}
+
+MediaAsset::OverrideOptions &MediaAsset::Override()
+{
+    return impl_->override;
+}
+
+const MediaAsset::OverrideOptions &MediaAsset::Override() const
+{
+    return impl_->override;
+}
+
+KyCriticalSection &MediaAsset::Mutex() const
+{
+    return *impl_->lock;
+}
+
+bool MediaAsset::IsDirty() const
+{
+    return impl_->isDirty;
+}
+
+void MediaAsset::SetDirty(bool dirty)
+{
+    impl_->isDirty = dirty;
+}
+
+} // namespace marlet::project
