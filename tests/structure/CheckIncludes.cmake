@@ -21,8 +21,8 @@ set(reaching_up
     "marlet/project/Project.cpp editor"
     "marlet/tracking/TrackingActiveObject.cpp layers"
     "marlet/tracking/TrackingActiveObject.cpp project"
-    "marlet/tracking/TrackingRun.cpp project"
-    "marlet/tracking/TrackingRun.h project")
+    "marlet/tracking/TrackingFrame.cpp project"
+    "marlet/tracking/TrackingRun.cpp project")
 
 # Third-party headers of the interface, as "header third-party-header".
 set(third_party_in_public
