@@ -41,42 +41,14 @@ struct Pose {
     double scale = 1;
 };
 
-constexpr int kTextureSize = 512; ///< a power of two
-constexpr double kTexturePitch = 0.4;
-
-double &TextureLevel(std::vector<double> &texture, int place)
-{
-    return texture[static_cast<std::size_t>(place & (kTextureSize * kTextureSize - 1))];
-}
-
-/// Noise, blurred three times in each direction, so that it looks alike in all of them.
-std::vector<double> MakeTexture()
-{
-    std::minstd_rand random(3);
-    std::vector<double> texture(kTextureSize * kTextureSize);
-    for (double &level : texture)
-        level = static_cast<double>(random() % 1000) - 499.5;
-    for (int round = 0; round < 6; ++round) {
-        std::vector<double> sharp = texture;
-        for (int place = 0; place < kTextureSize * kTextureSize; ++place) {
-            double &sum = TextureLevel(texture, place) = 0;
-            for (int i = -3; i <= 3; ++i)
-                sum += TextureLevel(sharp, place + i * (round % 2 == 0 ? 1 : kTextureSize)) / 6.4;
-        }
-    }
-    return texture;
-}
-
+/// Waves in all directions, without a period. A texture that is alike in all directions matters: template
+/// matching refines each axis by itself.
 double TextureAt(double u, double v)
 {
-    static std::vector<double> texture = MakeTexture();
-    const double x = std::floor(u / kTexturePitch), y = std::floor(v / kTexturePitch);
-    const double right = u / kTexturePitch - x, down = v / kTexturePitch - y;
-    const auto level = [&](int dx, int dy) {
-        return TextureLevel(texture, (static_cast<int>(y) + dy) * kTextureSize + static_cast<int>(x) + dx);
-    };
-    return (1 - down) * ((1 - right) * level(0, 0) + right * level(1, 0)) +
-           down * ((1 - right) * level(0, 1) + right * level(1, 1));
+    double sum = 0;
+    for (int i = 0; i < 12; ++i)
+        sum += std::sin((0.25 + 0.05 * i) * (u * std::cos(2.4 * i) + v * std::sin(2.4 * i)) + i * i);
+    return 16 * sum;
 }
 
 /// A textured disc of radius 30 with a soft edge, before a plain ground.
@@ -92,7 +64,7 @@ Picture Draw(const Pose &pose, int noise, unsigned int seed, int bytesPerPixel =
             const double u = (std::cos(pose.angle) * dx + std::sin(pose.angle) * dy) / pose.scale;
             const double v = (std::cos(pose.angle) * dy - std::sin(pose.angle) * dx) / pose.scale;
             const double edge = std::clamp(6 - std::hypot(u, v) / 5, 0., 1.);
-            const double gray = std::clamp(128 + TextureAt(u, v) * edge, 10., 240.);
+            const double gray = std::clamp(128 + (edge > 0 ? TextureAt(u, v) * edge : 0), 10., 240.);
             const int level =
                 static_cast<int>(std::lround(gray)) + static_cast<int>(random() % (2 * noise + 1));
             picture.bytes[at] = static_cast<unsigned char>(level - noise);
