@@ -73,6 +73,19 @@ void Show(const std::shared_ptr<Project> &project)
     }
 }
 
+// Files do not bring back who uses an asset.
+std::shared_ptr<Project> ReadProject(const std::string &text,
+                                     const std::shared_ptr<AbstractPluginManager> &plugins)
+{
+    const auto project = Project::CreateFromXml(FromUtf8(text), u"", plugins, NoEffects());
+    for (const auto &asset : project->Assets().GetByType(AssetType::Composition))
+        for (const auto &layer : static_cast<CompositionAsset &>(*asset).Layers())
+            if (const auto user = std::dynamic_pointer_cast<AbstractAssetInstance>(layer))
+                if (const auto used = project->Assets().GetByID(user->AssetID()))
+                    used->Instances().Add(user);
+    return project;
+}
+
 std::string ReadFile(const std::string &path)
 {
     std::ifstream file(path, std::ios::binary);
@@ -87,13 +100,11 @@ try {
     plugins->Add(std::make_shared<embed::Glow>());
 
     const std::string text = ReadFile(path);
-    const auto project = text.empty() ? MakeProject(plugins)
-                                      : Project::CreateFromXml(FromUtf8(text), u"", plugins, NoEffects());
+    const auto project = text.empty() ? MakeProject(plugins) : ReadProject(text, plugins);
     Show(project);
 
     std::ofstream(path, std::ios::binary) << ToUtf8(project->Serialize());
-    const auto loaded = Project::CreateFromXml(FromUtf8(ReadFile(path)), u"", plugins, NoEffects());
-    if (loaded->Serialize() != project->Serialize())
+    if (ReadProject(ReadFile(path), plugins)->Serialize() != project->Serialize())
         throw std::runtime_error("the project that was read is not the one that was written");
     std::cout << "saved and read again: the same\n";
 } catch (const std::exception &error) {
