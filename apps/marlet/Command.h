@@ -44,6 +44,13 @@ const CommandSpec &NewCommand();
 const CommandSpec &CloneCommand();
 const CommandSpec &DeleteCommand();
 const CommandSpec &PluginsCommand();
+const CommandSpec &MediaCommand();
+const CommandSpec &DecodeCommand();
+const CommandSpec &SamplesCommand();
+const CommandSpec &RelinkCommand();
+const CommandSpec &TrackCommand();
+const CommandSpec &PostFilterCommand();
+const CommandSpec &ClipCommand();
 const CommandSpec &FontsCommand();
 
 } // namespace marlet::tool

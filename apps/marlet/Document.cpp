@@ -6,11 +6,12 @@
 #include "plugins/PluginManager.h"
 #include "plugins/Ribbon.h"
 
-#include <marlet/layers/AbstractLayer.h>
-#include <marlet/project/AbstractAssetInstance.h>
+#include <marlet/layers/AssetLayer.h>
 #include <marlet/project/AssetList.h>
 #include <marlet/project/CompositionAsset.h>
+#include <marlet/project/MediaAsset.h>
 #include <marlet/project/Project.h>
+#include <marlet/tracking/Tracker.h>
 
 #include <optional>
 
@@ -58,6 +59,15 @@ typename Objects::value_type FindByIdOrName(const Objects &objects, const std::s
     return found;
 }
 
+template <class Asset> std::vector<std::shared_ptr<Asset>> AssetsOf(const Project &project, AssetType type)
+{
+    std::vector<std::shared_ptr<Asset>> assets;
+    for (const auto &asset : project.Assets().GetByType(type))
+        if (auto ofClass = std::dynamic_pointer_cast<Asset>(asset))
+            assets.push_back(std::move(ofClass));
+    return assets;
+}
+
 } // namespace
 
 ProjectPointer ParseProject(const WideString &text, const WideString &texturesFolder, PluginUse plugins)
@@ -103,11 +113,12 @@ void WriteProject(const Project &project, const std::string &path)
 
 std::vector<CompositionPointer> Compositions(const Project &project)
 {
-    std::vector<CompositionPointer> compositions;
-    for (const auto &asset : project.Assets().GetByType(AssetType::Composition))
-        if (auto composition = std::dynamic_pointer_cast<CompositionAsset>(asset))
-            compositions.push_back(std::move(composition));
-    return compositions;
+    return AssetsOf<CompositionAsset>(project, AssetType::Composition);
+}
+
+std::vector<MediaPointer> MediaAssets(const Project &project)
+{
+    return AssetsOf<MediaAsset>(project, AssetType::Media);
 }
 
 std::unordered_map<kytl::KyID, LayerPointer> LayersByID(const CompositionAsset &composition)
@@ -126,6 +137,25 @@ CompositionPointer FindComposition(const Project &project, const std::string &id
 LayerPointer FindLayer(const CompositionAsset &composition, const std::string &idOrName)
 {
     return FindByIdOrName(composition.Layers(), "layer", idOrName);
+}
+
+AssetLayerPointer FindAssetLayer(const CompositionAsset &composition, const std::string &idOrName)
+{
+    const LayerPointer layer = FindLayer(composition, idOrName);
+    auto assetLayer = std::dynamic_pointer_cast<AssetLayer>(layer);
+    if (!assetLayer)
+        throw Failure("Layer " + Quoted(layer->Name()) + " shows no asset");
+    return assetLayer;
+}
+
+MediaPointer FindMedia(const Project &project, const std::string &idOrName)
+{
+    return FindByIdOrName(MediaAssets(project), "media asset", idOrName);
+}
+
+TrackerPointer FindTracker(const AssetLayer &layer, const std::string &idOrName)
+{
+    return FindByIdOrName(layer.Trackers(), "tracker", idOrName);
 }
 
 } // namespace marlet::tool

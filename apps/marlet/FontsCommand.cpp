@@ -66,7 +66,7 @@ const CommandSpec &FontsCommand()
                                      1,
                                      {{"--json", "", "one JSON object a line"}},
                                      Run,
-                                     "fonts 'DejaVu Sans'"};
+                                     "fonts \"DejaVu Sans\""};
     return command;
 }
 

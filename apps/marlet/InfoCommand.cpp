@@ -5,6 +5,7 @@
 #include "plugins/Ribbon.h"
 
 #include <marlet/animation/PropertyManager.h>
+#include <marlet/layers/AssetLayer.h>
 #include <marlet/layers/Effect3DLayer.h>
 #include <marlet/masks/Mask.h>
 #include <marlet/masks/MotionPath.h>
@@ -14,6 +15,8 @@
 #include <marlet/project/BinFolder.h>
 #include <marlet/project/CompositionAsset.h>
 #include <marlet/project/Project.h>
+#include <marlet/tracking/Tracker.h>
+#include <marlet/tracking/TrackingPoint.h>
 
 namespace marlet::tool
 {
@@ -42,11 +45,23 @@ void CountProperties(const PropertyManager &properties, ProjectSums &sums)
     }
 }
 
+void CountTrackers(const AssetLayer &layer, ProjectSums &sums)
+{
+    for (const std::shared_ptr<const Tracker> tracker : layer.Trackers()) {
+        ++sums.trackers;
+        for (const auto &point : {tracker->PrimaryTrackingPoint(), tracker->SecondaryTrackingPoint()})
+            if (point)
+                CountProperties(point->Animation(), sums);
+    }
+}
+
 /// Every property that the details show, be it of the layer or of what is on it.
 void CountLayer(const AbstractLayer &layer, ProjectSums &sums)
 {
     ++sums.layers;
     CountProperties(layer.Animation(), sums);
+    if (const auto *assetLayer = dynamic_cast<const AssetLayer *>(&layer))
+        CountTrackers(*assetLayer, sums);
     if (const auto *layer3D = dynamic_cast<const Effect3DLayer *>(&layer))
         if (const auto ribbon = std::dynamic_pointer_cast<const Ribbon>(layer3D->Effect()))
             CountProperties(ribbon->Properties(), sums);

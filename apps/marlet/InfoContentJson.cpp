@@ -1,3 +1,4 @@
+#include "InfoAssetLayer.h"
 #include "InfoParts.h"
 #include "LayerContent.h"
 #include "Names.h"
@@ -6,6 +7,7 @@
 #include "plugins/Ribbon.h"
 
 #include <marlet/animation/PropertyManager.h>
+#include <marlet/layers/AssetLayer.h>
 #include <marlet/layers/Effect3DLayer.h>
 #include <marlet/masks/Mask.h>
 #include <marlet/masks/MotionPath.h>
@@ -143,10 +145,14 @@ void WriteReference(const AbstractLayer &layer, const LayerReference &reference,
     if (reference.holder == LayerReference::Holder::ParentLink)
         return;
     JsonWriter json = BeginJson("reference");
-    json.Member("layer", layer.ID())
-        .Member(reference.holder == LayerReference::Holder::Effect ? "effect" : "effect3d", reference.object)
-        .Member("property", reference.property)
-        .Member("target", reference.target);
+    json.Member("layer", layer.ID());
+    if (reference.holder == LayerReference::Holder::Tracker)
+        json.Member("tracker", reference.object);
+    else
+        json.Member(reference.holder == LayerReference::Holder::Effect ? "effect" : "effect3d",
+                    reference.object)
+            .Member("property", reference.property);
+    json.Member("target", reference.target);
     EndJson(json, output);
 }
 
@@ -154,6 +160,8 @@ void WriteReference(const AbstractLayer &layer, const LayerReference &reference,
 
 void WriteContentJson(const AbstractLayer &layer, Output &output)
 {
+    if (const auto *asset = dynamic_cast<const AssetLayer *>(&layer))
+        WriteAssetLayerJson(*asset, output);
     if (const auto *text = dynamic_cast<const TextLayer *>(&layer))
         WriteText(*text, output);
     if (const auto *effect3D = dynamic_cast<const Effect3DLayer *>(&layer))

@@ -2,6 +2,7 @@
 #include "Info.h"
 #include "InfoParts.h"
 #include "Json.h"
+#include "MediaFacts.h"
 #include "MetadataItems.h"
 #include "Names.h"
 #include "Output.h"
@@ -14,6 +15,7 @@
 #include <marlet/project/BinFolder.h>
 #include <marlet/project/CompositionAsset.h>
 #include <marlet/project/CompositionRenderSettings.h>
+#include <marlet/project/MediaAsset.h>
 #include <marlet/project/Project.h>
 #include <marlet/project/ProjectSettings.h>
 #include <marlet/project/SolidAsset.h>
@@ -77,6 +79,10 @@ void WriteAsset(const AbstractAsset &asset, Output &output)
         json.Member("file", image->Filename())
             .Member("status", FileStatusName(image->Status()))
             .Member("pixel_aspect_ratio", AudioVideoSettings::PARValue(image->PixelAspectRatio()));
+    } else if (const auto *media = dynamic_cast<const MediaAsset *>(&asset)) {
+        json.Member("file", media->Filename()).Key("media").BeginObject();
+        WriteMediaFacts(json, *media);
+        json.EndObject();
     }
     EndJson(json, output);
 }
@@ -176,6 +182,7 @@ void WriteSums(const ProjectSums &sums, std::size_t metadata, Output &output)
         .Member("layers", sums.layers)
         .Member("effects", sums.effects)
         .Member("masks", sums.masks)
+        .Member("trackers", sums.trackers)
         .Member("properties", sums.properties)
         .Member("animated_properties", sums.animatedProperties)
         .Member("key_frames", sums.keyFrames)

@@ -8,8 +8,9 @@
 
 namespace marlet::project
 {
+class AssetList;
 class PropertyManager;
-}
+} // namespace marlet::project
 
 namespace marlet::tool
 {
@@ -25,8 +26,10 @@ inline constexpr char kLayerIndent[] = "         ";
 void WritePropertiesText(const project::PropertyManager &properties, const std::string &indent,
                          Output &output);
 
-/// What a layer has beside its properties: text, 3D effect, effects, masks, and references to other layers.
-void WriteContentText(const project::AbstractLayer &layer, const LayerMap &layers, Output &output);
+/// What a layer has beside its properties: asset, trackers, text, 3D effect, effects, masks, and references
+/// to other layers.
+void WriteContentText(const project::AbstractLayer &layer, const LayerMap &layers,
+                      const project::AssetList &assets, Output &output);
 
 // The same as JSON, one object a line.
 

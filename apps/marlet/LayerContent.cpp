@@ -5,10 +5,12 @@
 #include "plugins/ToolPlugin.h"
 
 #include <marlet/animation/PropertyManager.h>
+#include <marlet/layers/AssetLayer.h>
 #include <marlet/layers/Effect3DLayer.h>
 #include <marlet/layers/GradeLayer.h>
 #include <marlet/plugins/EffectInstance.h>
 #include <marlet/plugins/EffectsHelper.h>
+#include <marlet/tracking/Tracker.h>
 
 #include <algorithm>
 
@@ -69,6 +71,8 @@ const EffectList &EffectsOf(const AbstractLayer &layer)
     static const EffectList none;
     if (const auto *grade = dynamic_cast<const GradeLayer *>(&layer))
         return grade->Effects();
+    if (const auto *asset = dynamic_cast<const AssetLayer *>(&layer))
+        return asset->Effects();
     if (const auto *text = dynamic_cast<const TextLayer *>(&layer))
         return text->Effects();
     return none;
@@ -79,6 +83,8 @@ const MaskList &MasksOf(const AbstractLayer &layer)
     static const MaskList none;
     if (const auto *grade = dynamic_cast<const GradeLayer *>(&layer))
         return grade->Masks();
+    if (const auto *asset = dynamic_cast<const AssetLayer *>(&layer))
+        return asset->Masks();
     if (const auto *text = dynamic_cast<const TextLayer *>(&layer))
         return text->Masks();
     return none;
@@ -114,6 +120,13 @@ std::vector<LayerReference> LayerReferences(const AbstractLayer &layer)
     references.push_back({LayerReference::Holder::ParentLink, {}, {}, {}, layer.ParentLayerID()});
     for (const auto &effect : EffectsOf(layer))
         AddEffectReferences(*effect, references);
+    if (const auto *asset = dynamic_cast<const AssetLayer *>(&layer))
+        for (const auto &tracker : asset->Trackers())
+            references.push_back({LayerReference::Holder::Tracker,
+                                  tracker->ID(),
+                                  tracker->Name(),
+                                  {},
+                                  tracker->DestinationLayerID()});
     if (const auto *layer3D = dynamic_cast<const Effect3DLayer *>(&layer))
         if (const auto ribbon = std::dynamic_pointer_cast<const Ribbon>(layer3D->Effect()))
             references.push_back({LayerReference::Holder::Effect3D, ribbon->ID(), u"Ribbon",
@@ -126,10 +139,16 @@ std::vector<LayerReference> LayerReferences(const AbstractLayer &layer)
 
 std::string HolderText(const LayerReference &reference)
 {
-    if (reference.holder == LayerReference::Holder::ParentLink)
+    switch (reference.holder) {
+    case LayerReference::Holder::ParentLink:
         return "parent layer";
-    return (reference.holder == LayerReference::Holder::Effect ? "effect " : "3D effect ") +
-           Quoted(reference.name) + ", property " + reference.property;
+    case LayerReference::Holder::Tracker:
+        return "tracker " + Quoted(reference.name);
+    case LayerReference::Holder::Effect:
+        return "effect " + Quoted(reference.name) + ", property " + reference.property;
+    default:
+        return "3D effect " + Quoted(reference.name) + ", property " + reference.property;
+    }
 }
 
 } // namespace marlet::tool

@@ -51,11 +51,11 @@ TextContent ContentOf(const project::TextLayer &layer);
 
 /// Where a layer names another one.
 struct LayerReference {
-    enum class Holder { ParentLink, Effect, Effect3D };
+    enum class Holder { ParentLink, Effect, Effect3D, Tracker };
 
     Holder holder;
-    kytl::KyID object;              ///< the effect
-    project::WideString name;       ///< of the effect
+    kytl::KyID object;              ///< the effect or tracker
+    project::WideString name;       ///< of the effect or tracker
     project::NarrowString property; ///< of the effect
     kytl::KyID target;
 };

@@ -1,10 +1,14 @@
 #include "Arguments.h"
+#include "ClipProject.h"
 #include "Document.h"
 #include "ExampleProject.h"
 #include "Failure.h"
+#include "MediaSource.h"
 #include "TitlesProject.h"
 
 #include <marlet/project/Project.h>
+
+#include <filesystem>
 
 namespace marlet::tool
 {
@@ -14,8 +18,33 @@ using project::AudioVideoSettings;
 namespace
 {
 
+/// A clip brings its own format and length.
+void MakeFromClip(const Arguments &arguments)
+{
+    for (const char *option : {"--preset", "--frames", "--titles", "--texture"})
+        if (arguments.Has(option))
+            throw UsageError(std::string(option) + " does not go with --media");
+    // A project names its files so that it can be opened in any folder.
+    const std::string path = std::filesystem::absolute(arguments.Text("--media")).lexically_normal().string();
+    const bool hasFeature = arguments.Has("--at");
+    const Feature feature = hasFeature ? FeatureOption(arguments) : Feature();
+    const MediaSource source = OpenMediaFile(path, arguments.Has("--sequence"));
+    const ClipProject clip = MakeClipProject(source.project, source.media);
+    if (hasFeature)
+        AddTracker(*clip.layer, feature);
+    WriteProject(*clip.project, arguments.Operand(0));
+}
+
 void Run(const Arguments &arguments, Output &)
 {
+    if (arguments.Has("--media"))
+        return MakeFromClip(arguments);
+    for (const char *option : {"--sequence", "--at"})
+        if (arguments.Has(option))
+            throw UsageError(std::string(option) + " goes with --media");
+    for (const char *option : {"--feature", "--search"})
+        if (arguments.Has(option))
+            throw UsageError(std::string(option) + " goes with --at");
     constexpr int kLastPreset = static_cast<int>(AudioVideoSettings::Preset::DvcproHd1080At2997);
     constexpr int kFrames = 250;
     const int preset = arguments.Has("--preset") ? arguments.Integer("--preset")
@@ -42,13 +71,19 @@ const CommandSpec &NewCommand()
     static const CommandSpec command{
         "new",
         "a small project to start from and to look at",
-        "OUT [--preset N] [--frames N] [--titles [--texture IMAGE]]",
+        "OUT [--preset N] [--frames N] [--titles [--texture IMAGE]]\n"
+        "OUT --media CLIP [--sequence] [--at X,Y [--feature N] [--search N]]",
         1,
         1,
         {{"--preset", "N", "the frame format, 1 to 14; 6, which is 1280x720 at 25, if not given"},
          {"--frames", "N", "the length; 250 if not given"},
          {"--titles", "", "styled text with effects and masks in place of a system of planets"},
-         {"--texture", "IMAGE", "the picture on the ribbon of the titles, as seen from the folder of OUT"}},
+         {"--texture", "IMAGE", "the picture on the ribbon of the titles, as seen from the folder of OUT"},
+         {"--media", "CLIP", "a composition in the format of a video file, with a layer that shows it"},
+         {"--sequence", "", "CLIP is a member of an image sequence of 25 frames per second"},
+         {"--at", "X,Y", "a tracker of the feature there, in pixels from the middle, Y up"},
+         {"--feature", "N", "the feature's size in pixels; 48 if not given"},
+         {"--search", "N", "the size of the area around it where it is looked for; 128 if not given"}},
         Run,
         "new film.xml --preset 6 --frames 250"};
     return command;

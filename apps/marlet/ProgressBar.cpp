@@ -5,8 +5,10 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <cstdio>
+#include <utility>
 
 namespace marlet::tool
 {
@@ -14,14 +16,16 @@ namespace marlet::tool
 namespace
 {
 
-constexpr char kClearLine[] = "\r\033[K";
-constexpr std::chrono::milliseconds kLeastPause(100);
+void Print(const std::string &text)
+{
+    std::fwrite(text.data(), 1, text.size(), stderr);
+}
 
 std::string OneDecimal(double number)
 {
-    char buffer[32];
-    std::snprintf(buffer, sizeof buffer, "%.1f", number);
-    return buffer;
+    char buffer[64];
+    const auto result = std::to_chars(buffer, buffer + sizeof buffer, number, std::chars_format::fixed, 1);
+    return std::string(buffer, result.ptr);
 }
 
 std::string TimeText(double seconds)
@@ -35,37 +39,56 @@ std::string TimeText(double seconds)
 } // namespace
 
 ProgressBar::ProgressBar(int total, std::string unit)
-    : total_(std::max(total, 1)), unit_(std::move(unit)), isShown_(isatty(STDERR_FILENO) == 1)
+    : isTerminal_(::isatty(STDERR_FILENO) == 1),
+      total_(std::max(1, total)),
+      unit_(std::move(unit)),
+      start_(std::chrono::steady_clock::now())
 {
 }
 
 ProgressBar::~ProgressBar()
 {
-    if (isShown_)
-        std::fputs(kClearLine, stderr);
+    if (isVisible_)
+        Print("\n");
 }
 
-void ProgressBar::Show(int done, const std::string &remark)
+void ProgressBar::Show(int done)
 {
-    constexpr int kWidth = 24;
-    const Clock::time_point now = Clock::now();
-    if (!isShown_ || (done < total_ && now - last_ < kLeastPause))
+    done_ = done;
+    Draw();
+}
+
+void ProgressBar::Tell(const std::string &message)
+{
+    message_ = message;
+    Draw();
+}
+
+void ProgressBar::Hide()
+{
+    if (isVisible_)
+        Print("\r\x1B[K");
+    isVisible_ = false;
+}
+
+void ProgressBar::Draw()
+{
+    constexpr int kWidth = 30;
+    if (!isTerminal_)
         return;
-    last_ = now;
-    const int filled =
-        static_cast<int>(static_cast<long long>(kWidth) * std::clamp(done, 0, total_) / total_);
-    std::string line = kClearLine + std::string("[") + std::string(static_cast<std::size_t>(filled), '#') +
-                       std::string(static_cast<std::size_t>(kWidth - filled), ' ') + "] " +
-                       std::to_string(done) + " of " + std::to_string(total_) + " " + unit_;
-    const double seconds = std::chrono::duration<double>(now - start_).count();
-    if (done > 0 && seconds > 0) {
-        const double rate = done / seconds;
-        line +=
-            ", " + OneDecimal(rate) + " a second, " + TimeText(std::max(total_ - done, 0) / rate) + " left";
-    }
-    if (!remark.empty())
-        line += ", " + OneLine(remark);
-    std::fputs(line.c_str(), stderr);
+    const auto filled =
+        static_cast<std::size_t>(static_cast<long long>(kWidth) * std::min(done_, total_) / total_);
+    const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start_).count();
+    const double rate = seconds > 0 ? done_ / seconds : 0;
+    std::string line = "[" + PadRight(std::string(filled, '#'), kWidth) + "] " + std::to_string(done_) +
+                       " of " + std::to_string(total_) + " " + unit_ + ", " + OneDecimal(rate) + " a second";
+    if (rate > 0 && done_ < total_)
+        line += ", " + TimeText((total_ - done_) / rate) + " left";
+    if (!message_.empty())
+        line += ", " + message_;
+    Hide();
+    Print(line);
+    isVisible_ = true;
 }
 
 } // namespace marlet::tool

@@ -6,27 +6,34 @@
 namespace marlet::tool
 {
 
-/// A line on standard error that tells how far the work is and how long it will take; on a terminal alone, so
-/// that logs stay clean. It is rewritten in place, and gone when the bar goes.
+/// One line on standard error that shows how far some work is and how long the rest will take; nothing at all
+/// if that is no terminal.
 class ProgressBar
 {
 public:
-    /// The unit in the plural, such as "frames".
-    ProgressBar(int total, std::string unit);
+    /// What is counted, in the plural.
+    explicit ProgressBar(int total, std::string unit = "frames");
     ProgressBar(const ProgressBar &) = delete;
     ProgressBar &operator=(const ProgressBar &) = delete;
+    /// Leaves the line as it is and goes to the next one.
     ~ProgressBar();
 
-    void Show(int done, const std::string &remark = {});
+    void Show(int done);
+    /// Puts a message behind the numbers.
+    void Tell(const std::string &message);
+    /// Makes room for other output; the next Show brings the line back.
+    void Hide();
 
 private:
-    using Clock = std::chrono::steady_clock;
+    void Draw();
 
+    bool isTerminal_;
     int total_;
     std::string unit_;
-    bool isShown_;
-    Clock::time_point start_ = Clock::now();
-    Clock::time_point last_;
+    int done_ = 0;
+    bool isVisible_ = false;
+    std::string message_;
+    std::chrono::steady_clock::time_point start_;
 };
 
 } // namespace marlet::tool

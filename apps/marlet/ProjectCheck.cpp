@@ -7,6 +7,7 @@
 #include "plugins/Ribbon.h"
 
 #include <marlet/animation/PropertyManager.h>
+#include <marlet/layers/AssetLayer.h>
 #include <marlet/layers/CameraLayer.h>
 #include <marlet/layers/Effect3DLayer.h>
 #include <marlet/layers/GradeLayer.h>
@@ -20,8 +21,12 @@
 #include <marlet/project/BinFolder.h>
 #include <marlet/project/CompositionAsset.h>
 #include <marlet/project/ImageAsset.h>
+#include <marlet/project/MediaAsset.h>
 #include <marlet/project/Project.h>
+#include <marlet/project/SolidAsset.h>
 #include <marlet/project/TextureImage.h>
+#include <marlet/tracking/Tracker.h>
+#include <marlet/tracking/TrackingPoint.h>
 
 #include <unordered_set>
 
@@ -40,12 +45,15 @@ constexpr const char *kDangling = "dangling ID";
 constexpr const char *kRepeated = "repeated ID";
 constexpr const char *kCircle = "parent circle";
 constexpr const char *kMissing = "missing file";
+constexpr const char *kNoPoint = "missing point";
 constexpr const char *kType = "unexpected type";
 
 /// A layer as its class makes it, which tells the type of each property; empty for other classes.
 LayerPointer FreshLayer(LayerType type)
 {
     switch (type) {
+    case LayerType::Asset:
+        return AssetLayer::Create(SolidAsset::Create({}, {}, 1, 1, PAR::Square));
     case LayerType::Camera:
         return CameraLayer::Create({}, 0, 0, 0, 0);
     case LayerType::Light:
@@ -132,11 +140,23 @@ private:
         if (!assets_.insert(asset.ID()).second)
             Add(kRepeated, place, asset.ID().ToNarrowString());
         CheckFolderReference(place, asset.ParentFolderID());
-        if (asset.IsOffline())
+        if (const auto *media = dynamic_cast<const MediaAsset *>(&asset))
+            CheckMedia(*media, place);
+        else if (asset.IsOffline())
             Add(kMissing, place, "its file is not there");
         else if (const auto *image = dynamic_cast<const ImageAsset *>(&asset);
                  image && image->Status() == ImageAsset::FileStatus::Unreadable)
             Add(kMissing, place, ToUtf8(image->Filename()) + " cannot be read as an image");
+    }
+
+    /// Whatever keeps the file of a media asset from being used counts as offline.
+    void CheckMedia(const MediaAsset &media, const std::string &place)
+    {
+        const std::string file = ToUtf8(media.Filename());
+        if (media.MediaFileStatus() == MediaAsset::Status::Missing)
+            Add(kMissing, place, file + " is not there");
+        else if (media.IsOffline())
+            Add(kMissing, place, file + " cannot be read as media");
     }
 
     void CheckComposition(const CompositionAsset &composition)
@@ -161,6 +181,7 @@ private:
             CheckEffects(*layer, place);
             CheckMasks(*layer, place);
             CheckEffect3D(*layer, place);
+            CheckTrackers(*layer, place);
         }
     }
 
@@ -185,6 +206,26 @@ private:
                 Add(kRepeated, place, mask->ID().ToNarrowString());
             CheckHolder(place, mask->ParentLayerID(), layer.ID());
             CheckTypes(std::as_const(*mask).Animation(), Mask::Create({})->Animation(), place);
+        }
+    }
+
+    void CheckTrackers(const AbstractLayer &layer, const std::string &layerPlace)
+    {
+        const auto *holder = dynamic_cast<const AssetLayer *>(&layer);
+        if (!holder)
+            return;
+        const std::shared_ptr<const Tracker> fresh = Tracker::Create({}, {}, {}, 1, 1);
+        IDSet seen;
+        for (const std::shared_ptr<const Tracker> tracker : holder->Trackers()) {
+            const std::string place = layerPlace + ", " + Place("tracker", tracker->Name());
+            if (!seen.insert(tracker->ID()).second)
+                Add(kRepeated, place, tracker->ID().ToNarrowString());
+            CheckHolder(place, tracker->ParentLayerID(), layer.ID());
+            for (const auto &point : {tracker->PrimaryTrackingPoint(), tracker->SecondaryTrackingPoint()})
+                if (point)
+                    CheckTypes(point->Animation(), fresh->PrimaryTrackingPoint()->Animation(), place);
+                else
+                    Add(kNoPoint, place, "it cannot be run");
         }
     }
 

@@ -10,10 +10,11 @@ namespace marlet::tool
 const std::vector<const CommandSpec *> &Commands()
 {
     static const std::vector<const CommandSpec *> commands{
-        &InfoCommand(),   &ValueCommand(),   &CurveCommand(),  &MatrixCommand(),   &ParentCommand(),
-        &FrameCommand(),  &TreeCommand(),    &ReportCommand(), &DiffCommand(),     &CloneCommand(),
-        &DeleteCommand(), &SaveCommand(),    &ImageCommand(),  &TimecodeCommand(), &CheckCommand(),
-        &NewCommand(),    &PluginsCommand(), &FontsCommand(),
+        &InfoCommand(),  &CheckCommand(),    &ReportCommand(),  &TreeCommand(),   &DiffCommand(),
+        &ValueCommand(), &CurveCommand(),    &MatrixCommand(),  &FrameCommand(),  &PostFilterCommand(),
+        &NewCommand(),   &SaveCommand(),     &ParentCommand(),  &CloneCommand(),  &DeleteCommand(),
+        &MediaCommand(), &DecodeCommand(),   &SamplesCommand(), &RelinkCommand(), &TrackCommand(),
+        &ImageCommand(), &TimecodeCommand(), &PluginsCommand(), &FontsCommand(),  &ClipCommand(),
     };
     return commands;
 }

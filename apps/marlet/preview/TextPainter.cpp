@@ -19,6 +19,7 @@ namespace
 {
 
 constexpr int kLongestSide = 8192;
+constexpr qreal kTrackingUnits = 1000; ///< to the size of the font
 
 QString ToQString(const WideString &text)
 {
@@ -30,7 +31,8 @@ QTextCharFormat CharFormat(const TextLayer::Format &format)
     QFont font(ToQString(format.family));
     font.setStyleName(ToQString(format.style));
     font.setPixelSize(std::clamp(format.size, 1, 2000));
-    font.setLetterSpacing(QFont::AbsoluteSpacing, static_cast<qreal>(format.tracking));
+    const auto tracking = static_cast<qreal>(format.tracking) / kTrackingUnits * font.pixelSize();
+    font.setLetterSpacing(QFont::AbsoluteSpacing, std::isfinite(tracking) ? tracking : 0);
     QTextCharFormat result;
     result.setFont(font);
     result.setForeground(ToQColor(format.fillColor));
