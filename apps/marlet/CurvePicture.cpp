@@ -20,7 +20,7 @@ namespace
 
 constexpr double kWidth = 800;
 constexpr double kHeight = 400;
-constexpr double kMargin = 50;
+constexpr double kMargin = 75;
 constexpr int kSamples = 400;
 constexpr int kSteps = 40; ///< of equal time along a path
 constexpr double kKeySize = 8;

@@ -5,7 +5,6 @@
 #include "plugins/Ribbon.h"
 
 #include <marlet/animation/PropertyManager.h>
-#include <marlet/layers/AssetLayer.h>
 #include <marlet/layers/Effect3DLayer.h>
 #include <marlet/masks/Mask.h>
 #include <marlet/masks/MotionPath.h>
@@ -45,9 +44,9 @@ void CountProperties(const PropertyManager &properties, ProjectSums &sums)
     }
 }
 
-void CountTrackers(const AssetLayer &layer, ProjectSums &sums)
+void CountTrackers(const AbstractLayer &layer, ProjectSums &sums)
 {
-    for (const std::shared_ptr<const Tracker> tracker : layer.Trackers()) {
+    for (const std::shared_ptr<const Tracker> tracker : TrackersOf(layer)) {
         ++sums.trackers;
         for (const auto &point : {tracker->PrimaryTrackingPoint(), tracker->SecondaryTrackingPoint()})
             if (point)
@@ -60,8 +59,7 @@ void CountLayer(const AbstractLayer &layer, ProjectSums &sums)
 {
     ++sums.layers;
     CountProperties(layer.Animation(), sums);
-    if (const auto *assetLayer = dynamic_cast<const AssetLayer *>(&layer))
-        CountTrackers(*assetLayer, sums);
+    CountTrackers(layer, sums);
     if (const auto *layer3D = dynamic_cast<const Effect3DLayer *>(&layer))
         if (const auto ribbon = std::dynamic_pointer_cast<const Ribbon>(layer3D->Effect()))
             CountProperties(ribbon->Properties(), sums);

@@ -139,20 +139,23 @@ void WriteMask(const AbstractLayer &layer, const Mask &mask, Output &output)
     }
 }
 
+const char *HolderKey(LayerReference::Holder holder)
+{
+    if (holder == LayerReference::Holder::Tracker)
+        return "tracker";
+    return holder == LayerReference::Holder::Effect ? "effect" : "effect3d";
+}
+
 /// The parent link stands with the layer.
 void WriteReference(const AbstractLayer &layer, const LayerReference &reference, Output &output)
 {
     if (reference.holder == LayerReference::Holder::ParentLink)
         return;
     JsonWriter json = BeginJson("reference");
-    json.Member("layer", layer.ID());
-    if (reference.holder == LayerReference::Holder::Tracker)
-        json.Member("tracker", reference.object);
-    else
-        json.Member(reference.holder == LayerReference::Holder::Effect ? "effect" : "effect3d",
-                    reference.object)
-            .Member("property", reference.property);
-    json.Member("target", reference.target);
+    json.Member("layer", layer.ID())
+        .Member(HolderKey(reference.holder), reference.object)
+        .Member("property", reference.property)
+        .Member("target", reference.target);
     EndJson(json, output);
 }
 

@@ -82,8 +82,8 @@ const CommandSpec &NewCommand()
          {"--media", "CLIP", "a composition in the format of a video file, with a layer that shows it"},
          {"--sequence", "", "CLIP is a member of an image sequence of 25 frames per second"},
          {"--at", "X,Y", "a tracker of the feature there, in pixels from the middle, Y up"},
-         {"--feature", "N", "the feature's size in pixels; 48 if not given"},
-         {"--search", "N", "the size of the area around it where it is looked for; 128 if not given"}},
+         {"--feature", "N", "the feature's size in pixels; 64 if not given"},
+         {"--search", "N", "the size of the area around it where it is looked for; 160 if not given"}},
         Run,
         "new film.xml --preset 6 --frames 250"};
     return command;

@@ -48,7 +48,7 @@ constexpr const char *kMissing = "missing file";
 constexpr const char *kNoPoint = "missing point";
 constexpr const char *kType = "unexpected type";
 
-/// A layer as its class makes it, which tells the type of each property; empty for other classes.
+/// A layer as its class makes it, which tells the type of each property; empty for a type of no class.
 LayerPointer FreshLayer(LayerType type)
 {
     switch (type) {
@@ -178,10 +178,28 @@ private:
                 Add(kCircle, place, "its parents run in a circle");
             CheckOwners(composition, *layer, place);
             CheckLayerTypes(*layer, place);
+            CheckTrackers(*layer, place);
             CheckEffects(*layer, place);
             CheckMasks(*layer, place);
             CheckEffect3D(*layer, place);
-            CheckTrackers(*layer, place);
+        }
+    }
+
+    void CheckTrackers(const AbstractLayer &layer, const std::string &layerPlace)
+    {
+        IDSet seen;
+        const auto fresh = Tracker::Create({}, {}, {}, 0, 0)->PrimaryTrackingPoint();
+        for (const auto &tracker : TrackersOf(layer)) {
+            const std::string place = layerPlace + ", " + Place("tracker", tracker->Name());
+            if (!seen.insert(tracker->ID()).second)
+                Add(kRepeated, place, tracker->ID().ToNarrowString());
+            CheckHolder(place, tracker->ParentLayerID(), layer.ID());
+            for (const std::shared_ptr<const TrackingPoint> point :
+                 {tracker->PrimaryTrackingPoint(), tracker->SecondaryTrackingPoint()})
+                if (point)
+                    CheckTypes(point->Animation(), fresh->Animation(), place);
+                else
+                    Add(kNoPoint, place, "it cannot be run");
         }
     }
 
@@ -206,26 +224,6 @@ private:
                 Add(kRepeated, place, mask->ID().ToNarrowString());
             CheckHolder(place, mask->ParentLayerID(), layer.ID());
             CheckTypes(std::as_const(*mask).Animation(), Mask::Create({})->Animation(), place);
-        }
-    }
-
-    void CheckTrackers(const AbstractLayer &layer, const std::string &layerPlace)
-    {
-        const auto *holder = dynamic_cast<const AssetLayer *>(&layer);
-        if (!holder)
-            return;
-        const std::shared_ptr<const Tracker> fresh = Tracker::Create({}, {}, {}, 1, 1);
-        IDSet seen;
-        for (const std::shared_ptr<const Tracker> tracker : holder->Trackers()) {
-            const std::string place = layerPlace + ", " + Place("tracker", tracker->Name());
-            if (!seen.insert(tracker->ID()).second)
-                Add(kRepeated, place, tracker->ID().ToNarrowString());
-            CheckHolder(place, tracker->ParentLayerID(), layer.ID());
-            for (const auto &point : {tracker->PrimaryTrackingPoint(), tracker->SecondaryTrackingPoint()})
-                if (point)
-                    CheckTypes(point->Animation(), fresh->PrimaryTrackingPoint()->Animation(), place);
-                else
-                    Add(kNoPoint, place, "it cannot be run");
         }
     }
 

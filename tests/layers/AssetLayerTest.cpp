@@ -101,6 +101,14 @@ TEST(AssetLayer, RemembersWhatItsAssetHasAndOnceHad)
     EXPECT_EQ(promised->AssetType(), AssetType::Solid);
     EXPECT_TRUE(promised->HasVideo() && !promised->HasAudio() && promised->AssetHadAudio());
     EXPECT_EQ(promised->Asset(stage.Assets()), nullptr);
+
+    FakeMedia clip;
+    const auto film = AssetLayer::Create(clip.asset);
+    clip.file.audio = nullptr;
+    clip.file.video = nullptr;
+    Hand(*clip.asset, &clip.file, 0);
+    EXPECT_FALSE(film->HasAudio() || film->HasVideo());
+    EXPECT_TRUE(film->AssetHadAudio() && film->AssetHadVideo());
 }
 
 TEST(AssetLayer, TakesWhatItsAssetAllows)
