@@ -1,5 +1,7 @@
 #include "Sphere.h"
 
+#include <marlet/plugins/EffectsHelper.h>
+
 #include <QDomDocument>
 
 namespace guide
@@ -24,11 +26,15 @@ void Sphere::Serialize(void *document, void *effectElement, const ProjectTexture
     properties_->Serialize(document, effectElement);
 }
 
+// What the file knows of the properties that there are now, whichever version of the effect wrote it.
 void Sphere::Read(QDomElement &element)
 {
-    QDomElement properties = element.firstChildElement("PropertyManager");
-    if (!properties.isNull())
-        properties_->Deserialize(&properties);
+    QDomElement child = element.firstChildElement("PropertyManager");
+    if (child.isNull())
+        return;
+    PropertyManager fromFile;
+    fromFile.Deserialize(&child);
+    EffectsHelper::SynchronizeSourceWithDest(*properties_, fromFile);
 }
 
 std::shared_ptr<Abstract3DEffect> EffectFactory::Create(void *effectElement, ProjectTextureImageCache &) const
