@@ -87,7 +87,7 @@ const CommandSpec &PostFilterCommand()
          {"--frame", "N", "a frame of the composition; that of the playhead if not given"},
          {"--json", "", "one JSON object"}},
         Run,
-        "postfilter examples/titles.xml --composition Credits --layer Opening"};
+        "postfilter examples/titles.xml --composition Opening --layer Credits"};
     return command;
 }
 

@@ -34,8 +34,11 @@ const CommandSpec *FindCommand(const std::string &name)
 std::string GeneralUsage()
 {
     std::string usage = "usage: marlet COMMAND ...\n\n";
+    std::size_t width = 0;
     for (const CommandSpec *command : Commands())
-        usage += "  " + PadRight(command->name, 10) + command->summary + "\n";
+        width = std::max(width, command->name.size() + 2);
+    for (const CommandSpec *command : Commands())
+        usage += "  " + PadRight(command->name, width) + command->summary + "\n";
     return usage + "\n\"marlet help COMMAND\" tells how a command is called, \"marlet --version\" which "
                    "marlet this is.\n";
 }
