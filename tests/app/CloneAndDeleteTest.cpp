@@ -83,10 +83,10 @@ TEST_F(CloneAndDeleteTest, DeletingSaysWhatReferredToTheLayerAndClearsIt)
     EXPECT_EQ(run.out, "referred to by layer \"Child\", parent layer\n"
                        "referred to by layer \"Grade\", effect \"Shift\", property map\n"
                        "referred to by layer \"Ribbon\", over parents\n"
-                       "referred to by layer \"Sky\", tracker \"Cloud\"\n"
+                       "referred to by layer \"Sky\", tracker \"Cloud\", destination\n"
                        "cleared layer \"Child\", parent layer\n"
                        "cleared layer \"Grade\", effect \"Shift\", property map\n"
-                       "cleared layer \"Sky\", tracker \"Cloud\"\n"
+                       "cleared layer \"Sky\", tracker \"Cloud\", destination\n"
                        "Layer \"Map\" is deleted\n");
     EXPECT_EQ(Read("b.xml").find(map_->ID().ToNarrowString()), std::string::npos);
     EXPECT_EQ(Delete("Child").out,
@@ -122,7 +122,8 @@ TEST_F(CloneAndDeleteTest, CheckFindsWhatEffectsReferToInVain)
                   "property followedLayer: the layer " +
                   child_->ID().ToNarrowString() +
                   " does not exist\n"
-                  "dangling ID     layer \"Sky\" of composition \"Main\": the tracker \"Cloud\": the layer " +
+                  "dangling ID     layer \"Sky\" of composition \"Main\": the tracker \"Cloud\", "
+                  "destination: the layer " +
                   map_->ID().ToNarrowString() + " does not exist\n");
 }
 
