@@ -101,6 +101,8 @@ private:
     AssetLayer(const XmlCursor &element, const std::shared_ptr<AbstractPluginManager> &pluginManager);
     AssetLayer(const AssetLayer &other);
 
+    /// Asset without a copy of the shared pointer. @throws std::logic_error if there is no such asset.
+    const AbstractAsset &RequireAsset(const AssetList &assets) const;
     void Serialize(XmlWriter &writer, const ProjectTextureImageCache &textures) const override;
     std::vector<ObjectPropertyList> ChildLayerReferencePropertyNames() const override;
     void ClearChildInvalidLayerReferences(const std::unordered_map<NarrowString, bool> &validIDs) override;

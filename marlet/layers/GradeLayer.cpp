@@ -7,8 +7,6 @@
 #include <marlet/layers/LayerValues.h>
 #include <marlet/plugins/EffectsHelper.h>
 
-#include <cstdint>
-
 namespace marlet::project
 {
 
@@ -37,12 +35,6 @@ template <class Xml, class Data> void GradeLayerFields(Xml &xml, Data &data)
     xml.Child("Dimensions", data.dimensions);
     xml.Child("Width", data.width);
     xml.Child("Height", data.height);
-}
-
-/// From the corner of a frame to its middle.
-float HalfBack(int size)
-{
-    return static_cast<float>(-std::int64_t{size}) * 0.5f;
 }
 
 } // namespace
@@ -142,8 +134,7 @@ AbstractLayer::Matrix GradeLayer::TransformationAtTime(int time, const std::shar
 
 AbstractLayer::Matrix GradeLayer::OriginAtTime(int time, const std::shared_ptr<Project> &project) const
 {
-    return AnchorMatrix(*this, time, project) *
-           Matrix::Translation(HalfBack(impl_->width), HalfBack(impl_->height), 0);
+    return AnchorMatrix(*this, time, project) * MiddleMatrix(impl_->width, impl_->height);
 }
 
 AbstractLayer::Matrix GradeLayer::ParentingWorldTransformationAtTime(int time,

@@ -1,6 +1,7 @@
 #include <marlet/layers/LayerReader.h>
 
 #include <marlet/foundation/xml/XmlReader.h>
+#include <marlet/layers/AssetLayer.h>
 #include <marlet/layers/CameraLayer.h>
 #include <marlet/layers/Effect3DLayer.h>
 #include <marlet/layers/GradeLayer.h>
@@ -27,6 +28,7 @@ std::shared_ptr<AbstractLayer> LayerReader::Read(const XmlCursor &element,
         const char *tag;
         Layer *(*create)(const Source &);
     } kClasses[] = {
+        {"AssetLayer", [](const Source &s) -> Layer * { return new AssetLayer(s.element, s.plugins); }},
         {"Effect3DLayer",
          [](const Source &s) -> Layer * { return new Effect3DLayer(s.element, s.effects, s.textures); }},
         {"CameraLayer", [](const Source &s) -> Layer * { return new CameraLayer(s.element); }},

@@ -4,6 +4,8 @@
 #include <marlet/layers/TransformationHelper.h>
 #include <marlet/project/Project.h>
 
+#include <cstdint>
+
 namespace marlet::project
 {
 
@@ -13,11 +15,10 @@ using Point = kytl::matl::KyPoint<3, float>;
 namespace
 {
 
-/// The translation to "position".
-Matrix PositionMatrix(const AbstractLayer &layer, int time, const std::shared_ptr<Project> &project)
+/// In 64 bits, since the smallest integer has no counterpart.
+float HalfBack(int size)
 {
-    const auto position = ValueAt<Point>(PropertiesInComposition(layer, project), "position", time);
-    return Matrix::Translation(position.X, position.Y, position.Z);
+    return static_cast<float>(-std::int64_t{size}) * 0.5f;
 }
 
 } // namespace
@@ -33,6 +34,17 @@ Matrix AnchorMatrix(const AbstractLayer &layer, int time, const std::shared_ptr<
 {
     const auto anchor = ValueAt<Point>(PropertiesInComposition(layer, project), "anchorPoint", time);
     return Matrix::Translation(-anchor.X, -anchor.Y, anchor.Z);
+}
+
+Matrix PositionMatrix(const AbstractLayer &layer, int time, const std::shared_ptr<Project> &project)
+{
+    const auto position = ValueAt<Point>(PropertiesInComposition(layer, project), "position", time);
+    return Matrix::Translation(position.X, position.Y, position.Z);
+}
+
+Matrix MiddleMatrix(int width, int height)
+{
+    return Matrix::Translation(HalfBack(width), HalfBack(height), 0);
 }
 
 Matrix PlacementMatrix(const AbstractLayer &layer, int time, const std::shared_ptr<Project> &project,

@@ -25,6 +25,14 @@ const PropertyManager &PropertiesInComposition(const AbstractLayer &layer,
 AbstractLayer::Matrix AnchorMatrix(const AbstractLayer &layer, int time,
                                    const std::shared_ptr<Project> &project);
 
+/// The translation to "position".
+AbstractLayer::Matrix PositionMatrix(const AbstractLayer &layer, int time,
+                                     const std::shared_ptr<Project> &project);
+
+/// The translation from the middle of a frame of that size to the origin, for content that is measured from
+/// the frame's corner.
+AbstractLayer::Matrix MiddleMatrix(int width, int height);
+
 /// Position, rotation and scale of a layer that has all three.
 AbstractLayer::Matrix PlacementMatrix(const AbstractLayer &layer, int time,
                                       const std::shared_ptr<Project> &project, bool avoidZeroScale);
