@@ -16,8 +16,9 @@ class KyAbstractCodecInfo;
 class MARLET_EXPORT KyAbstractAudioStream : public KyAbstractMediaStream
 {
 public:
-    virtual unsigned int SampleRate() const = 0;     ///< hertz
-    virtual unsigned char BitsPerSample() const = 0; ///< 16 or 32
+    virtual unsigned int SampleRate() const = 0; ///< hertz
+    /// 32 if the decoder gives more than 16 bits, as codecs with losses mostly do; else 16.
+    virtual unsigned char BitsPerSample() const = 0;
     virtual unsigned char ChannelCount() const = 0;
     virtual unsigned long long SampleCount() const = 0; ///< per channel
     /// Hours, minutes, seconds and hundredths, such as "00:01:02.50".

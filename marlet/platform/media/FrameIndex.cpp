@@ -1,0 +1,152 @@
+#include <marlet/platform/media/FrameIndex.h>
+
+#include <algorithm>
+#include <numeric>
+#include <utility>
+
+namespace kyh::media
+{
+
+namespace
+{
+
+/// A packet that says nothing but that there is no new picture is not larger.
+constexpr int kLargestEmptyPacket = 16;
+
+/// A picture that only serves to predict others.
+bool IsHiddenVp8(const AVPacket &packet)
+{
+    constexpr int kShowBit = 0x10;
+    return packet.size > 0 && (packet.data[0] & kShowBit) == 0;
+}
+
+/// Each picture of an animation is drawn over the one before, whatever its packet says.
+bool IsDrawnOver(AVCodecID codec)
+{
+    return codec == AV_CODEC_ID_GIF || codec == AV_CODEC_ID_APNG;
+}
+
+} // namespace
+
+/// Whether the packet may decode to another count of frames than one.
+bool FrameIndex::IsOdd(const AVPacket &packet, const AVCodecParserContext *parser) const
+{
+    if (packet.size == 0)
+        return true;
+    switch (codec_) {
+    case AV_CODEC_ID_MPEG4:
+        return packet.size <= kLargestEmptyPacket;
+    case AV_CODEC_ID_VP8:
+        return IsHiddenVp8(packet);
+    default:
+        return parser && (parser->picture_structure == AV_PICTURE_STRUCTURE_TOP_FIELD ||
+                          parser->picture_structure == AV_PICTURE_STRUCTURE_BOTTOM_FIELD);
+    }
+}
+
+void FrameIndex::Add(const AVPacket &packet, const AVCodecParserContext *parser)
+{
+    packets_.push_back(MarkOf(packet));
+    isHidden_.push_back((packet.flags & AV_PKT_FLAG_DISCARD) != 0);
+    if (IsOdd(packet, parser) || packet.pts == AV_NOPTS_VALUE)
+        areTimesEnough_ = false;
+}
+
+bool FrameIndex::OrderByTimes()
+{
+    if (!areTimesEnough_)
+        return false;
+    std::vector<int> order(packets_.size());
+    std::iota(order.begin(), order.end(), 0);
+    std::stable_sort(order.begin(), order.end(),
+                     [&](int a, int b) { return packets_[a].pts < packets_[b].pts; });
+    frames_.clear();
+    std::vector<int> framesBefore(packets_.size());
+    for (const int packet : order) {
+        framesBefore[packet] = Count();
+        if (isHidden_[packet])
+            continue;
+        if (!frames_.empty() && packets_[frames_.back()].pts == packets_[packet].pts)
+            return false;
+        frames_.push_back(packet);
+    }
+    for (int packet = 0; packet < static_cast<int>(packets_.size()); ++packet)
+        if (IsStart(packet) && framesBefore[packet] < Count())
+            starts_.push_back({packet, framesBefore[packet]});
+    NumberFrames();
+    OrderStarts();
+    return true;
+}
+
+bool FrameIndex::IsStart(int packet) const
+{
+    return packet == 0 || (packets_[packet].isKey && !IsDrawnOver(codec_));
+}
+
+void FrameIndex::SetFrames(std::vector<int> packets)
+{
+    frames_ = std::move(packets);
+    NumberFrames();
+    starts_.clear();
+    for (int packet = 0; packet < static_cast<int>(packets_.size()); ++packet)
+        if (IsStart(packet) && frameOfPacket_[packet] >= 0)
+            starts_.push_back({packet, frameOfPacket_[packet]});
+    OrderStarts();
+}
+
+void FrameIndex::NumberFrames()
+{
+    isMissing_.assign(frames_.size(), false);
+    frameOfPacket_.assign(packets_.size(), -1);
+    for (int frame = 0; frame < Count(); ++frame)
+        frameOfPacket_[frames_[frame]] = frame;
+}
+
+void FrameIndex::OrderStarts()
+{
+    // The start of the file leads to all that come out at all.
+    if (starts_.empty() || starts_.front().packet != 0)
+        starts_.insert(starts_.begin(), {0, 0});
+    starts_.front().frame = 0;
+    // With key frames in an order of their own, the later in the file leads to less.
+    for (std::size_t i = 1; i < starts_.size(); ++i)
+        starts_[i].frame = std::max(starts_[i].frame, starts_[i - 1].frame);
+}
+
+void FrameIndex::Trim(int first, int end)
+{
+    frames_.erase(frames_.begin() + end, frames_.end());
+    frames_.erase(frames_.begin(), frames_.begin() + first);
+    std::erase_if(starts_, [&](const Start &start) { return start.frame >= end; });
+    for (Start &start : starts_)
+        start.frame = std::max(start.frame - first, 0);
+    NumberFrames();
+    OrderStarts();
+}
+
+int FrameIndex::StartFor(int frame) const
+{
+    const auto behind = std::upper_bound(starts_.begin(), starts_.end(), frame,
+                                         [](int number, const Start &start) { return number < start.frame; });
+    return static_cast<int>(behind - starts_.begin()) - 1;
+}
+
+std::int64_t FrameIndex::Span() const
+{
+    if (frames_.empty())
+        return 0;
+    const std::int64_t first = packets_[frames_.front()].pts;
+    const std::int64_t last = packets_[frames_.back()].pts;
+    std::int64_t span = 0;
+    const bool isKnown = first != AV_NOPTS_VALUE && last != AV_NOPTS_VALUE;
+    return isKnown && !__builtin_sub_overflow(last, first, &span) ? std::max<std::int64_t>(span, 0) : 0;
+}
+
+int FrameIndex::Shown(int frame) const
+{
+    while (frame > 0 && isMissing_[frame])
+        --frame;
+    return frame;
+}
+
+} // namespace kyh::media

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <marlet/platform/media/PacketReader.h>
+
+#include <vector>
+
+namespace kyh::media
+{
+
+/// The frames of a video stream by number: in the order in which they are shown, those left out that are not
+/// meant to be seen or do not decode.
+class FrameIndex
+{
+public:
+    /// A place to begin decoding at.
+    struct Start {
+        int packet;
+        int frame; ///< the first that comes out as it should
+    };
+
+    explicit FrameIndex(AVCodecID codec) : codec_(codec) {}
+
+    /// Takes in the next packet of the file. `parser`, which may be null, has seen it.
+    void Add(const AVPacket &packet, const AVCodecParserContext *parser);
+    /// Orders the frames by their times. False if times do not tell which there are: SetFrames must then.
+    bool OrderByTimes();
+    /// Takes over the packets of the frames as they come out of a decode from the start.
+    void SetFrames(std::vector<int> packets);
+    /// Leaves out the frames before `first` and those from `end` on.
+    void Trim(int first, int end);
+
+    const std::vector<PacketMark> &Packets() const { return packets_; }
+    int Count() const { return static_cast<int>(frames_.size()); }
+    /// The number of the frame that a packet decodes to, or -1.
+    int FrameOf(int packet) const { return packet < 0 ? -1 : frameOfPacket_[packet]; }
+    const std::vector<Start> &Starts() const { return starts_; }
+    /// Which of the starts is the last that leads to a frame.
+    int StartFor(int frame) const;
+    /// From the first frame to the last, in the stream's units of time; 0 if times do not tell.
+    std::int64_t Span() const;
+
+    /// Notes that a frame turned out not to decode: the one before it stands in.
+    void SetMissing(int frame) { isMissing_[frame] = true; }
+    /// The frame that is seen as number `frame`.
+    int Shown(int frame) const;
+
+private:
+    bool IsOdd(const AVPacket &packet, const AVCodecParserContext *parser) const;
+    bool IsStart(int packet) const;
+    void NumberFrames();
+    void OrderStarts();
+
+    AVCodecID codec_;
+    std::vector<PacketMark> packets_;
+    std::vector<bool> isHidden_;
+    bool areTimesEnough_ = true;
+    std::vector<int> frames_; ///< the packets of the frames
+    std::vector<int> frameOfPacket_;
+    std::vector<Start> starts_;
+    std::vector<bool> isMissing_;
+};
+
+} // namespace kyh::media

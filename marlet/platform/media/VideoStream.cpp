@@ -1,0 +1,114 @@
+#include <marlet/platform/media/VideoStream.h>
+
+#include <marlet/platform/media/CodecInfo.h>
+#include <marlet/platform/media/MediaFailure.h>
+
+#include <utility>
+
+namespace kyh::media
+{
+
+using kytl::thread::KyScopedLock;
+
+VideoStream::VideoStream(const VideoFacts &facts, std::unique_ptr<FrameSource> frames)
+    : facts_(facts), frames_(std::move(frames)), converter_(facts)
+{
+}
+
+void VideoStream::Sleep()
+{
+    const KyScopedLock lock(lock_);
+    frames_->Close();
+    converter_.Close();
+    isAsleep_ = true;
+}
+
+void VideoStream::Wake()
+{
+    const KyScopedLock lock(lock_);
+    isAsleep_ = false;
+}
+
+void VideoStream::Wake(std::unique_ptr<FrameSource> frames)
+{
+    const KyScopedLock lock(lock_);
+    frames_ = std::move(frames);
+    isAsleep_ = false;
+}
+
+int VideoStream::Width() const
+{
+    return facts_.turn.isTransposed ? facts_.height : facts_.width;
+}
+
+int VideoStream::Height() const
+{
+    return facts_.turn.isTransposed ? facts_.width : facts_.height;
+}
+
+double VideoStream::PixelAspectRatio() const
+{
+    return facts_.pixelAspect;
+}
+
+int VideoStream::FrameCount() const
+{
+    return facts_.frameCount;
+}
+
+double VideoStream::FrameRate() const
+{
+    return facts_.frameRate;
+}
+
+int VideoStream::FieldOrder() const
+{
+    return facts_.fieldOrder;
+}
+
+KyVideoCodec VideoStream::Codec() const
+{
+    return facts_.isStill ? KyVideoCodec::Still : VideoCodecOf(facts_.codec);
+}
+
+std::shared_ptr<KyAbstractCodecInfo> VideoStream::CodecInfo() const
+{
+    return std::make_shared<media::CodecInfo>(facts_.codec, facts_.profile);
+}
+
+int VideoStream::PixelBitCount() const
+{
+    return facts_.hasAlpha ? 32 : 24;
+}
+
+KyChannelOrder VideoStream::PixelChannelOrder() const
+{
+    return facts_.hasAlpha ? KyChannelOrder::BGRA : KyChannelOrder::RGB;
+}
+
+int VideoStream::FrameBufferSize(KyImageChannels channels) const
+{
+    return facts_.width * facts_.height * (channels == KyImageChannels::Four ? 4 : 3);
+}
+
+int VideoStream::GetFrame(int frame, KyImageChannels channels, unsigned char *buffer, int size, int *out,
+                          [[maybe_unused]] int flags)
+{
+    return CodeOf([&] {
+        if (channels != KyImageChannels::Three && channels != KyImageChannels::Four)
+            throw MediaFailure{kFailed};
+        if (frame < 0 || frame >= facts_.frameCount)
+            throw MediaFailure{kOutOfRange};
+        const int bytes = FrameBufferSize(channels);
+        if (!buffer || size < bytes)
+            throw MediaFailure{kBufferTooSmall};
+        const KyScopedLock lock(lock_);
+        if (isAsleep_)
+            throw MediaFailure{kAsleep};
+        converter_.Convert(frames_->Frame(frame), channels, buffer);
+        if (out)
+            *out = bytes;
+    });
+}
+
+} // namespace kyh::media

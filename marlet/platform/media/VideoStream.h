@@ -1,0 +1,48 @@
+#pragma once
+
+#include <marlet/foundation/KyCriticalSection.h>
+#include <marlet/platform/media/FrameConverter.h>
+#include <marlet/platform/media/FrameSource.h>
+#include <marlet/platform/media/KyAbstractVideoStream.h>
+#include <marlet/platform/media/VideoFacts.h>
+
+#include <memory>
+
+namespace kyh::media
+{
+
+class VideoStream final : public KyAbstractVideoStream
+{
+public:
+    VideoStream(const VideoFacts &facts, std::unique_ptr<FrameSource> frames);
+
+    const VideoFacts &Facts() const { return facts_; }
+    void Sleep();
+    /// Wakes it with the frames that it had.
+    void Wake();
+    /// Wakes it with others, of the same facts.
+    void Wake(std::unique_ptr<FrameSource> frames);
+
+    int Width() const override;
+    int Height() const override;
+    double PixelAspectRatio() const override;
+    int FrameCount() const override;
+    double FrameRate() const override;
+    int FieldOrder() const override;
+    KyVideoCodec Codec() const override;
+    std::shared_ptr<KyAbstractCodecInfo> CodecInfo() const override;
+    int PixelBitCount() const override;
+    KyChannelOrder PixelChannelOrder() const override;
+    int FrameBufferSize(KyImageChannels channels) const override;
+    int GetFrame(int frame, KyImageChannels channels, unsigned char *buffer, int size, int *out,
+                 int flags) override;
+
+private:
+    const VideoFacts facts_;
+    kytl::thread::KyCriticalSection lock_; ///< of what follows
+    std::unique_ptr<FrameSource> frames_;
+    FrameConverter converter_;
+    bool isAsleep_ = false;
+};
+
+} // namespace kyh::media
