@@ -24,6 +24,7 @@ struct CommandSpec {
     std::size_t mostOperands;
     std::vector<OptionSpec> options;
     void (*run)(const Arguments &, Output &);
+    std::string notes = {}; ///< lines for the end of the usage
 };
 
 const CommandSpec &InfoCommand();
@@ -39,5 +40,7 @@ const CommandSpec &CloneCommand();
 const CommandSpec &DeleteCommand();
 const CommandSpec &PluginsCommand();
 const CommandSpec &FontsCommand();
+const CommandSpec &TimelineCommand();
+const CommandSpec &EditCommand();
 
 } // namespace marlet::tool

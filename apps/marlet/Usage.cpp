@@ -15,7 +15,7 @@ const std::vector<const CommandSpec *> &Commands()
     static const std::vector<const CommandSpec *> commands{
         &InfoCommand(),   &ValueCommand(),   &MatrixCommand(), &ParentCommand(),   &CloneCommand(),
         &DeleteCommand(), &SaveCommand(),    &ImageCommand(),  &TimecodeCommand(), &CheckCommand(),
-        &NewCommand(),    &PluginsCommand(), &FontsCommand(),
+        &NewCommand(),    &PluginsCommand(), &FontsCommand(), &TimelineCommand(), &EditCommand(),
     };
     return commands;
 }
@@ -51,6 +51,8 @@ std::string CommandUsage(const CommandSpec &command)
         usage += '\n';
     for (const OptionSpec &option : command.options)
         usage += "  " + PadRight(option.name + " " + option.placeholder, 20) + option.help + "\n";
+    if (!command.notes.empty())
+        usage += "\n" + command.notes;
     return usage;
 }
 
