@@ -5,6 +5,7 @@
 #include "plugins/PluginManager.h"
 #include "plugins/Plugins.h"
 
+#include <marlet/editor/AbstractSequenceObject.h>
 #include <marlet/editor/AudioTrack.h>
 #include <marlet/editor/EditorSequence.h>
 #include <marlet/editor/SequenceObjectList.h>
@@ -28,46 +29,46 @@ namespace
 class Editing
 {
 public:
-    Editing(ProjectPointer project, const Arguments &words, Output &output)
-        : arguments(words),
-          project_(std::move(project)),
-          sequence(*SequenceOf(*project_)),
-          edit(project_),
+    Editing(const ProjectPointer &project, const Arguments &arguments, Output &output)
+        : project_(project),
+          sequence_(SequenceOf(*project)),
+          edit_(project),
+          arguments_(arguments),
           output_(output)
     {
     }
 
     const Project &Document() const { return *project_; }
-    const std::string &Operand() const { return arguments.Operand(3); }
-    ObjectPointer Object() const { return FindObject(sequence, Operand()); }
-    TrackPointer Track(const char *option) const { return FindTrack(sequence, arguments.Text(option)); }
+    EditorSequence &Sequence() const { return *sequence_; }
+    SequenceEdit &Edit() { return edit_; }
+    const Arguments &Words() const { return arguments_; }
+    const std::string &Operand() const { return arguments_.Operand(3); }
+    ObjectPointer Object() const { return FindObject(*sequence_, Operand()); }
+    TrackPointer Track(const char *option) const { return FindTrack(*sequence_, arguments_.Text(option)); }
 
     std::optional<int> Number(const char *option) const
     {
-        return arguments.Has(option) ? std::optional(arguments.Integer(option)) : std::nullopt;
+        return arguments_.Has(option) ? std::optional(arguments_.Integer(option)) : std::nullopt;
     }
 
-    Partner PartnerToo() const { return arguments.Has("--unlinked") ? Partner::Stays : Partner::GoesAlong; }
+    Partner PartnerToo() const { return arguments_.Has("--unlinked") ? Partner::Stays : Partner::GoesAlong; }
 
     /// The object, and its partner if that goes along.
     std::vector<ObjectPointer> Group(const ObjectPointer &object) const
     {
         std::vector<ObjectPointer> group{object};
-        if (const ObjectPointer partner = PartnerOf(sequence, *object);
+        if (const ObjectPointer partner = PartnerOf(*sequence_, *object);
             partner && PartnerToo() == Partner::GoesAlong)
             group.push_back(partner);
         return group;
     }
 
-    void Tell(const std::string &what, const std::string &of) const
-    {
-        output_.Line(PadRight(what, 10) + of);
-    }
+    void Tell(const std::string &what, const std::string &of) const { output_.Line(PadRight(what, 10) + of); }
 
     void Tell(const std::string &what, const std::vector<ObjectPointer> &objects) const
     {
         for (const ObjectPointer &object : objects) {
-            const TrackPointer track = sequence.FindSequenceTrackByID(object->ParentTrackID());
+            const TrackPointer track = sequence_->FindSequenceTrackByID(object->ParentTrackID());
             Tell(what, Quoted(object->Name()) + "  frames " + std::to_string(object->StartFrame()) + " to " +
                            std::to_string(object->EndFrame()) +
                            (track ? " of track " + Quoted(track->Name()) : "") + "  " +
@@ -75,33 +76,29 @@ public:
         }
     }
 
-    const Arguments &arguments;
-
 private:
     ProjectPointer project_;
-
-public:
-    EditorSequence &sequence;
-    SequenceEdit edit;
-
-private:
+    SequencePointer sequence_;
+    SequenceEdit edit_;
+    const Arguments &arguments_;
     Output &output_;
 };
 
 void Insert(Editing &editing)
 {
     SequenceEdit::Insertion insertion;
-    insertion.start = editing.arguments.Integer("--at");
+    insertion.start = editing.Words().Integer("--at");
     insertion.assetStart = editing.Number("--from").value_or(0);
     insertion.length = editing.Number("--length");
     insertion.track = editing.Track("--track");
     insertion.asset = FindByIdOrName(editing.Document().Assets().All(), "asset", editing.Operand());
-    if (editing.arguments.Has("--sound")) {
+    if (editing.Words().Has("--sound")) {
         insertion.soundTrack = editing.Track("--sound");
         if (insertion.track->Type() != TrackType::Video || insertion.soundTrack->Type() != TrackType::Audio)
-            throw Failure("--track is for the picture then and must be a video track, --sound an audio track");
+            throw Failure(
+                "--track is for the picture then and must be a video track, --sound an audio track");
     }
-    editing.Tell("inserted", editing.edit.Insert(insertion));
+    editing.Tell("inserted", editing.Edit().Insert(insertion));
 }
 
 void Move(Editing &editing)
@@ -110,12 +107,12 @@ void Move(Editing &editing)
     const std::optional<int> by = editing.Number("--by");
     if (to && by)
         throw UsageError("either --to or --by is needed, not both");
-    if (!to && !by && !editing.arguments.Has("--track"))
+    if (!to && !by && !editing.Words().Has("--track"))
         throw UsageError("one of --to, --by and --track is needed");
     const ObjectPointer object = editing.Object();
     const long long start = to ? *to : static_cast<long long>(object->StartFrame()) + by.value_or(0);
-    const TrackPointer track = editing.arguments.Has("--track") ? editing.Track("--track") : nullptr;
-    editing.edit.Move(object, start, track, editing.PartnerToo());
+    const TrackPointer track = editing.Words().Has("--track") ? editing.Track("--track") : nullptr;
+    editing.Edit().Move(object, start, track, editing.PartnerToo());
     editing.Tell("moved", editing.Group(object));
 }
 
@@ -123,7 +120,7 @@ void Remove(Editing &editing)
 {
     const ObjectPointer object = editing.Object();
     editing.Tell("removed", editing.Group(object));
-    editing.edit.Remove(object, editing.PartnerToo());
+    editing.Edit().Remove(object, editing.PartnerToo());
 }
 
 void Trim(Editing &editing)
@@ -133,16 +130,16 @@ void Trim(Editing &editing)
     if (!start && !end)
         throw UsageError("--start or --end is needed");
     const ObjectPointer object = editing.Object();
-    editing.edit.Trim(object, start.value_or(object->StartFrame()), end.value_or(object->EndFrame()),
-                      editing.PartnerToo());
+    editing.Edit().Trim(object, start.value_or(object->StartFrame()), end.value_or(object->EndFrame()),
+                        editing.PartnerToo());
     editing.Tell("trimmed", editing.Group(object));
 }
 
 void Split(Editing &editing)
 {
-    const int frame = editing.arguments.Integer("--at");
+    const int frame = editing.Words().Integer("--at");
     const ObjectPointer object = editing.Object();
-    const std::vector<ObjectPointer> tails = editing.edit.Split(object, frame, editing.PartnerToo());
+    const std::vector<ObjectPointer> tails = editing.Edit().Split(object, frame, editing.PartnerToo());
     for (const ObjectPointer &head : editing.Group(object))
         if (head->EndFrame() == frame)
             editing.Tell("head", std::vector{head});
@@ -166,7 +163,7 @@ std::shared_ptr<AbstractPlugin> FindTransitionPlugin(const std::string &idOrName
 
 void ChangeTransition(Editing &editing)
 {
-    const Arguments &arguments = editing.arguments;
+    const Arguments &arguments = editing.Words();
     const ObjectEnd end = EndOf(arguments);
     const bool remove = arguments.Has("--remove");
     if (remove && (arguments.Has("--plugin") || arguments.Has("--length") || arguments.Has("--one-sided")))
@@ -174,31 +171,31 @@ void ChangeTransition(Editing &editing)
     const std::optional<int> length = editing.Number("--length");
     const ObjectPointer object = editing.Object();
     if (remove) {
-        if (!editing.edit.RemoveTransition(object, end))
+        if (!editing.Edit().RemoveTransition(object, end))
             throw Failure("Object " + Quoted(object->Name()) + " has no transition there");
         return;
     }
     const auto plugin =
         FindTransitionPlugin(arguments.Has("--plugin") ? arguments.Text("--plugin") : "Cross Dissolve");
     const TransitionPointer transition =
-        editing.edit.SetTransition(object, end, plugin, length, !arguments.Has("--one-sided"));
+        editing.Edit().SetTransition(object, end, plugin, length, !arguments.Has("--one-sided"));
     editing.Tell("set", "transition " + TransitionName(*transition) + " " +
-                            TransitionEnds(editing.sequence, *transition) + ", " +
+                            TransitionEnds(editing.Sequence(), *transition) + ", " +
                             Counted(static_cast<std::size_t>(transition->Length()), "frame"));
 }
 
 void AddTrack(Editing &editing)
 {
-    const Arguments &arguments = editing.arguments;
+    const Arguments &arguments = editing.Words();
     const std::string type = arguments.Has("--type") ? arguments.Text("--type") : "video";
     const WideString name = FromUtf8(editing.Operand());
     TrackPointer track;
     if (type == "video") {
-        editing.sequence.VideoTracks().Add(VideoTrack::Create(&editing.sequence, name));
-        track = editing.sequence.VideoTracks().back();
+        editing.Sequence().VideoTracks().Add(VideoTrack::Create(&editing.Sequence(), name));
+        track = editing.Sequence().VideoTracks().back();
     } else if (type == "audio") {
-        editing.sequence.AudioTracks().Add(AudioTrack::Create(&editing.sequence, name));
-        track = editing.sequence.AudioTracks().back();
+        editing.Sequence().AudioTracks().Add(AudioTrack::Create(&editing.Sequence(), name));
+        track = editing.Sequence().AudioTracks().back();
     } else {
         throw UsageError("--type: \"" + type + "\" is neither video nor audio");
     }
@@ -220,7 +217,10 @@ const Operation &FindOperation(const std::string &name)
         {"remove", "an object", {"--unlinked"}, Remove},
         {"trim", "an object", {"--start", "--end", "--unlinked"}, Trim},
         {"split", "an object", {"--at", "--unlinked"}, Split},
-        {"transition", "an object", {"--side", "--plugin", "--length", "--one-sided", "--remove"}, ChangeTransition},
+        {"transition",
+         "an object",
+         {"--side", "--plugin", "--length", "--one-sided", "--remove"},
+         ChangeTransition},
         {"add-track", "a name", {"--type"}, AddTrack},
     };
     const auto found = std::find_if(std::begin(operations), std::end(operations),
@@ -238,9 +238,8 @@ const Operation &ChosenOperation(const Arguments &arguments)
     if (arguments.Operands().size() < 4)
         throw UsageError(std::string(operation.name) + " needs " + operation.operand);
     for (const OptionSpec &option : EditCommand().options)
-        if (arguments.Has(option.name) &&
-            std::find(operation.options.begin(), operation.options.end(), option.name) ==
-                operation.options.end())
+        if (arguments.Has(option.name) && std::find(operation.options.begin(), operation.options.end(),
+                                                    option.name) == operation.options.end())
             throw UsageError(option.name + " does not go with " + operation.name);
     return operation;
 }
@@ -251,7 +250,7 @@ void Run(const Arguments &arguments, Output &output)
     const ProjectPointer project = ReadProject(arguments.Operand(0));
     Editing editing(project, arguments, output);
     operation.run(editing);
-    for (const std::string &loss : editing.edit.Losses())
+    for (const std::string &loss : editing.Edit().Losses())
         editing.Tell("removed", loss);
     FillInstances(*project);
     WriteProject(*project, arguments.Operand(1));
@@ -290,10 +289,14 @@ const CommandSpec &EditCommand()
          {"--remove", "", "takes the transition away, on both sides if it is shared"},
          {"--type", "T", "video or audio; video if not given"}},
         Run,
-        "An object is given by ID, NAME, TRACK/NAME or TRACK@FRAME. A name that only a picture and its sound\n"
-        "have is that of the picture. Nothing is written if an object would cover another one, or frames that\n"
-        "the sequence or the asset does not have. A shared transition goes when one of its objects leaves the\n"
-        "cut, and any transition when its object gets too short for it; each such loss is told of. The tail of\n"
+        "An object is given by ID, NAME, TRACK/NAME or TRACK@FRAME. A name that only a picture and its "
+        "sound\n"
+        "have is that of the picture. Nothing is written if an object would cover another one, or frames "
+        "that\n"
+        "the sequence or the asset does not have. A shared transition goes when one of its objects leaves "
+        "the\n"
+        "cut, and any transition when its object gets too short for it; each such loss is told of. The tail "
+        "of\n"
         "a split keeps the transition behind it, and the tails of two partners become partners.\n"};
     return command;
 }

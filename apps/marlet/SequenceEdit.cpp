@@ -157,9 +157,9 @@ std::vector<ObjectPointer> SequenceEdit::Insert(const Insertion &insertion)
     if (!insertion.length && !whole)
         throw Failure("Asset " + Quoted(insertion.asset->Name()) +
                       " has no length of its own: give one with --length");
-    const long long length = insertion.length
-                                 ? *insertion.length
-                                 : static_cast<long long>(*whole) - static_cast<long long>(insertion.assetStart);
+    const long long length =
+        insertion.length ? *insertion.length
+                         : static_cast<long long>(*whole) - static_cast<long long>(insertion.assetStart);
     std::vector<ObjectPointer> placed{Place(insertion, insertion.track, length)};
     if (insertion.soundTrack) {
         placed.push_back(Place(insertion, insertion.soundTrack, length));
@@ -191,7 +191,8 @@ void SequenceEdit::MoveOne(const ObjectPointer &object, long long start, const T
     track->Objects().Insert(object, static_cast<int>(start));
 }
 
-void SequenceEdit::Move(const ObjectPointer &object, long long start, const TrackPointer &track, Partner partner)
+void SequenceEdit::Move(const ObjectPointer &object, long long start, const TrackPointer &track,
+                        Partner partner)
 {
     const long long by = start - object->StartFrame();
     const std::vector<ObjectPointer> group = Group(object, partner);

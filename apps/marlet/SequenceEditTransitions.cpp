@@ -107,8 +107,8 @@ TransitionPointer SequenceEdit::SetTransition(const ObjectPointer &object, Objec
     const long long half = std::llround(sequence_->Settings().FrameRate() / 2);
     const long long wanted = length ? *length : std::min(room, std::max(1LL, half));
     if (wanted < 1 || wanted > room)
-        throw Failure("A transition of " + std::to_string(wanted) + " frames does not fit: there is room for " +
-                      std::to_string(std::max(0LL, room)));
+        throw Failure("A transition of " + std::to_string(wanted) +
+                      " frames does not fit: there is room for " + std::to_string(std::max(0LL, room)));
 
     TransitionPointer transition = Transition::Create(plugin);
     transition->SetLength(static_cast<int>(wanted));

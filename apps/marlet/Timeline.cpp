@@ -139,9 +139,9 @@ ObjectPointer PartnerOf(const EditorSequence &sequence, const AbstractSequenceOb
 long long FramesIntoHead(const AbstractSequenceObject &object)
 {
     const TransitionPointer &transition = object.IncomingTransition();
-    return transition
-               ? std::max(0LL, static_cast<long long>(transition->RelativeStartFrame()) + transition->Length())
-               : 0;
+    return transition ? std::max(0LL, static_cast<long long>(transition->RelativeStartFrame()) +
+                                          transition->Length())
+                      : 0;
 }
 
 long long FramesIntoTail(const AbstractSequenceObject &object)

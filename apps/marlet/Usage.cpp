@@ -15,7 +15,7 @@ const std::vector<const CommandSpec *> &Commands()
     static const std::vector<const CommandSpec *> commands{
         &InfoCommand(),   &ValueCommand(),   &MatrixCommand(), &ParentCommand(),   &CloneCommand(),
         &DeleteCommand(), &SaveCommand(),    &ImageCommand(),  &TimecodeCommand(), &CheckCommand(),
-        &NewCommand(),    &PluginsCommand(), &FontsCommand(), &TimelineCommand(), &EditCommand(),
+        &NewCommand(),    &PluginsCommand(), &FontsCommand(),  &TimelineCommand(), &EditCommand(),
     };
     return commands;
 }
