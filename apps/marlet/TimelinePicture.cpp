@@ -15,7 +15,7 @@
 
 #include <algorithm>
 #include <cmath>
-#include <map>
+#include <unordered_map>
 
 namespace marlet::tool
 {
@@ -265,7 +265,7 @@ private:
     SvgPicture picture_;
     double first_ = 0;
     double last_ = 1;
-    std::map<kytl::KyID, double> tops_; ///< of objects
+    std::unordered_map<kytl::KyID, double> tops_; ///< of objects
 };
 
 } // namespace
