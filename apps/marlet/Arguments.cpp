@@ -136,6 +136,17 @@ std::vector<IntegerRange> Arguments::Ranges(const std::string &option) const
     return ranges;
 }
 
+PixelPosition Arguments::Position(const std::string &option) const
+{
+    const std::string &text = Text(option);
+    const std::size_t comma = std::min(text.find(','), text.size());
+    const auto x = ParseNumber<float>(std::string_view(text).substr(0, comma));
+    const auto y = ParseNumber<float>(std::string_view(text).substr(std::min(comma + 1, text.size())));
+    if (!x || !y || !std::isfinite(*x) || !std::isfinite(*y))
+        throw Malformed(option, text, "a position, such as 12.5,-40");
+    return {*x, *y};
+}
+
 PixelSize Arguments::Size(const std::string &option) const
 {
     const std::string &text = Text(option);

@@ -15,6 +15,12 @@ struct IntegerRange {
     int last = 0;
 };
 
+/// Pixels from the middle of a picture, Y up.
+struct PixelPosition {
+    float x = 0;
+    float y = 0;
+};
+
 struct PixelSize {
     int width = 0;
     int height = 0;
@@ -40,6 +46,8 @@ public:
     double Real(const std::string &option) const;
     /// "0..100", "0,5,7" or both mixed, in the order given.
     std::vector<IntegerRange> Ranges(const std::string &option) const;
+    /// "12.5,-40"
+    PixelPosition Position(const std::string &option) const;
     /// "640x480"
     PixelSize Size(const std::string &option) const;
 

@@ -7,16 +7,31 @@
 #include "plugins/Ribbon.h"
 
 #include <marlet/editor/AbstractSequenceObject.h>
-#include <marlet/layers/AbstractLayer.h>
-#include <marlet/project/AbstractAssetInstance.h>
+#include <marlet/layers/AssetLayer.h>
 #include <marlet/project/AssetList.h>
 #include <marlet/project/CompositionAsset.h>
+#include <marlet/project/MediaAsset.h>
 #include <marlet/project/Project.h>
+#include <marlet/tracking/Tracker.h>
 
 namespace marlet::tool
 {
 
 using namespace project;
+
+namespace
+{
+
+template <class Asset> std::vector<std::shared_ptr<Asset>> AssetsOf(const Project &project, AssetType type)
+{
+    std::vector<std::shared_ptr<Asset>> assets;
+    for (const auto &asset : project.Assets().GetByType(type))
+        if (auto ofClass = std::dynamic_pointer_cast<Asset>(asset))
+            assets.push_back(std::move(ofClass));
+    return assets;
+}
+
+} // namespace
 
 ProjectPointer ParseProject(const WideString &text, const WideString &texturesFolder, PluginUse plugins)
 {
@@ -63,11 +78,12 @@ void WriteProject(const Project &project, const std::string &path)
 
 std::vector<CompositionPointer> Compositions(const Project &project)
 {
-    std::vector<CompositionPointer> compositions;
-    for (const auto &asset : project.Assets().GetByType(AssetType::Composition))
-        if (auto composition = std::dynamic_pointer_cast<CompositionAsset>(asset))
-            compositions.push_back(std::move(composition));
-    return compositions;
+    return AssetsOf<CompositionAsset>(project, AssetType::Composition);
+}
+
+std::vector<MediaPointer> MediaAssets(const Project &project)
+{
+    return AssetsOf<MediaAsset>(project, AssetType::Media);
 }
 
 std::unordered_map<kytl::KyID, LayerPointer> LayersByID(const CompositionAsset &composition)
@@ -86,6 +102,25 @@ CompositionPointer FindComposition(const Project &project, const std::string &id
 LayerPointer FindLayer(const CompositionAsset &composition, const std::string &idOrName)
 {
     return FindByIdOrName(composition.Layers(), "layer", idOrName);
+}
+
+AssetLayerPointer FindAssetLayer(const CompositionAsset &composition, const std::string &idOrName)
+{
+    const LayerPointer layer = FindLayer(composition, idOrName);
+    auto assetLayer = std::dynamic_pointer_cast<AssetLayer>(layer);
+    if (!assetLayer)
+        throw Failure("Layer " + Quoted(layer->Name()) + " shows no asset");
+    return assetLayer;
+}
+
+MediaPointer FindMedia(const Project &project, const std::string &idOrName)
+{
+    return FindByIdOrName(MediaAssets(project), "media asset", idOrName);
+}
+
+TrackerPointer FindTracker(const AssetLayer &layer, const std::string &idOrName)
+{
+    return FindByIdOrName(layer.Trackers(), "tracker", idOrName);
 }
 
 } // namespace marlet::tool

@@ -11,8 +11,11 @@
 namespace marlet::project
 {
 class AbstractLayer;
+class AssetLayer;
 class CompositionAsset;
+class MediaAsset;
 class Project;
+class Tracker;
 } // namespace marlet::project
 
 namespace marlet::tool
@@ -21,6 +24,9 @@ namespace marlet::tool
 using ProjectPointer = std::shared_ptr<project::Project>;
 using CompositionPointer = std::shared_ptr<project::CompositionAsset>;
 using LayerPointer = std::shared_ptr<project::AbstractLayer>;
+using AssetLayerPointer = std::shared_ptr<project::AssetLayer>;
+using MediaPointer = std::shared_ptr<project::MediaAsset>;
+using TrackerPointer = std::shared_ptr<project::Tracker>;
 
 /// Without plug-ins a project has no effects, whatever its text says.
 enum class PluginUse { With, Without };
@@ -42,8 +48,10 @@ void FillInstances(const project::Project &project);
 /// @throws as WriteFile
 void WriteProject(const project::Project &project, const std::string &path);
 
-/// Every composition of the project, in file order.
+// In file order.
+
 std::vector<CompositionPointer> Compositions(const project::Project &project);
+std::vector<MediaPointer> MediaAssets(const project::Project &project);
 
 /// The layers of a composition by their IDs. Of several layers with one ID the first counts, as it does in
 /// CompositionAsset::FindLayerByID.
@@ -53,5 +61,9 @@ std::unordered_map<kytl::KyID, LayerPointer> LayersByID(const project::Compositi
 
 CompositionPointer FindComposition(const project::Project &project, const std::string &idOrName);
 LayerPointer FindLayer(const project::CompositionAsset &composition, const std::string &idOrName);
+/// The layer must be one that shows an asset.
+AssetLayerPointer FindAssetLayer(const project::CompositionAsset &composition, const std::string &idOrName);
+MediaPointer FindMedia(const project::Project &project, const std::string &idOrName);
+TrackerPointer FindTracker(const project::AssetLayer &layer, const std::string &idOrName);
 
 } // namespace marlet::tool

@@ -25,6 +25,7 @@ struct ProjectSums {
     std::size_t sequenceTracks = 0;
     std::size_t sequenceObjects = 0;
     std::size_t transitions = 0;
+    std::size_t trackers = 0;
     std::size_t properties = 0;
     std::size_t animatedProperties = 0;
     std::size_t keyFrames = 0;

@@ -18,6 +18,8 @@
 #include <marlet/project/BinFolder.h>
 #include <marlet/project/CompositionAsset.h>
 #include <marlet/project/Project.h>
+#include <marlet/tracking/Tracker.h>
+#include <marlet/tracking/TrackingPoint.h>
 
 namespace marlet::tool
 {
@@ -46,11 +48,22 @@ void CountProperties(const PropertyManager &properties, ProjectSums &sums)
     }
 }
 
+void CountTrackers(const AbstractLayer &layer, ProjectSums &sums)
+{
+    for (const std::shared_ptr<const Tracker> tracker : TrackersOf(layer)) {
+        ++sums.trackers;
+        for (const auto &point : {tracker->PrimaryTrackingPoint(), tracker->SecondaryTrackingPoint()})
+            if (point)
+                CountProperties(point->Animation(), sums);
+    }
+}
+
 /// Every property that the details show, be it of the layer or of what is on it.
 void CountLayer(const AbstractLayer &layer, ProjectSums &sums)
 {
     ++sums.layers;
     CountProperties(layer.Animation(), sums);
+    CountTrackers(layer, sums);
     if (const auto *layer3D = dynamic_cast<const Effect3DLayer *>(&layer))
         if (const auto ribbon = std::dynamic_pointer_cast<const Ribbon>(layer3D->Effect()))
             CountProperties(ribbon->Properties(), sums);

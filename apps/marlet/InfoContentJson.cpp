@@ -1,3 +1,4 @@
+#include "InfoAssetLayer.h"
 #include "InfoParts.h"
 #include "LayerContent.h"
 #include "Names.h"
@@ -6,6 +7,7 @@
 #include "plugins/Ribbon.h"
 
 #include <marlet/animation/PropertyManager.h>
+#include <marlet/layers/AssetLayer.h>
 #include <marlet/layers/Effect3DLayer.h>
 #include <marlet/masks/Mask.h>
 #include <marlet/masks/MotionPath.h>
@@ -117,6 +119,13 @@ void WriteMask(const AbstractLayer &layer, const Mask &mask, Output &output)
     }
 }
 
+const char *HolderKey(LayerReference::Holder holder)
+{
+    if (holder == LayerReference::Holder::Tracker)
+        return "tracker";
+    return holder == LayerReference::Holder::Effect ? "effect" : "effect3d";
+}
+
 /// The parent link stands with the layer.
 void WriteReference(const AbstractLayer &layer, const LayerReference &reference, Output &output)
 {
@@ -124,7 +133,7 @@ void WriteReference(const AbstractLayer &layer, const LayerReference &reference,
         return;
     JsonWriter json = BeginJson("reference");
     json.Member("layer", layer.ID())
-        .Member(reference.holder == LayerReference::Holder::Effect ? "effect" : "effect3d", reference.object)
+        .Member(HolderKey(reference.holder), reference.object)
         .Member("property", reference.property)
         .Member("target", reference.target);
     EndJson(json, output);
@@ -134,6 +143,8 @@ void WriteReference(const AbstractLayer &layer, const LayerReference &reference,
 
 void WriteContentJson(const AbstractLayer &layer, Output &output)
 {
+    if (const auto *asset = dynamic_cast<const AssetLayer *>(&layer))
+        WriteAssetLayerJson(*asset, output);
     if (const auto *text = dynamic_cast<const TextLayer *>(&layer))
         WriteText(*text, output);
     if (const auto *effect3D = dynamic_cast<const Effect3DLayer *>(&layer))

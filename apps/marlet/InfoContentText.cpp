@@ -1,3 +1,4 @@
+#include "InfoAssetLayer.h"
 #include "InfoParts.h"
 #include "LayerContent.h"
 #include "Names.h"
@@ -7,6 +8,7 @@
 #include "plugins/Ribbon.h"
 
 #include <marlet/animation/PropertyManager.h>
+#include <marlet/layers/AssetLayer.h>
 #include <marlet/layers/Effect3DLayer.h>
 #include <marlet/masks/Mask.h>
 #include <marlet/masks/MotionPath.h>
@@ -123,8 +125,11 @@ void WriteReference(const LayerReference &reference, const LayerMap &layers, Out
 
 } // namespace
 
-void WriteContentText(const AbstractLayer &layer, const LayerMap &layers, Output &output)
+void WriteContentText(const AbstractLayer &layer, const LayerMap &layers, const AssetList &assets,
+                      Output &output)
 {
+    if (const auto *asset = dynamic_cast<const AssetLayer *>(&layer))
+        WriteAssetLayerText(*asset, assets, output);
     if (const auto *text = dynamic_cast<const TextLayer *>(&layer))
         WriteText(*text, output);
     if (const auto *effect3D = dynamic_cast<const Effect3DLayer *>(&layer))

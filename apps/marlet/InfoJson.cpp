@@ -3,6 +3,7 @@
 #include "InfoParts.h"
 #include "InfoSequence.h"
 #include "Json.h"
+#include "MediaFacts.h"
 #include "MetadataItems.h"
 #include "Names.h"
 #include "Output.h"
@@ -15,6 +16,7 @@
 #include <marlet/project/BinFolder.h>
 #include <marlet/project/CompositionAsset.h>
 #include <marlet/project/CompositionRenderSettings.h>
+#include <marlet/project/MediaAsset.h>
 #include <marlet/project/Project.h>
 #include <marlet/project/ProjectSettings.h>
 #include <marlet/project/SolidAsset.h>
@@ -78,6 +80,10 @@ void WriteAsset(const AbstractAsset &asset, Output &output)
         json.Member("file", image->Filename())
             .Member("status", FileStatusName(image->Status()))
             .Member("pixel_aspect_ratio", AudioVideoSettings::PARValue(image->PixelAspectRatio()));
+    } else if (const auto *media = dynamic_cast<const MediaAsset *>(&asset)) {
+        json.Member("file", media->Filename()).Key("media").BeginObject();
+        WriteMediaFacts(json, *media);
+        json.EndObject();
     }
     EndJson(json, output);
 }
@@ -174,6 +180,7 @@ void WriteSums(const ProjectSums &sums, std::size_t metadata, Output &output)
         .Member("sequence_tracks", sums.sequenceTracks)
         .Member("sequence_objects", sums.sequenceObjects)
         .Member("transitions", sums.transitions)
+        .Member("trackers", sums.trackers)
         .Member("properties", sums.properties)
         .Member("animated_properties", sums.animatedProperties)
         .Member("key_frames", sums.keyFrames)

@@ -11,6 +11,7 @@ namespace marlet::project
 class AudioVideoSettings;
 class EffectInstance;
 class PanelRenderState;
+class AssetList;
 class PropertyManager;
 } // namespace marlet::project
 
@@ -28,8 +29,10 @@ inline constexpr char kLayerIndent[] = "         ";
 void WritePropertiesText(const project::PropertyManager &properties, const std::string &indent,
                          Output &output);
 
-/// What a layer has beside its properties: text, 3D effect, effects, masks, and references to other layers.
-void WriteContentText(const project::AbstractLayer &layer, const LayerMap &layers, Output &output);
+/// What a layer has beside its properties: asset, trackers, text, 3D effect, effects, masks, and references
+/// to other layers.
+void WriteContentText(const project::AbstractLayer &layer, const LayerMap &layers,
+                      const project::AssetList &assets, Output &output);
 
 /// An effect of a layer or of an object of the sequence.
 void WriteEffectText(const project::EffectInstance &effect, Output &output);

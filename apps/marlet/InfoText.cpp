@@ -2,6 +2,7 @@
 #include "Info.h"
 #include "InfoParts.h"
 #include "InfoSequence.h"
+#include "MediaFacts.h"
 #include "MetadataItems.h"
 #include "Names.h"
 #include "Output.h"
@@ -15,6 +16,7 @@
 #include <marlet/project/BinFolder.h>
 #include <marlet/project/CompositionAsset.h>
 #include <marlet/project/CompositionRenderSettings.h>
+#include <marlet/project/MediaAsset.h>
 #include <marlet/project/Project.h>
 #include <marlet/project/ProjectSettings.h>
 #include <marlet/project/SolidAsset.h>
@@ -47,12 +49,23 @@ std::string AssetText(const AbstractAsset &asset)
         text += ", colour " + ValueText(solid->Color());
     else if (const auto *image = dynamic_cast<const ImageAsset *>(&asset))
         text += ", " + OneLine(ToUtf8(image->Filename()));
+    else if (const auto *media = dynamic_cast<const MediaAsset *>(&asset))
+        text += ", " + OneLine(ToUtf8(media->Filename()));
     else if (const auto *composition = dynamic_cast<const CompositionAsset *>(&asset))
         text += ", " +
                 Counted(static_cast<std::size_t>(std::max(0, composition->Settings().FrameCount())), "frame");
     if (!asset.Instances().IsEmpty())
         text += ", used " + Counted(asset.Instances().Count(), "time");
     return text;
+}
+
+void WriteAsset(const AbstractAsset &asset, const std::string &indent, const std::string &remark,
+                Output &output)
+{
+    output.Line(indent + AssetText(asset) + remark);
+    if (const auto *media = dynamic_cast<const MediaAsset *>(&asset))
+        for (const std::string &line : MediaFactLines(*media))
+            output.Line(indent + "  " + line);
 }
 
 using AssetSet = std::unordered_set<const AbstractAsset *>;
@@ -66,7 +79,7 @@ void WriteFolder(const BinFolder &folder, std::size_t depth, AssetSet &written, 
         WriteFolder(*subFolder, depth + 1, written, output);
     for (const auto &reference : folder.Assets()) {
         if (const auto asset = reference.lock()) {
-            output.Line(indent + "  " + AssetText(*asset));
+            WriteAsset(*asset, indent + "  ", "", output);
             written.insert(asset.get());
         }
     }
@@ -79,7 +92,7 @@ void WriteAssets(const AssetList &assets, Output &output)
     WriteFolder(assets.Bin(), 1, written, output);
     for (const auto &asset : assets.All())
         if (written.count(asset.get()) == 0)
-            output.Line("  " + AssetText(*asset) + ", in no folder");
+            WriteAsset(*asset, "  ", ", in no folder", output);
 }
 
 std::string Switches(const AbstractLayer &layer)
@@ -119,7 +132,7 @@ std::string TimelineText(const CompositionAsset &composition)
            (render.FogEnabled() ? "on" : "off");
 }
 
-void WriteComposition(const CompositionAsset &composition, Output &output)
+void WriteComposition(const CompositionAsset &composition, const AssetList &assets, Output &output)
 {
     output.Line("\nComposition " + Quoted(composition.Name()) + "  " + composition.ID().ToNarrowString());
     output.Line("  " + FormatText(composition.Settings()));
@@ -131,7 +144,7 @@ void WriteComposition(const CompositionAsset &composition, Output &output)
     for (const LayerPointer &layer : composition.Layers()) {
         output.Line(LayerText(*layer, ++position, layers));
         WritePropertiesText(std::as_const(*layer).Animation(), kLayerIndent, output);
-        WriteContentText(*layer, layers, output);
+        WriteContentText(*layer, layers, assets, output);
     }
 }
 
@@ -150,13 +163,13 @@ void WriteSums(const ProjectSums &sums, std::size_t metadata, Output &output)
                 std::to_string(sums.offlineAssets) + " offline), " +
                 Counted(sums.compositions, "composition") + ", " + Counted(sums.layers, "layer") + ", " +
                 Counted(sums.effects, "effect") + ", " + Counted(sums.masks, "mask") + ", " +
-                std::to_string(sums.properties) + " properties (" + std::to_string(sums.animatedProperties) +
-                " animated), " + Counted(sums.keyFrames, "key frame") + ", " +
-                Counted(sums.expressions, "expression") + ", " + Counted(metadata, "metadata value"));
+                Counted(sums.trackers, "tracker") + ", " + std::to_string(sums.properties) + " properties (" +
+                std::to_string(sums.animatedProperties) + " animated), " +
+                Counted(sums.keyFrames, "key frame") + ", " + Counted(sums.expressions, "expression") + ", " +
+                Counted(metadata, "metadata value"));
     if (sums.sequenceTracks > 0)
         output.Line(Counted(sums.sequenceTracks, "track") + " in the sequence, " +
-                    Counted(sums.sequenceObjects, "object") + ", " +
-                    Counted(sums.transitions, "transition"));
+                    Counted(sums.sequenceObjects, "object") + ", " + Counted(sums.transitions, "transition"));
 }
 
 } // namespace
@@ -176,7 +189,7 @@ void WriteInfoText(const Project &project, Output &output)
     output.Line("  colour bit depth " + std::to_string(static_cast<int>(project.Settings().ColorBitDepth())));
     WriteAssets(project.Assets(), output);
     for (const CompositionPointer &composition : Compositions(project))
-        WriteComposition(*composition, output);
+        WriteComposition(*composition, project.Assets(), output);
     if (project.Sequence())
         WriteSequenceText(project, output);
     const std::vector<MetadataItem> metadata = MetadataItems(project);

@@ -5,10 +5,12 @@
 #include "plugins/ToolPlugin.h"
 
 #include <marlet/animation/PropertyManager.h>
+#include <marlet/layers/AssetLayer.h>
 #include <marlet/layers/Effect3DLayer.h>
 #include <marlet/layers/GradeLayer.h>
 #include <marlet/plugins/EffectInstance.h>
 #include <marlet/plugins/EffectsHelper.h>
+#include <marlet/tracking/Tracker.h>
 
 #include <algorithm>
 
@@ -67,6 +69,8 @@ void AddEffectReferences(const EffectInstance &effect, std::vector<LayerReferenc
 const EffectList &EffectsOf(const AbstractLayer &layer)
 {
     static const EffectList none;
+    if (const auto *asset = dynamic_cast<const AssetLayer *>(&layer))
+        return asset->Effects();
     if (const auto *grade = dynamic_cast<const GradeLayer *>(&layer))
         return grade->Effects();
     if (const auto *text = dynamic_cast<const TextLayer *>(&layer))
@@ -77,11 +81,20 @@ const EffectList &EffectsOf(const AbstractLayer &layer)
 const MaskList &MasksOf(const AbstractLayer &layer)
 {
     static const MaskList none;
+    if (const auto *asset = dynamic_cast<const AssetLayer *>(&layer))
+        return asset->Masks();
     if (const auto *grade = dynamic_cast<const GradeLayer *>(&layer))
         return grade->Masks();
     if (const auto *text = dynamic_cast<const TextLayer *>(&layer))
         return text->Masks();
     return none;
+}
+
+const TrackerList &TrackersOf(const AbstractLayer &layer)
+{
+    static const TrackerList none;
+    const auto *asset = dynamic_cast<const AssetLayer *>(&layer);
+    return asset ? asset->Trackers() : none;
 }
 
 std::vector<std::string> HiddenControls(const EffectInstance &effect)
@@ -112,6 +125,12 @@ std::vector<LayerReference> LayerReferences(const AbstractLayer &layer)
 {
     std::vector<LayerReference> references;
     references.push_back({LayerReference::Holder::ParentLink, {}, {}, {}, layer.ParentLayerID()});
+    for (const auto &tracker : TrackersOf(layer))
+        references.push_back({LayerReference::Holder::Tracker,
+                              tracker->ID(),
+                              tracker->Name(),
+                              {},
+                              tracker->DestinationLayerID()});
     for (const auto &effect : EffectsOf(layer))
         AddEffectReferences(*effect, references);
     if (const auto *layer3D = dynamic_cast<const Effect3DLayer *>(&layer))
@@ -128,6 +147,8 @@ std::string HolderText(const LayerReference &reference)
 {
     if (reference.holder == LayerReference::Holder::ParentLink)
         return "parent layer";
+    if (reference.holder == LayerReference::Holder::Tracker)
+        return "tracker " + Quoted(reference.name) + ", destination";
     return (reference.holder == LayerReference::Holder::Effect ? "effect " : "3D effect ") +
            Quoted(reference.name) + ", property " + reference.property;
 }

@@ -52,6 +52,32 @@ std::string FileStatusName(ImageAsset::FileStatus status)
     return NameOf(status, {"usable", "missing", "unreadable"});
 }
 
+std::string MediaStatusName(MediaAsset::Status status)
+{
+    return NameOf(status, {"usable", "missing", "unreadable", "failed"});
+}
+
+std::string VideoCodecName(kyh::media::KyVideoCodec codec)
+{
+    return NameOf(codec, {"unknown", "MPEG2", "MPEG4", "H264", "shapeless", "HEVC", "VP8", "VP9", "AV1",
+                          "Theora", "MotionJPEG", "ProRes", "DNxHD", "DV", "still", "raw"});
+}
+
+std::string AudioCodecName(kyh::media::KyAudioCodec codec)
+{
+    return NameOf(codec, {"unknown", "PCM", "AAC", "MP3", "AC3", "Vorbis", "Opus", "FLAC"});
+}
+
+std::string TrackerTypeName(Tracker::TrackerType type)
+{
+    return NameOf(type, {"single-point", "two-points"});
+}
+
+std::string TrackerMethodName(Tracker::TrackerMethod method)
+{
+    return NameOf(method, {"flow", "template"});
+}
+
 std::string ChannelOrderName(KyChannelOrder order)
 {
     return NameOf(order, {"none", "RGB", "BGRA"});

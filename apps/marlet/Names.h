@@ -2,10 +2,13 @@
 
 #include <marlet/foundation/AudioVideoSettings.h>
 #include <marlet/layers/LayerTypes.h>
+#include <marlet/platform/media/KyMediaTypes.h>
 #include <marlet/plugins/AbstractPlugin.h>
 #include <marlet/plugins/AbstractPluginUITreeNode.h>
 #include <marlet/project/AbstractAsset.h>
 #include <marlet/project/ImageAsset.h>
+#include <marlet/project/MediaAsset.h>
+#include <marlet/tracking/Tracker.h>
 
 #include <string>
 
@@ -20,6 +23,11 @@ std::string LayerTypeName(project::LayerType type);
 std::string DimensionsName(project::LayerDimensions dimensions);
 std::string FieldsName(project::VideoFields fields);
 std::string FileStatusName(project::ImageAsset::FileStatus status);
+std::string MediaStatusName(project::MediaAsset::Status status);
+std::string VideoCodecName(kyh::media::KyVideoCodec codec);
+std::string AudioCodecName(kyh::media::KyAudioCodec codec);
+std::string TrackerTypeName(project::Tracker::TrackerType type);
+std::string TrackerMethodName(project::Tracker::TrackerMethod method);
 std::string ChannelOrderName(project::KyChannelOrder order);
 
 /// "1.2.0.0"

@@ -13,6 +13,7 @@
 #include <marlet/editor/EditorSequence.h>
 #include <marlet/editor/Transition.h>
 #include <marlet/editor/VisualObject.h>
+#include <marlet/layers/AssetLayer.h>
 #include <marlet/layers/CameraLayer.h>
 #include <marlet/layers/Effect3DLayer.h>
 #include <marlet/layers/GradeLayer.h>
@@ -26,9 +27,12 @@
 #include <marlet/project/BinFolder.h>
 #include <marlet/project/CompositionAsset.h>
 #include <marlet/project/ImageAsset.h>
+#include <marlet/project/MediaAsset.h>
 #include <marlet/project/Project.h>
 #include <marlet/project/SolidAsset.h>
 #include <marlet/project/TextureImage.h>
+#include <marlet/tracking/Tracker.h>
+#include <marlet/tracking/TrackingPoint.h>
 
 #include <unordered_set>
 
@@ -47,12 +51,15 @@ constexpr const char *kDangling = "dangling ID";
 constexpr const char *kRepeated = "repeated ID";
 constexpr const char *kCircle = "parent circle";
 constexpr const char *kMissing = "missing file";
+constexpr const char *kNoPoint = "missing point";
 constexpr const char *kType = "unexpected type";
 
-/// A layer as its class makes it, which tells the type of each property; empty for other classes.
+/// A layer as its class makes it, which tells the type of each property; empty for a type of no class.
 LayerPointer FreshLayer(LayerType type)
 {
     switch (type) {
+    case LayerType::Asset:
+        return AssetLayer::Create(SolidAsset::Create({}, {}, 1, 1, PAR::Square));
     case LayerType::Camera:
         return CameraLayer::Create({}, 0, 0, 0, 0);
     case LayerType::Light:
@@ -143,11 +150,23 @@ private:
         if (!assets_.insert(asset.ID()).second)
             Add(kRepeated, place, asset.ID().ToNarrowString());
         CheckFolderReference(place, asset.ParentFolderID());
-        if (asset.IsOffline())
+        if (const auto *media = dynamic_cast<const MediaAsset *>(&asset))
+            CheckMedia(*media, place);
+        else if (asset.IsOffline())
             Add(kMissing, place, "its file is not there");
         else if (const auto *image = dynamic_cast<const ImageAsset *>(&asset);
                  image && image->Status() == ImageAsset::FileStatus::Unreadable)
             Add(kMissing, place, ToUtf8(image->Filename()) + " cannot be read as an image");
+    }
+
+    /// Whatever keeps the file of a media asset from being used counts as offline.
+    void CheckMedia(const MediaAsset &media, const std::string &place)
+    {
+        const std::string file = ToUtf8(media.Filename());
+        if (media.MediaFileStatus() == MediaAsset::Status::Missing)
+            Add(kMissing, place, file + " is not there");
+        else if (media.IsOffline())
+            Add(kMissing, place, file + " cannot be read as media");
     }
 
     void CheckComposition(const CompositionAsset &composition)
@@ -169,9 +188,28 @@ private:
                 Add(kCircle, place, "its parents run in a circle");
             CheckOwners(composition, *layer, place);
             CheckLayerTypes(*layer, place);
+            CheckTrackers(*layer, place);
             CheckEffects(EffectsOf(*layer), layer->ID(), place);
             CheckMasks(*layer, place);
             CheckEffect3D(*layer, place);
+        }
+    }
+
+    void CheckTrackers(const AbstractLayer &layer, const std::string &layerPlace)
+    {
+        IDSet seen;
+        const auto fresh = Tracker::Create({}, {}, {}, 0, 0)->PrimaryTrackingPoint();
+        for (const auto &tracker : TrackersOf(layer)) {
+            const std::string place = layerPlace + ", " + Place("tracker", tracker->Name());
+            if (!seen.insert(tracker->ID()).second)
+                Add(kRepeated, place, tracker->ID().ToNarrowString());
+            CheckHolder(place, tracker->ParentLayerID(), layer.ID());
+            for (const std::shared_ptr<const TrackingPoint> point :
+                 {tracker->PrimaryTrackingPoint(), tracker->SecondaryTrackingPoint()})
+                if (point)
+                    CheckTypes(point->Animation(), fresh->Animation(), place);
+                else
+                    Add(kNoPoint, place, "it cannot be run");
         }
     }
 

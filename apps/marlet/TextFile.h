@@ -11,6 +11,10 @@ namespace marlet::tool
 /// @throws Failure, with the file as its subject, if it cannot be read or is no such text
 project::WideString ReadTextFile(const std::string &path);
 
+/// Tells beforehand of what stands in the way of a file, so that long work is not done for nothing.
+/// @throws Failure, with the file as its subject
+void RequireWritable(const std::string &path);
+
 /// Puts a file in place as a whole: the bytes are written beside it, synced and renamed over it, so that a
 /// crash or a full disk leaves the old file as it was. It keeps the old file's permissions; a symbolic link
 /// is followed. What is no regular file, such as a pipe, is written to directly.

@@ -13,9 +13,11 @@ namespace
 const std::vector<const CommandSpec *> &Commands()
 {
     static const std::vector<const CommandSpec *> commands{
-        &InfoCommand(),   &ValueCommand(),   &MatrixCommand(), &ParentCommand(),   &CloneCommand(),
-        &DeleteCommand(), &SaveCommand(),    &ImageCommand(),  &TimecodeCommand(), &CheckCommand(),
-        &NewCommand(),    &PluginsCommand(), &FontsCommand(),  &TimelineCommand(), &EditCommand(),
+        &InfoCommand(),     &ValueCommand(),  &MatrixCommand(), &ParentCommand(),     &CloneCommand(),
+        &DeleteCommand(),   &SaveCommand(),   &ImageCommand(),  &MediaCommand(),      &DecodeCommand(),
+        &SamplesCommand(),  &RelinkCommand(), &TrackCommand(),  &PostFilterCommand(), &TimecodeCommand(),
+        &CheckCommand(),    &NewCommand(),    &ClipCommand(),   &PluginsCommand(),    &FontsCommand(),
+        &TimelineCommand(), &EditCommand(),
     };
     return commands;
 }

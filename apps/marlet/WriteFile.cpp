@@ -113,26 +113,47 @@ fs::path FollowLinks(const std::string &path)
     return place;
 }
 
+fs::path FolderOfPlace(const fs::path &place)
+{
+    return place.has_parent_path() ? place.parent_path() : fs::path(".");
+}
+
+void RequireAccess(const std::string &target, const fs::path &path, int mode)
+{
+    if (::faccessat(AT_FDCWD, path.c_str(), mode, AT_EACCESS) != 0)
+        throw Failure(target, SystemMessage(errno));
+}
+
 } // namespace
 
-void WriteFile(const std::string &path, std::string_view bytes)
+void RequireWritable(const std::string &path)
 {
     struct stat old {
     };
     const bool exists = ::stat(path.c_str(), &old) == 0;
     if (exists && S_ISDIR(old.st_mode))
         throw Failure(path, SystemMessage(EISDIR));
+    // Renaming asks for no permission on the file itself, but a file that is protected is meant to stay.
+    if (exists)
+        RequireAccess(path, path, W_OK);
+    if (!exists || S_ISREG(old.st_mode))
+        RequireAccess(path, FolderOfPlace(FollowLinks(path)), W_OK | X_OK);
+}
+
+void WriteFile(const std::string &path, std::string_view bytes)
+{
+    RequireWritable(path);
+    struct stat old {
+    };
+    const bool exists = ::stat(path.c_str(), &old) == 0;
     if (exists && !S_ISREG(old.st_mode)) {
         FileDescriptor(path, O_WRONLY).WriteAll(bytes);
         return;
     }
-    // Renaming asks for no permission on the file itself, but a file that is protected is meant to stay.
-    if (exists && ::faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) != 0)
-        throw Failure(path, SystemMessage(errno));
 
     const SignalBlock block;
     const fs::path place = FollowLinks(path);
-    const fs::path folder = place.has_parent_path() ? place.parent_path() : fs::path(".");
+    const fs::path folder = FolderOfPlace(place);
     TemporaryFile file(path, folder);
     if (exists)
         file.TakeOwnership(old);

@@ -13,7 +13,7 @@ namespace
 
 /// A figure to reach: what was measured, alone or beside something else.
 struct Figure {
-    enum class Kind { Ratio, Difference, Count };
+    enum class Kind { Ratio, Difference, Count, Milliseconds };
     enum class Bound { AtMost, AtLeast };
 
     const char *text;
@@ -67,6 +67,10 @@ constexpr Figure kFigures[] = {
      Bound::AtMost, 13},
     {"clone 1,000 layers with five effects / 100", Kind::Ratio, "CloneEffects/1000", "CloneEffects/100",
      Bound::AtMost, 13},
+    {"match by optical flow, ms", Kind::Milliseconds, "MatchByFlow", nullptr, Bound::AtMost, 10},
+    {"match by template, ms", Kind::Milliseconds, "MatchByTemplate", nullptr, Bound::AtMost, 10},
+    {"match by template in colour, ms", Kind::Milliseconds, "MatchByTemplateInColour", nullptr, Bound::AtMost,
+     10},
 };
 
 std::string TimeText(double nanoseconds)
@@ -128,7 +132,9 @@ void Report::PrintTable() const
             continue;
         double value = *first;
         std::string source;
-        if (figure.kind != Kind::Count) {
+        if (figure.kind == Kind::Milliseconds) {
+            value /= 1e6;
+        } else if (figure.kind != Kind::Count) {
             value = figure.kind == Kind::Ratio ? *first / *second : *first - *second;
             source = TimeText(*first) + ", " + TimeText(*second);
         }

@@ -95,7 +95,7 @@ TEST_F(ContentInfoTest, ShowsMasksWithTheirPoints)
                 "           point 2   (10, 5), handles (0, 0) and (0, 0), linear\n"
                 "           point 3   1 key frame, handles (0, 0) and (0, 0)");
     const std::string info = Run({"info", "a.xml"}).out;
-    EXPECT_THAT(info, testing::HasSubstr(", 1 mask, 38 properties (1 animated), 1 key frame, "));
+    EXPECT_THAT(info, testing::HasSubstr(", 1 mask, 0 trackers, 38 properties (1 animated), 1 key frame, "));
 }
 
 TEST_F(ContentInfoTest, ShowsEffectsWithPluginVersionAndState)

@@ -2,10 +2,12 @@
 #include <tests/support/LayerTexts.h>
 #include <tests/support/TestPlugins.h>
 
+#include <marlet/layers/AssetLayer.h>
 #include <marlet/layers/GradeLayer.h>
 #include <marlet/layers/TextLayer.h>
 #include <marlet/masks/Mask.h>
 #include <marlet/plugins/EffectInstance.h>
+#include <marlet/project/SolidAsset.h>
 
 #include <gtest/gtest.h>
 
@@ -18,6 +20,14 @@ namespace
 KyID Numbered(std::uint32_t n)
 {
     return {.Data1 = n};
+}
+
+template <class Layer> std::shared_ptr<Layer> Make()
+{
+    if constexpr (std::is_same_v<Layer, AssetLayer>)
+        return AssetLayer::Create(SolidAsset::Create(u"", {}, 100, 100, {}));
+    else
+        return Layer::Create(u"", 100, 100);
 }
 
 /// Stands for each class of layers that owns effects and masks.
@@ -45,10 +55,10 @@ protected:
     const std::shared_ptr<TestPlugin> plugin = std::make_shared<TestPlugin>();
     const std::shared_ptr<TestPluginManager> manager = std::make_shared<TestPluginManager>();
     const LayerStage stage;
-    const std::shared_ptr<Layer> layer = stage.Add(Layer::Create(u"", 100, 100));
+    const std::shared_ptr<Layer> layer = stage.Add(Make<Layer>());
 };
 
-using Layers = testing::Types<GradeLayer, TextLayer>;
+using Layers = testing::Types<AssetLayer, GradeLayer, TextLayer>;
 TYPED_TEST_SUITE(LayerEffects, Layers);
 
 TYPED_TEST(LayerEffects, AreCopiedForTheCloneAndItsComposition)

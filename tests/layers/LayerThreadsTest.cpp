@@ -1,4 +1,7 @@
 #include <tests/support/LayerStage.h>
+#include <tests/support/LayerTexts.h>
+
+#include <marlet/layers/AssetLayer.h>
 
 #include <gtest/gtest.h>
 
@@ -17,16 +20,30 @@ struct Findings {
     std::vector<Matrix> matrices;
     std::vector<WideString> parents;
     int compositionsFound = 0;
+    int sounding = 0;
 
     bool operator==(const Findings &) const = default;
 };
 
-/// Adds points and lights with curved animations that hang on one another by IDs not looked up yet.
+/// A layer of the composition itself as a file tells of it, which knows its asset by ID alone.
+std::shared_ptr<AbstractLayer> AddNested(const LayerStage &stage)
+{
+    const std::string text =
+        Replaced(TextOf(*AssetLayer::Create(stage.composition)), "<AssetHasAudio>1", "<AssetHasAudio>0");
+    const auto layer = std::static_pointer_cast<AssetLayer>(ReadLayer(text));
+    layer->SetAutoOrientation(AutoOrient::AlongPath);
+    return stage.Add(layer);
+}
+
+/// Adds points, lights and nested compositions with curved animations that hang on one another by IDs not
+/// looked up yet.
 void Animate(const LayerStage &stage)
 {
     KyID parentID;
     for (int i = 0; i < 12; ++i) {
         std::shared_ptr<AbstractLayer> layer = stage.AddLight();
+        if (i % 6 == 3)
+            layer = AddNested(stage);
         if (i % 2 == 0)
             layer = stage.AddPoint(u"Layer " + WideString(1, char16_t(u'a' + i)));
         layer->SetDimensions(LayerDimensions::ThreeD);
@@ -58,6 +75,7 @@ Findings Look(const LayerStage &stage)
         }
         const auto parent = layer->ParentLayer(stage.Assets());
         findings.parents.push_back(parent ? parent->Name() : u"none");
+        findings.sounding += layer->HasAudio();
         findings.compositionsFound += layer->ParentComposition(stage.Assets()) == stage.composition;
     }
     return findings;

@@ -21,8 +21,11 @@ std::string Document(const std::string &layer, int version)
 
 TEST(LayerXml, IsReadInAnyVersionAndWrittenInTheNewest)
 {
-    for (const auto &[layer, newest] :
-         {std::pair("CameraLayer", 0), {"LightLayer", 0}, {"TextLayer", 1}, {"Effect3DLayer", 1}}) {
+    for (const auto &[layer, newest] : {std::pair("AssetLayer", 2),
+                                        {"CameraLayer", 0},
+                                        {"LightLayer", 0},
+                                        {"TextLayer", 1},
+                                        {"Effect3DLayer", 1}}) {
         const std::string expected = Document(layer, newest);
         ASSERT_FALSE(expected.empty());
         for (int version = 0; version <= newest; ++version)
@@ -32,7 +35,7 @@ TEST(LayerXml, IsReadInAnyVersionAndWrittenInTheNewest)
 
 TEST(LayerXml, HasPropertiesByItsVersion)
 {
-    for (const std::string layer : {"TextLayer", "Effect3DLayer"}) {
+    for (const std::string layer : {"AssetLayer", "TextLayer", "Effect3DLayer"}) {
         const std::string old = Document(layer, 0);
         EXPECT_FALSE(ReadLayer(old)->Animation().CanAnimate("castShadowsIfLayerDisabled"));
         // What is missing of both versions counts first.
@@ -40,6 +43,10 @@ TEST(LayerXml, HasPropertiesByItsVersion)
         EXPECT_EQ(FailureOf(Without(Replaced(old, "Version=\"0\"", "Version=\"1\""), "matEmissiveColor")),
                   "9 matEmissiveColor");
     }
+    const std::string asset = Document("AssetLayer", 2);
+    EXPECT_EQ(FailureOf(Without(asset, "AssetHadVideo")), "Missing element\nAssetHadVideo");
+    EXPECT_EQ(FailureOf(Without(Without(asset, "AssetHadVideo"), "PromoteLights")),
+              "Missing element\nPromoteLights");
 }
 
 TEST(LayerXml, StoresIntegersThatSettersRefuse)
@@ -56,6 +63,8 @@ TEST(LayerXml, StoresIntegersThatSettersRefuse)
     EXPECT_EQ(crossed->MinX(), 500);
     EXPECT_EQ(crossed->MaxX(), 320);
     EXPECT_EQ(crossed->Dimensions(), LayerDimensions::ThreeDContent);
+    const std::string asset = Replaced(Document("AssetLayer", 2), "<AssetType>3", "<AssetType>0");
+    EXPECT_EQ(ReadLayer(asset)->Dimensions(), LayerDimensions::ThreeDContent);
 }
 
 TEST(LayerXml, IsNoLayerForAnUnknownTagOrABrokenText)

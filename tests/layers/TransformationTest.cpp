@@ -2,10 +2,12 @@
 #include <tests/support/MatrixMatchers.h>
 #include <tests/support/TransformationModel.h>
 
+#include <marlet/layers/AssetLayer.h>
 #include <marlet/layers/GradeLayer.h>
 #include <marlet/layers/TextLayer.h>
 #include <marlet/layers/TransformationHelper.h>
 #include <marlet/masks/Mask.h>
+#include <marlet/project/SolidAsset.h>
 
 #include <gtest/gtest.h>
 
@@ -21,7 +23,7 @@ Point ToPoint(const model::Triple &t)
     return {float(t[0]), float(t[1]), float(t[2])};
 }
 
-void Apply(const model::Layer &values, PointLayer &layer)
+void Apply(const model::Layer &values, AbstractLayer &layer)
 {
     layer.SetDimensions(values.flat ? LayerDimensions::TwoD : LayerDimensions::ThreeD);
     Set(layer, "position", ToPoint(values.position));
@@ -32,6 +34,16 @@ void Apply(const model::Layer &values, PointLayer &layer)
     Set(layer, "rotationX", float(values.rotation[0]));
     Set(layer, "rotationY", float(values.rotation[1]));
     Set(layer, "rotationZ", float(values.rotation[2]));
+}
+
+/// A point, or a solid with wide pixels.
+std::shared_ptr<AbstractLayer> AddLayer(const LayerStage &stage, bool isSolid)
+{
+    if (!isSolid)
+        return stage.AddPoint();
+    const auto solid = SolidAsset::Create(u"", {}, 100, 50, PAR::FourThirds);
+    stage.project->Assets().All().Add(solid);
+    return stage.Add(AssetLayer::Create(solid));
 }
 
 TEST(Transformation, ReplacesAScaleOfZeroWhenAsked)
@@ -47,23 +59,25 @@ TEST(Transformation, ReplacesAScaleOfZeroWhenAsked)
 
 TEST(Transformation, AgreesWithThePlainModelDownToTheThirdGeneration)
 {
+    using model::operator*;
     std::mt19937 random(7);
     std::uniform_real_distribution<double> values(-300, 300);
     const auto triple = [&] { return model::Triple{values(random), values(random), values(random)}; };
     for (int round = 0; round < 50; ++round) {
         const LayerStage stage;
         std::vector<model::Layer> chain;
-        std::shared_ptr<PointLayer> layer;
+        std::shared_ptr<AbstractLayer> layer;
         for (int generation = 0; generation < 3; ++generation) {
             chain.push_back({round % 3 == generation, triple(), triple(), triple(), triple(), triple()});
-            const auto child = stage.AddPoint();
+            const auto child = AddLayer(stage, round % 2 == 1);
             Apply(chain.back(), *child);
             if (layer)
                 child->SetParentLayer(layer->ID());
             layer = child;
         }
+        const auto content = round % 2 == 1 ? model::Picture(100, 50, 4.0 / 3) : model::kIdentity;
         EXPECT_THAT(layer->WorldTransformationAtTime(0, stage.project, false),
-                    IsMatrixNear(model::World(chain), 5e-3));
+                    IsMatrixNear(model::World(chain) * content, 5e-3));
         EXPECT_THAT(layer->ParentingWorldTransformationAtTime(0, stage.project, false),
                     IsMatrixNear(model::World(chain), 5e-3));
         EXPECT_THAT(TransformationHelper::WorldRotation(layer.get(), stage.project, 0),

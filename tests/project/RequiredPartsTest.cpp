@@ -20,21 +20,23 @@ constexpr const char *kNewer =
 using Names = std::set<std::string>;
 
 /// The elements whose children are lists or values, which may all be missing.
-const Names kLists = {"Assets",  "SubFolders", "Layers", "Masks",   "Points",   "Tokens",
-                      "Formats", "Animation",  "Value",  "Default", "Static",   "bool",
-                      "int32_t", "float",      "KyID",   "wstring", "Metadata", "Views"};
+const Names kLists = {"Assets",    "SubFolders", "Layers",   "Masks",  "Points",  "Tokens",  "Formats",
+                      "Animation", "Value",      "Default",  "Static", "bool",    "int32_t", "float",
+                      "KyID",      "wstring",    "Metadata", "Views",  "Trackers"};
 
 /// What a reader does without elsewhere; it asks for all others.
 const Names kOptional = {
     "ProjectSettings",    "AssetList",   "Assets",  "SubFolders", "Metadata",   "Instances",
     "RenderSettings",     "Layers",      "Effects", "Masks",      "MotionPath", "Points",
-    "AudioVideoSettings", "ViewerState", "Views",   "Options"};
+    "AudioVideoSettings", "ViewerState", "Views",   "Options",    "Trackers",   "Primary",
+    "Secondary"};
 const Names kOptionalAttributes = {"Ft", "Ch", "Jf", "K", "V"};
 
 /// The first property that each class looks for, which one without its properties is said to lack.
 const std::map<std::string, std::string> kFirstProperty = {
-    {"CameraLayer", "position"}, {"LightLayer", "position"},   {"PointLayer", "anchorPoint"},
-    {"GradeLayer", "opacity"},   {"TextLayer", "anchorPoint"}, {"Mask", "opacity"},
+    {"AssetLayer", "anchorPoint"}, {"Primary", "featurePosition"}, {"Secondary", "featurePosition"},
+    {"CameraLayer", "position"},   {"LightLayer", "position"},     {"PointLayer", "anchorPoint"},
+    {"GradeLayer", "opacity"},     {"TextLayer", "anchorPoint"},   {"Mask", "opacity"},
     {"Point", "position"}};
 
 bool IsPanelLayout(std::string_view name)

@@ -93,6 +93,12 @@ inline Matrix WorldRotation(const std::vector<Layer> &chain)
     return rotation;
 }
 
+/// The picture of an asset, from its corner, in pixels of their own shape.
+inline Matrix Picture(double width, double height, double pixelAspect)
+{
+    return Scaling({pixelAspect, 1, 1}) * Translation({-width / 2, -height / 2, 0});
+}
+
 /// The content of the last layer of a chain that begins at the root.
 inline Matrix World(const std::vector<Layer> &chain)
 {
