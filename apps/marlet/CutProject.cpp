@@ -138,7 +138,8 @@ private:
         AddEffect(*talk, kColorBalanceID)->Properties().StaticValue("highlightsHue") = 30.f;
         AddEffect(*talk, kGaussianBlurID)->SetEnabled(false);
         sea->SetSpeed(0.5);
-        end->SetName(u"Interview, the end");
+        for (const ObjectPointer &object : {ObjectPointer(end), PartnerOf(*sequence_, *end)})
+            object->SetName(u"Interview, the end");
     }
 
     void AddTitles()

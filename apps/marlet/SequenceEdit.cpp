@@ -93,7 +93,7 @@ void SequenceEdit::RequireRoom(const AbstractSequenceTrack &track, long long sta
 {
     const int frameCount = sequence_->Settings().FrameCount();
     if (start < 0 || end > frameCount)
-        throw Failure(SpanText(start, end) + " are not all in the sequence, which has " +
+        throw Failure("The " + SpanText(start, end) + " are not all in the sequence, which has " +
                       Counted(static_cast<std::size_t>(std::max(0, frameCount)), "frame"));
     if (start >= end)
         throw Failure("No frame would be left: the start is " + std::to_string(start) + ", the end " +
@@ -101,8 +101,9 @@ void SequenceEdit::RequireRoom(const AbstractSequenceTrack &track, long long sta
     for (const ObjectPointer &other :
          track.Objects().FindInRange(static_cast<int>(start), static_cast<int>(end)))
         if (!IsOneOf(other, passedOver))
-            throw Failure(SpanText(start, end) + " of track " + Quoted(track.Name()) + " are not free: " +
-                          Quoted(other->Name()) + " has " + SpanText(other->StartFrame(), other->EndFrame()));
+            throw Failure("The " + SpanText(start, end) + " of track " + Quoted(track.Name()) +
+                          " are not free: " + Quoted(other->Name()) + " has " +
+                          SpanText(other->StartFrame(), other->EndFrame()));
 }
 
 /// In frames of the sequence, whatever the asset's own rate.
@@ -130,8 +131,9 @@ void SequenceEdit::RequireAssetFrames(const AbstractSequenceObject &object) cons
     const std::optional<int> length = LengthOf(*asset);
     const long long end = static_cast<long long>(object.AssetInstanceStart()) + object.Length();
     if (object.AssetInstanceStart() < 0 || (length && object.Speed() == 1 && end > *length))
-        throw Failure(SpanText(object.AssetInstanceStart(), end) + " of asset " + Quoted(asset->Name()) +
-                      " are not all there" + (length ? ": it has " + std::to_string(*length) : ""));
+        throw Failure("The " + SpanText(object.AssetInstanceStart(), end) + " of asset " +
+                      Quoted(asset->Name()) + " are not all there" +
+                      (length ? ": it has " + std::to_string(*length) : ""));
 }
 
 ObjectPointer SequenceEdit::Place(const Insertion &insertion, const TrackPointer &track, long long length)

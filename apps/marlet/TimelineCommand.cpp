@@ -63,8 +63,8 @@ std::string AssetOf(const Project &project, const AbstractSequenceObject &object
 {
     const auto asset = object.Asset(project.Assets());
     return AssetTypeName(object.AssetType()) + " " +
-           (asset ? Quoted(asset->Name()) + (asset->IsOffline() ? ", offline" : "")
-                  : object.AssetID().ToNarrowString() + ", not there");
+           (asset ? Quoted(asset->Name()) + (asset->IsOffline() ? " (offline)" : "")
+                  : object.AssetID().ToNarrowString() + " (not there)");
 }
 
 std::string TransitionText(const EditorSequence &sequence, const Transition &transition)
@@ -278,13 +278,13 @@ void WriteFrame(const EditorSequence &sequence, int frame, bool json, Output &ou
 
 void Run(const Arguments &arguments, Output &output)
 {
-    const std::optional<int> frame =
-        arguments.Has("--at") ? std::optional(arguments.Integer("--at")) : std::nullopt;
+    const bool atFrame = arguments.Has("--at");
+    const int frame = atFrame ? arguments.Integer("--at") : 0;
     const ProjectPointer project = ReadProject(arguments.Operand(0));
     const SequencePointer sequence = SequenceOf(*project);
     const bool json = arguments.Has("--json");
-    if (frame)
-        WriteFrame(*sequence, *frame, json, output);
+    if (atFrame)
+        WriteFrame(*sequence, frame, json, output);
     else if (json)
         WriteTableJson(*project, output);
     else

@@ -26,11 +26,12 @@ namespace
 {
 
 constexpr double kMargin = 16;
+constexpr double kRight = 40;  ///< half a time code reaches over the last tick
 constexpr double kNames = 130; ///< width of the column of track names
 constexpr double kPlot = 1100;
 constexpr double kRuler = 44;
-constexpr double kRow = 46;
-constexpr double kBetween = 6;
+constexpr double kRow = 56;
+constexpr double kBetween = 8;
 
 constexpr char kStyle[] = R"(text { font: 12px sans-serif; fill: #e8e8ee }
 .background { fill: #1e1f26 }
@@ -67,7 +68,7 @@ public:
         : project_(project),
           sequence_(*project.Sequence()),
           rows_(Rows(sequence_)),
-          picture_(2 * kMargin + kNames + kPlot, 2 * kMargin + kRuler + RowTop(rows_.size()), kStyle)
+          picture_(kMargin + kNames + kPlot + kRight, 2 * kMargin + kRuler + RowTop(rows_.size()), kStyle)
     {
         last_ = std::max(1, sequence_.Settings().FrameCount());
         for (const ObjectPointer &object : ObjectsOf(sequence_)) {
@@ -84,7 +85,7 @@ public:
                               {"x", from},
                               {"y", kMargin + kRuler},
                               {"width", std::max(0.0, X(sequence_.OutPoint()) - from)},
-                              {"height", RowTop(rows_.size())}});
+                              {"height", RowTop(rows_.size()) - kBetween}});
         for (std::size_t i = 0; i < rows_.size(); ++i)
             DrawTrack(*rows_[i], Top(i));
         DrawLinks();
@@ -137,8 +138,8 @@ private:
     {
         picture_.Open("g", {{"class", IsOff(track) ? "track off" : "track"}});
         picture_.Open("svg", {{"x", kMargin}, {"y", y}, {"width", kNames - 8}, {"height", kRow}});
-        picture_.Add("text", {{"x", 0.0}, {"y", 20.0}}, ToUtf8(track.Name()));
-        picture_.Add("text", {{"class", "small"}, {"x", 0.0}, {"y", 36.0}},
+        picture_.Add("text", {{"x", 0.0}, {"y", 25.0}}, ToUtf8(track.Name()));
+        picture_.Add("text", {{"class", "small"}, {"x", 0.0}, {"y", 41.0}},
                      TrackTypeName(track.Type()) + (IsOff(track) ? ", off" : ""));
         picture_.Close();
         picture_.Add(
@@ -171,7 +172,8 @@ private:
                               {"y", 8.0},
                               {"width", std::max(0.0, width - 4)},
                               {"height", kRow - 16}});
-        picture_.Add("text", {{"class", "small"}, {"x", width / 2}, {"y", 27.0}, {"text-anchor", "middle"}},
+        picture_.Add("text",
+                     {{"class", "small"}, {"x", width / 2}, {"y", kRow / 2 + 4}, {"text-anchor", "middle"}},
                      std::to_string(end - start));
         picture_.Close();
     }
@@ -198,8 +200,8 @@ private:
                               {"width", width},
                               {"height", kRow},
                               {"rx", 3.0}});
-        picture_.Add("text", {{"x", 5.0}, {"y", 17.0}}, ToUtf8(object.Name()));
-        picture_.Add("text", {{"class", "small"}, {"x", 5.0}, {"y", 40.0}}, span + remark);
+        picture_.Add("text", {{"x", 5.0}, {"y", 16.0}}, ToUtf8(object.Name()));
+        picture_.Add("text", {{"class", "small"}, {"x", 5.0}, {"y", 50.0}}, span + remark);
         picture_.Close();
     }
 
@@ -218,7 +220,7 @@ private:
         const double start = cut + transition.RelativeStartFrame();
         const double x = X(start);
         const double width = std::max(1.0, X(start + transition.Length()) - x);
-        picture_.Open("g", {{"transform", "translate(" + SvgNumber(x) + " " + SvgNumber(y + 16) + ")"}});
+        picture_.Open("g", {{"transform", "translate(" + SvgNumber(x) + " " + SvgNumber(y + 21) + ")"}});
         picture_.Add("title", {},
                      TransitionName(transition) + " " + TransitionEnds(sequence_, transition) + ", " +
                          std::to_string(transition.Length()) + " frames");
