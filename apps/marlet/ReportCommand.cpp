@@ -7,10 +7,12 @@
 #include "ProgressBar.h"
 #include "ReportPage.h"
 #include "TextFile.h"
+#include "TimelinePicture.h"
 #include "TreePicture.h"
 #include "preview/FrameRenderer.h"
 
 #include <marlet/animation/PropertyManager.h>
+#include <marlet/editor/EditorSequence.h>
 #include <marlet/layers/AbstractLayer.h>
 #include <marlet/project/CompositionAsset.h>
 #include <marlet/project/Project.h>
@@ -112,6 +114,9 @@ void Run(const Arguments &arguments, Output &output)
     const ProjectPointer project = ReadProject(arguments.Operand(0));
     ReportContent content;
     AddThumbnails(project, folder, content);
+    if (project->Sequence())
+        content.timeline.push_back(
+            {folder.Add("timeline", ".svg", TimelinePicture(*project)), "the editor timeline"});
     AddCurves(*project, folder, content);
     content.tree.push_back({folder.Add("tree", ".svg", TreePicture(*project)), "the whole project"});
     content.findings = CheckProject(*project);
