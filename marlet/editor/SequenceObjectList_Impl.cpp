@@ -163,9 +163,6 @@ void SequenceObjectList_Impl::Insert(const Object &object, std::size_t position)
     const auto offset = static_cast<std::ptrdiff_t>(position);
     slots.insert(slots.begin() + offset, TakeSlot(object));
     startFrames.insert(startFrames.begin() + offset, 0);
-    if (const std::shared_ptr<SequenceObjectList_Impl> former = object->list_->lock())
-        former->mayShareObjects = former->mayShareObjects || former.get() != this;
-    *object->list_ = weak_from_this();
     Refresh(position);
 }
 
@@ -197,6 +194,13 @@ SequenceObjectList::Objects SequenceObjectList_Impl::TakeAll()
     return taken;
 }
 
+void SequenceObjectList_Impl::Adopt(AbstractSequenceObject &object)
+{
+    if (const std::shared_ptr<SequenceObjectList_Impl> former = object.list_->lock())
+        former->mayShareObjects = former->mayShareObjects || former.get() != this;
+    *object.list_ = weak_from_this();
+}
+
 /// Takes an entry to another position; those between move up.
 void SequenceObjectList_Impl::Shift(std::size_t from, std::size_t to)
 {
@@ -215,6 +219,7 @@ void SequenceObjectList_Impl::Shift(std::size_t from, std::size_t to)
 /// starts there.
 void SequenceObjectList_Impl::MoveEntries(const Object &object, int startFrame)
 {
+    Adopt(*object);
     const int former = object->StartFrame();
     if (former == startFrame)
         return;

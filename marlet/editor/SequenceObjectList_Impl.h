@@ -29,7 +29,7 @@ struct SequenceObjectList_Impl : std::enable_shared_from_this<SequenceObjectList
     std::size_t firstLent = 0;
     std::size_t endLent = 0;
     bool mayHaveNullIDs = false;
-    /// Some object may be on another list too, which sets its start frame and is told of its end frame.
+    /// Some object may be on another list too, which has set its start frame and is told of its end frame.
     bool mayShareObjects = false;
 
     std::size_t Count() const { return startFrames.size(); }
@@ -56,6 +56,7 @@ struct SequenceObjectList_Impl : std::enable_shared_from_this<SequenceObjectList
     void MoveEntries(const Object &object, int startFrame);
 
 private:
+    void Adopt(AbstractSequenceObject &object);
     bool IsToldBy(const AbstractSequenceObject &object) const;
     void Release(AbstractSequenceObject &object) const;
     std::uint32_t TakeSlot(const Object &object);
