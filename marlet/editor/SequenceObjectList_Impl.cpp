@@ -9,10 +9,10 @@
 namespace marlet::project
 {
 
-/// A lent entry is asked itself.
+/// An entry that this list may know nothing of is asked itself.
 int SequenceObjectList_Impl::EndFrame(std::size_t position) const
 {
-    return IsLent(position) ? At(position)->EndFrame() : endFrames[slots[position]];
+    return mayShareObjects || IsLent(position) ? At(position)->EndFrame() : endFrames[slots[position]];
 }
 
 /// Asks no object whether it has the null ID unless one may have it.
@@ -74,15 +74,12 @@ std::size_t SequenceObjectList_Impl::FindEntry(const Object &object) const
     return kNone;
 }
 
-std::size_t SequenceObjectList_Impl::RequireEntry(const Object &object)
+std::size_t SequenceObjectList_Impl::RequireEntry(const Object &object) const
 {
-    std::size_t position = object ? FindEntry(object) : kNone;
-    if (position != kNone)
-        return position;
-    if (!object || std::find(objects.begin(), objects.end(), object) == objects.end())
+    const std::size_t position = object ? FindEntry(object) : kNone;
+    if (position == kNone)
         throw std::logic_error("The object is not on the track");
-    SortAgain(); // another list has set the start frame
-    return FindEntry(object);
+    return position;
 }
 
 void SequenceObjectList_Impl::TakeEndFrame(const AbstractSequenceObject &object)
@@ -100,17 +97,18 @@ void SequenceObjectList_Impl::Lend(std::size_t position)
     endLent = isFirst ? position + 1 : std::max(endLent, position + 1);
 }
 
-/// Before every change: references hold no longer than to the next one.
+/// Before every change: references hold no longer than to the next one, and what other lists did to shared
+/// objects counts from then on.
 void SequenceObjectList_Impl::TakeBack()
 {
     const std::size_t end = std::exchange(endLent, 0);
     for (std::size_t i = std::exchange(firstLent, 0); i < end; ++i) {
-        // What is on another list by now stays with that.
         if (At(i)->list_->expired())
             *At(i)->list_ = weak_from_this();
+        mayShareObjects = mayShareObjects || !IsToldBy(*At(i));
         Refresh(i);
     }
-    if (end > 0 && !std::is_sorted(startFrames.begin(), startFrames.end()))
+    if (mayShareObjects || (end > 0 && !std::is_sorted(startFrames.begin(), startFrames.end())))
         SortAgain();
 }
 
@@ -128,14 +126,22 @@ void SequenceObjectList_Impl::SortAgain()
     std::stable_sort(slots.begin(), slots.end(), [this](std::uint32_t a, std::uint32_t b) {
         return objects[a]->StartFrame() < objects[b]->StartFrame();
     });
-    for (std::size_t i = 0; i < Count(); ++i)
+    mayShareObjects = false;
+    for (std::size_t i = 0; i < Count(); ++i) {
+        mayShareObjects = mayShareObjects || !IsToldBy(*At(i));
         Refresh(i);
+    }
+}
+
+bool SequenceObjectList_Impl::IsToldBy(const AbstractSequenceObject &object) const
+{
+    return object.list_->lock().get() == this;
 }
 
 /// An object that is on another list stays with that.
 void SequenceObjectList_Impl::Release(AbstractSequenceObject &object) const
 {
-    if (object.list_->lock().get() == this)
+    if (IsToldBy(object))
         object.list_->reset();
 }
 
@@ -157,7 +163,6 @@ void SequenceObjectList_Impl::Insert(const Object &object, std::size_t position)
     const auto offset = static_cast<std::ptrdiff_t>(position);
     slots.insert(slots.begin() + offset, TakeSlot(object));
     startFrames.insert(startFrames.begin() + offset, 0);
-    *object->list_ = weak_from_this();
     Refresh(position);
 }
 
@@ -185,7 +190,15 @@ SequenceObjectList::Objects SequenceObjectList_Impl::TakeAll()
     endFrames.clear();
     freeSlots.clear();
     mayHaveNullIDs = false;
+    mayShareObjects = false;
     return taken;
+}
+
+void SequenceObjectList_Impl::Adopt(AbstractSequenceObject &object)
+{
+    if (const std::shared_ptr<SequenceObjectList_Impl> former = object.list_->lock())
+        former->mayShareObjects = former->mayShareObjects || former.get() != this;
+    *object.list_ = weak_from_this();
 }
 
 /// Takes an entry to another position; those between move up.
@@ -206,6 +219,7 @@ void SequenceObjectList_Impl::Shift(std::size_t from, std::size_t to)
 /// starts there.
 void SequenceObjectList_Impl::MoveEntries(const Object &object, int startFrame)
 {
+    Adopt(*object);
     const int former = object->StartFrame();
     if (former == startFrame)
         return;
