@@ -28,7 +28,7 @@ void SequenceObjectList::SetTrackID(const kytl::KyID &id)
 
 bool SequenceObjectList::IsEmpty() const
 {
-    return impl_->slots.empty();
+    return impl_->numbers.empty();
 }
 
 unsigned int SequenceObjectList::Count() const
@@ -38,12 +38,12 @@ unsigned int SequenceObjectList::Count() const
 
 const SequenceObjectList::Object &SequenceObjectList::operator[](unsigned int index) const
 {
-    return impl_->objects[impl_->slots.at(index)];
+    return impl_->slots[impl_->numbers.at(index)].object;
 }
 
 SequenceObjectList::Object &SequenceObjectList::operator[](unsigned int index)
 {
-    Object &entry = impl_->objects[impl_->slots.at(index)];
+    Object &entry = impl_->slots[impl_->numbers.at(index)].object;
     impl_->Lend(index);
     return entry;
 }

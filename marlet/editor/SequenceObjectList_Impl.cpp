@@ -12,7 +12,7 @@ namespace marlet::project
 /// A lent entry is asked itself.
 int SequenceObjectList_Impl::EndFrame(std::size_t position) const
 {
-    return IsLent(position) ? At(position)->EndFrame() : endFrames[slots[position]];
+    return IsLent(position) ? At(position)->EndFrame() : slots[numbers[position]].endFrame;
 }
 
 /// Asks no object whether it has the null ID unless one may have it.
@@ -79,7 +79,8 @@ std::size_t SequenceObjectList_Impl::RequireEntry(const Object &object)
     std::size_t position = object ? FindEntry(object) : kNone;
     if (position != kNone)
         return position;
-    if (!object || std::find(objects.begin(), objects.end(), object) == objects.end())
+    const auto holdsIt = [&object](const Slot &slot) { return slot.object == object; };
+    if (!object || std::none_of(slots.begin(), slots.end(), holdsIt))
         throw std::logic_error("The object is not on the track");
     SortAgain(); // another list has set the start frame
     return FindEntry(object);
@@ -90,7 +91,7 @@ void SequenceObjectList_Impl::TakeEndFrame(const AbstractSequenceObject &object)
     const int startFrame = object.StartFrame();
     for (std::size_t i = LowerBound(startFrame); i < Count() && startFrames[i] == startFrame; ++i)
         if (At(i).get() == &object)
-            endFrames[slots[i]] = object.EndFrame();
+            slots[numbers[i]].endFrame = object.EndFrame();
 }
 
 void SequenceObjectList_Impl::Lend(std::size_t position)
@@ -119,14 +120,14 @@ void SequenceObjectList_Impl::Refresh(std::size_t position)
 {
     const AbstractSequenceObject &object = *At(position);
     startFrames[position] = object.StartFrame();
-    endFrames[slots[position]] = object.EndFrame();
+    slots[numbers[position]].endFrame = object.EndFrame();
     mayHaveNullIDs = mayHaveNullIDs || object.ID().IsNull();
 }
 
 void SequenceObjectList_Impl::SortAgain()
 {
-    std::stable_sort(slots.begin(), slots.end(), [this](std::uint32_t a, std::uint32_t b) {
-        return objects[a]->StartFrame() < objects[b]->StartFrame();
+    std::stable_sort(numbers.begin(), numbers.end(), [this](std::uint32_t a, std::uint32_t b) {
+        return slots[a].object->StartFrame() < slots[b].object->StartFrame();
     });
     for (std::size_t i = 0; i < Count(); ++i)
         Refresh(i);
@@ -142,20 +143,19 @@ void SequenceObjectList_Impl::Release(AbstractSequenceObject &object) const
 std::uint32_t SequenceObjectList_Impl::TakeSlot(const Object &object)
 {
     if (freeSlots.empty()) {
-        objects.push_back(object);
-        endFrames.push_back(0);
-        return static_cast<std::uint32_t>(objects.size() - 1);
+        slots.push_back({object});
+        return static_cast<std::uint32_t>(slots.size() - 1);
     }
     const std::uint32_t slot = freeSlots.back();
     freeSlots.pop_back();
-    objects[slot] = object;
+    slots[slot].object = object;
     return slot;
 }
 
 void SequenceObjectList_Impl::Insert(const Object &object, std::size_t position)
 {
     const auto offset = static_cast<std::ptrdiff_t>(position);
-    slots.insert(slots.begin() + offset, TakeSlot(object));
+    numbers.insert(numbers.begin() + offset, TakeSlot(object));
     startFrames.insert(startFrames.begin() + offset, 0);
     *object->list_ = weak_from_this();
     Refresh(position);
@@ -164,9 +164,9 @@ void SequenceObjectList_Impl::Insert(const Object &object, std::size_t position)
 void SequenceObjectList_Impl::Erase(std::size_t position)
 {
     const auto offset = static_cast<std::ptrdiff_t>(position);
-    const Object object = std::exchange(objects[slots[position]], nullptr);
-    freeSlots.push_back(slots[position]);
-    slots.erase(slots.begin() + offset);
+    const Object object = std::exchange(slots[numbers[position]].object, nullptr);
+    freeSlots.push_back(numbers[position]);
+    numbers.erase(numbers.begin() + offset);
     startFrames.erase(startFrames.begin() + offset);
     if (FindEntry(object) == kNone)
         Release(*object);
@@ -180,9 +180,8 @@ SequenceObjectList::Objects SequenceObjectList_Impl::TakeAll()
         taken.Add(At(i));
     }
     startFrames.clear();
+    numbers.clear();
     slots.clear();
-    objects.clear();
-    endFrames.clear();
     freeSlots.clear();
     mayHaveNullIDs = false;
     return taken;
@@ -199,7 +198,7 @@ void SequenceObjectList_Impl::Shift(std::size_t from, std::size_t to)
             std::rotate(at(to), at(from), at(from + 1));
     };
     rotate(startFrames.begin());
-    rotate(slots.begin());
+    rotate(numbers.begin());
 }
 
 /// Sets the object's start frame, and takes its entries, of which there may be none or several, behind what

@@ -13,16 +13,19 @@ namespace marlet::project
 struct SequenceObjectList_Impl : std::enable_shared_from_this<SequenceObjectList_Impl> {
     using Object = SequenceObjectList::Object;
 
+    struct Slot {
+        Object object;
+        int endFrame = 0;
+    };
+
     static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
 
     EditorSequence *sequence = nullptr;
     kytl::KyID trackID;
-    // By position, that is in order.
+    // By position, that is in order: where each starts, and the number of its slot.
     std::vector<int> startFrames;
-    std::vector<std::uint32_t> slots;
-    // By slot.
-    std::vector<Object> objects;
-    std::vector<int> endFrames;
+    std::vector<std::uint32_t> numbers;
+    std::vector<Slot> slots;
     std::vector<std::uint32_t> freeSlots;
     // The positions from the first to before the last may hold other objects than the list put there:
     // somebody was given a reference.
@@ -31,7 +34,7 @@ struct SequenceObjectList_Impl : std::enable_shared_from_this<SequenceObjectList
     bool mayHaveNullIDs = false;
 
     std::size_t Count() const { return startFrames.size(); }
-    const Object &At(std::size_t position) const { return objects[slots[position]]; }
+    const Object &At(std::size_t position) const { return slots[numbers[position]].object; }
     bool IsLent(std::size_t position) const { return position >= firstLent && position < endLent; }
     int EndFrame(std::size_t position) const;
     bool HasID(std::size_t position, const kytl::KyID &id) const;
