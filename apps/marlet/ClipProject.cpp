@@ -72,6 +72,7 @@ ClipProject MakeClipProject(const ProjectPointer &project, const MediaPointer &m
         CompositionAsset::Create(media->Name(), AudioVideoSettings::Preset::Hd720At25, video->FrameCount()),
         AssetLayer::Create(media)};
     TakeFormat(clip.composition->Settings(), *media, *video);
+    project->SetName(media->Name());
     Put(*project, media);
     Put(*project, clip.composition);
     clip.layer->SetEndFrame(video->FrameCount());

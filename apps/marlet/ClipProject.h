@@ -12,8 +12,8 @@ class Arguments;
 /// A feature of the picture, which a tracker is to follow.
 struct Feature {
     kytl::matl::KyPoint<2, float> position; ///< from the middle of the picture, Y up
-    float size = 48;                        ///< pixels
-    float searchSize = 128;                 ///< pixels
+    float size = 64;                        ///< pixels
+    float searchSize = 160;                 ///< pixels
 };
 
 /// From the options "--at", "--feature" and "--search". @throws UsageError

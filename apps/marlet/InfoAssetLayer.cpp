@@ -1,6 +1,7 @@
 #include "InfoAssetLayer.h"
 
 #include "InfoParts.h"
+#include "LayerContent.h"
 #include "Names.h"
 #include "Output.h"
 
@@ -67,7 +68,7 @@ void WriteAssetLayerText(const AssetLayer &layer, const AssetList &assets, Outpu
                 (asset ? Quoted(asset->Name()) : layer.AssetID().ToNarrowString() + " (not there)") +
                 ", its frames " + std::to_string(layer.AssetInstanceStart()) + " to " +
                 std::to_string(layer.AssetInstanceEnd()));
-    for (const auto &tracker : layer.Trackers()) {
+    for (const auto &tracker : TrackersOf(layer)) {
         const Tracker &shown = *tracker;
         output.Line(kIndent + "tracker " + Quoted(shown.Name()) + "  " + TrackerTypeName(shown.Type()) +
                     ", " + TrackerMethodName(shown.Method()));
@@ -92,7 +93,7 @@ void WriteAssetLayerJson(const AssetLayer &layer, Output &output)
         .Member("promote_lights", layer.PromoteLights())
         .Member("trackers", layer.Trackers().Count());
     EndJson(json, output);
-    for (const auto &tracker : layer.Trackers())
+    for (const auto &tracker : TrackersOf(layer))
         WriteTrackerJson(layer, *tracker, output);
 }
 

@@ -2,10 +2,13 @@
 #include "Document.h"
 #include "Info.h"
 #include "LayerContent.h"
+#include "Timeline.h"
 #include "plugins/Ribbon.h"
 
 #include <marlet/animation/PropertyManager.h>
-#include <marlet/layers/AssetLayer.h>
+#include <marlet/editor/AbstractSequenceObject.h>
+#include <marlet/editor/EditorSequence.h>
+#include <marlet/editor/Transition.h>
 #include <marlet/layers/Effect3DLayer.h>
 #include <marlet/masks/Mask.h>
 #include <marlet/masks/MotionPath.h>
@@ -45,9 +48,9 @@ void CountProperties(const PropertyManager &properties, ProjectSums &sums)
     }
 }
 
-void CountTrackers(const AssetLayer &layer, ProjectSums &sums)
+void CountTrackers(const AbstractLayer &layer, ProjectSums &sums)
 {
-    for (const std::shared_ptr<const Tracker> tracker : layer.Trackers()) {
+    for (const std::shared_ptr<const Tracker> tracker : TrackersOf(layer)) {
         ++sums.trackers;
         for (const auto &point : {tracker->PrimaryTrackingPoint(), tracker->SecondaryTrackingPoint()})
             if (point)
@@ -60,8 +63,7 @@ void CountLayer(const AbstractLayer &layer, ProjectSums &sums)
 {
     ++sums.layers;
     CountProperties(layer.Animation(), sums);
-    if (const auto *assetLayer = dynamic_cast<const AssetLayer *>(&layer))
-        CountTrackers(*assetLayer, sums);
+    CountTrackers(layer, sums);
     if (const auto *layer3D = dynamic_cast<const Effect3DLayer *>(&layer))
         if (const auto ribbon = std::dynamic_pointer_cast<const Ribbon>(layer3D->Effect()))
             CountProperties(ribbon->Properties(), sums);
@@ -74,6 +76,31 @@ void CountLayer(const AbstractLayer &layer, ProjectSums &sums)
         CountProperties(std::as_const(*mask).Animation(), sums);
         for (const auto &point : mask->Path().Points())
             CountProperties(std::as_const(*point).Animation(), sums);
+    }
+}
+
+/// A shared transition stands with the object before the cut.
+void CountTransition(const TransitionPointer &transition, bool counts, ProjectSums &sums)
+{
+    if (!transition || !counts)
+        return;
+    ++sums.transitions;
+    CountProperties(std::as_const(*transition).Properties(), sums);
+}
+
+void CountSequence(const EditorSequence &sequence, ProjectSums &sums)
+{
+    sums.sequenceTracks = TracksOf(sequence).size();
+    for (const std::shared_ptr<const AbstractSequenceObject> object : ObjectsOf(sequence)) {
+        ++sums.sequenceObjects;
+        CountProperties(object->Properties(), sums);
+        for (const auto &effect : object->Effects()) {
+            ++sums.effects;
+            CountProperties(std::as_const(*effect).Properties(), sums);
+        }
+        const TransitionPointer &incoming = object->IncomingTransition();
+        CountTransition(incoming, incoming && incoming->FromObject().IsNull(), sums);
+        CountTransition(object->OutgoingTransition(), true, sums);
     }
 }
 
@@ -101,14 +128,16 @@ ProjectSums CountProject(const Project &project)
         for (const LayerPointer &layer : composition->Layers())
             CountLayer(*layer, sums);
     }
+    if (const SequencePointer sequence = project.Sequence())
+        CountSequence(*sequence, sums);
     return sums;
 }
 
 const CommandSpec &InfoCommand()
 {
     static const CommandSpec command{
-        "info", "what is in a project", "FILE [--json]", 1, 1, {{"--json", "", "one JSON object a line"}},
-        Run};
+        "info", "what is in a project",   "FILE [--json]", 1, 1, {{"--json", "", "one JSON object a line"}},
+        Run,    "info examples/orbit.xml"};
     return command;
 }
 

@@ -95,26 +95,6 @@ void WriteEffect3D(const Effect3DLayer &layer, Output &output)
     WritePropertiesJson("effect3d", ribbon->ID(), ribbon->Properties(), output);
 }
 
-void WriteEffect(const AbstractLayer &layer, const EffectInstance &effect, Output &output)
-{
-    const std::shared_ptr<AbstractPlugin> plugin = effect.Plugin();
-    JsonWriter json = BeginJson("effect");
-    json.Member("layer", layer.ID())
-        .Member("id", effect.ID())
-        .Member("name", effect.Name())
-        .Member("plugin", effect.PluginID())
-        .Member("plugin_name", plugin->Name())
-        .Member("plugin_version", VersionText(plugin->Version()))
-        .Member("enabled", effect.Enabled())
-        .Member("private_bytes", PrivateByteCount(effect));
-    json.Key("hidden").BeginArray();
-    for (const std::string &control : HiddenControls(effect))
-        json.Value(control);
-    json.EndArray();
-    EndJson(json, output);
-    WritePropertiesJson("effect", effect.ID(), effect.Properties(), output);
-}
-
 void WriteMask(const AbstractLayer &layer, const Mask &mask, Output &output)
 {
     const MotionPath &path = mask.Path();
@@ -139,20 +119,23 @@ void WriteMask(const AbstractLayer &layer, const Mask &mask, Output &output)
     }
 }
 
+const char *HolderKey(LayerReference::Holder holder)
+{
+    if (holder == LayerReference::Holder::Tracker)
+        return "tracker";
+    return holder == LayerReference::Holder::Effect ? "effect" : "effect3d";
+}
+
 /// The parent link stands with the layer.
 void WriteReference(const AbstractLayer &layer, const LayerReference &reference, Output &output)
 {
     if (reference.holder == LayerReference::Holder::ParentLink)
         return;
     JsonWriter json = BeginJson("reference");
-    json.Member("layer", layer.ID());
-    if (reference.holder == LayerReference::Holder::Tracker)
-        json.Member("tracker", reference.object);
-    else
-        json.Member(reference.holder == LayerReference::Holder::Effect ? "effect" : "effect3d",
-                    reference.object)
-            .Member("property", reference.property);
-    json.Member("target", reference.target);
+    json.Member("layer", layer.ID())
+        .Member(HolderKey(reference.holder), reference.object)
+        .Member("property", reference.property)
+        .Member("target", reference.target);
     EndJson(json, output);
 }
 
@@ -167,7 +150,7 @@ void WriteContentJson(const AbstractLayer &layer, Output &output)
     if (const auto *effect3D = dynamic_cast<const Effect3DLayer *>(&layer))
         WriteEffect3D(*effect3D, output);
     for (const auto &effect : EffectsOf(layer))
-        WriteEffect(layer, *effect, output);
+        WriteEffectJson("layer", layer.ID(), *effect, output);
     for (const auto &mask : MasksOf(layer))
         WriteMask(layer, *mask, output);
     for (const LayerReference &reference : LayerReferences(layer))

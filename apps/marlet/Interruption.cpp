@@ -17,18 +17,26 @@ void TakeNote(int)
     requested = true;
 }
 
+/// What a shell lets its background jobs ignore stays ignored.
+void Catch(int signal, struct sigaction &before)
+{
+    struct sigaction action {
+    };
+    action.sa_handler = TakeNote;
+    action.sa_flags = SA_RESTART;
+    sigemptyset(&action.sa_mask);
+    ::sigaction(signal, nullptr, &before);
+    if (before.sa_handler != SIG_IGN)
+        ::sigaction(signal, &action, nullptr);
+}
+
 } // namespace
 
 Interruption::Interruption()
 {
     requested = false;
-    struct sigaction action {
-    };
-    action.sa_handler = TakeNote;
-    action.sa_flags = static_cast<int>(SA_RESTART | SA_RESETHAND);
-    sigemptyset(&action.sa_mask);
-    ::sigaction(SIGINT, &action, &beforeInterrupt_);
-    ::sigaction(SIGTERM, &action, &beforeTerminate_);
+    Catch(SIGINT, beforeInterrupt_);
+    Catch(SIGTERM, beforeTerminate_);
 }
 
 Interruption::~Interruption()

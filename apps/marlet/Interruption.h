@@ -5,8 +5,8 @@
 namespace marlet::tool
 {
 
-/// Takes note of Ctrl-C and of a request to end while it lives, in place of ending the process; a second one
-/// ends it. There is one at a time.
+/// Takes note of Ctrl-C and of a request to end while it lives, in place of ending the process. There is one
+/// at a time.
 class Interruption
 {
 public:

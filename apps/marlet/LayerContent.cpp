@@ -69,10 +69,10 @@ void AddEffectReferences(const EffectInstance &effect, std::vector<LayerReferenc
 const EffectList &EffectsOf(const AbstractLayer &layer)
 {
     static const EffectList none;
-    if (const auto *grade = dynamic_cast<const GradeLayer *>(&layer))
-        return grade->Effects();
     if (const auto *asset = dynamic_cast<const AssetLayer *>(&layer))
         return asset->Effects();
+    if (const auto *grade = dynamic_cast<const GradeLayer *>(&layer))
+        return grade->Effects();
     if (const auto *text = dynamic_cast<const TextLayer *>(&layer))
         return text->Effects();
     return none;
@@ -81,13 +81,20 @@ const EffectList &EffectsOf(const AbstractLayer &layer)
 const MaskList &MasksOf(const AbstractLayer &layer)
 {
     static const MaskList none;
-    if (const auto *grade = dynamic_cast<const GradeLayer *>(&layer))
-        return grade->Masks();
     if (const auto *asset = dynamic_cast<const AssetLayer *>(&layer))
         return asset->Masks();
+    if (const auto *grade = dynamic_cast<const GradeLayer *>(&layer))
+        return grade->Masks();
     if (const auto *text = dynamic_cast<const TextLayer *>(&layer))
         return text->Masks();
     return none;
+}
+
+const TrackerList &TrackersOf(const AbstractLayer &layer)
+{
+    static const TrackerList none;
+    const auto *asset = dynamic_cast<const AssetLayer *>(&layer);
+    return asset ? asset->Trackers() : none;
 }
 
 std::vector<std::string> HiddenControls(const EffectInstance &effect)
@@ -118,15 +125,14 @@ std::vector<LayerReference> LayerReferences(const AbstractLayer &layer)
 {
     std::vector<LayerReference> references;
     references.push_back({LayerReference::Holder::ParentLink, {}, {}, {}, layer.ParentLayerID()});
+    for (const auto &tracker : TrackersOf(layer))
+        references.push_back({LayerReference::Holder::Tracker,
+                              tracker->ID(),
+                              tracker->Name(),
+                              {},
+                              tracker->DestinationLayerID()});
     for (const auto &effect : EffectsOf(layer))
         AddEffectReferences(*effect, references);
-    if (const auto *asset = dynamic_cast<const AssetLayer *>(&layer))
-        for (const auto &tracker : asset->Trackers())
-            references.push_back({LayerReference::Holder::Tracker,
-                                  tracker->ID(),
-                                  tracker->Name(),
-                                  {},
-                                  tracker->DestinationLayerID()});
     if (const auto *layer3D = dynamic_cast<const Effect3DLayer *>(&layer))
         if (const auto ribbon = std::dynamic_pointer_cast<const Ribbon>(layer3D->Effect()))
             references.push_back({LayerReference::Holder::Effect3D, ribbon->ID(), u"Ribbon",
@@ -139,16 +145,12 @@ std::vector<LayerReference> LayerReferences(const AbstractLayer &layer)
 
 std::string HolderText(const LayerReference &reference)
 {
-    switch (reference.holder) {
-    case LayerReference::Holder::ParentLink:
+    if (reference.holder == LayerReference::Holder::ParentLink)
         return "parent layer";
-    case LayerReference::Holder::Tracker:
-        return "tracker " + Quoted(reference.name);
-    case LayerReference::Holder::Effect:
-        return "effect " + Quoted(reference.name) + ", property " + reference.property;
-    default:
-        return "3D effect " + Quoted(reference.name) + ", property " + reference.property;
-    }
+    if (reference.holder == LayerReference::Holder::Tracker)
+        return "tracker " + Quoted(reference.name) + ", destination";
+    return (reference.holder == LayerReference::Holder::Effect ? "effect " : "3D effect ") +
+           Quoted(reference.name) + ", property " + reference.property;
 }
 
 } // namespace marlet::tool

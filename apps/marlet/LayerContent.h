@@ -12,6 +12,7 @@ namespace marlet::project
 {
 class EffectInstance;
 class Mask;
+class Tracker;
 } // namespace marlet::project
 
 namespace marlet::tool
@@ -19,11 +20,13 @@ namespace marlet::tool
 
 using EffectList = kytl::KyList<std::shared_ptr<project::EffectInstance>, std::vector>;
 using MaskList = kytl::KyList<std::shared_ptr<project::Mask>, std::vector>;
+using TrackerList = kytl::KyList<std::shared_ptr<project::Tracker>, std::vector>;
 
 // Empty for classes of layers that have none.
 
 const EffectList &EffectsOf(const project::AbstractLayer &layer);
 const MaskList &MasksOf(const project::AbstractLayer &layer);
+const TrackerList &TrackersOf(const project::AbstractLayer &layer);
 
 /// The controls of an effect's panel that are out of sight, by their properties, in order.
 std::vector<std::string> HiddenControls(const project::EffectInstance &effect);
@@ -51,11 +54,11 @@ TextContent ContentOf(const project::TextLayer &layer);
 
 /// Where a layer names another one.
 struct LayerReference {
-    enum class Holder { ParentLink, Effect, Effect3D, Tracker };
+    enum class Holder { ParentLink, Tracker, Effect, Effect3D };
 
     Holder holder;
-    kytl::KyID object;              ///< the effect or tracker
-    project::WideString name;       ///< of the effect or tracker
+    kytl::KyID object;              ///< the tracker or effect
+    project::WideString name;       ///< of the tracker or effect
     project::NarrowString property; ///< of the effect
     kytl::KyID target;
 };

@@ -12,47 +12,32 @@ namespace
 
 constexpr double kPi = 3.14159265358979323846;
 
-/// A number from 0 to 1 for each knot of a grid, the same on every machine.
-double Knot(int x, int y, int seed)
+/// From 0 to 1, seen from the middle of the patch: waves in all directions, which repeat nowhere. What looks
+/// alike in all directions can be followed best.
+double Texture(double x, double y)
 {
-    auto bits = static_cast<std::uint32_t>(x) * 0x8DA6B343u ^ static_cast<std::uint32_t>(y) * 0xD8163841u ^
-                static_cast<std::uint32_t>(seed) * 0xCB1AB31Fu;
-    bits = (bits ^ bits >> 15) * 0x2C1B3C6Du;
-    bits = (bits ^ bits >> 12) * 0x297A2D39u;
-    return (bits ^ bits >> 15) / 4294967295.0;
+    constexpr int kWaves = 12;
+    double sum = 0;
+    for (int i = 0; i < kWaves; ++i) {
+        const double direction = 2.4 * i;
+        const double perPixel = 0.25 + 0.05 * i;
+        sum += std::sin(perPixel * (x * std::cos(direction) + y * std::sin(direction)) + i * i);
+    }
+    return 0.5 + 0.06 * sum;
 }
 
-double Smooth(double t)
+double Background(double x, double y)
 {
-    return t * t * (3 - 2 * t);
+    return 0.35 + 0.1 * std::sin(x / 60) * std::cos(y / 45);
 }
+
+/// Blue, green and red.
+constexpr double kPatchColour[] = {0.85, 1, 0.9};
+constexpr double kBackgroundColour[] = {1, 0.9, 0.8};
 
 double Mix(double a, double b, double t)
 {
     return a + (b - a) * t;
-}
-
-/// Smooth noise from 0 to 1, with knots at a distance of so many pixels.
-double Noise(double x, double y, double distance, int seed)
-{
-    const double column = std::floor(x / distance);
-    const double row = std::floor(y / distance);
-    const int i = static_cast<int>(column);
-    const int j = static_cast<int>(row);
-    const double u = Smooth(x / distance - column);
-    return Mix(Mix(Knot(i, j, seed), Knot(i + 1, j, seed), u),
-               Mix(Knot(i, j + 1, seed), Knot(i + 1, j + 1, seed), u), Smooth(y / distance - row));
-}
-
-/// From 0 to 1, seen from the middle of the patch. Channels differ.
-double Texture(double x, double y, int channel)
-{
-    return 0.6 * Noise(x, y, 14, channel) + 0.4 * Noise(x, y, 7, channel + 3);
-}
-
-double Background(double x, double y, int channel)
-{
-    return 0.3 + 0.2 * Noise(x, y, 60, channel + 6);
 }
 
 unsigned char Byte(double level)
@@ -77,7 +62,7 @@ TestClip::TestClip(int width, int height)
     for (int row = 0; row < height; ++row)
         for (int column = 0; column < width; ++column, pixel += 4)
             for (int channel = 0; channel < 3; ++channel)
-                pixel[channel] = Byte(Background(column, row, channel));
+                pixel[channel] = Byte(Background(column, row) * kBackgroundColour[channel]);
 }
 
 /// Both ways have a length that the other one's is no multiple of.
@@ -105,8 +90,9 @@ std::vector<unsigned char> TestClip::Picture(int frame) const
             unsigned char *pixel =
                 &picture[4 * (static_cast<std::size_t>(row) * static_cast<std::size_t>(width_) +
                               static_cast<std::size_t>(column))];
+            const double level = Texture(x, y);
             for (int channel = 0; channel < 3; ++channel)
-                pixel[channel] = Byte(Mix(pixel[channel] / 255.0, Texture(x, y, channel), coverage));
+                pixel[channel] = Byte(Mix(pixel[channel] / 255.0, level * kPatchColour[channel], coverage));
         }
     }
     return picture;

@@ -6,6 +6,7 @@
 #include "plugins/Plugins.h"
 #include "plugins/Ribbon.h"
 
+#include <marlet/layers/AssetLayer.h>
 #include <marlet/layers/CameraLayer.h>
 #include <marlet/layers/Effect3DLayer.h>
 #include <marlet/layers/GradeLayer.h>
@@ -148,14 +149,17 @@ protected:
     int height_;
 };
 
-/// The opening: titles in several scripts over a drifting cloud, and a ribbon round a point in space.
+/// The opening: titles in several scripts over a drifting cloud, a ribbon round a point in space, and at last
+/// the credits in a window.
 class Opening : public TitleScene
 {
 public:
     using TitleScene::TitleScene;
 
-    void Build(ProjectTextureImageCache &textures, const std::string &texture)
+    void Build(ProjectTextureImageCache &textures, const std::string &texture,
+               const CompositionPointer &credits)
     {
+        AddWindow(credits);
         const auto title = AddTitle();
         AddScripts(title);
         AddVignette();
@@ -164,6 +168,19 @@ public:
     }
 
 private:
+    /// In the upper right corner, at half the size.
+    void AddWindow(const CompositionPointer &credits)
+    {
+        const auto window = AssetLayer::Create(credits);
+        scene_.Add(window, {}, 0.6);
+        window->Animation().StaticValue("scale") = Scale3D{50, 50, 100};
+        window->Animation().StaticValue("position") =
+            kytl::matl::KyPoint<3, float>{Share(0.22, width_), Share(0.22, height_), 0};
+        scene_.AnimateEased(window, "opacity", {{0.6, 0.f}, {0.7, 100.f}});
+        AddMask(window, u"Pane", 4);
+        AddEffect(window, kDropShadowID);
+    }
+
     std::shared_ptr<TextLayer> AddTitle()
     {
         const auto title = AddText(u"Title");
@@ -261,7 +278,7 @@ private:
     }
 };
 
-/// The credits, which the cut puts behind the opening.
+/// The credits, which the opening shows in a window.
 class Credits : public TitleScene
 {
 public:
@@ -316,8 +333,11 @@ std::shared_ptr<Project> MakeTitlesProject(AudioVideoSettings::Preset preset, in
     const auto folder = BinFolder::Create(u"Titles");
     folder->SetParentFolderID(root.ID());
     root.Folders().Add(folder);
-    Opening(AddComposition(*project, *folder, u"Opening", preset, frameCount)).Build(textures, texture);
-    Credits(AddComposition(*project, root, u"Credits", preset, frameCount)).Build();
+    const auto opening = AddComposition(*project, *folder, u"Opening", preset, frameCount);
+    const auto credits = AddComposition(*project, root, u"Credits", preset, frameCount);
+    Opening(opening).Build(textures, texture, credits);
+    Credits(credits).Build();
+    FillInstances(*project);
     return project;
 }
 

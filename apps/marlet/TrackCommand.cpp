@@ -120,9 +120,9 @@ std::string PositionJson(const Tracker &tracker, const TrackedFrame &tracked)
 
 /// Runs the job and tells of it. What becomes of a position beside that is up to the caller.
 Tracking::FinishReason Track(const TrackerJob &job, bool json, Output &output,
+                             const Interruption &interruption,
                              const std::function<void(const TrackedFrame &)> &onFrame)
 {
-    const Interruption interruption;
     ProgressBar bar(FramesToDo(job));
     int positions = 0;
     const Tracking::FinishReason reason = RunTracker(
@@ -188,8 +188,10 @@ void TrackInProject(const Arguments &arguments, Output &output)
     MovePlayhead(composition, job);
     RequireWritable(out);
     const bool json = arguments.Has("--json");
-    const auto reason =
-        Track(job, json, output, [&](const TrackedFrame &tracked) { WriteKeyFrames(job, tracked); });
+    // Asked for once or more, it does not keep from saving either.
+    const Interruption interruption;
+    const auto reason = Track(job, json, output, interruption,
+                              [&](const TrackedFrame &tracked) { WriteKeyFrames(job, tracked); });
     WriteProject(*job.project, out);
     TellOfFinish(reason, json, output);
 }
@@ -209,7 +211,8 @@ void TrackInClip(const Arguments &arguments, Output &output)
     TakeOptions(arguments, job);
     MovePlayhead(clip.composition, job);
     const bool json = arguments.Has("--json");
-    TellOfFinish(Track(job, json, output, [](const TrackedFrame &) {}), json, output);
+    const Interruption interruption;
+    TellOfFinish(Track(job, json, output, interruption, [](const TrackedFrame &) {}), json, output);
 }
 
 void Run(const Arguments &arguments, Output &output)
@@ -235,8 +238,8 @@ const CommandSpec &TrackCommand()
          {"--layer", "L", "the layer, by ID or name"},
          {"--tracker", "T", "the tracker, by ID or name"},
          {"--at", "X,Y", "the feature in the first frame, in pixels from the middle, Y up"},
-         {"--feature", "N", "the feature's size in pixels; 48 if not given"},
-         {"--search", "N", "the size of the area around it where it is looked for; 128 if not given"},
+         {"--feature", "N", "the feature's size in pixels; 64 if not given"},
+         {"--search", "N", "the size of the area around it where it is looked for; 160 if not given"},
          {"--sequence", "", "MEDIA is a member of an image sequence of 25 frames per second"},
          {"--method", "M", "flow or template; that of the tracker if not given"},
          {"--from", "F", "the first frame, counted from the layer's start"},
@@ -247,7 +250,8 @@ const CommandSpec &TrackCommand()
          {"--match", "N", "how templates are compared, 0 to 5; 5 if not given"},
          {"--colour", "", "compare templates in colour"},
          {"--json", "", "one JSON object a line"}},
-        Run};
+        Run,
+        "track film.xml tracked.xml --composition Main --layer clip --tracker Corner"};
     return command;
 }
 

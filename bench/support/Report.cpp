@@ -65,6 +65,8 @@ constexpr Figure kFigures[] = {
      Bound::AtMost, 13},
     {"drop a text of 1,000,000 characters / of 100,000", Kind::Ratio, "DropText/1000000", "DropText/100000",
      Bound::AtMost, 13},
+    {"frames of a 1080p clip a second / bare decoder and scaler", Kind::Ratio, "ReadClipBare", "ReadClip",
+     Bound::AtLeast, 0.8},
     {"clone 1,000 layers with five effects / 100", Kind::Ratio, "CloneEffects/1000", "CloneEffects/100",
      Bound::AtMost, 13},
     {"load a track of 100,000 objects / parse and walk", Kind::Ratio, "LoadTrack/100000", "ParseTrack/100000",

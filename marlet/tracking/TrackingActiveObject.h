@@ -56,6 +56,7 @@ public:
     /// those at the composition's playhead.
     /// @throws boost::bad_get if a property of the tracker holds another type
     /// @throws std::logic_error if a point of the tracker is missing
+    /// @throws std::runtime_error if the layer's composition is not in the project
     StartResult Start(Direction direction, Duration duration, const std::shared_ptr<Project> &project,
                       const std::shared_ptr<AssetLayer> &layer, int time,
                       const std::shared_ptr<Tracker> &tracker, const TrackingOptions &options);

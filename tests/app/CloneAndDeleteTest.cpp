@@ -3,10 +3,13 @@
 #include "plugins/Plugins.h"
 #include "plugins/Ribbon.h"
 
+#include <marlet/layers/AssetLayer.h>
 #include <marlet/layers/Effect3DLayer.h>
 #include <marlet/layers/GradeLayer.h>
 #include <marlet/plugins/EffectInstance.h>
 #include <marlet/project/BinFolder.h>
+#include <marlet/project/SolidAsset.h>
+#include <marlet/tracking/Tracker.h>
 
 namespace marlet::test
 {
@@ -14,7 +17,7 @@ namespace marlet::test
 namespace
 {
 
-/// A layer "Map" that a child, an effect and, over its parent, a 3D effect refer to.
+/// A layer "Map" that a child, an effect, a tracker and, over its parent, a 3D effect refer to.
 class CloneAndDeleteTest : public ToolTest
 {
 protected:
@@ -33,6 +36,14 @@ protected:
         const auto ribbon = std::make_shared<tool::Ribbon>();
         ribbon->Properties().StaticValue(tool::Ribbon::kFollowed) = child_->ID();
         composition_->Layers().Add(Effect3DLayer::Create(ribbon, u"Ribbon"));
+        const auto sky = SolidAsset::Create(u"Sky", {}, 64, 64, PAR::Square);
+        project_->Assets().All().Add(sky);
+        const auto tracked = AssetLayer::Create(sky);
+        tracked->Trackers().Add(Tracker::Create(u"Cloud", {}, {}, 8, 16));
+        tracked->Trackers().back()->SetParentLayerID(tracked->ID());
+        tracked->Trackers().back()->SetDestinationLayerID(map_->ID());
+        composition_->Layers().Add(tracked);
+        sky->Instances().Add(tracked);
         for (const auto &layer : composition_->Layers())
             layer->SetParentComposition(composition_);
         Save("a.xml");
@@ -72,8 +83,10 @@ TEST_F(CloneAndDeleteTest, DeletingSaysWhatReferredToTheLayerAndClearsIt)
     EXPECT_EQ(run.out, "referred to by layer \"Child\", parent layer\n"
                        "referred to by layer \"Grade\", effect \"Shift\", property map\n"
                        "referred to by layer \"Ribbon\", over parents\n"
+                       "referred to by layer \"Sky\", tracker \"Cloud\", destination\n"
                        "cleared layer \"Child\", parent layer\n"
                        "cleared layer \"Grade\", effect \"Shift\", property map\n"
+                       "cleared layer \"Sky\", tracker \"Cloud\", destination\n"
                        "Layer \"Map\" is deleted\n");
     EXPECT_EQ(Read("b.xml").find(map_->ID().ToNarrowString()), std::string::npos);
     EXPECT_EQ(Delete("Child").out,
@@ -81,8 +94,8 @@ TEST_F(CloneAndDeleteTest, DeletingSaysWhatReferredToTheLayerAndClearsIt)
               "cleared layer \"Ribbon\", 3D effect \"Ribbon\", property followedLayer\n"
               "Layer \"Child\" is deleted\n");
     EXPECT_EQ(Delete("Grade").out, "Layer \"Grade\" is deleted\n");
-    EXPECT_EQ(Delete("Gone").err,
-              "marlet: a.xml: There is no layer \"Gone\", only \"Map\", \"Child\", \"Grade\", \"Ribbon\"\n");
+    EXPECT_EQ(Delete("Gone").err, "marlet: a.xml: There is no layer \"Gone\", only \"Map\", \"Child\", "
+                                  "\"Grade\", \"Ribbon\", \"Sky\"\n");
 }
 
 TEST_F(CloneAndDeleteTest, DeletingOpensACircleOfParentsAndIsNotHeldUpByAnother)
@@ -107,7 +120,11 @@ TEST_F(CloneAndDeleteTest, CheckFindsWhatEffectsReferToInVain)
                   " does not exist\n"
                   "dangling ID     layer \"Ribbon\" of composition \"Main\": the 3D effect \"Ribbon\", "
                   "property followedLayer: the layer " +
-                  child_->ID().ToNarrowString() + " does not exist\n");
+                  child_->ID().ToNarrowString() +
+                  " does not exist\n"
+                  "dangling ID     layer \"Sky\" of composition \"Main\": the tracker \"Cloud\", "
+                  "destination: the layer " +
+                  map_->ID().ToNarrowString() + " does not exist\n");
 }
 
 } // namespace

@@ -67,7 +67,8 @@ TEST_F(InfoTest, KeepsEveryObjectOnItsLineForPeople)
              "  2  \"Child\"  point, 2d, frames 0 to 100, on \"Parent\", hidden\n",
              " position             KyPoint3_32f  2 key frames, 0 to 40 ms, spatial\n",
              " rotationZ            float         0, expression time * 2\n",
-             "\n1 folder, 2 assets (0 offline), 1 composition, 2 layers, 0 effects, 0 masks, 0 trackers, 16 properties "
+             "\n1 folder, 2 assets (0 offline), 1 composition, 2 layers, 0 effects, 0 masks, 0 trackers, 16 "
+             "properties "
              "(1 animated), 2 key frames, 1 expression, 2 metadata values\n",
          })
         EXPECT_THAT(out, HasSubstr(line));

@@ -28,7 +28,8 @@ TEST_F(NewTest, TitlesHaveWhatHangsOnLayers)
     for (const char *words :
          {"effect \"Shimmer\"  Displacement 1.0.0.1, on, 256 bytes of its own\n",
           "refers to \"Title\" by effect \"Shimmer\", property map\n", "texture none.png, not there\n",
-          "2 compositions, 11 layers, 7 effects, 3 masks, "})
+          "\"Credits\"  composition, 1280x720, 250 frames, used 1 time\n",
+          "2 compositions, 12 layers, 8 effects, 4 masks, "})
         EXPECT_THAT(out, testing::HasSubstr(words));
     EXPECT_EQ(Run({"check", "a.xml"}).out,
               "missing file    layer \"Ribbon\" of composition \"Opening\", 3D effect: the texture none.png "

@@ -39,6 +39,14 @@ AVColorSpace ColourSpaceFor(int height)
     return height > kStandardHeight ? AVCOL_SPC_BT709 : AVCOL_SPC_SMPTE170M;
 }
 
+void SetFieldOrder(AVCodecContext &encoder, FieldOrder order)
+{
+    if (order == FieldOrder::WholeFrames)
+        return;
+    encoder.flags |= AV_CODEC_FLAG_INTERLACED_DCT | AV_CODEC_FLAG_INTERLACED_ME;
+    encoder.field_order = order == FieldOrder::TopFirst ? AV_FIELD_TT : AV_FIELD_BB;
+}
+
 CodecPtr OpenVideo(const EncoderOutput &output, const EncoderOptions &options)
 {
     CodecPtr encoder = output.NewEncoder(AV_CODEC_ID_MPEG4);
@@ -52,6 +60,7 @@ CodecPtr OpenVideo(const EncoderOutput &output, const EncoderOptions &options)
     encoder->sample_aspect_ratio = {options.pixelAspect.numerator, options.pixelAspect.denominator};
     encoder->gop_size = options.groupSize;
     encoder->max_b_frames = options.bFrames;
+    SetFieldOrder(*encoder, options.fieldOrder);
     if (options.bitRate > 0) {
         encoder->bit_rate = options.bitRate;
     } else {
@@ -146,6 +155,8 @@ void Encoder::AddFrame(const unsigned char *bgra, int rowBytes)
     frame.height = encoder.height;
     frame.format = encoder.pix_fmt;
     frame.quality = encoder.global_quality;
+    frame.interlaced_frame = (encoder.flags & AV_CODEC_FLAG_INTERLACED_DCT) != 0;
+    frame.top_field_first = encoder.field_order == AV_FIELD_TT;
     frame.pts = state_->video.position++;
     state_->output.Check(av_frame_get_buffer(&frame, 0));
     sws_scale(state_->converter.get(), &bgra, &rowBytes, 0, encoder.height, frame.data, frame.linesize);

@@ -12,6 +12,8 @@ struct Fraction {
     int denominator;
 };
 
+enum class FieldOrder { WholeFrames, BottomFirst, TopFirst };
+
 struct EncoderOptions {
     int width = 0;  ///< pixels
     int height = 0; ///< pixels
@@ -20,6 +22,7 @@ struct EncoderOptions {
     int quantiser = 2;     ///< 1 for the best quality to 31, where there is no bit rate
     int groupSize = 12;    ///< the most frames from one key frame to the next
     int bFrames = 0;       ///< frames in a row that are predicted from both sides
+    FieldOrder fieldOrder = FieldOrder::WholeFrames;
     Fraction pixelAspect = {1, 1};
     int sampleRate = 0; ///< hertz; 0 for no sound
     int channels = 2;

@@ -83,9 +83,9 @@ std::shared_ptr<KyAbstractCodecInfo> AudioStream::CodecInfo() const
 int AudioStream::Read(long long start, int count, unsigned char *buffer)
 {
     const std::int64_t frameBytes = std::int64_t{facts_.bytesPerSample} * facts_.channels;
-    // The end is that of the request where it does not lie beyond all numbers, and so beyond the stream.
+    // Nothing is added to a start behind the stream, which may lie at the end of all numbers.
     const std::int64_t end =
-        start < facts_.count ? std::min<std::int64_t>(start + count, facts_.count) : start;
+        start < facts_.count ? std::min<std::int64_t>(start + count, facts_.count) : facts_.count;
     const std::int64_t begin = std::clamp<std::int64_t>(start, 0, facts_.count);
     if (begin >= end) {
         std::memset(buffer, 0, static_cast<std::size_t>(count * frameBytes));

@@ -90,7 +90,8 @@ Demuxer::Demuxer(FileSourcePtr source) : source_(std::move(source))
         av_free(buffer);
         throw std::bad_alloc();
     }
-    if (av_probe_input_buffer2(input_.get(), &container_, NameOf(source_->Path()), nullptr, 0, 0) < 0)
+    if (source_->Size() == 0 ||
+        av_probe_input_buffer2(input_.get(), &container_, NameOf(source_->Path()), nullptr, 0, 0) < 0)
         throw MediaFailure{kUnknownFormat};
     const std::string_view name = container_->name;
     // By its ending, any text passes for what a terminal would show.

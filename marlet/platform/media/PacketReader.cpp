@@ -96,7 +96,7 @@ bool PacketReader::SeekTo(int number)
     isPlaceKnown_ = false;
     if (demuxer_->Seek(stream_, TimeOf(mark)) && FindAfterSeek(number))
         return true;
-    const std::int64_t time = av_rescale_q(TimeOf(mark), Stream().time_base, AV_TIME_BASE_Q);
+    const std::int64_t time = av_rescale_q(TimeOf(mark), Stream().time_base, av_get_time_base_q());
     for (const std::int64_t margin : kMargins)
         if (demuxer_->Seek(-1, time - margin) && FindAfterSeek(number))
             return true;
