@@ -43,12 +43,6 @@ int Frame(long long frame)
     return static_cast<int>(frame);
 }
 
-/// Stills are the same in all their frames.
-bool HasFrames(AssetType type)
-{
-    return type == AssetType::Media || type == AssetType::Composition;
-}
-
 void RequireKind(const AbstractAsset &asset, TrackType kind)
 {
     // What a file holds that is not there is unknown.
