@@ -1,13 +1,20 @@
 // Any text either loads or is refused in the documented ways. What loads is saved, loaded and saved again
-// without a byte changing, answers for its matrices, values and references, and is cloned into compositions
-// of their own. Media assets open what their paths name, for reading alone. Each instance of a plug-in ends
-// once.
+// without a byte changing (unless transitions of the timeline name other objects than hold them), answers for
+// its matrices, values and references, and is cloned into compositions of their own. Media assets open what
+// their paths name, for reading alone. Each instance of a plug-in ends once.
 
 #include "support/Fuzz3DEffect.h"
 #include "support/FuzzInput.h"
 #include "support/FuzzPlugins.h"
 
 #include <marlet/animation/PropertyManager.h>
+#include <marlet/editor/AudioObject.h>
+#include <marlet/editor/AudioTrack.h>
+#include <marlet/editor/EditorSequence.h>
+#include <marlet/editor/SequenceObjectList.h>
+#include <marlet/editor/Transition.h>
+#include <marlet/editor/VideoTrack.h>
+#include <marlet/editor/VisualObject.h>
 #include <marlet/foundation/Exceptions.h>
 #include <marlet/layers/AbstractLayer.h>
 #include <marlet/project/AssetList.h>
@@ -19,6 +26,9 @@
 #include <marlet/project/ProjectTextureImageCache.h>
 
 #include <boost/lexical_cast/bad_lexical_cast.hpp>
+
+#include <algorithm>
+#include <set>
 
 using namespace marlet::project;
 
@@ -130,6 +140,110 @@ void AskMedia(const std::shared_ptr<AbstractAsset> &asset)
     media->Clone()->Serialize(textures);
 }
 
+constexpr int kFarFrames[] = {-2147483647 - 1, -1, 0, 1, 20, 2147483647};
+
+/// Whether the next load finds the transitions again: every one that is referred to is held by an object
+/// before, which is the only one of its ID.
+bool TransitionsAreInStep(const AbstractSequenceTrack &track, const EditorSequence &sequence)
+{
+    const SequenceObjectList &list = track.Objects();
+    std::set<NarrowString> before;
+    for (unsigned int i = 0; i < list.Count(); ++i) {
+        const AbstractSequenceObject &object = *list[i];
+        if (const auto transition = object.IncomingTransition();
+            transition && !transition->FromObject().IsNull()) {
+            const auto from = list.GetByID(transition->FromObject());
+            if (!from || from->OutgoingTransition() != transition ||
+                !before.contains(from->ID().ToNarrowString()))
+                return false;
+        }
+        if (sequence.FindObjectByID(object.ID()) != list[i])
+            return false;
+        before.insert(object.ID().ToNarrowString());
+    }
+    return true;
+}
+
+bool TransitionsAreInStep(const EditorSequence &sequence)
+{
+    const auto isInStep = [&](const auto &track) { return TransitionsAreInStep(*track, sequence); };
+    return std::ranges::all_of(sequence.VideoTracks(), isInStep) &&
+           std::ranges::all_of(sequence.AudioTracks(), isInStep);
+}
+
+void RequireOrder(const SequenceObjectList &list)
+{
+    for (unsigned int i = 1; i < list.Count(); ++i)
+        if (list[i]->StartFrame() < list[i - 1]->StartFrame())
+            Fail("the objects of a track are out of order");
+}
+
+void AskTrack(const SequenceObjectList &list)
+{
+    RequireOrder(list);
+    for (const int frame : kFarFrames) {
+        std::shared_ptr<AbstractSequenceObject> previous, next;
+        list.FindAdjacentObjects(frame, previous, next, list.FindOnFrame(frame));
+        list.GetByStartFrame(frame);
+        for (const int last : kFarFrames)
+            list.FindInRange(frame, last);
+    }
+}
+
+/// Takes a few objects around on their track, and leaves one out at last.
+void ChangeTrack(SequenceObjectList &list)
+{
+    for (const int frame : kFarFrames) {
+        if (list.IsEmpty())
+            return;
+        const auto object = list.FirstByTime();
+        list.Move(object, frame, frame % 2 == 0);
+        const auto last = list.LastByTime();
+        last->SetEndFrame(frame);
+        list.Remove(last);
+        list.Insert(last, last->StartFrame() / 2);
+        list.Insert(last, frame);
+        AskTrack(list);
+        list.Remove(last);
+    }
+    MayRefuse([&] { list.Remove(list.LastByTime()->ID()); });
+    list.Clear();
+}
+
+void AskObject(const AbstractSequenceObject &object, const std::shared_ptr<Project> &project)
+{
+    object.Length();
+    object.AssetInstanceEnd();
+    object.Asset(project->Assets());
+    MayRefuse([&] { object.Speed(); });
+    if (const auto *visual = dynamic_cast<const VisualObject *>(&object))
+        MayRefuse([&] { visual->WorldTransformation(project); });
+    if (const auto *sound = dynamic_cast<const AudioObject *>(&object))
+        MayRefuse([&] { sound->AudioFrameRate(project->Assets()); });
+}
+
+void AskSequence(const EditorSequence &sequence, const std::shared_ptr<Project> &project)
+{
+    for (const int frame : kFarFrames) {
+        sequence.PreviousEdit(frame);
+        sequence.NextEdit(frame);
+    }
+    const auto ask = [&](const auto &track) {
+        AskTrack(track->Objects());
+        track->Objects().ForEach([&](const auto &object) { AskObject(*object, project); });
+    };
+    std::ranges::for_each(sequence.VideoTracks(), ask);
+    std::ranges::for_each(sequence.AudioTracks(), ask);
+}
+
+void ChangeSequence(EditorSequence &sequence)
+{
+    for (const auto &track : sequence.VideoTracks())
+        ChangeTrack(track->Objects());
+    for (const auto &track : sequence.AudioTracks())
+        ChangeTrack(track->Objects());
+}
+
 void AskProject(const std::shared_ptr<Project> &project)
 {
     for (const auto &asset : project->Assets().GetByType(AssetType::Media))
@@ -141,6 +255,8 @@ void AskProject(const std::shared_ptr<Project> &project)
         AskReferences(composition);
         CloneComposition(composition);
     }
+    if (const auto sequence = project->Sequence())
+        AskSequence(*sequence, project);
 }
 
 void TryText(const WideString &text, const Plugins &plugins)
@@ -150,7 +266,12 @@ void TryText(const WideString &text, const Plugins &plugins)
         return;
     AskProject(project);
     const WideString saved = project->Serialize();
-    RequireSame(saved, Load(saved, plugins)->Serialize());
+    const auto again = Load(saved, plugins);
+    const auto sequence = project->Sequence();
+    if (!sequence || TransitionsAreInStep(*sequence))
+        RequireSame(saved, again->Serialize());
+    if (sequence)
+        ChangeSequence(*sequence);
 }
 
 } // namespace

@@ -105,7 +105,8 @@ const CommandSpec &CheckCommand()
         1,
         1,
         {{"--json", "", "one JSON object a line"}},
-        Run};
+        Run,
+        "check project.xml"};
     return command;
 }
 

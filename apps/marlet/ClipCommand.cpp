@@ -75,7 +75,8 @@ const CommandSpec &ClipCommand()
          {"--size", "WxH", "the size of the picture; 640x360 if not given"},
          {"--silent", "", "leave out the sound"},
          {"--json", "", "one JSON object a line"}},
-        Run};
+        Run,
+        "clip clip.mov --frames 100"};
     return command;
 }
 

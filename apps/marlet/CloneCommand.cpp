@@ -66,7 +66,8 @@ const CommandSpec &CloneCommand()
         2,
         {{"--composition", "C", "the composition, by ID or name"},
          {"--name", "N", "the name of the clone; that of the composition if not given"}},
-        Run};
+        Run,
+        "clone examples/titles.xml copy.xml --composition Opening --name \"Second Opening\""};
     return command;
 }
 

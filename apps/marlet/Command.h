@@ -24,9 +24,15 @@ struct CommandSpec {
     std::size_t mostOperands;
     std::vector<OptionSpec> options;
     void (*run)(const Arguments &, Output &);
-    std::string notes = {}; ///< lines for the end of the usage
+    std::string example = {}; ///< a call that makes sense, without the tool's own name
+    std::string notes = {};   ///< lines for the end of the usage
 };
 
+const CommandSpec &FrameCommand();
+const CommandSpec &ReportCommand();
+const CommandSpec &TreeCommand();
+const CommandSpec &DiffCommand();
+const CommandSpec &CurveCommand();
 const CommandSpec &InfoCommand();
 const CommandSpec &ValueCommand();
 const CommandSpec &MatrixCommand();

@@ -108,7 +108,8 @@ const CommandSpec &DecodeCommand()
          {"--size", "WxH", "scale it down to fit into a size if it is larger"},
          {"--sequence", "", "MEDIA is a member of an image sequence of 25 frames per second"},
          {"--json", "", "tell of the frame as one JSON object"}},
-        Run};
+        Run,
+        "decode clip.mov --frame 50 -o frame.png"};
     return command;
 }
 

@@ -93,7 +93,8 @@ const CommandSpec &DeleteCommand()
         2,
         {{"--composition", "C", "the composition, by ID or name"},
          {"--layer", "L", "the layer, by ID or name"}},
-        Run};
+        Run,
+        "delete examples/titles.xml shorter.xml --composition Opening --layer Title"};
     return command;
 }
 

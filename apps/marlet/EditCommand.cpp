@@ -289,6 +289,7 @@ const CommandSpec &EditCommand()
          {"--remove", "", "takes the transition away, on both sides if it is shared"},
          {"--type", "T", "video or audio; video if not given"}},
         Run,
+        "edit examples/cut.xml shorter.xml trim \"Sea\" --end 145",
         "An object is given by ID, NAME, TRACK/NAME or TRACK@FRAME. A name that only a picture and its "
         "sound\n"
         "have is that of the picture. Nothing is written if an object would cover another one, or frames "

@@ -65,7 +65,8 @@ const CommandSpec &FontsCommand()
                                      0,
                                      1,
                                      {{"--json", "", "one JSON object a line"}},
-                                     Run};
+                                     Run,
+                                     "fonts \"DejaVu Sans\""};
     return command;
 }
 

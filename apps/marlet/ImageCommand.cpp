@@ -137,7 +137,8 @@ const CommandSpec &ImageCommand()
         {{"-o", "OUT.png", "write the picture of the only FILE"},
          {"--size", "WxH", "read the picture, scaled down to fit into a size if it is larger"},
          {"--json", "", "one JSON object a line"}},
-        Run};
+        Run,
+        "image photo.png --size 320x240 -o small.png"};
     return command;
 }
 

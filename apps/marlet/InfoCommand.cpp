@@ -136,8 +136,8 @@ ProjectSums CountProject(const Project &project)
 const CommandSpec &InfoCommand()
 {
     static const CommandSpec command{
-        "info", "what is in a project", "FILE [--json]", 1, 1, {{"--json", "", "one JSON object a line"}},
-        Run};
+        "info", "what is in a project",   "FILE [--json]", 1, 1, {{"--json", "", "one JSON object a line"}},
+        Run,    "info examples/orbit.xml"};
     return command;
 }
 

@@ -182,7 +182,8 @@ const CommandSpec &MatrixCommand()
           "                      transformation, origin and world, which are all shown if it is not given"},
          {"--avoid-zero-scale", "", "take a very small scale for one of zero"},
          {"--json", "", "one JSON object a line"}},
-        Run};
+        Run,
+        "matrix examples/orbit.xml --composition Orbit --layer Moon --frames 0,12,24"};
     return command;
 }
 

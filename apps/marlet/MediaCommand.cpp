@@ -50,7 +50,8 @@ const CommandSpec &MediaCommand()
                                      {{"--sequence", "", "take each FILE for a member of an image sequence"},
                                       {"--rate", "R", "frames per second of the sequences; 25 if not given"},
                                       {"--json", "", "one JSON object a line"}},
-                                     Run};
+                                     Run,
+                                     "media clip.mov"};
     return command;
 }
 

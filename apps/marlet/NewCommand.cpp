@@ -5,6 +5,7 @@
 #include "ExampleProject.h"
 #include "Failure.h"
 #include "MediaSource.h"
+#include "ShowcaseProject.h"
 #include "TitlesProject.h"
 
 #include <marlet/project/Project.h>
@@ -22,7 +23,8 @@ namespace
 /// A clip brings its own format and length.
 void MakeFromClip(const Arguments &arguments)
 {
-    for (const char *option : {"--preset", "--frames", "--titles", "--texture", "--cut"})
+    for (const char *option :
+         {"--preset", "--frames", "--titles", "--texture", "--cut", "--showcase", "--picture"})
         if (arguments.Has(option))
             throw UsageError(std::string(option) + " does not go with --media");
     // A project names its files so that it can be opened in any folder.
@@ -42,6 +44,9 @@ std::shared_ptr<project::Project> MakeProject(const Arguments &arguments, AudioV
     const std::string &out = arguments.Operand(0);
     if (arguments.Has("--cut"))
         return MakeCutProject(format, frames, out);
+    if (arguments.Has("--showcase"))
+        return MakeShowcaseProject(
+            {format, frames, out, arguments.Text("--showcase"), arguments.Text("--picture")});
     if (arguments.Has("--titles"))
         return MakeTitlesProject(format, frames, out,
                                  arguments.Has("--texture") ? arguments.Text("--texture") : "");
@@ -69,10 +74,12 @@ void Run(const Arguments &arguments, Output &)
         throw UsageError("--frames: at least one is needed");
     if (arguments.Has("--texture") && !arguments.Has("--titles"))
         throw UsageError("--texture goes with --titles");
-    if (arguments.Has("--cut") && arguments.Has("--titles"))
-        throw UsageError("either --titles or --cut is needed, not both");
-    if (arguments.Has("--cut") && frames < kLeastCutFrames)
+    if (arguments.Has("--titles") + arguments.Has("--cut") + arguments.Has("--showcase") > 1)
+        throw UsageError("--titles, --cut and --showcase do not go together");
+    if ((arguments.Has("--cut") || arguments.Has("--showcase")) && frames < kLeastCutFrames)
         throw UsageError("--frames: a cut needs at least " + std::to_string(kLeastCutFrames));
+    if (arguments.Has("--picture") != arguments.Has("--showcase"))
+        throw UsageError("--showcase and --picture go together");
     WriteProject(*MakeProject(arguments, static_cast<AudioVideoSettings::Preset>(preset), frames),
                  arguments.Operand(0));
 }
@@ -85,6 +92,7 @@ const CommandSpec &NewCommand()
         "new",
         "a small project to start from and to look at",
         "OUT [--preset N] [--frames N] [--titles [--texture IMAGE] | --cut]\n"
+        "OUT [--preset N] [--frames N] --showcase CLIP --picture IMAGE\n"
         "OUT --media CLIP [--sequence] [--at X,Y [--feature N] [--search N]]",
         1,
         1,
@@ -93,12 +101,15 @@ const CommandSpec &NewCommand()
          {"--titles", "", "styled text with effects and masks in place of a system of planets"},
          {"--texture", "IMAGE", "the picture on the ribbon of the titles, as seen from the folder of OUT"},
          {"--cut", "", "the titles and a sequence that uses them, of 50 frames or more"},
+         {"--showcase", "CLIP", "all of these and a clip in space: a project that uses everything there is"},
+         {"--picture", "IMAGE", "a still that stands beside the clip"},
          {"--media", "CLIP", "a composition in the format of a video file, with a layer that shows it"},
          {"--sequence", "", "CLIP is a member of an image sequence of 25 frames per second"},
          {"--at", "X,Y", "a tracker of the feature there, in pixels from the middle, Y up"},
          {"--feature", "N", "the feature's size in pixels; 64 if not given"},
          {"--search", "N", "the size of the area around it where it is looked for; 160 if not given"}},
-        Run};
+        Run,
+        "new film.xml --preset 6 --frames 250"};
     return command;
 }
 

@@ -70,7 +70,8 @@ const CommandSpec &ParentCommand()
          {"--frame", "F", "the frame of the composition at which the layer stays in place"},
          {"--to", "P", "the new parent, by ID or name"},
          {"--remove", "", "detach the layer"}},
-        Run};
+        Run,
+        "parent examples/orbit.xml out.xml --composition Orbit --layer Moon --frame 12 --remove"};
     return command;
 }
 

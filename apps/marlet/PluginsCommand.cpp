@@ -196,8 +196,9 @@ void Run(const Arguments &arguments, Output &output)
 
 const CommandSpec &PluginsCommand()
 {
-    static const CommandSpec command{"plugins", "the tool's plug-ins and their panels",     "[--json]", 0,
-                                     0,         {{"--json", "", "one JSON object a line"}}, Run};
+    static const CommandSpec command{
+        "plugins", "the tool's plug-ins and their panels",     "[--json]", 0,
+        0,         {{"--json", "", "one JSON object a line"}}, Run,        "plugins --json"};
     return command;
 }
 

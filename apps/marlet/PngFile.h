@@ -3,6 +3,8 @@
 #include <cstddef>
 #include <string>
 
+class QImage;
+
 namespace marlet::tool
 {
 
@@ -18,7 +20,8 @@ struct Picture {
     std::size_t BytesPerRow() const { return (width * BytesPerPixel() + 3) / 4 * 4; }
 };
 
-/// The content of a PNG file with the picture in it, not compressed.
+/// The content of a PNG file with the picture in it. @throws Failure
 std::string EncodePng(const Picture &picture);
+std::string EncodePng(const QImage &picture);
 
 } // namespace marlet::tool

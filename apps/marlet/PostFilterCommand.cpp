@@ -86,7 +86,8 @@ const CommandSpec &PostFilterCommand()
          {"--layer", "L", "the layer, by ID or name"},
          {"--frame", "N", "a frame of the composition; that of the playhead if not given"},
          {"--json", "", "one JSON object"}},
-        Run};
+        Run,
+        "postfilter examples/titles.xml --composition Opening --layer Credits"};
     return command;
 }
 

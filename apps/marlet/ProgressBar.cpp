@@ -6,7 +6,9 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <cstdio>
+#include <utility>
 
 namespace marlet::tool
 {
@@ -26,11 +28,20 @@ std::string OneDecimal(double number)
     return std::string(buffer, result.ptr);
 }
 
+std::string TimeText(double seconds)
+{
+    const auto whole = static_cast<long long>(std::ceil(seconds));
+    if (whole < 60)
+        return std::to_string(whole) + " s";
+    return std::to_string(whole / 60) + " min " + std::to_string(whole % 60) + " s";
+}
+
 } // namespace
 
-ProgressBar::ProgressBar(int frameCount)
+ProgressBar::ProgressBar(int total, std::string unit)
     : isTerminal_(::isatty(STDERR_FILENO) == 1),
-      frameCount_(std::max(1, frameCount)),
+      total_(std::max(1, total)),
+      unit_(std::move(unit)),
       start_(std::chrono::steady_clock::now())
 {
 }
@@ -41,9 +52,9 @@ ProgressBar::~ProgressBar()
         Print("\n");
 }
 
-void ProgressBar::Show(int framesDone)
+void ProgressBar::Show(int done)
 {
-    framesDone_ = framesDone;
+    done_ = done;
     Draw();
 }
 
@@ -65,13 +76,18 @@ void ProgressBar::Draw()
     constexpr int kWidth = 30;
     if (!isTerminal_)
         return;
-    const auto filled = static_cast<std::size_t>(static_cast<long long>(kWidth) *
-                                                 std::min(framesDone_, frameCount_) / frameCount_);
+    const auto filled =
+        static_cast<std::size_t>(static_cast<long long>(kWidth) * std::min(done_, total_) / total_);
     const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start_).count();
+    const double rate = seconds > 0 ? done_ / seconds : 0;
+    std::string line = "[" + PadRight(std::string(filled, '#'), kWidth) + "] " + std::to_string(done_) +
+                       " of " + std::to_string(total_) + " " + unit_ + ", " + OneDecimal(rate) + " a second";
+    if (rate > 0 && done_ < total_)
+        line += ", " + TimeText((total_ - done_) / rate) + " left";
+    if (!message_.empty())
+        line += ", " + message_;
     Hide();
-    Print("[" + PadRight(std::string(filled, '#'), kWidth) + "] " + std::to_string(framesDone_) + " of " +
-          std::to_string(frameCount_) + " frames, " + OneDecimal(seconds > 0 ? framesDone_ / seconds : 0) +
-          " a second" + (message_.empty() ? "" : ", " + message_));
+    Print(line);
     isVisible_ = true;
 }
 

@@ -60,7 +60,8 @@ const CommandSpec &RelinkCommand()
         2,
         {{"--asset", "A", "the media asset, by ID or name"},
          {"--to", "PATH", "the file, or a member of the image sequence if the asset is one"}},
-        Run};
+        Run,
+        "relink film.xml out.xml --asset clip.mov --to moved/clip.mov"};
     return command;
 }
 

@@ -66,7 +66,8 @@ const CommandSpec &SamplesCommand()
          {"-o", "OUT.wav", "where to write them"},
          {"--asset", "A", "the media asset of the project, by ID or name; not needed for the only one"},
          {"--json", "", "tell as one JSON object how many of them lie inside the file"}},
-        Run};
+        Run,
+        "samples clip.mov --start 0 --count 48000 -o sound.wav"};
     return command;
 }
 

@@ -45,7 +45,8 @@ const CommandSpec &SaveCommand()
         2,
         2,
         {{"--without-plugins", "", "leave out every effect; OUT is another file than FILE"}},
-        Run};
+        Run,
+        "save old.xml new.xml"};
     return command;
 }
 

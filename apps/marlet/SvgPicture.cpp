@@ -1,6 +1,6 @@
 #include "SvgPicture.h"
 
-#include <marlet/foundation/Strings.h>
+#include "Markup.h"
 
 #include <charconv>
 #include <cmath>
@@ -8,31 +8,6 @@
 
 namespace marlet::tool
 {
-
-namespace
-{
-
-/// As XML text. Control characters, which no XML file can hold, are left out; bytes that are no UTF-8 are
-/// replaced.
-std::string Escaped(std::string_view text)
-{
-    std::string escaped;
-    for (const char c : project::ToUtf8(project::FromUtf8(text))) {
-        if (c == '<')
-            escaped += "&lt;";
-        else if (c == '&')
-            escaped += "&amp;";
-        else if (c == '"')
-            escaped += "&quot;";
-        else if (static_cast<unsigned char>(c) >= ' ')
-            escaped += c;
-        else if (c == '\n' || c == '\t')
-            escaped += ' ';
-    }
-    return escaped;
-}
-
-} // namespace
 
 SvgAttribute::SvgAttribute(std::string_view attribute, double number)
     : name(attribute), value(SvgNumber(number))
@@ -65,7 +40,11 @@ void SvgPicture::Begin(std::string_view tag, Attributes attributes)
 {
     text_.append(open_.size(), ' ').append("<").append(tag);
     for (const SvgAttribute &attribute : attributes)
-        text_.append(" ").append(attribute.name).append("=\"").append(Escaped(attribute.value)).append("\"");
+        text_.append(" ")
+            .append(attribute.name)
+            .append("=\"")
+            .append(EscapedMarkup(attribute.value))
+            .append("\"");
 }
 
 void SvgPicture::Add(std::string_view tag, Attributes attributes)
@@ -77,7 +56,7 @@ void SvgPicture::Add(std::string_view tag, Attributes attributes)
 void SvgPicture::Add(std::string_view tag, Attributes attributes, std::string_view text)
 {
     Begin(tag, attributes);
-    text_.append(">").append(Escaped(text)).append("</").append(tag).append(">\n");
+    text_.append(">").append(EscapedMarkup(text)).append("</").append(tag).append(">\n");
 }
 
 void SvgPicture::Open(std::string_view tag, Attributes attributes)

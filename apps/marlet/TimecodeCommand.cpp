@@ -74,7 +74,8 @@ const CommandSpec &TimecodeCommand()
                                       {"--text", "T", "a time code, such as 01:02:03:04"},
                                       {"--rate", "R", "frames per second, such as 29.97"},
                                       {"--json", "", "a JSON object"}},
-                                     Run};
+                                     Run,
+                                     "timecode --frame 1800 --rate 29.97"};
     return command;
 }
 

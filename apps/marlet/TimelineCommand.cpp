@@ -308,7 +308,8 @@ const CommandSpec &TimelineCommand()
         {{"--at", "F", "what each track shows on that frame, and what is around it, in place of the table"},
          {"--svg", "OUT.svg", "draws the tracks to scale as well"},
          {"--json", "", "one JSON object a line"}},
-        Run};
+        Run,
+        "timeline examples/cut.xml --at 100"};
     return command;
 }
 

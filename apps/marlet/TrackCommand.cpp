@@ -250,7 +250,8 @@ const CommandSpec &TrackCommand()
          {"--match", "N", "how templates are compared, 0 to 5; 5 if not given"},
          {"--colour", "", "compare templates in colour"},
          {"--json", "", "one JSON object a line"}},
-        Run};
+        Run,
+        "track film.xml tracked.xml --composition Main --layer clip --tracker Corner"};
     return command;
 }
 

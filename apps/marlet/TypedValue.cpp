@@ -98,6 +98,22 @@ struct JsonComponents {
     void operator()(std::initializer_list<double> components) const { Write(components); }
 };
 
+struct NumberScalar {
+    std::vector<double> &numbers;
+
+    void operator()(const kytl::KyID &) const {}
+    template <class Number> void operator()(Number v) const { numbers.push_back(static_cast<double>(v)); }
+};
+
+struct NumberComponents {
+    std::vector<double> &numbers;
+
+    template <class Real> void operator()(std::initializer_list<Real> components) const
+    {
+        numbers.assign(components.begin(), components.end());
+    }
+};
+
 } // namespace
 
 std::string TypeName(const project::PropertyValue &value)
@@ -110,6 +126,13 @@ std::string ValueText(const project::PropertyValue &value)
     std::string text;
     boost::apply_visitor(ComponentVisitor(TextScalar{text}, TextComponents{text}), value);
     return text;
+}
+
+std::vector<double> Components(const project::PropertyValue &value)
+{
+    std::vector<double> numbers;
+    boost::apply_visitor(ComponentVisitor(NumberScalar{numbers}, NumberComponents{numbers}), value);
+    return numbers;
 }
 
 void WriteValue(JsonWriter &json, const project::PropertyValue &value)

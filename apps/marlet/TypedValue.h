@@ -3,6 +3,7 @@
 #include <marlet/animation/PropertyValue.h>
 
 #include <string>
+#include <vector>
 
 namespace marlet::tool
 {
@@ -14,6 +15,9 @@ std::string TypeName(const project::PropertyValue &value);
 
 /// For people: "12.5", "(1, 2, 0)", "yes"
 std::string ValueText(const project::PropertyValue &value);
+
+/// The numbers that a value consists of, X before Y before Z and red before green; none for an ID.
+std::vector<double> Components(const project::PropertyValue &value);
 
 /// A number, a boolean, an ID as text, or an array of components.
 void WriteValue(JsonWriter &json, const project::PropertyValue &value);

@@ -7,22 +7,23 @@
 namespace marlet::tool
 {
 
-namespace
-{
-
 const std::vector<const CommandSpec *> &Commands()
 {
     static const std::vector<const CommandSpec *> commands{
-        &InfoCommand(),     &ValueCommand(),  &MatrixCommand(), &ParentCommand(),     &CloneCommand(),
-        &DeleteCommand(),   &SaveCommand(),   &ImageCommand(),  &MediaCommand(),      &DecodeCommand(),
-        &SamplesCommand(),  &RelinkCommand(), &TrackCommand(),  &PostFilterCommand(), &TimecodeCommand(),
-        &CheckCommand(),    &NewCommand(),    &ClipCommand(),   &PluginsCommand(),    &FontsCommand(),
-        &TimelineCommand(), &EditCommand(),
+        &InfoCommand(),       &CheckCommand(),  &ReportCommand(), &TimelineCommand(), &TreeCommand(),
+        &DiffCommand(),       &ValueCommand(),  &CurveCommand(),  &MatrixCommand(),   &FrameCommand(),
+        &PostFilterCommand(), &NewCommand(),    &EditCommand(),   &SaveCommand(),     &ParentCommand(),
+        &CloneCommand(),      &DeleteCommand(), &MediaCommand(),  &DecodeCommand(),   &SamplesCommand(),
+        &RelinkCommand(),     &TrackCommand(),  &ImageCommand(),  &TimecodeCommand(), &PluginsCommand(),
+        &FontsCommand(),      &ClipCommand(),
     };
     return commands;
 }
 
-} // namespace
+std::string VersionLine()
+{
+    return "marlet " MARLET_VERSION "\n";
+}
 
 const CommandSpec *FindCommand(const std::string &name)
 {
@@ -34,9 +35,13 @@ const CommandSpec *FindCommand(const std::string &name)
 std::string GeneralUsage()
 {
     std::string usage = "usage: marlet COMMAND ...\n\n";
+    std::size_t width = 0;
     for (const CommandSpec *command : Commands())
-        usage += "  " + PadRight(command->name, 10) + command->summary + "\n";
-    return usage + "\n\"marlet help COMMAND\" tells how a command is called.\n";
+        width = std::max(width, command->name.size() + 2);
+    for (const CommandSpec *command : Commands())
+        usage += "  " + PadRight(command->name, width) + command->summary + "\n";
+    return usage + "\n\"marlet help COMMAND\" tells how a command is called, \"marlet --version\" which "
+                   "marlet this is.\n";
 }
 
 std::string CommandUsage(const CommandSpec &command)
@@ -55,6 +60,8 @@ std::string CommandUsage(const CommandSpec &command)
         usage += "  " + PadRight(option.name + " " + option.placeholder, 20) + option.help + "\n";
     if (!command.notes.empty())
         usage += "\n" + command.notes;
+    if (!command.example.empty())
+        usage += "\nexample:\n  marlet " + command.example + "\n";
     return usage;
 }
 

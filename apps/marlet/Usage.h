@@ -2,16 +2,29 @@
 
 #include "Command.h"
 
+#include <string>
+#include <vector>
+
 namespace marlet::tool
 {
 
-/// Null if there is no such command.
+/// All commands, in the order in which they are shown.
+const std::vector<const CommandSpec *> &Commands();
+/// Null if there is none of that name.
 const CommandSpec *FindCommand(const std::string &name);
 
-/// All commands, with a line on each.
+/// What the tool is called with: everything, or one command.
 std::string GeneralUsage();
-
-/// How one command is called.
 std::string CommandUsage(const CommandSpec &command);
+
+/// "marlet 1.2.3"
+std::string VersionLine();
+
+// Made from what the commands say of themselves, so that they cannot tell of others.
+
+/// The tool's page of the manual, for man.
+std::string ManPage();
+/// A script that bash reads to complete commands, options and file names.
+std::string BashCompletion();
 
 } // namespace marlet::tool

@@ -92,7 +92,8 @@ const CommandSpec &ValueCommand()
          {"--composition", "C", "the composition, by ID or name"},
          {"--layer", "L", "the layer, by ID or name; FILE may also hold properties alone"},
          {"--json", "", "one JSON object a line"}},
-        Run};
+        Run,
+        "value examples/orbit.xml --composition Orbit --layer Moon --property position --times 0..1000"};
     return command;
 }
 

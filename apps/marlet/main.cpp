@@ -47,18 +47,28 @@ int ReportWrongArguments(const CommandSpec *command, std::string_view message)
     return kWrongArguments;
 }
 
-/// What is asked for: the usage of everything, that of one command, or a command itself.
+/// What is asked for: the usage of everything, that of one command, a text about the tool, or a command
+/// itself.
 struct Request {
     bool asksForHelp = false;
     std::string command; ///< empty if none is named
+    std::string (*text)() = nullptr;
 };
 
 Request ParseRequest(const std::vector<std::string> &words)
 {
     if (words.empty())
         return {};
-    if (words[0] == "help")
-        return {true, words.size() > 1 ? words[1] : ""};
+    if (words[0] == "--version")
+        return {true, "", VersionLine};
+    if (words[0] == "help") {
+        const std::string topic = words.size() > 1 ? words[1] : "";
+        if (topic == "--man")
+            return {true, "", ManPage};
+        if (topic == "--completion")
+            return {true, "", BashCompletion};
+        return {true, topic};
+    }
     const auto isHelp = [](const std::string &word) { return word == "--help" || word == "-h"; };
     if (isHelp(words[0]))
         return {true, ""};
@@ -84,12 +94,11 @@ template <class Work> int Guarded(const std::string &subject, Work work)
     return kFailure;
 }
 
-/// The usage of a command, or of everything.
-int ShowHelp(const CommandSpec *command)
+int Show(const std::string &text)
 {
     return Guarded({}, [&] {
         Output output;
-        output.Write(command ? CommandUsage(*command) : GeneralUsage());
+        output.Write(text);
         output.Flush();
     });
 }
@@ -120,8 +129,10 @@ int Main(const std::vector<std::string> &words)
     const CommandSpec *command = FindCommand(request.command);
     if (!command && !request.command.empty())
         return ReportWrongArguments(nullptr, "there is no command \"" + request.command + "\"");
+    if (request.text)
+        return Show(request.text());
     if (request.asksForHelp)
-        return ShowHelp(command);
+        return Show(command ? CommandUsage(*command) : GeneralUsage());
     if (!command)
         return ReportWrongArguments(nullptr, "a command is missing");
     return RunCommand(*command, {words.begin() + 1, words.end()});

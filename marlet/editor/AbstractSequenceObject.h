@@ -1,6 +1,7 @@
 #pragma once
 
 #include <marlet/foundation/KyList.h>
+#include <marlet/foundation/ValuePtr.h>
 #include <marlet/project/AbstractAssetInstance.h>
 
 #include <memory>
@@ -13,12 +14,13 @@ class AssetList;
 class EffectInstance;
 class PropertyManager;
 class Transition;
+struct SequenceObjectList_Impl;
 
 enum class ObjectType : int { Visual, Audio };
 
 /// A clip on the editor timeline: a span of frames on a track that shows or plays frames of an asset. It owns
 /// its properties and effects and shares its transitions with its neighbours; asset, track, sequence and
-/// partner are named by ID. A record that keeps nothing in step: what belongs together is the host's
+/// partner are named by ID. A record that keeps none of these in step: what belongs together is the host's
 /// business.
 ///
 /// Frames are of the sequence; the end frame is exclusive. Belongs to the thread that edits the project.
@@ -62,12 +64,19 @@ public:
     virtual void SetOutgoingTransition(const std::shared_ptr<Transition> &transition) = 0;
     virtual void ClearOutgoingTransition() = 0;
 
+protected:
+    /// SetEndFrame of a class calls this when it has set the frame: the list keeps it for searches.
+    void TellListOfEndFrame() const;
+
 private:
     friend class SequenceObjectList;
     friend struct SequenceObjectList_Impl;
 
     /// For the list alone, which stays in order.
     virtual void SetStartFrame(int frame) = 0;
+
+    /// The list that set its start frame last, while it is there.
+    Uncopied<std::weak_ptr<SequenceObjectList_Impl>> list_;
 };
 
 } // namespace marlet::project

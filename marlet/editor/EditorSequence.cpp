@@ -2,6 +2,7 @@
 
 #include <marlet/editor/AudioObject.h>
 #include <marlet/editor/AudioTrack.h>
+#include <marlet/editor/ObjectsByID.h>
 #include <marlet/editor/SequenceObjectList.h>
 #include <marlet/editor/VideoTrack.h>
 #include <marlet/editor/VisualObject.h>
@@ -12,7 +13,6 @@
 #include <algorithm>
 #include <cstdlib>
 #include <optional>
-#include <unordered_map>
 #include <utility>
 
 namespace marlet::project
@@ -20,7 +20,7 @@ namespace marlet::project
 
 /// The tracks come last: what goes with them may still look for objects.
 struct EditorSequence_Impl {
-    std::unordered_map<kytl::KyID, std::weak_ptr<AbstractSequenceObject>> objects;
+    ObjectsByID objects;
     kytl::KyID id = kytl::KyID::Generate();
     WideString name;
     AudioVideoSettings settings{AudioVideoSettings::Preset::None, 0};
@@ -137,12 +137,12 @@ void EditorSequence::Serialize(XmlWriter &writer) const
 
 void EditorSequence::AddObjectToCache(const std::shared_ptr<AbstractSequenceObject> &object)
 {
-    impl_->objects[object->ID()] = object;
+    impl_->objects.Set(object);
 }
 
 void EditorSequence::RemoveObjectFromCache(const std::shared_ptr<AbstractSequenceObject> &object)
 {
-    impl_->objects.erase(object->ID());
+    impl_->objects.Erase(object->ID());
 }
 
 std::shared_ptr<AbstractSequenceTrack> EditorSequence::FindSequenceTrackByID(const kytl::KyID &id) const
@@ -155,8 +155,7 @@ std::shared_ptr<AbstractSequenceTrack> EditorSequence::FindSequenceTrackByID(con
 
 std::shared_ptr<AbstractSequenceObject> EditorSequence::FindObjectByID(const kytl::KyID &id) const
 {
-    const auto found = impl_->objects.find(id);
-    return found == impl_->objects.end() ? nullptr : found->second.lock();
+    return impl_->objects.Find(id);
 }
 
 std::shared_ptr<VisualObject> EditorSequence::FindVisualObjectByID(const kytl::KyID &id) const

@@ -226,6 +226,7 @@ int SequenceObject::EndFrame() const
 void SequenceObject::SetEndFrame(int frame)
 {
     impl_->endFrame = frame;
+    TellListOfEndFrame();
 }
 
 int SequenceObject::Length() const

@@ -34,8 +34,8 @@ public:
     unsigned int Count() const;
     /// @throws std::out_of_range
     const Object &operator[](unsigned int index) const;
-    /// An object that is put in the place of another, which must not be null, keeps that place, as if it had
-    /// the other's start frame, until it is moved or removed; lookups by ID do not find it.
+    /// The reference holds until the list changes. An object that is put in the place of another, which must
+    /// not be null, takes its own place with that change; lookups by ID do not find it.
     Object &operator[](unsigned int index);
     /// @throws std::logic_error if the list is empty
     const Object &FirstByTime() const;
@@ -60,8 +60,8 @@ public:
     void ForEach(const std::function<void(Object)> &function);
     void ForEach(const std::function<void(std::shared_ptr<const AbstractSequenceObject>)> &function) const;
 
-    /// Sets the object's start frame, not its end frame nor its parent track. An object that is on another
-    /// list as well goes astray there: it stands where it stood, until it is moved or removed.
+    /// Sets the object's start frame, not its end frame nor its parent track. On another list that has the
+    /// object too, it keeps its place until that list changes, here as in Move.
     /// @throws std::invalid_argument for a null pointer
     void Insert(const Object &object, int startFrame);
     /// Sets the start frame; the end frame goes with it if the length is kept.
@@ -84,7 +84,7 @@ private:
     std::optional<int> FindPreviousEdit(int frame) const;
     std::optional<int> FindNextEdit(int frame) const;
 
-    std::unique_ptr<SequenceObjectList_Impl> impl_;
+    std::shared_ptr<SequenceObjectList_Impl> impl_;
 };
 
 } // namespace marlet::project

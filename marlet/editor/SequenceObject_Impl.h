@@ -16,7 +16,11 @@ struct SequenceObjectKind {
 struct SequenceObject_Impl {
     explicit SequenceObject_Impl(const SequenceObjectKind &ofKind) : kind(&ofKind) {}
 
+    // What lists ask for stands together in front.
     const SequenceObjectKind *kind;
+    kytl::KyID parentTrackID;
+    int startFrame = 0;
+    int endFrame = 0;
     kytl::KyID id;
     kytl::KyID parentSequenceID;
     std::shared_ptr<PropertyManager> properties = PropertyManager::Create();
@@ -27,10 +31,7 @@ struct SequenceObject_Impl {
     kytl::KyID assetID;
     mutable AssetType assetType = {};
     int assetInstanceStart = 0;
-    int startFrame = 0;
-    int endFrame = 0;
     bool muted = false;
-    kytl::KyID parentTrackID;
     kytl::KyID linkedObjectID;
     std::shared_ptr<Transition> incomingTransition;
     std::shared_ptr<Transition> outgoingTransition;

@@ -2,12 +2,10 @@
 #include <tests/support/LayerStage.h>
 #include <tests/support/LayerTexts.h>
 #include <tests/support/MatrixMatchers.h>
+#include <tests/support/TestPlugins.h>
 
 #include <marlet/layers/AssetLayer.h>
-#include <marlet/plugins/AbstractPlugin2D.h>
 #include <marlet/plugins/EffectInstance.h>
-#include <marlet/plugins/FilterSurface.h>
-#include <marlet/plugins/PluginUINode.h>
 #include <marlet/project/ImageAsset.h>
 #include <marlet/project/SolidAsset.h>
 #include <marlet/tracking/Tracker.h>
@@ -41,49 +39,6 @@ LayerPointer Reread(const AbstractLayer &layer, const char *what, const char *by
     return std::static_pointer_cast<AssetLayer>(ReadLayer(Replaced(TextOf(layer), what, by)));
 }
 
-/// Widens a frame by 10, 20, 3 and 4 pixels, and notes what it is told.
-class Frame : public AbstractPlugin2D
-{
-public:
-    KyID id = KyID::Generate();
-    WideString name = u"Frame";
-    VersionInfo version;
-    PropertyManager properties;
-    std::shared_ptr<AbstractPluginUITreeNode> panel = PluginUINode::CreateTreeRoot();
-    int kind = kFilter2D;
-    std::vector<std::vector<double>> calls;
-
-    const KyID &ID() const override { return id; }
-    int Kind() const override { return kind; }
-    const WideString &Name() const override { return name; }
-    const VersionInfo &Version() const override { return version; }
-    const PropertyManager &Properties() const override { return properties; }
-    const std::shared_ptr<AbstractPluginUITreeNode> &UITree() const override { return panel; }
-    void InstanceCreated(AbstractPluginInstance *) override {}
-    void InstanceDestroyed(AbstractPluginInstance *) override {}
-    void SerializeInstance(AbstractPluginInstance *, void *, void *) override {}
-    void DeserializeInstance(AbstractPluginInstance *, unsigned char *, int) override {}
-    void PropertyChanged(AbstractPluginInstance *, const char *) override {}
-    void FilterMargins(EffectInstance *, FilterSurface *surface, int width, int height, float scale,
-                       float aFloat, bool aBool, int time, int *left, int *right, int *top,
-                       int *bottom) override
-    {
-        calls.push_back({double(width), double(height), double(surface->width), double(surface->height),
-                         double(surface->textureWidth), double(surface->textureHeight), scale, aFloat,
-                         double(aBool), double(time)});
-        std::tie(*left, *right, *top, *bottom) = std::tuple(*left + 10, *right + 20, *top + 3, *bottom + 4);
-    }
-
-    void HostOperation1() override {}
-    void HostOperation2() override {}
-    void HostOperation3() override {}
-    void HostOperation4() override {}
-    void HostOperation5() override {}
-    void HostOperation6() override {}
-    void HostOperation7() override {}
-    void HostOperation8() override {}
-};
-
 TEST(AssetLayer, RemembersWhatItsAssetHasAndOnceHad)
 {
     const LayerStage stage;
@@ -93,14 +48,20 @@ TEST(AssetLayer, RemembersWhatItsAssetHasAndOnceHad)
     ASSERT_NE(read->Asset(stage.Assets()), nullptr);
     EXPECT_FALSE(read->HasAudio() || read->AssetHadAudio());
 
-    const auto promised =
-        Reread(*Reread(*layer, "<AssetType>2", "<AssetType>3"), "<AssetHadAudio>0", "<AssetHadAudio>1");
-    EXPECT_EQ(promised->AssetType(), AssetType::Composition);
-    promised->Asset(stage.Assets());
+    const auto typed = Reread(*layer, "<AssetType>2", "<AssetType>3");
+    EXPECT_EQ(typed->AssetType(), AssetType::Composition);
+    typed->Asset(stage.Assets());
     stage.project->Assets().All().Clear();
-    EXPECT_EQ(promised->AssetType(), AssetType::Solid);
-    EXPECT_TRUE(promised->HasVideo() && !promised->HasAudio() && promised->AssetHadAudio());
-    EXPECT_EQ(promised->Asset(stage.Assets()), nullptr);
+    EXPECT_EQ(typed->AssetType(), AssetType::Solid);
+    EXPECT_TRUE(typed->HasVideo() && typed->Asset(stage.Assets()) == nullptr);
+
+    FakeMedia clip;
+    const auto film = AssetLayer::Create(clip.asset);
+    clip.file.audio = nullptr;
+    clip.file.video = nullptr;
+    Hand(*clip.asset, &clip.file, 0);
+    EXPECT_FALSE(film->HasAudio() || film->HasVideo());
+    EXPECT_TRUE(film->AssetHadAudio() && film->AssetHadVideo());
 }
 
 TEST(AssetLayer, TakesWhatItsAssetAllows)
@@ -133,6 +94,7 @@ TEST(AssetLayer, StandsWhereItsPictureIs)
     stage.composition->Settings().SetWidth(200);
     FakeMedia clip;
     clip.file.video->pixelAspect = 1.5;
+    clip.file.video->frameRate = 23.5;
     const Asset missing = ImageAsset::Create(u"/no/such.png");
     const Matrix anchor = Matrix::Translation(-1, -2, 3);
     const Matrix position = Matrix::Translation(40, 50, 60);
@@ -140,17 +102,18 @@ TEST(AssetLayer, StandsWhereItsPictureIs)
         Asset asset;
         Matrix origin;
         Matrix toSetParent;
+        double soundRate;
     } cases[] = {
         {Solid(), anchor * Matrix::Scaling(2, 1, 1) * Matrix::Translation(-50, -25, 0),
-         position * anchor * Matrix::Translation(-50, -25, 0)},
+         position * anchor * Matrix::Translation(-50, -25, 0), 0},
         {stage.composition, anchor * Matrix::Scaling(3, 1, 1) * Matrix::Translation(-100, 0, 0),
-         position * anchor * Matrix::Translation(-100, 0, 0)},
+         position * anchor * Matrix::Translation(-100, 0, 0), 30},
         {clip.asset, anchor * Matrix::Scaling(1.5f, 1, 1) * Matrix::Translation(-32, -16, 0),
-         position * anchor * Matrix::Translation(-32, -16, 0)},
+         position * anchor * Matrix::Translation(-32, -16, 0), 23.5},
         {missing, position * Matrix::Translation(-150, -150, 0),
-         position * anchor * Matrix::Translation(-150, -150, 0)},
+         position * anchor * Matrix::Translation(-150, -150, 0), 0},
     };
-    for (const auto &[asset, origin, toSetParent] : cases) {
+    for (const auto &[asset, origin, toSetParent, soundRate] : cases) {
         const auto layer = Show(stage, asset);
         Set(*layer, "anchorPoint", Point{1, 2, 3});
         Set(*layer, "position", Point{40, 50, 60});
@@ -158,6 +121,7 @@ TEST(AssetLayer, StandsWhereItsPictureIs)
         EXPECT_THAT(layer->WorldTransformationAtTimeToSetParent(0, stage.project, false),
                     IsMatrixNear(toSetParent, 1e-6));
         EXPECT_EQ(layer->ParentingWorldTransformationAtTime(0, stage.project, false), position * anchor);
+        EXPECT_EQ(layer->AudioFrameRate(stage.Assets()), soundRate);
     }
 }
 
@@ -205,26 +169,11 @@ TEST(AssetLayer, TurnsAlongItsPathAboutTheMiddleOfItsPicture)
     }
 }
 
-TEST(AssetLayer, CountsSoundByTheRateOfItsAsset)
-{
-    const LayerStage stage;
-    FakeMedia clip;
-    FakeMedia sound;
-    clip.file.video->frameRate = 23.5;
-    sound.file.video = nullptr;
-    stage.composition->Settings().SetFrameRate(12.5);
-    for (const auto &[asset, rate] : {std::pair<Asset, double>(clip.asset, 23.5),
-                                      {sound.asset, 30.0},
-                                      {stage.composition, 12.5},
-                                      {Solid(), 0.0}})
-        EXPECT_EQ(Show(stage, asset)->AudioFrameRate(stage.Assets()), rate);
-}
-
 TEST(AssetLayer, GrowsByItsFiltersOneAfterAnother)
 {
-    const auto frame = std::make_shared<Frame>();
-    const auto other = std::make_shared<Frame>();
-    other->kind = 1;
+    const auto frame = std::make_shared<TestPlugin>();
+    const auto other = std::make_shared<TestPlugin>();
+    frame->kind = AbstractPlugin::kFilter2D;
     AssetLayer::EffectList effects;
     for (const auto &plugin : {frame, other, frame, frame})
         effects.Add(EffectInstance::Create(plugin));
@@ -235,35 +184,27 @@ TEST(AssetLayer, GrowsByItsFiltersOneAfterAnother)
     AssetLayer::ComputePostFilterDims(Solid(), effects, 70, 0.5f, true, offset, width, height);
     const std::vector<std::vector<double>> expected = {{100, 50, 100, 50, 100, 50, 1, 0.5, 1, 70},
                                                        {130, 57, 130, 57, 130, 57, 1, 0.5, 1, 70}};
-    EXPECT_EQ(frame->calls, expected);
-    EXPECT_TRUE(other->calls.empty());
+    EXPECT_EQ(frame->filtered, expected);
+    EXPECT_TRUE(other->filtered.empty());
     EXPECT_EQ(std::pair(width, height), std::pair(160, 64));
     EXPECT_TRUE(offset.X == 20 && offset.Y == 8);
     AssetLayer::ComputePostFilterDims(Solid(), {}, 70, 0.5f, true, offset, width, height);
     EXPECT_TRUE(offset.X == 0 && offset.Y == 0 && width == 100 && height == 50);
 }
 
-TEST(AssetLayer, RefersToTheDestinationsOfItsTrackers)
+TEST(AssetLayer, ClonesItsTrackersWithTheirDestinations)
 {
     const auto layer = AssetLayer::Create(Solid());
-    const KyID ids[] = {{.Data1 = 1}, {.Data1 = 2}, {.Data1 = 3}};
-    for (const KyID &id : {ids[0], ids[1]}) {
-        layer->Trackers().Add(Tracker::Create(u"", {}, {}, 8, 16));
-        layer->Trackers().back()->SetDestinationLayerID(id);
-    }
-    EXPECT_TRUE(layer->IsLayerReferenced(nullptr, ids[1]));
-    EXPECT_FALSE(layer->IsLayerReferenced(nullptr, ids[2]));
-    EXPECT_TRUE(layer->LayerReferencePropertyNames().empty());
+    const KyID destination{.Data1 = 1};
+    layer->Trackers().Add(Tracker::Create(u"", {}, {}, 8, 16));
+    layer->Trackers()[0]->SetDestinationLayerID(destination);
     const auto clone = std::static_pointer_cast<AssetLayer>(layer->Clone({}));
-    clone->ChangeLayerReferences({{ids[1].ToNarrowString(), ids[2].ToNarrowString()}});
-    clone->ClearInvalidLayerReferences({{ids[2].ToNarrowString(), false}});
-    ASSERT_EQ(clone->Trackers().Count(), 2u);
-    EXPECT_EQ(clone->Trackers()[0]->DestinationLayerID(), KyID());
-    EXPECT_EQ(clone->Trackers()[1]->DestinationLayerID(), ids[2]);
-    EXPECT_EQ(clone->Trackers()[1]->ParentLayerID(), clone->ID());
-    EXPECT_NE(clone->Trackers()[1]->ID(), layer->Trackers()[1]->ID());
-    EXPECT_EQ(layer->Trackers()[1]->DestinationLayerID(), ids[1]);
-    EXPECT_EQ(clone->AssetID(), layer->AssetID());
+    EXPECT_NE(clone->Trackers().at(0)->ID(), layer->Trackers()[0]->ID());
+    EXPECT_EQ(clone->Trackers()[0]->ParentLayerID(), clone->ID());
+    EXPECT_TRUE(clone->IsLayerReferenced(nullptr, destination));
+    clone->ClearInvalidLayerReferences({});
+    EXPECT_FALSE(clone->IsLayerReferenced(nullptr, destination));
+    EXPECT_TRUE(layer->IsLayerReferenced(nullptr, destination));
 }
 
 } // namespace

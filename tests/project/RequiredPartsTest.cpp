@@ -20,16 +20,17 @@ constexpr const char *kNewer =
 using Names = std::set<std::string>;
 
 /// The elements whose children are lists or values, which may all be missing.
-const Names kLists = {"Assets",    "SubFolders", "Layers",   "Masks",  "Points",  "Tokens",  "Formats",
-                      "Animation", "Value",      "Default",  "Static", "bool",    "int32_t", "float",
-                      "KyID",      "wstring",    "Metadata", "Views",  "Trackers"};
+const Names kLists = {"Assets",   "SubFolders", "Layers", "Masks",   "Points",   "Tokens",
+                      "Formats",  "Animation",  "Value",  "Default", "Static",   "bool",
+                      "int32_t",  "float",      "KyID",   "wstring", "Metadata", "Views",
+                      "Trackers", "Video",      "Audio",  "Objects"};
 
 /// What a reader does without elsewhere; it asks for all others.
 const Names kOptional = {
-    "ProjectSettings",    "AssetList",   "Assets",  "SubFolders", "Metadata",   "Instances",
-    "RenderSettings",     "Layers",      "Effects", "Masks",      "MotionPath", "Points",
-    "AudioVideoSettings", "ViewerState", "Views",   "Options",    "Trackers",   "Primary",
-    "Secondary"};
+    "ProjectSettings",    "AssetList",   "Assets",  "SubFolders", "Metadata",      "Instances",
+    "RenderSettings",     "Layers",      "Effects", "Masks",      "MotionPath",    "Points",
+    "AudioVideoSettings", "ViewerState", "Views",   "Options",    "Trackers",      "Primary",
+    "Secondary",          "Video",       "Audio",   "Objects",    "EditorSequence"};
 const Names kOptionalAttributes = {"Ft", "Ch", "Jf", "K", "V"};
 
 /// The first property that each class looks for, which one without its properties is said to lack.
@@ -37,7 +38,7 @@ const std::map<std::string, std::string> kFirstProperty = {
     {"AssetLayer", "anchorPoint"}, {"Primary", "featurePosition"}, {"Secondary", "featurePosition"},
     {"CameraLayer", "position"},   {"LightLayer", "position"},     {"PointLayer", "anchorPoint"},
     {"GradeLayer", "opacity"},     {"TextLayer", "anchorPoint"},   {"Mask", "opacity"},
-    {"Point", "position"}};
+    {"Point", "position"},         {"VisualObject", "opacity"},    {"AudioObject", "audioLevel"}};
 
 bool IsPanelLayout(std::string_view name)
 {

@@ -2,9 +2,10 @@
 
 #include <marlet/animation/PropertyManager.h>
 #include <marlet/animation/PropertyValue.h>
-#include <marlet/plugins/AbstractPlugin.h>
+#include <marlet/plugins/AbstractPlugin2D.h>
 #include <marlet/plugins/AbstractPluginInstance.h>
 #include <marlet/plugins/AbstractPluginManager.h>
+#include <marlet/plugins/FilterSurface.h>
 #include <marlet/plugins/PluginUICheckBox.h>
 #include <marlet/plugins/PluginUILayerPicker.h>
 #include <marlet/plugins/PluginUINode.h>
@@ -22,19 +23,23 @@ using namespace marlet::project;
 using kytl::KyID;
 
 /// A plug-in that keeps a text for each instance, notes the calls that it gets, and fails on demand. Its
-/// panel shows "amount", hides "smooth" and picks "layer".
-class TestPlugin : public AbstractPlugin
+/// panel shows "amount", hides "smooth" and picks "layer". As a filter it widens frames by 10, 20, 3 and 4
+/// pixels.
+class TestPlugin : public AbstractPlugin2D
 {
 public:
     using Instance = AbstractPluginInstance *;
 
     KyID id = KyID::Generate();
     WideString name = u"Blur";
+    int kind = kFilter2D + 1;
     VersionInfo version{1, 2, 3, 4};
     PropertyManager properties;
     std::shared_ptr<AbstractPluginUITreeNode> panel = PluginUINode::CreateTreeRoot();
 
     std::vector<NarrowString> calls;
+    /// The numbers that each FilterMargins was told.
+    std::vector<std::vector<double>> filtered;
     /// The call that throws; all but "created" have done their work by then.
     NarrowString failing;
     /// Runs in SerializeInstance behind the plug-in's own work.
@@ -63,7 +68,7 @@ public:
     }
 
     const KyID &ID() const override { return id; }
-    int Kind() const override { return 1; }
+    int Kind() const override { return kind; }
     const WideString &Name() const override { return name; }
     const VersionInfo &Version() const override { return version; }
     const PropertyManager &Properties() const override { return properties; }
@@ -104,6 +109,19 @@ public:
         Note(NarrowString("changed ") + property);
     }
 
+    void FilterMargins(EffectInstance *, FilterSurface *surface, int width, int height, float scale,
+                       float aFloat, bool aBool, int time, int *left, int *right, int *top,
+                       int *bottom) override
+    {
+        filtered.push_back({double(width), double(height), double(surface->width), double(surface->height),
+                            double(surface->textureWidth), double(surface->textureHeight), scale, aFloat,
+                            double(aBool), double(time)});
+        *left += 10;
+        *right += 20;
+        *top += 3;
+        *bottom += 4;
+    }
+
     void HostOperation1() override {}
     void HostOperation2() override {}
     void HostOperation3() override {}
@@ -111,6 +129,7 @@ public:
     void HostOperation5() override {}
     void HostOperation6() override {}
     void HostOperation7() override {}
+    void HostOperation8() override {}
 
 private:
     std::deque<NarrowString> texts_;

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "Document.h"
+#include "ProjectCheck.h"
+
+#include <string>
+#include <vector>
+
+namespace marlet::tool
+{
+
+/// A picture beside the page, by its file name.
+struct ReportPicture {
+    std::string file;
+    std::string caption;
+};
+
+/// What a report shows.
+struct ReportContent {
+    std::vector<ReportPicture> compositions;
+    std::vector<ReportPicture> timeline; ///< none without a sequence
+    std::vector<ReportPicture> curves;
+    std::size_t curvesLeftOut = 0;
+    std::vector<ReportPicture> tree;
+    std::vector<Finding> findings;
+};
+
+/// One HTML page without scripts, which works from a folder on disk.
+std::string ReportPage(const project::Project &project, const ReportContent &content);
+
+} // namespace marlet::tool

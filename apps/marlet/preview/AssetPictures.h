@@ -1,0 +1,37 @@
+#pragma once
+
+#include "Document.h"
+
+#include <QImage>
+
+#include <unordered_map>
+
+namespace marlet::project
+{
+class AbstractAsset;
+class ImageAsset;
+class MediaAsset;
+class SolidAsset;
+} // namespace marlet::project
+
+namespace marlet::tool
+{
+
+/// The pictures of a project's files and solids, premultiplied. Stills are kept. Needs a QGuiApplication for
+/// the labels of what cannot be shown.
+class AssetPictures
+{
+public:
+    /// A media frame at a rate, in frames per second; null for a frame that the clip does not have. A file
+    /// that cannot be used gets a placeholder with its name.
+    QImage FrameOf(project::MediaAsset &media, double frameRate, int frame);
+    QImage PictureOf(project::ImageAsset &image);
+    static QImage PictureOf(const project::SolidAsset &solid);
+    /// A box with a label, for what cannot be shown.
+    static QImage Placeholder(const std::string &label);
+
+private:
+    std::unordered_map<kytl::KyID, QImage> stills_;
+};
+
+} // namespace marlet::tool

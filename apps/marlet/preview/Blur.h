@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QImage>
+
+namespace marlet::tool
+{
+
+struct BlurOptions {
+    int horizontal = 0; ///< pixels at which the bell curve ends
+    int vertical = 0;
+    int passes = 1; ///< more passes gather more of the weight in the middle
+    bool repeatEdges = false;
+};
+
+/// Spreads every pixel of a premultiplied picture by a bell curve, in time that does not grow with its
+/// radius. The size stays; what lies outside of it is transparent, or repeats the pixels at the edges.
+QImage Blurred(const QImage &picture, const BlurOptions &options);
+
+} // namespace marlet::tool

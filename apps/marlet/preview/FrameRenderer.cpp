@@ -1,0 +1,212 @@
+#include "FrameRenderer.h"
+
+#include "GuiSession.h"
+#include "Markers.h"
+#include "MaskPainter.h"
+#include "TextPainter.h"
+#include "Values.h"
+#include "View.h"
+
+#include <marlet/layers/AssetLayer.h>
+#include <marlet/layers/GradeLayer.h>
+#include <marlet/layers/TextLayer.h>
+#include <marlet/project/AssetList.h>
+#include <marlet/project/CompositionAsset.h>
+#include <marlet/project/ImageAsset.h>
+#include <marlet/project/MediaAsset.h>
+#include <marlet/project/Project.h>
+#include <marlet/project/SolidAsset.h>
+
+#include <QPainter>
+
+#include <algorithm>
+#include <cmath>
+
+namespace marlet::tool
+{
+
+using namespace project;
+
+namespace
+{
+
+constexpr int kLongestSide = 8192;
+
+/// A composition's frame in square pixels.
+QSize FrameSize(const AudioVideoSettings &settings)
+{
+    const double width = settings.Width() * settings.PixelAspectRatioValue();
+    return {static_cast<int>(std::clamp(std::round(width), 1.0, static_cast<double>(kLongestSide))),
+            std::clamp(settings.Height(), 1, kLongestSide)};
+}
+
+double OpacityOf(const AbstractLayer &layer, int time)
+{
+    return std::clamp(static_cast<double>(NumberOr(layer.Animation(), "opacity", time, 100)) / 100, 0.0, 1.0);
+}
+
+bool IsInSpace(const AbstractLayer &layer)
+{
+    return layer.Dimensions() != LayerDimensions::TwoD;
+}
+
+const AssetList &AssetsOf(const ProjectPointer &project)
+{
+    return std::as_const(*project).Assets();
+}
+
+} // namespace
+
+FrameRenderer::FrameRenderer(ProjectPointer project) : project_(std::move(project))
+{
+    RequireGuiSession();
+}
+
+QImage FrameRenderer::Render(const CompositionPointer &composition, int frame, QSize size)
+{
+    const QImage picture = Draw(composition, frame);
+    return size.isEmpty() ? picture : picture.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+}
+
+QImage FrameRenderer::Draw(const CompositionPointer &composition, int frame)
+{
+    QImage canvas(FrameSize(composition->Settings()), QImage::Format_ARGB32_Premultiplied);
+    canvas.fill(Qt::transparent);
+    const View view(project_, *composition, frame, canvas.size());
+    open_.push_back(composition->ID());
+    const CompositionAsset::LayerList &layers = std::as_const(*composition).Layers();
+    for (auto layer = layers.rbegin(); layer != layers.rend(); ++layer)
+        if ((*layer)->IsVisible() && frame >= (*layer)->StartFrame() && frame < (*layer)->EndFrame())
+            DrawLayer({composition, frame, view, canvas}, **layer);
+    open_.pop_back();
+    return canvas;
+}
+
+void FrameRenderer::DrawLayer(const Scene &scene, const AbstractLayer &layer)
+{
+    const int time = layer.GlobalFrameToRelativeTime(scene.frame, AssetsOf(project_));
+    switch (layer.Type()) {
+    case LayerType::Grade:
+        return DrawGrade(scene, layer, time);
+    case LayerType::Asset:
+    case LayerType::Text:
+        break;
+    default:
+        return DrawMarker(scene, layer, time);
+    }
+    Surface surface = ContentOf(scene, layer);
+    if (surface.picture.isNull())
+        return;
+    Finish(scene, layer, time, surface);
+    const View::Matrix world = layer.WorldTransformationAtTime(time, project_, true);
+    const auto place = scene.view.OfPlane(world, IsInSpace(layer), surface);
+    if (!place)
+        return;
+    QPainter painter(&scene.canvas);
+    painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
+    painter.setOpacity(OpacityOf(layer, time));
+    painter.setTransform(place->toPicture);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(surface.picture);
+    painter.drawPolygon(place->visible);
+}
+
+void FrameRenderer::DrawGrade(const Scene &scene, const AbstractLayer &layer, int time)
+{
+    Surface surface{scene.canvas, {}, scene.canvas.size()};
+    const auto &grade = dynamic_cast<const GradeLayer &>(layer);
+    ApplyEffects(surface, grade.Effects(), time, LayersOf(scene));
+    // A grade changes what is in the frame, and no more.
+    Surface graded{surface.picture.copy(QRect(surface.corner, surface.content)), {}, surface.content};
+    QImage below = scene.canvas;
+    if (!grade.Masks().empty()) {
+        ApplyMasks(graded, grade.Masks(), time);
+        Surface hole{QImage(below.size(), below.format()), {}, below.size()};
+        hole.picture.fill(Qt::white);
+        ApplyMasks(hole, grade.Masks(), time);
+        QPainter painter(&below);
+        painter.setCompositionMode(QPainter::CompositionMode_DestinationOut);
+        painter.drawImage(0, 0, hole.picture);
+        painter.setCompositionMode(QPainter::CompositionMode_Plus);
+        painter.drawImage(0, 0, graded.picture);
+    } else {
+        below = graded.picture;
+    }
+    const double opacity = OpacityOf(layer, time);
+    QPainter painter(&scene.canvas);
+    painter.setCompositionMode(QPainter::CompositionMode_Source);
+    painter.setOpacity(opacity);
+    painter.drawImage(0, 0, below);
+}
+
+void FrameRenderer::DrawMarker(const Scene &scene, const AbstractLayer &layer, int time)
+{
+    QPainter painter(&scene.canvas);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const View::Matrix world = layer.WorldTransformationAtTime(time, project_, true);
+    PaintMarker(painter, layer, time, [&](const kytl::matl::KyPoint<3, float> &point) {
+        return scene.view.OfPoint(world, IsInSpace(layer), point);
+    });
+}
+
+Surface FrameRenderer::ContentOf(const Scene &scene, const AbstractLayer &layer)
+{
+    if (const auto *text = dynamic_cast<const TextLayer *>(&layer))
+        return PaintText(*text);
+    Surface surface;
+    if (const auto *shown = dynamic_cast<const AssetLayer *>(&layer); shown && shown->HasVideo())
+        surface.picture = PictureOf(scene, *shown);
+    surface.content = surface.picture.size();
+    return surface;
+}
+
+QImage FrameRenderer::PictureOf(const Scene &scene, const AssetLayer &layer)
+{
+    const std::shared_ptr<AbstractAsset> asset = layer.Asset(AssetsOf(project_));
+    if (const auto solid = std::dynamic_pointer_cast<SolidAsset>(asset))
+        return AssetPictures::PictureOf(*solid);
+    if (const auto image = std::dynamic_pointer_cast<ImageAsset>(asset))
+        return pictures_.PictureOf(*image);
+    if (const auto media = std::dynamic_pointer_cast<MediaAsset>(asset))
+        return pictures_.FrameOf(*media, scene.composition->Settings().FrameRate(),
+                                 layer.AssetInstanceStart() + scene.frame - layer.StartFrame());
+    if (const auto nested = std::dynamic_pointer_cast<CompositionAsset>(asset))
+        return PictureOfNested(scene, layer, nested);
+    return {};
+}
+
+QImage FrameRenderer::PictureOfNested(const Scene &scene, const AssetLayer &layer,
+                                      const CompositionPointer &nested)
+{
+    if (std::find(open_.begin(), open_.end(), nested->ID()) != open_.end())
+        return AssetPictures::Placeholder("a composition inside of itself: " + ToUtf8(nested->Name()));
+    const double rate = nested->Settings().FrameRate() / scene.composition->Settings().FrameRate();
+    const double frame =
+        (layer.AssetInstanceStart() + static_cast<double>(scene.frame) - layer.StartFrame()) * rate;
+    if (!(frame >= 0 && frame < nested->Settings().FrameCount()))
+        return {};
+    return Draw(nested, static_cast<int>(frame))
+        .scaled(nested->Width(), nested->Height(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+}
+
+LayerPictures FrameRenderer::LayersOf(const Scene &scene)
+{
+    return [this, &scene](const kytl::KyID &id) {
+        const LayerPointer other = scene.composition->FindLayerByID(id);
+        return other ? ContentOf(scene, *other).picture : QImage();
+    };
+}
+
+void FrameRenderer::Finish(const Scene &scene, const AbstractLayer &layer, int time, Surface &surface)
+{
+    const auto finish = [&](const auto &masks, const auto &effects) {
+        ApplyMasks(surface, masks, time);
+        ApplyEffects(surface, effects, time, LayersOf(scene));
+    };
+    if (const auto *shown = dynamic_cast<const AssetLayer *>(&layer))
+        finish(shown->Masks(), shown->Effects());
+    else if (const auto *text = dynamic_cast<const TextLayer *>(&layer))
+        finish(text->Masks(), text->Effects());
+}
+
+} // namespace marlet::tool

@@ -1,0 +1,158 @@
+#include "MaskPainter.h"
+
+#include "Blur.h"
+#include "Values.h"
+
+#include <marlet/masks/Mask.h>
+#include <marlet/masks/MotionPath.h>
+#include <marlet/masks/PathPoint.h>
+
+#include <QPainter>
+#include <QPainterPath>
+
+#include <algorithm>
+#include <cmath>
+
+namespace marlet::tool
+{
+
+using namespace project;
+
+namespace
+{
+
+using Point = kytl::matl::KyPoint<2, float>;
+using Vector = kytl::matl::KyVector<2, float>;
+
+float LengthOr0(const PropertyManager &properties, const char *name, int time)
+{
+    constexpr float kMost = 4096;
+    return std::clamp(NumberOr(properties, name, time, 0), -kMost, kMost);
+}
+
+struct OutlinePoint {
+    QPointF position;
+    QPointF left; ///< where the handles end
+    QPointF right;
+};
+
+/// Y turns round: pictures count downwards.
+OutlinePoint PointAtTime(const PathPoint &point, int time)
+{
+    const PropertyManager &properties = point.Animation();
+    const Point position = ValueOr(properties, "position", time, Point{});
+    const Vector left = ValueOr(properties, "leftHandle", time, Vector{});
+    const Vector right = ValueOr(properties, "rightHandle", time, Vector{});
+    const QPointF place(position.X, -position.Y);
+    return {place, place + QPointF(left.X, -left.Y), place + QPointF(right.X, -right.Y)};
+}
+
+QPainterPath Outline(const MotionPath &path, int time)
+{
+    QPainterPath outline;
+    std::vector<OutlinePoint> points;
+    for (const std::shared_ptr<PathPoint> &point : path.Points())
+        points.push_back(PointAtTime(*point, time));
+    if (points.empty())
+        return outline;
+    outline.moveTo(points.front().position);
+    for (std::size_t i = 1; i < points.size(); ++i)
+        outline.cubicTo(points[i - 1].right, points[i].left, points[i].position);
+    if (path.IsClosed())
+        outline.cubicTo(points.back().right, points.front().left, points.front().position);
+    return outline;
+}
+
+/// How much of each pixel lies inside, as the alpha of a white picture.
+QImage Coverage(const Mask &mask, const Surface &surface, int time)
+{
+    QImage coverage(surface.picture.size(), QImage::Format_ARGB32_Premultiplied);
+    coverage.fill(Qt::transparent);
+    const QPainterPath outline = Outline(mask.Path(), time);
+    if (mask.Path().IsClosed()) {
+        QPainter painter(&coverage);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.translate(QPointF(surface.corner) + QRectF(QPointF(), surface.content).center());
+        painter.fillPath(outline, Qt::white);
+        // Growing draws along the edge as well; shrinking takes that away again.
+        if (const float expansion = LengthOr0(mask.Animation(), "expansion", time); expansion != 0) {
+            if (expansion < 0)
+                painter.setCompositionMode(QPainter::CompositionMode_DestinationOut);
+            painter.strokePath(outline, QPen(Qt::white, 2 * std::abs(static_cast<double>(expansion)),
+                                             Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+        }
+    }
+    const int feather = static_cast<int>(LengthOr0(mask.Animation(), "feather", time));
+    return Blurred(coverage, {feather, feather});
+}
+
+int Joined(int below, int mask, MaskMode mode)
+{
+    switch (mode) {
+    case MaskMode::Subtract:
+        return below * (255 - mask) / 255;
+    case MaskMode::Intersect:
+        return below * mask / 255;
+    case MaskMode::Difference:
+        return std::abs(below - mask);
+    default:
+        return below + mask - below * mask / 255;
+    }
+}
+
+void Join(std::vector<int> &coverage, const QImage &of, const Mask &mask, MaskMode mode, int time)
+{
+    const float percent = std::clamp(NumberOr(mask.Animation(), "opacity", time, 100), 0.f, 100.f);
+    const int opacity = static_cast<int>(percent * 2.55f);
+    const bool inverted = ValueOr(mask.Animation(), "inverted", time, false);
+    auto pixel = coverage.begin();
+    for (int y = 0; y < of.height(); ++y) {
+        const auto *row = reinterpret_cast<const QRgb *>(of.constScanLine(y));
+        for (int x = 0; x < of.width(); ++x, ++pixel) {
+            const int inside = inverted ? 255 - qAlpha(row[x]) : qAlpha(row[x]);
+            *pixel = Joined(*pixel, inside * opacity / 255, mode);
+        }
+    }
+}
+
+MaskMode ModeOf(const Mask &mask)
+{
+    return MaskMode{ValueOr(mask.Animation(), "blendMode", 0, static_cast<int>(MaskMode::Add))};
+}
+
+void Cut(QImage &picture, const std::vector<int> &coverage)
+{
+    auto pixel = coverage.begin();
+    for (int y = 0; y < picture.height(); ++y) {
+        auto *row = reinterpret_cast<QRgb *>(picture.scanLine(y));
+        for (int x = 0; x < picture.width(); ++x, ++pixel) {
+            const auto share = [&](int level) { return level * *pixel / 255; };
+            row[x] = qRgba(share(qRed(row[x])), share(qGreen(row[x])), share(qBlue(row[x])),
+                           share(qAlpha(row[x])));
+        }
+    }
+}
+
+} // namespace
+
+void ApplyMasks(Surface &surface, const kytl::KyList<std::shared_ptr<Mask>, std::vector> &masks, int time)
+{
+    std::vector<const Mask *> used;
+    for (const std::shared_ptr<Mask> &mask : masks)
+        if (mask->IsVisible() && ModeOf(*mask) != MaskMode::None)
+            used.push_back(mask.get());
+    if (used.empty() || surface.picture.isNull())
+        return;
+
+    // What takes away takes away from everything, what adds adds to nothing.
+    const MaskMode first = ModeOf(*used.front());
+    const bool fromAll = first == MaskMode::Subtract || first == MaskMode::Intersect;
+    const QSize size = surface.picture.size();
+    std::vector<int> coverage(
+        static_cast<std::size_t>(size.width()) * static_cast<std::size_t>(size.height()), fromAll ? 255 : 0);
+    for (const Mask *mask : used)
+        Join(coverage, Coverage(*mask, surface, time), *mask, ModeOf(*mask), time);
+    Cut(surface.picture, coverage);
+}
+
+} // namespace marlet::tool

@@ -1,0 +1,156 @@
+// Any bytes either open as media or are refused with a code. Of what opens, frames and samples are asked for
+// in and out of order: none is written beyond its buffer.
+
+#include "support/FuzzInput.h"
+
+#include <marlet/platform/media/KyAbstractAudioStream.h>
+#include <marlet/platform/media/KyAbstractMediaFile.h>
+#include <marlet/platform/media/KyAbstractVideoStream.h>
+#include <marlet/platform/media/KyMedia.h>
+
+#include <encode/Encoder.h>
+
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <sys/mman.h>
+#include <unistd.h>
+
+using namespace kyh::media;
+using marlet::project::Fail;
+
+namespace
+{
+
+using Bytes = std::vector<unsigned char>;
+
+/// Pictures above this size only take time.
+constexpr int kLargestFrame = 1 << 20;
+
+/// A file of the operating system without a name in any folder.
+class MemoryFile
+{
+public:
+    MemoryFile() : descriptor_(::memfd_create("media", MFD_CLOEXEC)) {}
+    MemoryFile(const MemoryFile &) = delete;
+    MemoryFile &operator=(const MemoryFile &) = delete;
+    ~MemoryFile() { ::close(descriptor_); }
+
+    void Fill(const std::string &bytes)
+    {
+        const auto size = static_cast<ssize_t>(bytes.size());
+        if (::ftruncate(descriptor_, 0) != 0 || ::pwrite(descriptor_, bytes.data(), bytes.size(), 0) != size)
+            Fail("the input cannot be written");
+    }
+
+    std::u16string Path() const
+    {
+        return marlet::project::FromUtf8("/proc/self/fd/" + std::to_string(descriptor_));
+    }
+
+private:
+    int descriptor_;
+};
+
+std::string MakeClip(const std::string &ending)
+{
+    const std::string path = "/tmp/marlet-fuzz-" + std::to_string(::getpid()) + ending;
+    marlet::tool::EncoderOptions options;
+    options.width = 32;
+    options.height = 32;
+    options.bFrames = 1;
+    options.groupSize = 4;
+    options.sampleRate = 8000;
+    marlet::tool::Encoder encoder(path, options);
+    for (int i = 0; i < 8; ++i) {
+        Bytes frame(32 * 32 * 4);
+        for (std::size_t place = 0; place < frame.size(); ++place)
+            frame[place] = static_cast<unsigned char>(place * 7 + static_cast<std::size_t>(i) * 31);
+        encoder.AddFrame(frame.data(), 32 * 4);
+    }
+    encoder.AddSamples(std::vector<std::int16_t>(2 * 500, 1000).data(), 500);
+    encoder.Finish();
+    std::ifstream file(path, std::ios::binary);
+    std::string bytes{std::istreambuf_iterator<char>(file), {}};
+    ::unlink(path.c_str());
+    return bytes;
+}
+
+/// The last byte says what the others are: a file, or changes to a whole clip, as two bytes for the place and
+/// one to put there.
+std::string FileOfInput(const std::uint8_t *bytes, std::size_t size)
+{
+    static const std::string clips[] = {MakeClip(".mov"), MakeClip(".avi"), MakeClip(".mkv")};
+    if (size == 0 || bytes[size - 1] % 4 == 0)
+        return {reinterpret_cast<const char *>(bytes), size};
+    std::string file = clips[bytes[size - 1] % 4 - 1];
+    for (std::size_t i = 0; i + 3 < size; i += 3)
+        file[(bytes[i] | bytes[i + 1] << 8) % file.size()] = static_cast<char>(bytes[i + 2]);
+    return file;
+}
+
+/// The code, and the frame in a buffer of just its size.
+int GetFrame(KyAbstractVideoStream &video, int number, Bytes &frame)
+{
+    frame.assign(static_cast<std::size_t>(video.FrameBufferSize(KyImageChannels::Four)), 0);
+    return video.GetFrame(number, KyImageChannels::Four, frame.data(), static_cast<int>(frame.size()),
+                          nullptr, 0);
+}
+
+void AskVideo(KyAbstractVideoStream &video)
+{
+    if (video.Width() <= 0 || video.Height() <= 0 || video.FrameCount() <= 0)
+        Fail("a clip without a picture");
+    if (video.FrameBufferSize(KyImageChannels::Four) > kLargestFrame)
+        return;
+    const int count = std::min(video.FrameCount(), 12);
+    Bytes frame;
+    for (int i = 0; i < count; ++i)
+        GetFrame(video, i, frame);
+    for (int i = count - 1; i >= 0; --i)
+        GetFrame(video, i, frame);
+}
+
+void AskAudio(KyAbstractAudioStream &audio)
+{
+    const std::size_t bytesOfSample = audio.ChannelCount() * (audio.BitsPerSample() / 8u);
+    const auto last = static_cast<long long>(audio.SampleCount());
+    for (const long long start : {last - 50, 0LL, last / 2}) {
+        Bytes first(bytesOfSample * 100, 1);
+        Bytes second(bytesOfSample * 100, 2);
+        const int size = static_cast<int>(first.size());
+        const bool isRead = audio.GetSamples(start, 100, first.data(), size, nullptr) == kSuccess;
+        if (isRead && audio.GetSamples(start, 100, second.data(), size, nullptr) == kSuccess &&
+            first != second)
+            Fail("the same samples are others");
+    }
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *bytes, std::size_t size)
+{
+    static MemoryFile memory;
+    memory.Fill(FileOfInput(bytes, size));
+    KyAbstractMediaFile *file = nullptr;
+    if (KyMediaFileCreate(memory.Path().c_str(), &file) != kSuccess) {
+        if (file)
+            Fail("a file that is refused is handed out");
+        return 0;
+    }
+    const auto video = std::static_pointer_cast<KyAbstractVideoStream>(file->Stream(kVideoStream));
+    const auto audio = std::static_pointer_cast<KyAbstractAudioStream>(file->Stream(kAudioStream));
+    if (video)
+        AskVideo(*video);
+    if (audio)
+        AskAudio(*audio);
+    file->Sleep();
+    if (file->Wake() != kSuccess)
+        Fail("a file is not what it was");
+    KyMediaFileRelease(file);
+    return 0;
+}
