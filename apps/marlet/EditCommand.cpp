@@ -290,15 +290,12 @@ const CommandSpec &EditCommand()
          {"--type", "T", "video or audio; video if not given"}},
         Run,
         "edit examples/cut.xml shorter.xml trim \"Sea\" --end 145",
-        "An object is given by ID, NAME, TRACK/NAME or TRACK@FRAME. A name that only a picture and its "
-        "sound\n"
-        "have is that of the picture. Nothing is written if an object would cover another one, or frames "
-        "that\n"
-        "the sequence or the asset does not have. A shared transition goes when one of its objects leaves "
-        "the\n"
-        "cut, and any transition when its object gets too short for it; each such loss is told of. The tail "
-        "of\n"
-        "a split keeps the transition behind it, and the tails of two partners become partners.\n"};
+        "An object is given by ID, NAME, TRACK/NAME or TRACK@FRAME. A name that only a picture and\n"
+        "its sound have is that of the picture. Nothing is written if an object would cover another\n"
+        "one, or frames that the sequence or the asset does not have. A shared transition goes when\n"
+        "one of its objects leaves the cut, and any transition when its object gets too short for it;\n"
+        "each such loss is told of. The tail of a split keeps the transition behind it, and the tails\n"
+        "of two partners become partners.\n"};
     return command;
 }
 
