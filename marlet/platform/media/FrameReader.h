@@ -22,6 +22,9 @@ public:
 
     void StartAt(int packet)
     {
+        if (packet > 0 && !hasSeenFirst_)
+            SeeFirst();
+        hasSeenFirst_ = true;
         feed_.Flush();
         packets_.GoTo(packet);
     }
@@ -39,8 +42,16 @@ public:
     }
 
 private:
+    /// What an encoder says of itself in the first packet alone, decoders go by to the end of the stream.
+    void SeeFirst()
+    {
+        packets_.GoTo(0);
+        feed_.Send(packets_.Read(), 0);
+    }
+
     PacketReader packets_;
     DecoderFeed feed_;
+    bool hasSeenFirst_ = false;
 };
 
 } // namespace kyh::media
