@@ -79,7 +79,9 @@ void AddThumbnails(const ProjectPointer &project, ReportFolder &folder, ReportCo
     ProgressBar progress(static_cast<int>(compositions.size()), "compositions");
     for (const CompositionPointer &composition : compositions) {
         const int last = std::max(composition->Settings().FrameCount() - 1, 0);
-        const int frame = std::clamp(composition->CurrentTimeIndicator(), 0, last);
+        // The playhead tells what is being worked on, unless nobody has moved it.
+        const int playhead = composition->CurrentTimeIndicator();
+        const int frame = playhead > 0 ? std::min(playhead, last) : last / 3;
         const QImage picture = renderer.Render(composition, frame, ThumbnailSize(*composition));
         const std::string file = folder.Add("composition", ".png", EncodePng(picture));
         content.compositions.push_back({file, ToUtf8(composition->Name()) + ", frame " +

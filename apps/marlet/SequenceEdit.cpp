@@ -43,12 +43,6 @@ int Frame(long long frame)
     return static_cast<int>(frame);
 }
 
-/// Stills are the same in all their frames.
-bool HasFrames(AssetType type)
-{
-    return type == AssetType::Media || type == AssetType::Composition;
-}
-
 void RequireKind(const AbstractAsset &asset, TrackType kind)
 {
     // What a file holds that is not there is unknown.
@@ -222,6 +216,7 @@ void SequenceEdit::TrimOne(const ObjectPointer &object, long long start, long lo
 {
     const TrackPointer track = TrackOf(*object);
     RequireRoom(*track, start, end, group);
+    const bool growsLonger = start < object->StartFrame() || end > object->EndFrame();
     const long long headBy = start - object->StartFrame();
     if (headBy != 0) {
         LoseSharedTransition(*object, ObjectEnd::Head);
@@ -233,7 +228,8 @@ void SequenceEdit::TrimOne(const ObjectPointer &object, long long start, long lo
         LoseSharedTransition(*object, ObjectEnd::Tail);
         object->SetEndFrame(static_cast<int>(end));
     }
-    RequireAssetFrames(*object);
+    if (growsLonger)
+        RequireAssetFrames(*object);
     LoseTransitionsThatDoNotFit(*object);
 }
 

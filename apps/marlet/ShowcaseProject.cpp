@@ -132,7 +132,10 @@ private:
     {
         const auto image = ImageAsset::Create(AbsolutePath(path));
         Put(*project_, image);
-        const auto layer = AddInSpace(image, {width_ * 0.3f, -height_ * 0.12f, width_ * 0.05f}, 100);
+        constexpr double kShare = 0.2; // of the frame's width
+        const double scale =
+            image->Width() > 0 ? 100 * kShare * static_cast<double>(width_) / image->Width() : 100;
+        const auto layer = AddInSpace(image, {width_ * 0.3f, -height_ * 0.12f, width_ * 0.05f}, scale);
         layer->SetName(u"Picture");
         layer->Animation().StaticValue("rotationY") = -25.f;
     }

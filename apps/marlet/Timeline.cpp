@@ -9,6 +9,7 @@
 #include <marlet/editor/VideoTrack.h>
 #include <marlet/editor/VisualObject.h>
 #include <marlet/plugins/AbstractPlugin.h>
+#include <marlet/project/AbstractAsset.h>
 #include <marlet/project/Project.h>
 
 #include <algorithm>
@@ -101,6 +102,11 @@ std::vector<ObjectPointer> ObjectsOf(const EditorSequence &sequence)
 std::string TrackTypeName(TrackType type)
 {
     return type == TrackType::Video ? "video" : "audio";
+}
+
+bool HasFrames(AssetType type)
+{
+    return type == AssetType::Media || type == AssetType::Composition;
 }
 
 std::string TransitionName(const Transition &transition)

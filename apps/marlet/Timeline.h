@@ -15,6 +15,7 @@ class EditorSequence;
 class Project;
 class Transition;
 class VisualObject;
+enum class AssetType : int;
 enum class TrackType : int;
 } // namespace marlet::project
 
@@ -37,6 +38,8 @@ std::vector<ObjectPointer> ObjectsOf(const project::EditorSequence &sequence);
 
 /// "video" or "audio"
 std::string TrackTypeName(project::TrackType type);
+/// Whether it matters which frame of the asset is shown: stills are the same in all of theirs.
+bool HasFrames(project::AssetType type);
 /// "Cross Dissolve"; the plug-in's ID if it is gone.
 std::string TransitionName(const project::Transition &transition);
 /// The name of an object, or its ID and that it is not there.

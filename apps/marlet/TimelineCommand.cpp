@@ -209,13 +209,15 @@ void WriteMomentText(const EditorSequence &sequence, const AbstractSequenceTrack
 {
     const Moment moment = MomentOf(track, frame);
     std::string text = "  " + Quoted(track.Name()) + ": ";
-    if (moment.shown)
-        text += Quoted(moment.shown->Name()) + ", frame " +
-                std::to_string(FrameInside(*moment.shown, frame)) + " of " +
-                std::to_string(moment.shown->Length()) + ", the asset's " +
-                std::to_string(moment.shown->AssetInstanceStart() + FrameInside(*moment.shown, frame));
-    else
+    if (const ObjectPointer &shown = moment.shown) {
+        const long long inside = FrameInside(*shown, frame);
+        text += Quoted(shown->Name()) + ", frame " + std::to_string(inside) + " of " +
+                std::to_string(shown->Length());
+        if (HasFrames(shown->AssetType()))
+            text += ", the asset's " + std::to_string(shown->AssetInstanceStart() + inside);
+    } else {
         text += "nothing";
+    }
     output.Line(text);
     if (moment.transition)
         output.Line("      in " + TransitionText(sequence, *moment.transition));

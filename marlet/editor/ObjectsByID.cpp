@@ -26,8 +26,8 @@ std::size_t ObjectsByID::Search(const kytl::KyID &id) const
 void ObjectsByID::Grow()
 {
     constexpr std::size_t kFew = 16;
-    std::vector<Place> former = std::exchange(places_, {});
-    places_.resize(former.empty() ? kFew : 2 * former.size());
+    std::vector<Place> former(places_.empty() ? kFew : 2 * places_.size());
+    former.swap(places_);
     for (Place &place : former)
         if (place.IsTaken())
             places_[Search(place.id)] = std::move(place);

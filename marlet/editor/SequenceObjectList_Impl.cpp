@@ -9,10 +9,11 @@
 namespace marlet::project
 {
 
-/// A lent entry is asked itself.
+/// An entry that this list may know nothing of is asked itself.
 int SequenceObjectList_Impl::EndFrame(std::size_t position) const
 {
-    return IsLent(position) ? At(position)->EndFrame() : slots[entries[position].slot].endFrame;
+    const bool isKnown = !mayShareObjects && !IsLent(position);
+    return isKnown ? slots[entries[position].slot].endFrame : At(position)->EndFrame();
 }
 
 /// Asks no object whether it has the null ID unless one may have it.
@@ -74,16 +75,12 @@ std::size_t SequenceObjectList_Impl::FindEntry(const Object &object) const
     return kNone;
 }
 
-std::size_t SequenceObjectList_Impl::RequireEntry(const Object &object)
+std::size_t SequenceObjectList_Impl::RequireEntry(const Object &object) const
 {
-    std::size_t position = object ? FindEntry(object) : kNone;
-    if (position != kNone)
-        return position;
-    const auto holdsIt = [&object](const Slot &slot) { return slot.object == object; };
-    if (!object || std::none_of(slots.begin(), slots.end(), holdsIt))
+    const std::size_t position = object ? FindEntry(object) : kNone;
+    if (position == kNone)
         throw std::logic_error("The object is not on the track");
-    SortAgain(); // another list has set its start frame
-    return FindEntry(object);
+    return position;
 }
 
 void SequenceObjectList_Impl::TakeEndFrame(const AbstractSequenceObject &object)
@@ -101,21 +98,22 @@ void SequenceObjectList_Impl::Lend(std::size_t position)
     endLent = isFirst ? position + 1 : std::max(endLent, position + 1);
 }
 
-/// Before every change: references hold no longer than to the next one.
+/// Before every change: references hold no longer than to the next one, and what other lists did to shared
+/// objects counts from then on.
 void SequenceObjectList_Impl::TakeBack()
 {
     bool isMoved = false;
     const std::size_t end = std::exchange(endLent, 0);
     for (std::size_t i = std::exchange(firstLent, 0); i < end; ++i) {
-        // What is on another list by now stays with that.
         if (At(i)->list_->expired())
             *At(i)->list_ = weak_from_this();
+        mayShareObjects = mayShareObjects || !IsToldBy(*At(i));
         const int former = StartFrame(i);
         Refresh(i);
         isMoved = isMoved || StartFrame(i) != former;
     }
-    if (isMoved)
-        std::ranges::stable_sort(entries, {}, &Entry::startFrame);
+    if (mayShareObjects || isMoved)
+        SortAgain();
 }
 
 /// Takes over what the object of an entry says.
@@ -129,16 +127,32 @@ void SequenceObjectList_Impl::Refresh(std::size_t position)
 
 void SequenceObjectList_Impl::SortAgain()
 {
-    for (std::size_t i = 0; i < Count(); ++i)
+    mayShareObjects = false;
+    for (std::size_t i = 0; i < Count(); ++i) {
+        mayShareObjects = mayShareObjects || !IsToldBy(*At(i));
         Refresh(i);
+    }
     std::ranges::stable_sort(entries, {}, &Entry::startFrame);
+}
+
+bool SequenceObjectList_Impl::IsToldBy(const AbstractSequenceObject &object) const
+{
+    return object.list_->lock().get() == this;
 }
 
 /// An object that is on another list stays with that.
 void SequenceObjectList_Impl::Release(AbstractSequenceObject &object) const
 {
-    if (object.list_->lock().get() == this)
+    if (IsToldBy(object))
         object.list_->reset();
+}
+
+/// From now on this list is told of the object's end frame; one that was so far has to ask.
+void SequenceObjectList_Impl::Adopt(AbstractSequenceObject &object)
+{
+    if (const std::shared_ptr<SequenceObjectList_Impl> former = object.list_->lock())
+        former->mayShareObjects = former->mayShareObjects || former.get() != this;
+    *object.list_ = weak_from_this();
 }
 
 std::uint32_t SequenceObjectList_Impl::TakeSlot(const Object &object)
@@ -157,7 +171,6 @@ void SequenceObjectList_Impl::Insert(const Object &object, std::size_t position)
 {
     const auto offset = static_cast<std::ptrdiff_t>(position);
     entries.insert(entries.begin() + offset, Entry{0, TakeSlot(object)});
-    *object->list_ = weak_from_this();
     Refresh(position);
 }
 
@@ -183,6 +196,7 @@ SequenceObjectList::Objects SequenceObjectList_Impl::TakeAll()
     slots.clear();
     freeSlots.clear();
     mayHaveNullIDs = false;
+    mayShareObjects = false;
     return taken;
 }
 
@@ -200,6 +214,7 @@ void SequenceObjectList_Impl::Shift(std::size_t from, std::size_t to)
 /// starts there.
 void SequenceObjectList_Impl::MoveEntries(const Object &object, int startFrame)
 {
+    Adopt(*object);
     const int former = object->StartFrame();
     if (former == startFrame)
         return;

@@ -35,6 +35,8 @@ struct SequenceObjectList_Impl : std::enable_shared_from_this<SequenceObjectList
     std::size_t firstLent = 0;
     std::size_t endLent = 0;
     bool mayHaveNullIDs = false;
+    /// Some object may be on another list too, which has set its start frame and is told of its end frame.
+    bool mayShareObjects = false;
 
     std::size_t Count() const { return entries.size(); }
     const Object &At(std::size_t position) const { return slots[entries[position].slot].object; }
@@ -49,7 +51,7 @@ struct SequenceObjectList_Impl : std::enable_shared_from_this<SequenceObjectList
     std::size_t FindBefore(int frame, std::size_t lowerBound, const kytl::KyID &excluded) const;
     std::size_t FindAfter(int frame, std::size_t lowerBound, const kytl::KyID &excluded) const;
     std::size_t FindEntry(const Object &object) const;
-    std::size_t RequireEntry(const Object &object);
+    std::size_t RequireEntry(const Object &object) const;
 
     void TakeEndFrame(const AbstractSequenceObject &object);
     void Lend(std::size_t position);
@@ -61,6 +63,8 @@ struct SequenceObjectList_Impl : std::enable_shared_from_this<SequenceObjectList
     void MoveEntries(const Object &object, int startFrame);
 
 private:
+    void Adopt(AbstractSequenceObject &object);
+    bool IsToldBy(const AbstractSequenceObject &object) const;
     void Release(AbstractSequenceObject &object) const;
     std::uint32_t TakeSlot(const Object &object);
     void Shift(std::size_t from, std::size_t to);

@@ -6,6 +6,7 @@
 #include <marlet/foundation/KyMatrix.h>
 
 #include <QPointF>
+#include <QPolygonF>
 #include <QTransform>
 
 #include <optional>
@@ -26,9 +27,15 @@ public:
     View(const ProjectPointer &project, const project::CompositionAsset &composition, int frame,
          QSize picture);
 
-    /// Where the picture of a flat layer goes; its world matrix takes pixels of the content, counted upwards
-    /// from the lower left corner. Nothing if it stands behind the camera or edge-on.
-    std::optional<QTransform> OfPlane(const Matrix &world, bool inSpace, const Surface &surface) const;
+    /// Where the picture of a flat layer goes.
+    struct Placement {
+        QTransform toPicture; ///< from pixels of the layer's picture
+        QPolygonF visible;    ///< what of the layer's picture is in front of the camera
+    };
+
+    /// The world matrix takes pixels of the content, counted upwards from the lower left corner. Nothing for
+    /// a layer behind the camera or edge-on.
+    std::optional<Placement> OfPlane(const Matrix &world, bool inSpace, const Surface &surface) const;
     /// Where a point of a layer goes, and nothing for one behind the camera.
     std::optional<QPointF> OfPoint(const Matrix &world, bool inSpace,
                                    const kytl::matl::KyPoint<3, float> &point) const;
