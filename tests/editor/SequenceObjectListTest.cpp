@@ -145,6 +145,8 @@ TEST_F(SequenceObjectListTest, AnswersAsALookAtEveryObjectWould)
         ASSERT_THAT(All(), ElementsAreArray(scan.objects)) << step;
         for (const Object &object : gone)
             ASSERT_EQ(list.GetByID(object->ID()), nullptr) << step;
+        for (const Object &object : scan.objects) // copies were put there past the sequence
+            ASSERT_EQ(list.GetByID(object->ID()), object->ParentTrackID().IsNull() ? nullptr : object);
         const int first = frame(), last = frame();
         const Object excluded = number(0, 1) ? any : nullptr, untouched = Make(0);
         Object previous = untouched, next = untouched;
