@@ -84,7 +84,8 @@ struct MediaManager_Impl {
         const auto position = files.find(KeyOf(path));
         if (position == files.end())
             return;
-        forgotten.push_back(position->second.file);
+        if (position->second.file)
+            forgotten.push_back(position->second.file);
         files.erase(position);
     }
 };

@@ -100,6 +100,12 @@ TEST(MediaFailures, TellWhyAFileDoesNotOpen)
                         {"list.m3u8", kDamaged}};
     for (const auto &file : kFiles)
         EXPECT_EQ(Media(folder.Path(file.name)).code, file.code) << file.name;
+    SmallClipIn(folder, "whole.mov");
+    folder.Write("list.ffconcat", "ffconcat version 1.0\nfile whole.mov\n");
+    const fs::path workingFolder = fs::current_path();
+    fs::current_path(folder.Path(""));
+    EXPECT_EQ(Media("list.ffconcat").code, kDamaged);
+    fs::current_path(workingFolder);
     EXPECT_EQ(Media("/dev/zero").code, kNotAFile);
     EXPECT_EQ(Media(folder.Path("missing.0001.png"), 25).code, kNotFound);
     EXPECT_EQ(Media(folder.Path("text.txt"), 25).code, kUnknownFormat);

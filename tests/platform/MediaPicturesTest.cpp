@@ -37,6 +37,7 @@ TEST(MediaPictures, ASequenceRunsFromTheLowestNumberAndFillsItsGaps)
     for (const char *name : {"shot2.011.pgm", "shot2.00011.pgm", "shot3.0011.pgm", "shot2.0011.png",
                              "shot2.0011.pgm~", "shot2.00x1.pgm"})
         folder.Write(name, Pgm(1));
+    std::filesystem::create_directory(folder.Path("shot2.0014.pgm"));
     for (const char *named : {"shot2.0008.pgm", "shot2.0013.pgm"}) {
         const Media media(folder.Path(named), 12.5);
         ASSERT_EQ(media.code, kSuccess);

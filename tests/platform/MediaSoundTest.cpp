@@ -2,6 +2,9 @@
 
 #include "MediaClips.h"
 
+#include <encode/EncoderOutput.h>
+
+#include <algorithm>
 #include <cstring>
 #include <limits>
 #include <random>
@@ -37,6 +40,39 @@ template <class Sample> std::string WaveFile(int format, const std::vector<Sampl
     for (const Sample sample : samples)
         Append(bytes, sample);
     return bytes;
+}
+
+/// Noise, which decoders of AC-3 make up anew where nothing of it was stored.
+std::string MakeNoise(const std::string &path, int packets)
+{
+    marlet::tool::EncoderOutput output(path);
+    const marlet::tool::CodecPtr encoder = output.NewEncoder(AV_CODEC_ID_AC3);
+    encoder->sample_fmt = AV_SAMPLE_FMT_FLTP;
+    encoder->sample_rate = 48000;
+    encoder->time_base = {1, 48000};
+    encoder->bit_rate = 64000;
+    av_channel_layout_default(&encoder->ch_layout, 1);
+    output.Check(avcodec_open2(encoder.get(), nullptr, nullptr));
+    AVStream *stream = output.AddStream(*encoder);
+    output.WriteHeader();
+    const marlet::tool::FramePtr frame(av_frame_alloc());
+    frame->nb_samples = encoder->frame_size;
+    frame->format = encoder->sample_fmt;
+    frame->ch_layout = encoder->ch_layout;
+    output.Check(av_frame_get_buffer(frame.get(), 0));
+    std::mt19937 random(1);
+    for (int packet = 0; packet < packets; ++packet) {
+        output.Check(av_frame_make_writable(frame.get()));
+        auto *samples = reinterpret_cast<float *>(frame->data[0]);
+        std::generate_n(samples, frame->nb_samples, [&random] {
+            return static_cast<float>(random()) / static_cast<float>(std::mt19937::max()) - 0.5f;
+        });
+        frame->pts = packet * frame->nb_samples;
+        output.Encode(*encoder, *stream, frame.get());
+    }
+    output.Encode(*encoder, *stream, nullptr);
+    output.Finish();
+    return path;
 }
 
 } // namespace
@@ -89,6 +125,19 @@ TEST(MediaSound, LongSoundIsTheSameAcrossAllOfIt)
         const auto samples = media.Samples<std::int16_t>(start, 50'000);
         EXPECT_TRUE(std::equal(samples.begin(), samples.end(), sine.begin() + start)) << start;
     }
+}
+
+TEST(MediaSound, IsTheSameAgainWhereADecoderMakesUpNoise)
+{
+    // More than is decoded at a time.
+    constexpr int kPackets = 1500;
+    const Folder folder;
+    const Media media(MakeNoise(folder.Path("noise.ac3"), kPackets));
+    ASSERT_EQ(media.code, kSuccess);
+    const auto first = media.Samples<std::int32_t>(20'000, 2000);
+    const auto late = media.Samples<std::int32_t>(2'200'000, 2000);
+    EXPECT_EQ(media.Samples<std::int32_t>(20'000, 2000), first);
+    EXPECT_EQ(media.Samples<std::int32_t>(2'200'000, 2000), late);
 }
 
 TEST(MediaSound, HasThirtyTwoBitsForMoreThanSixteen)

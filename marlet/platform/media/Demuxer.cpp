@@ -118,7 +118,9 @@ void Demuxer::OpenFormat()
     if (!format)
         throw std::bad_alloc();
     format->pb = input_.get();
+    // Some containers ask through here for what they refer to, others by the name of a protocol.
     format->io_open = RefuseOtherFile;
+    format->protocol_whitelist = av_strdup("");
     // A format that does not open is freed.
     RequireContent(avformat_open_input(&format, NameOf(source_->Path()), container_, nullptr));
     format_.reset(format);

@@ -74,9 +74,11 @@ std::map<long long, std::string> FindMembers(const fs::path &path, const Numbere
     const fs::path folder = path.has_parent_path() ? path.parent_path() : fs::path(".");
     std::map<long long, std::string> members;
     std::error_code error;
+    std::error_code isFile; // a file that cannot be looked at is none
     fs::directory_iterator entry(folder, error);
     for (; !error && entry != fs::directory_iterator(); entry.increment(error))
-        if (const auto number = name.NumberOf(entry->path().filename().string()))
+        if (const auto number = name.NumberOf(entry->path().filename().string());
+            number && entry->is_regular_file(isFile))
             members.emplace(*number, (path.parent_path() / entry->path().filename()).string());
     return members;
 }
