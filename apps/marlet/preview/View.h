@@ -26,8 +26,7 @@ public:
     View(const ProjectPointer &project, const project::CompositionAsset &composition, int frame,
          QSize picture);
 
-    /// Where the picture of a flat layer goes; its world matrix takes pixels of the content, counted upwards
-    /// from the lower left corner. Nothing if it stands behind the camera or edge-on.
+    /// Where the picture of a flat layer goes. Nothing if it stands behind the camera or edge-on.
     std::optional<QTransform> OfPlane(const Matrix &world, bool inSpace, const Surface &surface) const;
     /// Where a point of a layer goes, and nothing for one behind the camera.
     std::optional<QPointF> OfPoint(const Matrix &world, bool inSpace,
