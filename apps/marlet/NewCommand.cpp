@@ -25,7 +25,7 @@ void MakeFromClip(const Arguments &arguments)
         if (arguments.Has(option))
             throw UsageError(std::string(option) + " does not go with --media");
     // A project names its files so that it can be opened in any folder.
-    const std::string path = std::filesystem::absolute(arguments.Text("--media")).lexically_normal().string();
+    const std::string path = std::filesystem::absolute(arguments.Path("--media")).lexically_normal().string();
     const bool hasFeature = arguments.Has("--at");
     const Feature feature = hasFeature ? FeatureOption(arguments) : Feature();
     const MediaSource source = OpenMediaFile(path, arguments.Has("--sequence"));
@@ -58,7 +58,7 @@ void Run(const Arguments &arguments, Output &)
         throw UsageError("--texture goes with --titles");
     const auto format = static_cast<AudioVideoSettings::Preset>(preset);
     const std::string &out = arguments.Operand(0);
-    const std::string texture = arguments.Has("--texture") ? arguments.Text("--texture") : "";
+    const std::string texture = arguments.Has("--texture") ? arguments.Path("--texture") : "";
     WriteProject(arguments.Has("--titles") ? *MakeTitlesProject(format, frames, out, texture)
                                            : *MakeExampleProject(format, frames),
                  out);
