@@ -25,6 +25,7 @@ struct CommandSpec {
     std::vector<OptionSpec> options;
     void (*run)(const Arguments &, Output &);
     std::string example = {}; ///< a call that makes sense, without the tool's own name
+    std::string notes = {};   ///< lines for the end of the usage
 };
 
 const CommandSpec &FrameCommand();
@@ -52,5 +53,7 @@ const CommandSpec &TrackCommand();
 const CommandSpec &PostFilterCommand();
 const CommandSpec &ClipCommand();
 const CommandSpec &FontsCommand();
+const CommandSpec &TimelineCommand();
+const CommandSpec &EditCommand();
 
 } // namespace marlet::tool

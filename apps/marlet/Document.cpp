@@ -1,19 +1,18 @@
 #include "Document.h"
 
-#include "Failure.h"
-#include "Output.h"
+#include "FindByIdOrName.h"
 #include "TextFile.h"
+#include "Timeline.h"
 #include "plugins/PluginManager.h"
 #include "plugins/Ribbon.h"
 
+#include <marlet/editor/AbstractSequenceObject.h>
 #include <marlet/layers/AssetLayer.h>
 #include <marlet/project/AssetList.h>
 #include <marlet/project/CompositionAsset.h>
 #include <marlet/project/MediaAsset.h>
 #include <marlet/project/Project.h>
 #include <marlet/tracking/Tracker.h>
-
-#include <optional>
 
 namespace marlet::tool
 {
@@ -22,42 +21,6 @@ using namespace project;
 
 namespace
 {
-
-std::optional<kytl::KyID> ParseID(const std::string &text)
-{
-    try {
-        return kytl::KyID::FromString(text);
-    } catch (const std::runtime_error &) {
-        return std::nullopt;
-    }
-}
-
-/// The only one of the objects whose ID or name is the text; an ID goes before a name.
-template <class Objects>
-typename Objects::value_type FindByIdOrName(const Objects &objects, const std::string &kind,
-                                            const std::string &text)
-{
-    const std::optional<kytl::KyID> id = ParseID(text);
-    const WideString name = FromUtf8(text);
-    typename Objects::value_type found;
-    int count = 0;
-    for (const auto &object : objects) {
-        if (id == object->ID())
-            return object;
-        if (object->Name() == name && ++count == 1)
-            found = object;
-    }
-    if (count == 0) {
-        std::vector<std::string> names;
-        for (const auto &object : objects)
-            names.push_back(ToUtf8(object->Name()));
-        throw NoSuch(kind, text, names);
-    }
-    if (count > 1)
-        throw Failure("There are " + std::to_string(count) + " " + kind + "s of the name \"" + OneLine(text) +
-                      "\": give the ID");
-    return found;
-}
 
 template <class Asset> std::vector<std::shared_ptr<Asset>> AssetsOf(const Project &project, AssetType type)
 {
@@ -82,15 +45,17 @@ void FillInstances(const Project &project)
 {
     for (const auto &asset : project.Assets().All())
         asset->Instances().Clear();
-    for (const CompositionPointer &composition : Compositions(project)) {
-        for (const LayerPointer &layer : composition->Layers()) {
-            const auto instance = std::dynamic_pointer_cast<AbstractAssetInstance>(layer);
-            if (!instance)
-                continue;
-            if (const auto asset = project.Assets().GetByID(instance->AssetID()))
-                asset->Instances().Add(instance);
-        }
-    }
+    const auto add = [&project](const std::shared_ptr<AbstractAssetInstance> &instance) {
+        if (const auto asset = project.Assets().GetByID(instance->AssetID()))
+            asset->Instances().Add(instance);
+    };
+    for (const CompositionPointer &composition : Compositions(project))
+        for (const LayerPointer &layer : composition->Layers())
+            if (const auto instance = std::dynamic_pointer_cast<AbstractAssetInstance>(layer))
+                add(instance);
+    if (const SequencePointer sequence = project.Sequence())
+        for (const ObjectPointer &object : ObjectsOf(*sequence))
+            add(object);
 }
 
 WideString FolderOf(const std::string &path)

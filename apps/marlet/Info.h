@@ -22,6 +22,9 @@ struct ProjectSums {
     std::size_t layers = 0;
     std::size_t effects = 0;
     std::size_t masks = 0;
+    std::size_t sequenceTracks = 0;
+    std::size_t sequenceObjects = 0;
+    std::size_t transitions = 0;
     std::size_t trackers = 0;
     std::size_t properties = 0;
     std::size_t animatedProperties = 0;

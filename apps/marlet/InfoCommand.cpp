@@ -2,9 +2,13 @@
 #include "Document.h"
 #include "Info.h"
 #include "LayerContent.h"
+#include "Timeline.h"
 #include "plugins/Ribbon.h"
 
 #include <marlet/animation/PropertyManager.h>
+#include <marlet/editor/AbstractSequenceObject.h>
+#include <marlet/editor/EditorSequence.h>
+#include <marlet/editor/Transition.h>
 #include <marlet/layers/Effect3DLayer.h>
 #include <marlet/masks/Mask.h>
 #include <marlet/masks/MotionPath.h>
@@ -75,6 +79,31 @@ void CountLayer(const AbstractLayer &layer, ProjectSums &sums)
     }
 }
 
+/// A shared transition stands with the object before the cut.
+void CountTransition(const TransitionPointer &transition, bool counts, ProjectSums &sums)
+{
+    if (!transition || !counts)
+        return;
+    ++sums.transitions;
+    CountProperties(std::as_const(*transition).Properties(), sums);
+}
+
+void CountSequence(const EditorSequence &sequence, ProjectSums &sums)
+{
+    sums.sequenceTracks = TracksOf(sequence).size();
+    for (const std::shared_ptr<const AbstractSequenceObject> object : ObjectsOf(sequence)) {
+        ++sums.sequenceObjects;
+        CountProperties(object->Properties(), sums);
+        for (const auto &effect : object->Effects()) {
+            ++sums.effects;
+            CountProperties(std::as_const(*effect).Properties(), sums);
+        }
+        const TransitionPointer &incoming = object->IncomingTransition();
+        CountTransition(incoming, incoming && incoming->FromObject().IsNull(), sums);
+        CountTransition(object->OutgoingTransition(), true, sums);
+    }
+}
+
 void Run(const Arguments &arguments, Output &output)
 {
     const ProjectPointer project = ReadProject(arguments.Operand(0));
@@ -99,6 +128,8 @@ ProjectSums CountProject(const Project &project)
         for (const LayerPointer &layer : composition->Layers())
             CountLayer(*layer, sums);
     }
+    if (const SequencePointer sequence = project.Sequence())
+        CountSequence(*sequence, sums);
     return sums;
 }
 

@@ -95,26 +95,6 @@ void WriteEffect3D(const Effect3DLayer &layer, Output &output)
     WritePropertiesJson("effect3d", ribbon->ID(), ribbon->Properties(), output);
 }
 
-void WriteEffect(const AbstractLayer &layer, const EffectInstance &effect, Output &output)
-{
-    const std::shared_ptr<AbstractPlugin> plugin = effect.Plugin();
-    JsonWriter json = BeginJson("effect");
-    json.Member("layer", layer.ID())
-        .Member("id", effect.ID())
-        .Member("name", effect.Name())
-        .Member("plugin", effect.PluginID())
-        .Member("plugin_name", plugin->Name())
-        .Member("plugin_version", VersionText(plugin->Version()))
-        .Member("enabled", effect.Enabled())
-        .Member("private_bytes", PrivateByteCount(effect));
-    json.Key("hidden").BeginArray();
-    for (const std::string &control : HiddenControls(effect))
-        json.Value(control);
-    json.EndArray();
-    EndJson(json, output);
-    WritePropertiesJson("effect", effect.ID(), effect.Properties(), output);
-}
-
 void WriteMask(const AbstractLayer &layer, const Mask &mask, Output &output)
 {
     const MotionPath &path = mask.Path();
@@ -170,7 +150,7 @@ void WriteContentJson(const AbstractLayer &layer, Output &output)
     if (const auto *effect3D = dynamic_cast<const Effect3DLayer *>(&layer))
         WriteEffect3D(*effect3D, output);
     for (const auto &effect : EffectsOf(layer))
-        WriteEffect(layer, *effect, output);
+        WriteEffectJson("layer", layer.ID(), *effect, output);
     for (const auto &mask : MasksOf(layer))
         WriteMask(layer, *mask, output);
     for (const LayerReference &reference : LayerReferences(layer))

@@ -87,22 +87,6 @@ void WriteEffect3D(const Effect3DLayer &layer, Output &output)
         output.Line(kDeeper + "texture " + TextureText(*ribbon->Texture()));
 }
 
-void WriteEffect(const EffectInstance &effect, Output &output)
-{
-    const std::shared_ptr<AbstractPlugin> plugin = effect.Plugin();
-    std::string text = "effect " + Quoted(effect.Name()) + "  " + OneLine(ToUtf8(plugin->Name())) + " " +
-                       VersionText(plugin->Version()) + ", " + (effect.Enabled() ? "on" : "off");
-    if (const std::size_t bytes = PrivateByteCount(effect); bytes > 0)
-        text += ", " + Counted(bytes, "byte") + " of its own";
-    output.Line(kIndent + text);
-    WritePropertiesText(effect.Properties(), kDeeper, output);
-    std::string hidden;
-    for (const std::string &control : HiddenControls(effect))
-        hidden += (hidden.empty() ? "hidden in its panel: " : ", ") + control;
-    if (!hidden.empty())
-        output.Line(kDeeper + hidden);
-}
-
 /// Where something stands, or that it moves.
 std::string PlaceText(const PropertyManager &properties, const char *name)
 {
@@ -151,7 +135,7 @@ void WriteContentText(const AbstractLayer &layer, const LayerMap &layers, const 
     if (const auto *effect3D = dynamic_cast<const Effect3DLayer *>(&layer))
         WriteEffect3D(*effect3D, output);
     for (const auto &effect : EffectsOf(layer))
-        WriteEffect(*effect, output);
+        WriteEffectText(*effect, output);
     for (const auto &mask : MasksOf(layer))
         WriteMask(*mask, output);
     for (const LayerReference &reference : LayerReferences(layer))

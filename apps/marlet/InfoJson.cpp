@@ -1,6 +1,7 @@
 #include "Document.h"
 #include "Info.h"
 #include "InfoParts.h"
+#include "InfoSequence.h"
 #include "Json.h"
 #include "MediaFacts.h"
 #include "MetadataItems.h"
@@ -105,24 +106,18 @@ void WriteRenderSettings(JsonWriter &json, const CompositionRenderSettings &sett
 
 void WriteComposition(const CompositionAsset &composition, Output &output)
 {
-    const AudioVideoSettings &settings = composition.Settings();
     JsonWriter json = BeginJson("composition");
-    json.Member("id", composition.ID())
-        .Member("name", composition.Name())
-        .Member("width", settings.Width())
-        .Member("height", settings.Height())
-        .Member("fields", FieldsName(settings.Fields()))
-        .Member("pixel_aspect_ratio", settings.PixelAspectRatioValue())
-        .Member("frame_rate", settings.FrameRate())
-        .Member("frames", settings.FrameCount())
-        .Member("audio_sample_rate", AudioVideoSettings::AudioSampleRateValue(settings.AudioSampleRate()))
-        .Member("in", composition.InPoint())
+    json.Member("id", composition.ID()).Member("name", composition.Name());
+    WriteFormatJson(json, composition.Settings());
+    json.Member("in", composition.InPoint())
         .Member("out", composition.OutPoint())
         .Member("playhead", composition.CurrentTimeIndicator())
         .Member("is_3d", composition.Is3D())
         .Member("layers", composition.Layers().Count());
     WriteRenderSettings(json, composition.RenderSettings());
     EndJson(json, output);
+    WritePanelJson("composition", composition.ID(), "viewer", composition.ViewerPanelState(), output);
+    WritePanelJson("composition", composition.ID(), "layer", composition.LayerPanelState(), output);
 }
 
 void WriteLayer(const CompositionAsset &composition, const AbstractLayer &layer, std::size_t position,
@@ -182,6 +177,9 @@ void WriteSums(const ProjectSums &sums, std::size_t metadata, Output &output)
         .Member("layers", sums.layers)
         .Member("effects", sums.effects)
         .Member("masks", sums.masks)
+        .Member("sequence_tracks", sums.sequenceTracks)
+        .Member("sequence_objects", sums.sequenceObjects)
+        .Member("transitions", sums.transitions)
         .Member("trackers", sums.trackers)
         .Member("properties", sums.properties)
         .Member("animated_properties", sums.animatedProperties)
@@ -193,6 +191,17 @@ void WriteSums(const ProjectSums &sums, std::size_t metadata, Output &output)
 
 } // namespace
 
+void WriteFormatJson(JsonWriter &json, const AudioVideoSettings &settings)
+{
+    json.Member("width", settings.Width())
+        .Member("height", settings.Height())
+        .Member("fields", FieldsName(settings.Fields()))
+        .Member("pixel_aspect_ratio", settings.PixelAspectRatioValue())
+        .Member("frame_rate", settings.FrameRate())
+        .Member("frames", settings.FrameCount())
+        .Member("audio_sample_rate", AudioVideoSettings::AudioSampleRateValue(settings.AudioSampleRate()));
+}
+
 void WriteInfoJson(const Project &project, Output &output)
 {
     WriteProject(project, output);
@@ -203,6 +212,8 @@ void WriteInfoJson(const Project &project, Output &output)
         WriteComposition(*composition, output);
         WriteLayers(*composition, output);
     }
+    if (project.Sequence())
+        WriteSequenceJson(project, output);
     const std::vector<MetadataItem> metadata = MetadataItems(project);
     for (const MetadataItem &item : metadata) {
         JsonWriter json = BeginJson("metadata");

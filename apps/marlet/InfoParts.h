@@ -8,6 +8,9 @@
 
 namespace marlet::project
 {
+class AudioVideoSettings;
+class EffectInstance;
+class PanelRenderState;
 class AssetList;
 class PropertyManager;
 } // namespace marlet::project
@@ -31,6 +34,13 @@ void WritePropertiesText(const project::PropertyManager &properties, const std::
 void WriteContentText(const project::AbstractLayer &layer, const LayerMap &layers,
                       const project::AssetList &assets, Output &output);
 
+/// An effect of a layer or of an object of the sequence.
+void WriteEffectText(const project::EffectInstance &effect, Output &output);
+/// How a panel of views is split, and its views.
+void WritePanelText(const std::string &name, const project::PanelRenderState &panel, Output &output);
+/// Size, frame rate and length.
+std::string FormatText(const project::AudioVideoSettings &settings);
+
 // The same as JSON, one object a line.
 
 JsonWriter BeginJson(const char *kind);
@@ -39,5 +49,11 @@ void EndJson(JsonWriter &json, Output &output);
 void WritePropertiesJson(const char *ownerKey, const kytl::KyID &owner,
                          const project::PropertyManager &properties, Output &output);
 void WriteContentJson(const project::AbstractLayer &layer, Output &output);
+void WriteEffectJson(const char *ownerKey, const kytl::KyID &owner, const project::EffectInstance &effect,
+                     Output &output);
+void WritePanelJson(const char *ownerKey, const kytl::KyID &owner, const std::string &name,
+                    const project::PanelRenderState &panel, Output &output);
+/// Members of the object that is open.
+void WriteFormatJson(JsonWriter &json, const project::AudioVideoSettings &settings);
 
 } // namespace marlet::tool

@@ -1,6 +1,7 @@
 #include "Document.h"
 #include "Info.h"
 #include "InfoParts.h"
+#include "InfoSequence.h"
 #include "MediaFacts.h"
 #include "MetadataItems.h"
 #include "Names.h"
@@ -121,15 +122,6 @@ std::string LayerText(const AbstractLayer &layer, std::size_t position, const La
     return text + Switches(layer);
 }
 
-std::string FormatText(const AudioVideoSettings &settings)
-{
-    return SizeText(settings.Width(), settings.Height()) + " " + FieldsName(settings.Fields()) +
-           ", pixel aspect ratio " + NumberText(settings.PixelAspectRatioValue()) + ", " +
-           NumberText(settings.FrameRate()) + " frames per second, " + std::to_string(settings.FrameCount()) +
-           " frames (" + TimeCode::FromFrame(settings.FrameCount(), settings.FrameRate()).ToString() + "), " +
-           std::to_string(AudioVideoSettings::AudioSampleRateValue(settings.AudioSampleRate())) + " Hz";
-}
-
 std::string TimelineText(const CompositionAsset &composition)
 {
     const CompositionRenderSettings &render = composition.RenderSettings();
@@ -145,6 +137,8 @@ void WriteComposition(const CompositionAsset &composition, const AssetList &asse
     output.Line("\nComposition " + Quoted(composition.Name()) + "  " + composition.ID().ToNarrowString());
     output.Line("  " + FormatText(composition.Settings()));
     output.Line("  " + TimelineText(composition));
+    WritePanelText("viewer panel", composition.ViewerPanelState(), output);
+    WritePanelText("layer panel", composition.LayerPanelState(), output);
     const auto layers = LayersByID(composition);
     std::size_t position = 0;
     for (const LayerPointer &layer : composition.Layers()) {
@@ -173,9 +167,21 @@ void WriteSums(const ProjectSums &sums, std::size_t metadata, Output &output)
                 std::to_string(sums.animatedProperties) + " animated), " +
                 Counted(sums.keyFrames, "key frame") + ", " + Counted(sums.expressions, "expression") + ", " +
                 Counted(metadata, "metadata value"));
+    if (sums.sequenceTracks > 0)
+        output.Line(Counted(sums.sequenceTracks, "track") + " in the sequence, " +
+                    Counted(sums.sequenceObjects, "object") + ", " + Counted(sums.transitions, "transition"));
 }
 
 } // namespace
+
+std::string FormatText(const AudioVideoSettings &settings)
+{
+    return SizeText(settings.Width(), settings.Height()) + " " + FieldsName(settings.Fields()) +
+           ", pixel aspect ratio " + NumberText(settings.PixelAspectRatioValue()) + ", " +
+           NumberText(settings.FrameRate()) + " frames per second, " + std::to_string(settings.FrameCount()) +
+           " frames (" + TimeCode::FromFrame(settings.FrameCount(), settings.FrameRate()).ToString() + "), " +
+           std::to_string(AudioVideoSettings::AudioSampleRateValue(settings.AudioSampleRate())) + " Hz";
+}
 
 void WriteInfoText(const Project &project, Output &output)
 {
@@ -184,6 +190,8 @@ void WriteInfoText(const Project &project, Output &output)
     WriteAssets(project.Assets(), output);
     for (const CompositionPointer &composition : Compositions(project))
         WriteComposition(*composition, project.Assets(), output);
+    if (project.Sequence())
+        WriteSequenceText(project, output);
     const std::vector<MetadataItem> metadata = MetadataItems(project);
     WriteMetadata(metadata, output);
     WriteSums(CountProject(project), metadata.size(), output);

@@ -3,7 +3,10 @@
 #include "Failure.h"
 #include "Json.h"
 #include "Output.h"
+#include "Timeline.h"
 
+#include <marlet/editor/EditorSequence.h>
+#include <marlet/editor/VisualObject.h>
 #include <marlet/layers/AbstractLayer.h>
 #include <marlet/project/AssetList.h>
 #include <marlet/project/CompositionAsset.h>
@@ -61,9 +64,9 @@ std::string SixDigits(float number)
     return std::string(buffer, result.ptr);
 }
 
-std::string MatrixText(int frame, int time, const Matrix &matrix)
+std::string MatrixText(const std::string &title, const Matrix &matrix)
 {
-    std::string text = "frame " + std::to_string(frame) + ", " + std::to_string(time) + " ms\n";
+    std::string text = title + "\n";
     for (int row = 0; row < 4; ++row) {
         for (int column = 0; column < 4; ++column)
             text += PadLeft(SixDigits(matrix(row, column)), 14);
@@ -72,15 +75,15 @@ std::string MatrixText(int frame, int time, const Matrix &matrix)
     return text;
 }
 
-std::string MatrixJson(int frame, int time, const Matrix &matrix)
+/// Closes the object that is open.
+std::string MatrixJson(JsonWriter &json, const Matrix &matrix)
 {
-    JsonWriter json;
-    json.BeginObject().Member("frame", frame).Member("time", time).Key("matrix").BeginArray();
+    json.Key("matrix").BeginArray();
     std::for_each(matrix.Data(), matrix.Data() + 16, [&](float element) { json.Value(element); });
     return json.EndArray().EndObject().Text() + '\n';
 }
 
-void Run(const Arguments &arguments, Output &output)
+void RunForLayer(const Arguments &arguments, Output &output)
 {
     const bool byFrame = arguments.Has("--frames");
     if (byFrame == arguments.Has("--times"))
@@ -99,10 +102,62 @@ void Run(const Arguments &arguments, Output &output)
             const int time = byFrame ? layer->GlobalFrameToRelativeTime(asked, assets) : asked;
             const int frame = byFrame ? asked : layer->RelativeTimeToGlobalFrame(asked, assets);
             const Matrix matrix = kind.compute(*layer, time, project, arguments.Has("--avoid-zero-scale"));
-            output.Write(arguments.Has("--json") ? MatrixJson(frame, time, matrix)
-                                                 : MatrixText(frame, time, matrix));
+            if (arguments.Has("--json")) {
+                JsonWriter json;
+                json.BeginObject().Member("frame", frame).Member("time", time);
+                output.Write(MatrixJson(json, matrix));
+            } else {
+                output.Write(MatrixText(
+                    "frame " + std::to_string(frame) + ", " + std::to_string(time) + " ms", matrix));
+            }
         }
     }
+}
+
+struct ObjectMatrixKind {
+    const char *name;
+    Matrix (VisualObject::*compute)(const ProjectPointer &) const;
+};
+
+const ObjectMatrixKind kObjectKinds[] = {
+    {"transformation", &VisualObject::Transformation},
+    {"origin", &VisualObject::OriginTransformation},
+    {"world", &VisualObject::WorldTransformation},
+};
+
+/// An object does not move: there are no frames to ask for.
+void RunForObject(const Arguments &arguments, Output &output)
+{
+    for (const char *option : {"--composition", "--layer", "--frames", "--times", "--avoid-zero-scale"})
+        if (arguments.Has(option))
+            throw UsageError(std::string(option) + " does not go with --object");
+    const std::string wanted = arguments.Has("--kind") ? arguments.Text("--kind") : "";
+    if (!wanted.empty() && std::none_of(std::begin(kObjectKinds), std::end(kObjectKinds),
+                                        [&](const ObjectMatrixKind &kind) { return kind.name == wanted; }))
+        throw UsageError("--kind: an object has no kind \"" + wanted + "\"");
+
+    const ProjectPointer project = ReadProject(arguments.Operand(0));
+    const auto object = FindVisualObject(*SequenceOf(*project), arguments.Text("--object"));
+    for (const ObjectMatrixKind &kind : kObjectKinds) {
+        if (!wanted.empty() && kind.name != wanted)
+            continue;
+        const Matrix matrix = ((*object).*kind.compute)(project);
+        if (arguments.Has("--json")) {
+            JsonWriter json;
+            json.BeginObject().Member("kind", kind.name);
+            output.Write(MatrixJson(json, matrix));
+        } else {
+            output.Write(MatrixText(kind.name, matrix));
+        }
+    }
+}
+
+void Run(const Arguments &arguments, Output &output)
+{
+    if (arguments.Has("--object"))
+        RunForObject(arguments, output);
+    else
+        RunForLayer(arguments, output);
 }
 
 } // namespace
@@ -111,16 +166,20 @@ const CommandSpec &MatrixCommand()
 {
     static const CommandSpec command{
         "matrix",
-        "the matrices of a layer over time",
+        "the matrices of a layer over time, or of an object of the sequence",
         "FILE --composition C --layer L (--frames LIST | --times LIST) [--kind KIND]\n"
-        "[--avoid-zero-scale] [--json]",
+        "[--avoid-zero-scale] [--json]\n"
+        "FILE --object O [--kind KIND] [--json]",
         1,
         1,
         {{"--composition", "C", "the composition, by ID or name"},
          {"--layer", "L", "the layer, by ID or name"},
          {"--frames", "LIST", "frames of the composition: 0,5,7 or 0..100"},
          {"--times", "LIST", "milliseconds since the layer's start: -40,0,33"},
-         {"--kind", "KIND", "world (if not given), parenting, transformation, origin, parent or set-parent"},
+         {"--object", "O", "a picture of the sequence, by ID, NAME, TRACK/NAME or TRACK@FRAME"},
+         {"--kind", "KIND",
+          "world (if not given), parenting, transformation, origin, parent or set-parent; of an object\n"
+          "                      transformation, origin and world, which are all shown if it is not given"},
          {"--avoid-zero-scale", "", "take a very small scale for one of zero"},
          {"--json", "", "one JSON object a line"}},
         Run,

@@ -1,9 +1,11 @@
 #include "Arguments.h"
 #include "ClipProject.h"
+#include "CutProject.h"
 #include "Document.h"
 #include "ExampleProject.h"
 #include "Failure.h"
 #include "MediaSource.h"
+#include "ShowcaseProject.h"
 #include "TitlesProject.h"
 
 #include <marlet/project/Project.h>
@@ -21,7 +23,8 @@ namespace
 /// A clip brings its own format and length.
 void MakeFromClip(const Arguments &arguments)
 {
-    for (const char *option : {"--preset", "--frames", "--titles", "--texture"})
+    for (const char *option :
+         {"--preset", "--frames", "--titles", "--texture", "--cut", "--showcase", "--picture"})
         if (arguments.Has(option))
             throw UsageError(std::string(option) + " does not go with --media");
     // A project names its files so that it can be opened in any folder.
@@ -33,6 +36,21 @@ void MakeFromClip(const Arguments &arguments)
     if (hasFeature)
         AddTracker(*clip.layer, feature);
     WriteProject(*clip.project, arguments.Operand(0));
+}
+
+std::shared_ptr<project::Project> MakeProject(const Arguments &arguments, AudioVideoSettings::Preset format,
+                                              int frames)
+{
+    const std::string &out = arguments.Operand(0);
+    if (arguments.Has("--cut"))
+        return MakeCutProject(format, frames, out);
+    if (arguments.Has("--showcase"))
+        return MakeShowcaseProject(
+            {format, frames, out, arguments.Path("--showcase"), arguments.Path("--picture")});
+    if (arguments.Has("--titles"))
+        return MakeTitlesProject(format, frames, out,
+                                 arguments.Has("--texture") ? arguments.Path("--texture") : "");
+    return MakeExampleProject(format, frames);
 }
 
 void Run(const Arguments &arguments, Output &)
@@ -56,12 +74,14 @@ void Run(const Arguments &arguments, Output &)
         throw UsageError("--frames: at least one is needed");
     if (arguments.Has("--texture") && !arguments.Has("--titles"))
         throw UsageError("--texture goes with --titles");
-    const auto format = static_cast<AudioVideoSettings::Preset>(preset);
-    const std::string &out = arguments.Operand(0);
-    const std::string texture = arguments.Has("--texture") ? arguments.Path("--texture") : "";
-    WriteProject(arguments.Has("--titles") ? *MakeTitlesProject(format, frames, out, texture)
-                                           : *MakeExampleProject(format, frames),
-                 out);
+    if (arguments.Has("--titles") + arguments.Has("--cut") + arguments.Has("--showcase") > 1)
+        throw UsageError("--titles, --cut and --showcase do not go together");
+    if ((arguments.Has("--cut") || arguments.Has("--showcase")) && frames < kLeastCutFrames)
+        throw UsageError("--frames: a cut needs at least " + std::to_string(kLeastCutFrames));
+    if (arguments.Has("--picture") != arguments.Has("--showcase"))
+        throw UsageError("--showcase and --picture go together");
+    WriteProject(*MakeProject(arguments, static_cast<AudioVideoSettings::Preset>(preset), frames),
+                 arguments.Operand(0));
 }
 
 } // namespace
@@ -71,7 +91,8 @@ const CommandSpec &NewCommand()
     static const CommandSpec command{
         "new",
         "a small project to start from and to look at",
-        "OUT [--preset N] [--frames N] [--titles [--texture IMAGE]]\n"
+        "OUT [--preset N] [--frames N] [--titles [--texture IMAGE] | --cut]\n"
+        "OUT [--preset N] [--frames N] --showcase CLIP --picture IMAGE\n"
         "OUT --media CLIP [--sequence] [--at X,Y [--feature N] [--search N]]",
         1,
         1,
@@ -79,6 +100,9 @@ const CommandSpec &NewCommand()
          {"--frames", "N", "the length; 250 if not given"},
          {"--titles", "", "styled text with effects and masks in place of a system of planets"},
          {"--texture", "IMAGE", "the picture on the ribbon of the titles, as seen from the folder of OUT"},
+         {"--cut", "", "the titles and a sequence that uses them, of 50 frames or more"},
+         {"--showcase", "CLIP", "all of these and a clip in space: a project that uses everything there is"},
+         {"--picture", "IMAGE", "a still that stands beside the clip"},
          {"--media", "CLIP", "a composition in the format of a video file, with a layer that shows it"},
          {"--sequence", "", "CLIP is a member of an image sequence of 25 frames per second"},
          {"--at", "X,Y", "a tracker of the feature there, in pixels from the middle, Y up"},

@@ -3,10 +3,16 @@
 #include "Document.h"
 #include "LayerContent.h"
 #include "QuietStandardError.h"
+#include "SequenceCheck.h"
+#include "Timeline.h"
 #include "TypedValue.h"
 #include "plugins/Ribbon.h"
 
 #include <marlet/animation/PropertyManager.h>
+#include <marlet/editor/AudioObject.h>
+#include <marlet/editor/EditorSequence.h>
+#include <marlet/editor/Transition.h>
+#include <marlet/editor/VisualObject.h>
 #include <marlet/layers/AssetLayer.h>
 #include <marlet/layers/CameraLayer.h>
 #include <marlet/layers/Effect3DLayer.h>
@@ -100,6 +106,10 @@ public:
             CheckAsset(*asset);
         for (const CompositionPointer &composition : Compositions(project_))
             CheckComposition(*composition);
+        const std::vector<Finding> ofSequence = CheckSequence(project_);
+        findings_.insert(findings_.end(), ofSequence.begin(), ofSequence.end());
+        if (const SequencePointer sequence = project_.Sequence())
+            CheckContents(sequence);
         return std::move(findings_);
     }
 
@@ -179,7 +189,7 @@ private:
             CheckOwners(composition, *layer, place);
             CheckLayerTypes(*layer, place);
             CheckTrackers(*layer, place);
-            CheckEffects(*layer, place);
+            CheckEffects(EffectsOf(*layer), layer->ID(), place);
             CheckMasks(*layer, place);
             CheckEffect3D(*layer, place);
         }
@@ -203,15 +213,37 @@ private:
         }
     }
 
-    void CheckEffects(const AbstractLayer &layer, const std::string &layerPlace)
+    void CheckEffects(const EffectList &effects, const kytl::KyID &holder, const std::string &holderPlace)
     {
         IDSet seen;
-        for (const auto &effect : EffectsOf(layer)) {
-            const std::string place = layerPlace + ", " + Place("effect", effect->Name());
+        for (const auto &effect : effects) {
+            const std::string place = holderPlace + ", " + Place("effect", effect->Name());
             if (!seen.insert(effect->ID()).second)
                 Add(kRepeated, place, effect->ID().ToNarrowString());
-            CheckHolder(place, effect->ParentID(), layer.ID());
+            CheckHolder(place, effect->ParentID(), holder);
             CheckTypes(std::as_const(*effect).Properties(), effect->Plugin()->Properties(), place);
+        }
+    }
+
+    /// What is in the objects of the sequence: their properties, effects and transitions.
+    void CheckContents(const SequencePointer &sequence)
+    {
+        // Whatever the asset, the types of the properties are the same.
+        const auto asset = SolidAsset::Create({}, {}, 1, 1, PAR::Square);
+        const auto picture = VisualObject::Create(asset, sequence);
+        const auto sound = AudioObject::Create(asset, sequence);
+        for (const std::shared_ptr<const AbstractSequenceObject> object : ObjectsOf(*sequence)) {
+            const std::string place = Place("object", object->Name());
+            const AbstractSequenceObject &model = object->Type() == ObjectType::Visual
+                                                      ? static_cast<const AbstractSequenceObject &>(*picture)
+                                                      : *sound;
+            CheckTypes(object->Properties(), model.Properties(), place);
+            CheckEffects(object->Effects(), object->ID(), place);
+            for (const TransitionPointer &transition :
+                 {object->IncomingTransition(), object->OutgoingTransition()})
+                if (transition && transition->Plugin())
+                    CheckTypes(std::as_const(*transition).Properties(), transition->Plugin()->Properties(),
+                               place + ", transition " + TransitionName(*transition));
         }
     }
 
@@ -227,11 +259,11 @@ private:
         }
     }
 
-    /// What is on a layer names that layer, or none.
+    /// What is on a layer or object names it, or none.
     void CheckHolder(const std::string &place, const kytl::KyID &named, const kytl::KyID &holder)
     {
         if (!named.IsNull() && named != holder)
-            Add(kDangling, place, "the layer " + named.ToNarrowString() + " that it names is another one");
+            Add(kDangling, place, "the holder " + named.ToNarrowString() + " that it names is another one");
     }
 
     void CheckEffect3D(const AbstractLayer &layer, const std::string &layerPlace)

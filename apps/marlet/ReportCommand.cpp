@@ -7,10 +7,12 @@
 #include "ProgressBar.h"
 #include "ReportPage.h"
 #include "TextFile.h"
+#include "TimelinePicture.h"
 #include "TreePicture.h"
 #include "preview/FrameRenderer.h"
 
 #include <marlet/animation/PropertyManager.h>
+#include <marlet/editor/EditorSequence.h>
 #include <marlet/layers/AbstractLayer.h>
 #include <marlet/project/CompositionAsset.h>
 #include <marlet/project/Project.h>
@@ -77,7 +79,9 @@ void AddThumbnails(const ProjectPointer &project, ReportFolder &folder, ReportCo
     ProgressBar progress(static_cast<int>(compositions.size()), "compositions");
     for (const CompositionPointer &composition : compositions) {
         const int last = std::max(composition->Settings().FrameCount() - 1, 0);
-        const int frame = std::clamp(composition->CurrentTimeIndicator(), 0, last);
+        // The playhead tells what is being worked on, unless nobody has moved it.
+        const int playhead = composition->CurrentTimeIndicator();
+        const int frame = playhead > 0 ? std::min(playhead, last) : last / 3;
         const QImage picture = renderer.Render(composition, frame, ThumbnailSize(*composition));
         const std::string file = folder.Add("composition", ".png", EncodePng(picture));
         content.compositions.push_back({file, ToUtf8(composition->Name()) + ", frame " +
@@ -113,6 +117,9 @@ void Run(const Arguments &arguments, Output &output)
     ReportFolder folder(path);
     ReportContent content;
     AddThumbnails(project, folder, content);
+    if (project->Sequence())
+        content.timeline.push_back(
+            {folder.Add("timeline", ".svg", TimelinePicture(*project)), "the editor timeline"});
     AddCurves(*project, folder, content);
     content.tree.push_back({folder.Add("tree", ".svg", TreePicture(*project)), "the whole project"});
     content.findings = CheckProject(*project);

@@ -10,11 +10,12 @@ namespace marlet::tool
 const std::vector<const CommandSpec *> &Commands()
 {
     static const std::vector<const CommandSpec *> commands{
-        &InfoCommand(),  &CheckCommand(),    &ReportCommand(),  &TreeCommand(),   &DiffCommand(),
-        &ValueCommand(), &CurveCommand(),    &MatrixCommand(),  &FrameCommand(),  &PostFilterCommand(),
-        &NewCommand(),   &SaveCommand(),     &ParentCommand(),  &CloneCommand(),  &DeleteCommand(),
-        &MediaCommand(), &DecodeCommand(),   &SamplesCommand(), &RelinkCommand(), &TrackCommand(),
-        &ImageCommand(), &TimecodeCommand(), &PluginsCommand(), &FontsCommand(),  &ClipCommand(),
+        &InfoCommand(),       &CheckCommand(),  &ReportCommand(), &TimelineCommand(), &TreeCommand(),
+        &DiffCommand(),       &ValueCommand(),  &CurveCommand(),  &MatrixCommand(),   &FrameCommand(),
+        &PostFilterCommand(), &NewCommand(),    &EditCommand(),   &SaveCommand(),     &ParentCommand(),
+        &CloneCommand(),      &DeleteCommand(), &MediaCommand(),  &DecodeCommand(),   &SamplesCommand(),
+        &RelinkCommand(),     &TrackCommand(),  &ImageCommand(),  &TimecodeCommand(), &PluginsCommand(),
+        &FontsCommand(),      &ClipCommand(),
     };
     return commands;
 }
@@ -57,6 +58,8 @@ std::string CommandUsage(const CommandSpec &command)
         usage += '\n';
     for (const OptionSpec &option : command.options)
         usage += "  " + PadRight(option.name + " " + option.placeholder, 20) + option.help + "\n";
+    if (!command.notes.empty())
+        usage += "\n" + command.notes;
     if (!command.example.empty())
         usage += "\nexample:\n  marlet " + command.example + "\n";
     return usage;

@@ -75,7 +75,7 @@ private:
     /// For the list alone, which stays in order.
     virtual void SetStartFrame(int frame) = 0;
 
-    /// The list that it was inserted into last, while it is there.
+    /// The list that set its start frame last, while it is there.
     Uncopied<std::weak_ptr<SequenceObjectList_Impl>> list_;
 };
 

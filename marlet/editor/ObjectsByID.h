@@ -22,11 +22,13 @@ public:
     std::shared_ptr<AbstractSequenceObject> Find(const kytl::KyID &id) const;
 
 private:
-    struct Place {
+    /// Aligned so that none lies in two cache lines.
+    struct alignas(32) Place {
         kytl::KyID id;
-        std::uint32_t hash = 0;
-        bool isTaken = false;
         std::weak_ptr<AbstractSequenceObject> object;
+
+        /// Also by an object that has gone: it only points nowhere if it was never set.
+        bool IsTaken() const { return std::weak_ptr<AbstractSequenceObject>().owner_before(object); }
     };
 
     std::size_t After(std::size_t place) const { return (place + 1) & (places_.size() - 1); }
@@ -35,8 +37,8 @@ private:
     {
         return (to - from) & (places_.size() - 1);
     }
-    std::size_t Home(std::uint32_t hash) const;
-    std::size_t Search(const kytl::KyID &id, std::uint32_t hash) const;
+    std::size_t Home(const kytl::KyID &id) const;
+    std::size_t Search(const kytl::KyID &id) const;
     void Grow();
 
     /// A power of two of them, a quarter free at least, so that every search comes to an end.

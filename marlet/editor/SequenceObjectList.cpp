@@ -28,7 +28,7 @@ void SequenceObjectList::SetTrackID(const kytl::KyID &id)
 
 bool SequenceObjectList::IsEmpty() const
 {
-    return impl_->slots.empty();
+    return impl_->entries.empty();
 }
 
 unsigned int SequenceObjectList::Count() const
@@ -38,12 +38,12 @@ unsigned int SequenceObjectList::Count() const
 
 const SequenceObjectList::Object &SequenceObjectList::operator[](unsigned int index) const
 {
-    return impl_->objects[impl_->slots.at(index)];
+    return impl_->slots[impl_->entries.at(index).slot].object;
 }
 
 SequenceObjectList::Object &SequenceObjectList::operator[](unsigned int index)
 {
-    Object &entry = impl_->objects[impl_->slots.at(index)];
+    Object &entry = impl_->slots[impl_->entries.at(index).slot].object;
     impl_->Lend(index);
     return entry;
 }
@@ -65,7 +65,7 @@ const SequenceObjectList::Object &SequenceObjectList::LastByTime() const
 SequenceObjectList::Object SequenceObjectList::GetByStartFrame(int frame) const
 {
     const std::size_t position = impl_->LowerBound(frame);
-    if (position == impl_->Count() || impl_->startFrames[position] != frame)
+    if (position == impl_->Count() || impl_->StartFrame(position) != frame)
         return nullptr;
     return impl_->At(position);
 }
@@ -92,7 +92,7 @@ SequenceObjectList::Objects SequenceObjectList::FindInRange(int first, int last)
     // To the end of the list, since an object that starts behind the range may end inside it.
     const std::size_t position = data.LowerBound(first);
     for (std::size_t i = position > 0 ? position - 1 : 0; i < data.Count(); ++i) {
-        const int start = data.startFrames[i];
+        const int start = data.StartFrame(i);
         const int end = data.EndFrame(i);
         const bool startsInside = first <= start && start < last;
         const bool endsInside = first < end && end <= last;
@@ -122,14 +122,14 @@ std::optional<int> SequenceObjectList::FindPreviousEdit(int frame) const
     const SequenceObjectList_Impl &data = *impl_;
     const std::size_t lowerBound = data.LowerBound(frame);
     const std::size_t onFrame = data.FindOnFrame(frame, lowerBound);
-    if (onFrame != data.kNone && data.startFrames[onFrame] != frame)
-        return data.startFrames[onFrame];
+    if (onFrame != data.kNone && data.StartFrame(onFrame) != frame)
+        return data.StartFrame(onFrame);
     const std::size_t before =
         data.FindBefore(frame, lowerBound, onFrame == data.kNone ? kytl::KyID() : data.At(onFrame)->ID());
     if (before == data.kNone)
         return std::nullopt;
     const int end = data.EndFrame(before);
-    return end == frame ? data.startFrames[before] : end;
+    return end == frame ? data.StartFrame(before) : end;
 }
 
 std::optional<int> SequenceObjectList::FindNextEdit(int frame) const
@@ -140,7 +140,7 @@ std::optional<int> SequenceObjectList::FindNextEdit(int frame) const
     if (onFrame != data.kNone)
         return data.EndFrame(onFrame);
     const std::size_t after = data.FindAfter(frame, lowerBound, {});
-    return after == data.kNone ? std::nullopt : std::optional(data.startFrames[after]);
+    return after == data.kNone ? std::nullopt : std::optional(data.StartFrame(after));
 }
 
 void SequenceObjectList::ForEach(const std::function<void(Object)> &function)

@@ -60,8 +60,8 @@ public:
     void ForEach(const std::function<void(Object)> &function);
     void ForEach(const std::function<void(std::shared_ptr<const AbstractSequenceObject>)> &function) const;
 
-    /// Sets the object's start frame, not its end frame nor its parent track. An object that is still
-    /// on another list goes astray there: it keeps its place until it is moved or removed.
+    /// Sets the object's start frame, not its end frame nor its parent track. On another list that has the
+    /// object too, it keeps its place until that list changes, here as in Move.
     /// @throws std::invalid_argument for a null pointer
     void Insert(const Object &object, int startFrame);
     /// Sets the start frame; the end frame goes with it if the length is kept.

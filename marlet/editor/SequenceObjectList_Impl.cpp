@@ -9,10 +9,11 @@
 namespace marlet::project
 {
 
-/// A lent entry is asked itself.
+/// An entry that this list may know nothing of is asked itself.
 int SequenceObjectList_Impl::EndFrame(std::size_t position) const
 {
-    return IsLent(position) ? At(position)->EndFrame() : endFrames[slots[position]];
+    const bool isKnown = !mayShareObjects && !IsLent(position);
+    return isKnown ? slots[entries[position].slot].endFrame : At(position)->EndFrame();
 }
 
 /// Asks no object whether it has the null ID unless one may have it.
@@ -26,22 +27,22 @@ bool SequenceObjectList_Impl::HasID(std::size_t position, const kytl::KyID &id) 
 /// The first position that starts at the frame or later.
 std::size_t SequenceObjectList_Impl::LowerBound(int frame) const
 {
-    return static_cast<std::size_t>(std::lower_bound(startFrames.begin(), startFrames.end(), frame) -
-                                    startFrames.begin());
+    const auto bound = std::ranges::lower_bound(entries, frame, {}, &Entry::startFrame);
+    return static_cast<std::size_t>(bound - entries.begin());
 }
 
 /// Behind all that start at the frame or earlier. What comes in order of time needs no search.
 std::size_t SequenceObjectList_Impl::UpperBound(int frame) const
 {
-    if (startFrames.empty() || startFrames.back() <= frame)
+    if (entries.empty() || entries.back().startFrame <= frame)
         return Count();
-    return static_cast<std::size_t>(std::upper_bound(startFrames.begin(), startFrames.end(), frame) -
-                                    startFrames.begin());
+    const auto bound = std::ranges::upper_bound(entries, frame, {}, &Entry::startFrame);
+    return static_cast<std::size_t>(bound - entries.begin());
 }
 
 std::size_t SequenceObjectList_Impl::FindOnFrame(int frame, std::size_t lowerBound) const
 {
-    if (lowerBound < Count() && startFrames[lowerBound] == frame)
+    if (lowerBound < Count() && StartFrame(lowerBound) == frame)
         return lowerBound;
     return lowerBound > 0 && frame < EndFrame(lowerBound - 1) ? lowerBound - 1 : kNone;
 }
@@ -60,7 +61,7 @@ std::size_t SequenceObjectList_Impl::FindAfter(int frame, std::size_t lowerBound
                                                const kytl::KyID &excluded) const
 {
     for (std::size_t position = lowerBound; position < Count(); ++position)
-        if (startFrames[position] > frame && !HasID(position, excluded))
+        if (StartFrame(position) > frame && !HasID(position, excluded))
             return position;
     return kNone;
 }
@@ -68,29 +69,26 @@ std::size_t SequenceObjectList_Impl::FindAfter(int frame, std::size_t lowerBound
 std::size_t SequenceObjectList_Impl::FindEntry(const Object &object) const
 {
     const int startFrame = object->StartFrame();
-    for (std::size_t i = LowerBound(startFrame); i < Count() && startFrames[i] == startFrame; ++i)
+    for (std::size_t i = LowerBound(startFrame); i < Count() && StartFrame(i) == startFrame; ++i)
         if (At(i) == object)
             return i;
     return kNone;
 }
 
-std::size_t SequenceObjectList_Impl::RequireEntry(const Object &object)
+std::size_t SequenceObjectList_Impl::RequireEntry(const Object &object) const
 {
-    std::size_t position = object ? FindEntry(object) : kNone;
-    if (position != kNone)
-        return position;
-    if (!object || std::find(objects.begin(), objects.end(), object) == objects.end())
+    const std::size_t position = object ? FindEntry(object) : kNone;
+    if (position == kNone)
         throw std::logic_error("The object is not on the track");
-    SortAgain(); // another list has set the start frame
-    return FindEntry(object);
+    return position;
 }
 
 void SequenceObjectList_Impl::TakeEndFrame(const AbstractSequenceObject &object)
 {
     const int startFrame = object.StartFrame();
-    for (std::size_t i = LowerBound(startFrame); i < Count() && startFrames[i] == startFrame; ++i)
+    for (std::size_t i = LowerBound(startFrame); i < Count() && StartFrame(i) == startFrame; ++i)
         if (At(i).get() == &object)
-            endFrames[slots[i]] = object.EndFrame();
+            slots[entries[i].slot].endFrame = object.EndFrame();
 }
 
 void SequenceObjectList_Impl::Lend(std::size_t position)
@@ -100,17 +98,21 @@ void SequenceObjectList_Impl::Lend(std::size_t position)
     endLent = isFirst ? position + 1 : std::max(endLent, position + 1);
 }
 
-/// Before every change: references hold no longer than to the next one.
+/// Before every change: references hold no longer than to the next one, and what other lists did to shared
+/// objects counts from then on.
 void SequenceObjectList_Impl::TakeBack()
 {
+    bool isMoved = false;
     const std::size_t end = std::exchange(endLent, 0);
     for (std::size_t i = std::exchange(firstLent, 0); i < end; ++i) {
-        // What is on another list by now stays with that.
         if (At(i)->list_->expired())
             *At(i)->list_ = weak_from_this();
+        mayShareObjects = mayShareObjects || !IsToldBy(*At(i));
+        const int former = StartFrame(i);
         Refresh(i);
+        isMoved = isMoved || StartFrame(i) != former;
     }
-    if (end > 0 && !std::is_sorted(startFrames.begin(), startFrames.end()))
+    if (mayShareObjects || isMoved)
         SortAgain();
 }
 
@@ -118,56 +120,67 @@ void SequenceObjectList_Impl::TakeBack()
 void SequenceObjectList_Impl::Refresh(std::size_t position)
 {
     const AbstractSequenceObject &object = *At(position);
-    startFrames[position] = object.StartFrame();
-    endFrames[slots[position]] = object.EndFrame();
+    entries[position].startFrame = object.StartFrame();
+    slots[entries[position].slot].endFrame = object.EndFrame();
     mayHaveNullIDs = mayHaveNullIDs || object.ID().IsNull();
 }
 
 void SequenceObjectList_Impl::SortAgain()
 {
-    std::stable_sort(slots.begin(), slots.end(), [this](std::uint32_t a, std::uint32_t b) {
-        return objects[a]->StartFrame() < objects[b]->StartFrame();
-    });
-    for (std::size_t i = 0; i < Count(); ++i)
+    mayShareObjects = false;
+    for (std::size_t i = 0; i < Count(); ++i) {
+        mayShareObjects = mayShareObjects || !IsToldBy(*At(i));
         Refresh(i);
+    }
+    std::ranges::stable_sort(entries, {}, &Entry::startFrame);
+}
+
+bool SequenceObjectList_Impl::IsToldBy(const AbstractSequenceObject &object) const
+{
+    return object.list_->lock().get() == this;
 }
 
 /// An object that is on another list stays with that.
 void SequenceObjectList_Impl::Release(AbstractSequenceObject &object) const
 {
-    if (object.list_->lock().get() == this)
+    if (IsToldBy(object))
         object.list_->reset();
+}
+
+/// From now on this list is told of the object's end frame; one that was so far has to ask.
+void SequenceObjectList_Impl::Adopt(AbstractSequenceObject &object)
+{
+    if (const std::shared_ptr<SequenceObjectList_Impl> former = object.list_->lock())
+        former->mayShareObjects = former->mayShareObjects || former.get() != this;
+    *object.list_ = weak_from_this();
 }
 
 std::uint32_t SequenceObjectList_Impl::TakeSlot(const Object &object)
 {
     if (freeSlots.empty()) {
-        objects.push_back(object);
-        endFrames.push_back(0);
-        return static_cast<std::uint32_t>(objects.size() - 1);
+        slots.push_back({object});
+        return static_cast<std::uint32_t>(slots.size() - 1);
     }
     const std::uint32_t slot = freeSlots.back();
     freeSlots.pop_back();
-    objects[slot] = object;
+    slots[slot].object = object;
     return slot;
 }
 
 void SequenceObjectList_Impl::Insert(const Object &object, std::size_t position)
 {
     const auto offset = static_cast<std::ptrdiff_t>(position);
-    slots.insert(slots.begin() + offset, TakeSlot(object));
-    startFrames.insert(startFrames.begin() + offset, 0);
-    *object->list_ = weak_from_this();
+    entries.insert(entries.begin() + offset, Entry{0, TakeSlot(object)});
     Refresh(position);
 }
 
 void SequenceObjectList_Impl::Erase(std::size_t position)
 {
     const auto offset = static_cast<std::ptrdiff_t>(position);
-    const Object object = std::exchange(objects[slots[position]], nullptr);
-    freeSlots.push_back(slots[position]);
-    slots.erase(slots.begin() + offset);
-    startFrames.erase(startFrames.begin() + offset);
+    const std::uint32_t slot = entries[position].slot;
+    const Object object = std::exchange(slots[slot].object, nullptr);
+    freeSlots.push_back(slot);
+    entries.erase(entries.begin() + offset);
     if (FindEntry(object) == kNone)
         Release(*object);
 }
@@ -179,45 +192,41 @@ SequenceObjectList::Objects SequenceObjectList_Impl::TakeAll()
         Release(*At(i));
         taken.Add(At(i));
     }
-    startFrames.clear();
+    entries.clear();
     slots.clear();
-    objects.clear();
-    endFrames.clear();
     freeSlots.clear();
     mayHaveNullIDs = false;
+    mayShareObjects = false;
     return taken;
 }
 
 /// Takes an entry to another position; those between move up.
 void SequenceObjectList_Impl::Shift(std::size_t from, std::size_t to)
 {
-    const auto rotate = [from, to](auto begin) {
-        const auto at = [begin](std::size_t i) { return begin + static_cast<std::ptrdiff_t>(i); };
-        if (from < to)
-            std::rotate(at(from), at(from + 1), at(to + 1));
-        else
-            std::rotate(at(to), at(from), at(from + 1));
-    };
-    rotate(startFrames.begin());
-    rotate(slots.begin());
+    const auto at = [this](std::size_t i) { return entries.begin() + static_cast<std::ptrdiff_t>(i); };
+    if (from < to)
+        std::rotate(at(from), at(from + 1), at(to + 1));
+    else
+        std::rotate(at(to), at(from), at(from + 1));
 }
 
 /// Sets the object's start frame, and takes its entries, of which there may be none or several, behind what
 /// starts there.
 void SequenceObjectList_Impl::MoveEntries(const Object &object, int startFrame)
 {
+    Adopt(*object);
     const int former = object->StartFrame();
     if (former == startFrame)
         return;
     object->SetStartFrame(startFrame);
     std::size_t position = LowerBound(former);
-    while (position < Count() && startFrames[position] == former) {
+    while (position < Count() && StartFrame(position) == former) {
         if (At(position) != object) {
             ++position;
             continue;
         }
         const std::size_t behind = UpperBound(startFrame);
-        startFrames[position] = startFrame;
+        entries[position].startFrame = startFrame;
         Shift(position, position < behind ? behind - 1 : behind);
         if (startFrame < former)
             ++position;

@@ -7,31 +7,40 @@
 namespace marlet::project
 {
 
-/// The objects of a list in slots, whose numbers stand in order of time beside the start frames. A search by
-/// frame touches flat arrays and no object, and an insertion moves no object. The list alone sets start
-/// frames; objects tell it of their end frames.
+/// The objects of a list in slots, and in order of time a flat array of their start frames with the numbers
+/// of their slots. A search by frame touches no object, and an insertion moves none. The list alone sets
+/// start frames; objects tell it of their end frames.
 struct SequenceObjectList_Impl : std::enable_shared_from_this<SequenceObjectList_Impl> {
     using Object = SequenceObjectList::Object;
+
+    struct Entry {
+        int startFrame = 0;
+        std::uint32_t slot = 0;
+    };
+
+    struct Slot {
+        Object object;
+        int endFrame = 0;
+    };
 
     static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
 
     EditorSequence *sequence = nullptr;
     kytl::KyID trackID;
-    // By position, that is in order.
-    std::vector<int> startFrames;
-    std::vector<std::uint32_t> slots;
-    // By slot.
-    std::vector<Object> objects;
-    std::vector<int> endFrames;
+    std::vector<Entry> entries;
+    std::vector<Slot> slots;
     std::vector<std::uint32_t> freeSlots;
     // The positions from the first to before the last may hold other objects than the list put there:
     // somebody was given a reference.
     std::size_t firstLent = 0;
     std::size_t endLent = 0;
     bool mayHaveNullIDs = false;
+    /// Some object may be on another list too, which has set its start frame and is told of its end frame.
+    bool mayShareObjects = false;
 
-    std::size_t Count() const { return startFrames.size(); }
-    const Object &At(std::size_t position) const { return objects[slots[position]]; }
+    std::size_t Count() const { return entries.size(); }
+    const Object &At(std::size_t position) const { return slots[entries[position].slot].object; }
+    int StartFrame(std::size_t position) const { return entries[position].startFrame; }
     bool IsLent(std::size_t position) const { return position >= firstLent && position < endLent; }
     int EndFrame(std::size_t position) const;
     bool HasID(std::size_t position, const kytl::KyID &id) const;
@@ -42,7 +51,7 @@ struct SequenceObjectList_Impl : std::enable_shared_from_this<SequenceObjectList
     std::size_t FindBefore(int frame, std::size_t lowerBound, const kytl::KyID &excluded) const;
     std::size_t FindAfter(int frame, std::size_t lowerBound, const kytl::KyID &excluded) const;
     std::size_t FindEntry(const Object &object) const;
-    std::size_t RequireEntry(const Object &object);
+    std::size_t RequireEntry(const Object &object) const;
 
     void TakeEndFrame(const AbstractSequenceObject &object);
     void Lend(std::size_t position);
@@ -54,6 +63,8 @@ struct SequenceObjectList_Impl : std::enable_shared_from_this<SequenceObjectList
     void MoveEntries(const Object &object, int startFrame);
 
 private:
+    void Adopt(AbstractSequenceObject &object);
+    bool IsToldBy(const AbstractSequenceObject &object) const;
     void Release(AbstractSequenceObject &object) const;
     std::uint32_t TakeSlot(const Object &object);
     void Shift(std::size_t from, std::size_t to);

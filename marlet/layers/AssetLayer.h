@@ -85,7 +85,7 @@ public:
     TrackerList &Trackers();
     const TrackerList &Trackers() const;
 
-    /// The rate by which the asset's sound counts frames, 0 for an asset without sound.
+    /// The rate by which the asset's sound counts frames, 0 for a solid or an image.
     double AudioFrameRate(const AssetList &assets) const;
     /// How large a frame of the asset is after the effects, and where the asset's frame lies in it, in
     /// pixels. The last two arguments before the results are handed on to the plug-ins' FilterMargins.

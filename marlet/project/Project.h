@@ -42,7 +42,9 @@ public:
     /// Any failure is an exception, and there is no project then:
     /// @throws XmlParseException for a text that is not whole, a wrong root, a missing element or attribute
     /// @throws InvalidProjectVersionException for an element of a newer version
-    /// @throws ProjectException for a layer that lacks a property of its class
+    /// @throws MissingPluginException, InvalidPluginVersionException for an effect or a transition whose
+    /// plug-in is not there, or older than the one that saved it
+    /// @throws ProjectException for a layer or an object of the timeline that lacks a property of its class
     /// @throws std::runtime_error for a malformed ID, boost::bad_lexical_cast for a malformed boolean
     static std::shared_ptr<Project> CreateFromXml(const WideString &xml, const WideString &texturesFolder,
                                                   const std::shared_ptr<AbstractPluginManager> &pluginManager,

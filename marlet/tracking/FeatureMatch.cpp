@@ -21,14 +21,24 @@ bool IsFinite(const Point &point)
     return std::isfinite(point.X) && std::isfinite(point.Y);
 }
 
-bool MakeSense(const TrackingRectangles &rectangles, const TrackingImage &image)
+bool MakeSense(const TrackingRectangles &rectangles)
 {
     const Point &feature = rectangles.featureSize;
     const Point &search = rectangles.searchSize;
-    const float largerSide = static_cast<float>(std::max(image.width, image.height));
     return IsFinite(rectangles.featurePosition) && IsFinite(feature) && IsFinite(rectangles.searchPosition) &&
-           IsFinite(search) && feature.X >= 1 && feature.Y >= 1 && feature.X <= largerSide &&
-           feature.Y <= largerSide && search.X > 0 && search.Y > 0;
+           IsFinite(search) && feature.X >= 1 && feature.Y >= 1 && search.X > 0 && search.Y > 0;
+}
+
+bool AreAlike(const TrackingImage &first, const TrackingImage &second)
+{
+    return first.width == second.width && first.height == second.height &&
+           first.bytesPerPixel == second.bytesPerPixel;
+}
+
+/// Such a feature is in no region, and the flow's memory would grow with it.
+bool IsLargerThanTheFrame(const Point &featureSize, const TrackingImage &frame)
+{
+    return std::max(featureSize.X, featureSize.Y) > static_cast<float>(std::max(frame.width, frame.height));
 }
 
 /// First and last of the pixels of an axis that are looked at, the last exclusive.
@@ -75,7 +85,7 @@ FeatureMatch MatchFeature(const TrackingImage &previous, const TrackingImage &ne
                           const TrackingOptions &options)
 {
     const FeatureMatch lost{rectangles.featurePosition, true};
-    if (!MakeSense(rectangles, previous))
+    if (!MakeSense(rectangles) || !AreAlike(previous, next))
         return lost;
 
     const float middleX = static_cast<float>(previous.width / 2);
@@ -97,7 +107,9 @@ FeatureMatch MatchFeature(const TrackingImage &previous, const TrackingImage &ne
                                  .y = y - top,
                                  .featureWidth = rectangles.featureSize.X,
                                  .featureHeight = rectangles.featureSize.Y};
-    const std::optional<FoundFeature> found = Search(region, method, options);
+    const std::optional<FoundFeature> found = IsLargerThanTheFrame(rectangles.featureSize, previous)
+                                                  ? FoundFeature{region.x, region.y, true, kLargestError}
+                                                  : Search(region, method, options);
     if (!found || !std::isfinite(found->x) || !std::isfinite(found->y))
         return lost;
 

@@ -28,8 +28,8 @@ struct FeatureMatch {
     bool isLost = false;
 };
 
-/// Finds a feature of one frame in the next. Both frames have the same size and format. Whatever the
-/// rectangles are, nothing outside of the frames is read; what makes no sense is a lost match. Internal.
+/// Finds a feature of one frame in the next. Whatever the rectangles are, nothing outside of the frames is
+/// read; what makes no sense, such as frames of different sizes, is a lost match. Internal.
 FeatureMatch MatchFeature(const TrackingImage &previous, const TrackingImage &next,
                           const TrackingRectangles &rectangles, Tracker::TrackerMethod method,
                           const TrackingOptions &options);

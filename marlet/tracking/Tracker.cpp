@@ -187,7 +187,7 @@ std::shared_ptr<TrackingPoint> &Tracker::PrimaryTrackingPoint()
     return impl_->primary;
 }
 
-std::shared_ptr<const TrackingPoint> Tracker::PrimaryTrackingPoint() const
+const std::shared_ptr<TrackingPoint> &Tracker::PrimaryTrackingPoint() const
 {
     return impl_->primary;
 }
@@ -197,7 +197,7 @@ std::shared_ptr<TrackingPoint> &Tracker::SecondaryTrackingPoint()
     return impl_->secondary;
 }
 
-std::shared_ptr<const TrackingPoint> Tracker::SecondaryTrackingPoint() const
+const std::shared_ptr<TrackingPoint> &Tracker::SecondaryTrackingPoint() const
 {
     return impl_->secondary;
 }

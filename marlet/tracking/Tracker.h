@@ -58,9 +58,9 @@ public:
     void ClearDestinationLayerID();
     /// Always there on a new tracker; null if the file had none.
     std::shared_ptr<TrackingPoint> &PrimaryTrackingPoint();
-    std::shared_ptr<const TrackingPoint> PrimaryTrackingPoint() const;
+    const std::shared_ptr<TrackingPoint> &PrimaryTrackingPoint() const;
     std::shared_ptr<TrackingPoint> &SecondaryTrackingPoint();
-    std::shared_ptr<const TrackingPoint> SecondaryTrackingPoint() const;
+    const std::shared_ptr<TrackingPoint> &SecondaryTrackingPoint() const;
 
 private:
     friend class AssetLayer;

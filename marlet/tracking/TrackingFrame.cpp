@@ -45,8 +45,7 @@ void ConvertToGray(const unsigned char *pixel, std::vector<unsigned char> &gray)
 TrackingFrame::TrackingFrame(const MediaVideoStream &stream, bool inColour)
     : colour_(std::max(BufferSize(stream), PixelCount(stream) * kChannels)),
       gray_(inColour ? 0 : PixelCount(stream)),
-      width_(stream.Width()),
-      height_(stream.Height())
+      isInColour_(inColour)
 {
 }
 
@@ -56,15 +55,23 @@ bool TrackingFrame::Read(const MediaVideoStream &stream, double frameRate, std::
         return false;
     const int code = stream.GetFrame(frameRate, static_cast<int>(number), KyImageChannels::Four,
                                      colour_.data(), static_cast<int>(colour_.size()), nullptr, 0);
-    if (code != 0 || stream.Width() != width_ || stream.Height() != height_)
+    if (code != 0)
         return false;
-    ConvertToGray(colour_.data(), gray_);
+    width_ = stream.Width();
+    height_ = stream.Height();
+    const std::size_t pixelCount = PixelCount(stream);
+    if (pixelCount * kChannels > colour_.size())
+        return false;
+    if (!isInColour_) {
+        gray_.resize(pixelCount);
+        ConvertToGray(colour_.data(), gray_);
+    }
     return true;
 }
 
 TrackingImage TrackingFrame::Image() const
 {
-    if (gray_.empty())
+    if (isInColour_)
         return {colour_.data(), width_, height_, kChannels};
     return {gray_.data(), width_, height_, 1};
 }

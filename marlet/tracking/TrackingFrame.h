@@ -18,15 +18,16 @@ public:
     TrackingFrame(const MediaVideoStream &stream, bool inColour);
 
     /// Reads a frame of the project's rate. False if there is none, if it does not decode, or if it has
-    /// another size than the first had.
+    /// outgrown the memory.
     bool Read(const MediaVideoStream &stream, double frameRate, std::int64_t number);
     TrackingImage Image() const;
 
 private:
     std::vector<unsigned char> colour_;
     std::vector<unsigned char> gray_; ///< empty if the frame is used in colour
-    int width_;
-    int height_;
+    bool isInColour_;
+    int width_ = 0;
+    int height_ = 0;
 };
 
 } // namespace marlet::project

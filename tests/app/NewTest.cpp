@@ -37,6 +37,17 @@ TEST_F(NewTest, TitlesHaveWhatHangsOnLayers)
     EXPECT_EQ(Run({"new", "a.xml", "--texture=none.png"}).exitCode, 2);
 }
 
+TEST_F(NewTest, CutLacksItsMediaFilesAndNothingElse)
+{
+    for (const char *frames : {"--frames=50", "--frames=99", "--frames=100000"}) {
+        ASSERT_EQ(Run({"new", "a.xml", "--cut", frames}).exitCode, 0);
+        EXPECT_EQ(Run({"check", "a.xml"}).err, "marlet: a.xml: 3 problems\n") << Run({"check", "a.xml"}).out;
+        ASSERT_EQ(Run({"save", "a.xml", "b.xml"}).exitCode, 0);
+        EXPECT_EQ(Read("a.xml"), Read("b.xml"));
+    }
+    EXPECT_EQ(Run({"new", "a.xml", "--cut", "--frames=49"}).exitCode, 2);
+}
+
 TEST_F(NewTest, TakesTheFormatOfThePreset)
 {
     ASSERT_EQ(Run({"new", "a.xml", "--preset", "3", "--frames", "60"}).exitCode, 0);

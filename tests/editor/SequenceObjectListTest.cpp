@@ -145,6 +145,8 @@ TEST_F(SequenceObjectListTest, AnswersAsALookAtEveryObjectWould)
         ASSERT_THAT(All(), ElementsAreArray(scan.objects)) << step;
         for (const Object &object : gone)
             ASSERT_EQ(list.GetByID(object->ID()), nullptr) << step;
+        for (const Object &object : scan.objects) // copies were put there past the sequence
+            ASSERT_EQ(list.GetByID(object->ID()), object->ParentTrackID().IsNull() ? nullptr : object);
         const int first = frame(), last = frame();
         const Object excluded = number(0, 1) ? any : nullptr, untouched = Make(0);
         Object previous = untouched, next = untouched;
@@ -196,14 +198,19 @@ TEST_F(SequenceObjectListTest, StaysInOrderWhateverStandsInItTwice)
     a->SetEndFrame(4);
     EXPECT_EQ(list.FindOnFrame(3), a);
 
-    // On two lists, the one that it came to last keeps it in order, the other one finds it when it is
-    // removed.
+    // On two lists, both know where it ends, and the one that it came to first puts it in order when next it
+    // changes.
     const auto other = VideoTrack::Create(sequence, u"");
-    other->Objects().Insert(list[0], 50);
-    list.Remove(list[0]);
-    a->SetEndFrame(60);
-    EXPECT_THAT(All(), ElementsAre(b));
-    EXPECT_EQ(other->Objects().FindOnFrame(59), a);
+    other->Objects().Insert(a, 50);
+    const Object c = Insert(20, 30);
+    EXPECT_THAT(All(), ElementsAre(b, c, a));
+    for (SequenceObjectList *objects : {&other->Objects(), &list}) {
+        a->SetEndFrame(a->EndFrame() + 60);
+        EXPECT_EQ(list.FindOnFrame(a->EndFrame() - 1), a);
+        EXPECT_EQ(objects->FindOnFrame(a->EndFrame() - 1), a);
+        objects->Remove(a);
+    }
+    list.Remove(c);
 
     const Object replacing = Make(30);
     other->Objects().Insert(replacing, 20);

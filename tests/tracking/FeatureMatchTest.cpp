@@ -170,6 +170,14 @@ TEST(FeatureMatch, LosesWhatMakesNoSense)
                 << row.name << ", method " << static_cast<int>(method);
     }
     EXPECT_TRUE(MatchFeature({}, {}, Rectangles({}), Method::OpticalFlow, {}).isLost);
+    EXPECT_TRUE(Match(picture, {kWidth, kHeight - 1}, Rectangles({}), Method::TemplateMatching,
+                      {.errorTolerance = 100})
+                    .isLost);
+    // A feature that fits nowhere has an error that can still be tolerated.
+    for (const Point size : {Point{300, 300}, Point{64, 230}})
+        EXPECT_FALSE(Match(picture, picture, {{1, 2}, size, {}, {50, 50}}, Method::TemplateMatching,
+                           {.errorTolerance = 100})
+                         .isLost);
 }
 
 TEST(FeatureMatch, ReadsNothingOutsideOfThePictureWhateverTheRectangles)

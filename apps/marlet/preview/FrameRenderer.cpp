@@ -105,8 +105,10 @@ void FrameRenderer::DrawLayer(const Scene &scene, const AbstractLayer &layer)
     QPainter painter(&scene.canvas);
     painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
     painter.setOpacity(OpacityOf(layer, time));
-    painter.setTransform(*place);
-    painter.drawImage(0, 0, surface.picture);
+    painter.setTransform(place->toPicture);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(surface.picture);
+    painter.drawPolygon(place->visible);
 }
 
 void FrameRenderer::DrawGrade(const Scene &scene, const AbstractLayer &layer, int time)

@@ -25,6 +25,25 @@ double DefaultZoom(const AudioVideoSettings &settings)
                                           settings.Width(), settings.PixelAspectRatioValue());
 }
 
+/// The part of a closed polygon whose points are at least that deep, by the clipping of Sutherland and
+/// Hodgman against one plane: depth grows evenly along an edge.
+QPolygonF InFront(const QPolygonF &polygon, const QTransform &transform, double nearest)
+{
+    const auto beyond = [&](const QPointF &point) {
+        return transform.m13() * point.x() + transform.m23() * point.y() + transform.m33() - nearest;
+    };
+    QPolygonF visible;
+    for (qsizetype i = 0; i + 1 < polygon.size(); ++i) {
+        const double depth = beyond(polygon[i]);
+        const double next = beyond(polygon[i + 1]);
+        if (depth >= 0)
+            visible << polygon[i];
+        if ((depth >= 0) != (next >= 0))
+            visible << polygon[i] + (polygon[i + 1] - polygon[i]) * (depth / (depth - next));
+    }
+    return visible;
+}
+
 } // namespace
 
 View::View(const ProjectPointer &project, const CompositionAsset &composition, int frame, QSize picture)
@@ -67,7 +86,7 @@ View::Projected View::Project(const Matrix &toView, bool inSpace, double x, doub
             depth};
 }
 
-std::optional<QTransform> View::OfPlane(const Matrix &world, bool inSpace, const Surface &surface) const
+std::optional<View::Placement> View::OfPlane(const Matrix &world, bool inSpace, const Surface &surface) const
 {
     const Matrix toView = ToView(world, inSpace);
     const Projected right = Project(toView, inSpace, 1, 0, 0, 0);
@@ -79,15 +98,13 @@ std::optional<QTransform> View::OfPlane(const Matrix &world, bool inSpace, const
                                surface.origin.y() + surface.content.height() + surface.corner.y());
     const QTransform whole = ofPicture * ofContent;
 
-    const QRect frame = surface.picture.rect();
-    const auto depthAt = [&](int x, int y) { return whole.m13() * x + whole.m23() * y + whole.m33(); };
-    const double depths[] = {depthAt(0, 0), depthAt(frame.width(), 0), depthAt(0, frame.height()),
-                             depthAt(frame.width(), frame.height())};
-    const bool isInFront = std::all_of(std::begin(depths), std::end(depths),
-                                       [&](double depth) { return inSpace ? depth >= nearest_ : depth > 0; });
-    if (!isInFront || !whole.isInvertible())
+    if (!whole.isInvertible())
         return std::nullopt;
-    return whole;
+    const QPolygonF visible =
+        InFront(QPolygonF(QRectF(surface.picture.rect())), whole, inSpace ? nearest_ : 0);
+    if (visible.size() < 3)
+        return std::nullopt;
+    return Placement{whole, visible};
 }
 
 std::optional<QPointF> View::OfPoint(const Matrix &world, bool inSpace,

@@ -6,6 +6,7 @@
 #include <marlet/foundation/KyMatrix.h>
 
 #include <QPointF>
+#include <QPolygonF>
 #include <QTransform>
 
 #include <optional>
@@ -26,8 +27,14 @@ public:
     View(const ProjectPointer &project, const project::CompositionAsset &composition, int frame,
          QSize picture);
 
-    /// Where the picture of a flat layer goes. Nothing if it stands behind the camera or edge-on.
-    std::optional<QTransform> OfPlane(const Matrix &world, bool inSpace, const Surface &surface) const;
+    /// Where the picture of a flat layer goes.
+    struct Placement {
+        QTransform toPicture; ///< from pixels of the layer's picture
+        QPolygonF visible;    ///< what of the layer's picture is in front of the camera
+    };
+
+    /// Nothing for a layer behind the camera or edge-on.
+    std::optional<Placement> OfPlane(const Matrix &world, bool inSpace, const Surface &surface) const;
     /// Where a point of a layer goes, and nothing for one behind the camera.
     std::optional<QPointF> OfPoint(const Matrix &world, bool inSpace,
                                    const kytl::matl::KyPoint<3, float> &point) const;

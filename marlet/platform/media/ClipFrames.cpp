@@ -57,20 +57,31 @@ int ClipFrames::FirstDecoded()
     return -1;
 }
 
+/// The last start leads to the end soonest. Where frames are missing then, they may only have needed more to
+/// recover from, which an earlier start tells.
 int ClipFrames::LastDecoded()
 {
+    const std::vector<FrameIndex::Start> &starts = index_.Starts();
     const int packets = static_cast<int>(index_.Packets().size());
-    for (int start = static_cast<int>(index_.Starts().size()) - 1; start >= 0; --start) {
-        if (packets - index_.Starts()[start].packet > kLongestTail)
-            break;
-        StartAt(start);
-        int last = -1;
-        while (Reader().Next(*behind_))
-            last = std::max(last, index_.FrameOf(PacketOf(*behind_)));
-        if (last >= 0)
-            return last;
-    }
-    return Count() - 1;
+    const auto earliest =
+        std::find_if(starts.begin(), starts.end(), [packets](const FrameIndex::Start &start) {
+            return packets - start.packet <= kLongestTail;
+        });
+    if (earliest == starts.end())
+        return Count() - 1;
+    int last = LastDecodedFrom(static_cast<int>(starts.size()) - 1);
+    if (last < Count() - 1)
+        last = std::max(last, LastDecodedFrom(static_cast<int>(earliest - starts.begin())));
+    return last < 0 ? Count() - 1 : last;
+}
+
+int ClipFrames::LastDecodedFrom(int start)
+{
+    StartAt(start);
+    int last = -1;
+    while (Reader().Next(*behind_))
+        last = std::max(last, index_.FrameOf(PacketOf(*behind_)));
+    return last;
 }
 
 FrameReader &ClipFrames::Reader()

@@ -29,6 +29,7 @@ private:
     void FindEnds();
     int FirstDecoded();
     int LastDecoded();
+    int LastDecodedFrom(int start);
     FrameReader &Reader();
     void StartAt(int start);
     bool CanReadOnTo(int number);

@@ -15,14 +15,22 @@ constexpr unsigned int kMostThreads = 8;
 /// Keeps a damaged header from taking all the memory there is. A frame may have up to 2 GB.
 constexpr std::int64_t kMostPixels = std::int64_t{1} << 28;
 
+/// Whether the threads that decode frames side by side hand on all that a frame needs of those before. For
+/// this family they leave out tables of the quantiser, which shows after a jump.
+bool CanThreadFrames(AVCodecID codec)
+{
+    return codec != AV_CODEC_ID_THEORA && codec != AV_CODEC_ID_VP3 && codec != AV_CODEC_ID_VP4;
+}
+
 void SetThreads(AVCodecContext &context, DecoderThreads threads)
 {
     context.thread_count =
         threads == DecoderThreads::One
             ? 1
             : static_cast<int>(std::clamp(std::thread::hardware_concurrency(), 1u, kMostThreads));
-    context.thread_type =
-        threads == DecoderThreads::All ? FF_THREAD_FRAME | FF_THREAD_SLICE : FF_THREAD_SLICE;
+    context.thread_type = threads == DecoderThreads::All && CanThreadFrames(context.codec_id)
+                              ? FF_THREAD_FRAME | FF_THREAD_SLICE
+                              : FF_THREAD_SLICE;
 }
 
 } // namespace

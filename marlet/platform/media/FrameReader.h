@@ -13,7 +13,8 @@ public:
     FrameReader(FileSourcePtr source, int stream, const std::vector<PacketMark> &marks,
                 DecoderThreads threads)
         : packets_(static_cast<FileSourcePtr &&>(source), stream, marks),
-          feed_(OpenDecoder(*packets_.Stream().codecpar, threads))
+          threads_(threads),
+          feed_(NewDecoder())
     {
     }
 
@@ -22,7 +23,19 @@ public:
 
     void StartAt(int packet)
     {
+        if (packet > 0 && !hasSeenFirst_)
+            SeeFirst();
+        hasSeenFirst_ = true;
         feed_.Flush();
+        packets_.GoTo(packet);
+    }
+
+    /// With a new decoder: those of sound carry on overlaps and the state of their noise, whatever they are
+    /// told to forget.
+    void StartAfreshAt(int packet)
+    {
+        feed_ = DecoderFeed(NewDecoder());
+        hasSeenFirst_ = packet == 0;
         packets_.GoTo(packet);
     }
 
@@ -39,8 +52,19 @@ public:
     }
 
 private:
+    CodecPtr NewDecoder() { return OpenDecoder(*packets_.Stream().codecpar, threads_); }
+
+    /// What an encoder says of itself in the first packet alone, decoders go by to the end of the stream.
+    void SeeFirst()
+    {
+        packets_.GoTo(0);
+        feed_.Send(packets_.Read(), 0);
+    }
+
     PacketReader packets_;
+    DecoderThreads threads_;
     DecoderFeed feed_;
+    bool hasSeenFirst_ = false;
 };
 
 } // namespace kyh::media

@@ -46,7 +46,7 @@ void SoundReader::Begin(std::int64_t stretch)
     if (!reader_)
         reader_ = std::make_unique<FrameReader>(source_, stream_, index_.Packets(), DecoderThreads::One);
     const std::int64_t first = stretch * stretchLength_;
-    reader_->StartAt(std::max(index_.PacketAt(first) - kPreroll, 0));
+    reader_->StartAfreshAt(std::max(index_.PacketAt(first) - kPreroll, 0));
     samples_.assign(BytesOf(std::min(stretchLength_, index_.Count() - first)), 0);
     stretch_ = stretch;
     decodedTo_ = first;

@@ -1,0 +1,106 @@
+#include "SequenceToolTest.h"
+
+namespace marlet::test
+{
+
+namespace
+{
+
+using EditTest = SequenceToolTest;
+
+TEST_F(EditTest, KeepsPartnersAndSharedTransitionsInStep)
+{
+    ASSERT_EQ(Layout("cut.xml"), "0-40@0*=40-80@30*|80-100@0> /  / 0-40@0*|40-80@30*");
+    const struct {
+        std::vector<std::string> words;
+        const char *layout;
+    } cases[] = {
+        {{"remove", "Video 1@10"}, "40-80@30*|80-100@0> /  / 40-80@30*"},
+        {{"remove", "Video 1@10", "--unlinked"}, "40-80@30*|80-100@0> /  / 0-40@0|40-80@30*"},
+        {{"remove", "Red"}, "0-40@0*=40-80@30* /  / 0-40@0*|40-80@30*"},
+        {{"split", "Video 1@10", "--at", "20"},
+         "0-20@0*|20-40@20*=40-80@30*|80-100@0> /  / 0-20@0*|20-40@20*|40-80@30*"},
+        {{"split", "Audio 1@50", "--at", "60", "--unlinked"},
+         "0-40@0*=40-80@30*|80-100@0> /  / 0-40@0*|40-60@30*|60-80@50"},
+        {{"split", "Video 1@10", "--at", "36"},
+         "0-36@0*|36-40@36*|40-80@30*|80-100@0> /  / 0-36@0*|36-40@36*|40-80@30*"},
+        {{"split", "Red", "--at", "95"}, "0-40@0*=40-80@30*|80-95@0|95-100@0> /  / 0-40@0*|40-80@30*"},
+        {{"split", "Red", "--at", "96"}, "0-40@0*=40-80@30*|80-96@0|96-100@0 /  / 0-40@0*|40-80@30*"},
+        {{"trim", "Video 1@50", "--start", "50"}, "0-40@0*|50-80@40*|80-100@0> /  / 0-40@0*|50-80@40*"},
+        {{"trim", "Audio 1@50", "--end", "44"}, "0-40@0*|40-44@30*|80-100@0> /  / 0-40@0*|40-44@30*"},
+        {{"trim", "Video 1@50", "--end", "60", "--unlinked"},
+         "0-40@0*=40-60@30*|80-100@0> /  / 0-40@0*|40-80@30*"},
+        {{"trim", "Red", "--start", "85", "--end", "120"},
+         "0-40@0*=40-80@30*|85-120@0> /  / 0-40@0*|40-80@30*"},
+        {{"move", "Red", "--by", "150"}, "0-40@0*=40-80@30*|230-250@0> /  / 0-40@0*|40-80@30*"},
+        {{"move", "Video 1@50", "--to", "100"}, "0-40@0*|80-100@0>|100-140@30* /  / 0-40@0*|100-140@30*"},
+        {{"move", "Video 1@50", "--track", "Spare", "--to", "41"},
+         "0-40@0*|80-100@0> / 41-81@30* / 0-40@0*|41-81@30*"},
+        {{"move", "Video 1@50", "--to", "40"}, "0-40@0*=40-80@30*|80-100@0> /  / 0-40@0*|40-80@30*"},
+        {{"transition", "Video 1@50", "--side", "head", "--remove"},
+         "0-40@0*|40-80@30*|80-100@0> /  / 0-40@0*|40-80@30*"},
+        {{"transition", "Video 1@50", "--plugin", "Wipe", "--length", "30"},
+         "0-40@0*=40-80@30*=80-100@0> /  / 0-40@0*|40-80@30*"},
+        {{"transition", "Video 1@50", "--side", "head", "--one-sided"},
+         "0-40@0*|<40-80@30*|80-100@0> /  / 0-40@0*|40-80@30*"},
+        {{"insert", "Main", "--track", "Spare", "--sound", "Audio 1", "--at", "100", "--from", "10"},
+         "0-40@0*=40-80@30*|80-100@0> / 100-190@10* / 0-40@0*|40-80@30*|100-190@10*"},
+    };
+    for (const auto &edit : cases) {
+        SCOPED_TRACE(testing::PrintToString(edit.words));
+        const ToolRun run = Edit("out.xml", edit.words);
+        ASSERT_EQ(run.exitCode, 0) << run.err;
+        EXPECT_EQ(Layout("out.xml"), edit.layout);
+        EXPECT_EQ(Run({"check", "out.xml"}).exitCode, 0) << Run({"check", "out.xml"}).out;
+    }
+}
+
+TEST_F(EditTest, TellsOfTransitionsThatGo)
+{
+    EXPECT_THAT(Edit("out.xml", {"trim", "Video 1@10", "--start", "36"}).out,
+                testing::EndsWith("\nremoved   transition Cross Dissolve from \"Main\" to \"Main\"\n"));
+    EXPECT_THAT(Edit("out.xml", {"trim", "Video 1@10", "--start", "35"}).out,
+                testing::Not(testing::HasSubstr("removed")));
+}
+
+TEST_F(EditTest, RefusesWhatDoesNotFitAndWritesNothing)
+{
+    const struct {
+        std::vector<std::string> words;
+        int exitCode;
+        const char *message;
+    } cases[] = {
+        {{"move", "Red", "--to", "30"}, 1, "track \"Video 1\" are not free: \"Main\" has frames 0 to 40\n"},
+        {{"move", "Video 1@50", "--to", "10"}, 1, "\"Main\" has frames 0 to 40\n"},
+        {{"move", "Red", "--to", "231"},
+         1,
+         "The frames 231 to 251 are not all in the sequence, which has 250"},
+        {{"move", "Red", "--by", "2147483647"}, 1, "The frames 2147483727 to 2147483747 are not all"},
+        {{"move", "Red", "--track", "Audio 1"}, 1, "Track \"Audio 1\" is for sounds\n"},
+        {{"trim", "Red", "--start", "100"}, 1, "No frame would be left: the start is 100, the end 100\n"},
+        {{"split", "Red", "--at", "80"}, 1, "Frame 80 does not split \"Red\", which has frames 80 to 100\n"},
+        {{"split", "Video 1@120", "--at", "80"}, 1, "There is nothing on frame 120 of track \"Video 1\"\n"},
+        {{"remove", "Main"}, 1, "There are 4 objects of the name \"Main\": give the ID, or TRACK@FRAME\n"},
+        {{"remove", "Blue"}, 1, "There is no object \"Blue\", only \"Main\", \"Red\"\n"},
+        {{"transition", "Video 1@50", "--length", "72"}, 1, "does not fit: there is room for 30\n"},
+        {{"insert", "Red", "--track", "Audio 1", "--at", "0", "--length", "9"}, 1, "\"Red\" has no sound\n"},
+        {{"insert", "Red", "--track", "Spare", "--at", "0"}, 1, "\"Red\" has no length of its own"},
+        {{"insert", "Main", "--track", "Spare", "--at", "0", "--from", "60", "--length", "41"},
+         1,
+         "The frames 60 to 101 of asset \"Main\" are not all there: it has 100\n"},
+        {{"split", "Red", "--to", "90"}, 2, "edit: --to does not go with split\n"},
+        {{"move", "Red", "--to", "1", "--by", "1"}, 2, "either --to or --by is needed, not both\n"},
+        {{"turn", "Red"}, 2, "there is no operation \"turn\"\n"},
+    };
+    for (const auto &edit : cases) {
+        SCOPED_TRACE(testing::PrintToString(edit.words));
+        const ToolRun run = Edit("out.xml", edit.words);
+        EXPECT_EQ(run.exitCode, edit.exitCode);
+        EXPECT_THAT(run.err, testing::HasSubstr(edit.message));
+    }
+    EXPECT_THAT(FileNames(), testing::ElementsAre("cut.xml"));
+}
+
+} // namespace
+
+} // namespace marlet::test
