@@ -43,6 +43,14 @@ UsageError Malformed(const std::string &option, const std::string &text, const s
     return UsageError(option + ": \"" + text + "\" is not " + wanted);
 }
 
+template <class Number> Number ParseFinite(const std::string &option, const std::string &text)
+{
+    const std::optional<Number> number = ParseNumber<Number>(text);
+    if (!number || !std::isfinite(*number))
+        throw Malformed(option, text, "a number");
+    return *number;
+}
+
 } // namespace
 
 Arguments::Arguments(const CommandSpec &command, const std::vector<std::string> &words)
@@ -101,6 +109,14 @@ const std::string &Arguments::Text(const std::string &option) const
     return found->second;
 }
 
+const std::string &Arguments::Path(const std::string &option) const
+{
+    const std::string &path = Text(option);
+    if (path.empty())
+        throw UsageError(option + ": a file name is empty");
+    return path;
+}
+
 int Arguments::Integer(const std::string &option) const
 {
     const std::string &text = Text(option);
@@ -112,11 +128,12 @@ int Arguments::Integer(const std::string &option) const
 
 double Arguments::Real(const std::string &option) const
 {
-    const std::string &text = Text(option);
-    const std::optional<double> number = ParseNumber<double>(text);
-    if (!number || !std::isfinite(*number))
-        throw Malformed(option, text, "a number");
-    return *number;
+    return ParseFinite<double>(option, Text(option));
+}
+
+float Arguments::Float(const std::string &option) const
+{
+    return ParseFinite<float>(option, Text(option));
 }
 
 std::vector<IntegerRange> Arguments::Ranges(const std::string &option) const
@@ -157,6 +174,14 @@ PixelSize Arguments::Size(const std::string &option) const
     if (!width || !height || *width < 1 || *height < 1)
         throw Malformed(option, text, "a size, such as 640x480");
     return {*width, *height};
+}
+
+PixelSize Arguments::Size(const std::string &option, int longestSide) const
+{
+    const PixelSize size = Size(option);
+    if (std::max(size.width, size.height) > longestSide)
+        throw UsageError(option + ": no side is longer than " + std::to_string(longestSide));
+    return size;
 }
 
 } // namespace marlet::tool

@@ -42,14 +42,19 @@ public:
     // Each of these throws UsageError if the option was not given or its value is malformed.
 
     const std::string &Text(const std::string &option) const;
+    /// That of a file or folder, which is not empty.
+    const std::string &Path(const std::string &option) const;
     int Integer(const std::string &option) const;
     double Real(const std::string &option) const;
+    float Float(const std::string &option) const;
     /// "0..100", "0,5,7" or both mixed, in the order given.
     std::vector<IntegerRange> Ranges(const std::string &option) const;
     /// "12.5,-40"
     PixelPosition Position(const std::string &option) const;
     /// "640x480"
     PixelSize Size(const std::string &option) const;
+    /// One with a limit to both sides.
+    PixelSize Size(const std::string &option, int longestSide) const;
 
 private:
     std::size_t TakeOption(const CommandSpec &command, const std::vector<std::string> &words,

@@ -1,8 +1,10 @@
 #include "Arguments.h"
 #include "Failure.h"
+#include "Interruption.h"
 #include "Json.h"
 #include "Output.h"
 #include "TestClip.h"
+#include "TextFile.h"
 #include "encode/Encoder.h"
 
 namespace marlet::tool
@@ -32,8 +34,12 @@ void Encode(const std::string &path, const TestClip &clip, int frames, bool hasS
     options.frameRate = {TestClip::kFramesPerSecond, 1};
     options.sampleRate = hasSound ? TestClip::kSampleRate : 0;
     options.channels = TestClip::kChannels;
+    RequireWritable(path);
+    const Interruption interruption;
     Encoder encoder(path, options);
     for (int frame = 0; frame < frames; ++frame) {
+        if (interruption.Requested())
+            throw Failure(path, "Interrupted");
         encoder.AddFrame(clip.Picture(frame).data(), 4 * clip.Width());
         if (hasSound) {
             const auto sound = clip.Sound(frame);
@@ -46,11 +52,8 @@ void Encode(const std::string &path, const TestClip &clip, int frames, bool hasS
 void Run(const Arguments &arguments, Output &output)
 {
     constexpr PixelSize kSize{640, 360};
-    constexpr int kLargestSide = 8192;
     constexpr int kFrames = 100;
-    const PixelSize size = arguments.Has("--size") ? arguments.Size("--size") : kSize;
-    if (size.width > kLargestSide || size.height > kLargestSide)
-        throw UsageError("--size: no side is longer than " + std::to_string(kLargestSide));
+    const PixelSize size = arguments.Has("--size") ? arguments.Size("--size", Encoder::kLongestSide) : kSize;
     const int frames = arguments.Has("--frames") ? arguments.Integer("--frames") : kFrames;
     if (frames < 1)
         throw UsageError("--frames: at least one is needed");

@@ -26,8 +26,8 @@ float LengthOption(const Arguments &arguments, const std::string &option, float 
 {
     if (!arguments.Has(option))
         return otherwise;
-    const auto length = static_cast<float>(arguments.Real(option));
-    if (!(length >= 1))
+    const float length = arguments.Float(option);
+    if (length < 1)
         throw UsageError(option + ": a size is at least one pixel");
     return length;
 }

@@ -1,6 +1,7 @@
 #include "Arguments.h"
 #include "Document.h"
 #include "Failure.h"
+#include "Interruption.h"
 #include "Output.h"
 #include "PngFile.h"
 #include "ProgressBar.h"
@@ -31,7 +32,11 @@ bool NamesClip(const std::string &path)
 /// The rates of video are whole, or whole thousands by 1001.
 Fraction RateOf(double rate)
 {
+    constexpr double kLeast = 0.001;
+    constexpr double kMost = 10000;
     constexpr double kNear = 0.005;
+    if (!(rate >= kLeast && rate <= kMost))
+        throw Failure("No clip has " + NumberText(rate) + " frames a second");
     const double whole = std::round(rate);
     if (std::abs(rate - whole) < kNear)
         return {static_cast<int>(whole), 1};
@@ -45,8 +50,17 @@ QSize SizeOf(const Arguments &arguments)
 {
     if (!arguments.Has("--size"))
         return {};
-    const PixelSize size = arguments.Size("--size");
+    constexpr int kLongestSide = 8192;
+    const PixelSize size = arguments.Size("--size", kLongestSide);
     return {size.width, size.height};
+}
+
+void RequireFrame(const CompositionAsset &composition, int frame)
+{
+    const int count = composition.Settings().FrameCount();
+    if (frame < 0 || frame >= count)
+        throw Failure("Frame " + std::to_string(frame) + " is not in composition " +
+                      Quoted(composition.Name()) + ", which has " + std::to_string(count));
 }
 
 /// What a range of frames becomes: files of a folder, or a clip.
@@ -56,7 +70,9 @@ public:
     FrameSink(const std::string &path, const AudioVideoSettings &settings) : path_(path), settings_(settings)
     {
         std::error_code error;
-        if (!NamesClip(path) && !std::filesystem::create_directories(path, error) && error)
+        if (NamesClip(path))
+            RequireWritable(path);
+        else if (!std::filesystem::create_directories(path, error) && error)
             throw Failure(path, error.message());
     }
 
@@ -98,17 +114,23 @@ void RenderRange(FrameRenderer &renderer, const CompositionPointer &composition,
     const int first = arguments.Has("--from") ? arguments.Integer("--from") : 0;
     const int last =
         arguments.Has("--to") ? arguments.Integer("--to") : composition->Settings().FrameCount() - 1;
+    RequireFrame(*composition, first);
+    RequireFrame(*composition, last);
     if (last < first)
         throw UsageError("--to is before --from");
-    const std::string &path = arguments.Text("-o");
-    FrameSink sink(path, composition->Settings());
-    const long long count = static_cast<long long>(last) - first + 1;
+    const QSize size = SizeOf(arguments);
+    const std::string &path = arguments.Path("-o");
+    const int count = last - first + 1;
     {
-        ProgressBar progress(static_cast<int>(std::min(count, 0x7FFFFFFFLL)), "frames");
-        for (long long done = 0; done < count; ++done) {
-            const int frame = static_cast<int>(first + done);
-            sink.Add(frame, renderer.Render(composition, frame, SizeOf(arguments)));
-            progress.Show(static_cast<int>(done + 1));
+        // A clip that is cut off leaves nothing behind; of a folder's files each is whole.
+        const Interruption interruption;
+        FrameSink sink(path, composition->Settings());
+        ProgressBar progress(count, "frames");
+        for (int done = 0; done < count; ++done) {
+            if (interruption.Requested())
+                throw Failure(path, "Interrupted");
+            sink.Add(first + done, renderer.Render(composition, first + done, size));
+            progress.Show(done + 1);
         }
         sink.Finish();
     }
@@ -120,15 +142,19 @@ void Run(const Arguments &arguments, Output &output)
     const bool isRange = arguments.Has("--from") || arguments.Has("--to");
     if (isRange == arguments.Has("--frame"))
         throw UsageError("either --frame or --from and --to are needed, not both");
-    const std::string &path = arguments.Text("-o");
+    const std::string &path = arguments.Path("-o");
     const std::string &name = arguments.Text("--composition");
 
+    const QSize size = SizeOf(arguments);
     const ProjectPointer project = ReadProject(arguments.Operand(0));
     const CompositionPointer composition = FindComposition(*project, name);
     FrameRenderer renderer(project);
     if (isRange)
         return RenderRange(renderer, composition, arguments, output);
-    const QImage picture = renderer.Render(composition, arguments.Integer("--frame"), SizeOf(arguments));
+    const int frame = arguments.Integer("--frame");
+    RequireFrame(*composition, frame);
+    RequireWritable(path);
+    const QImage picture = renderer.Render(composition, frame, size);
     WriteFile(path, EncodePng(picture));
     output.Line("wrote " + std::to_string(picture.width()) + "x" + std::to_string(picture.height()) + " to " +
                 OneLine(path));

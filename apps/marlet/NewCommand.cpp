@@ -28,7 +28,7 @@ void MakeFromClip(const Arguments &arguments)
         if (arguments.Has(option))
             throw UsageError(std::string(option) + " does not go with --media");
     // A project names its files so that it can be opened in any folder.
-    const std::string path = std::filesystem::absolute(arguments.Text("--media")).lexically_normal().string();
+    const std::string path = std::filesystem::absolute(arguments.Path("--media")).lexically_normal().string();
     const bool hasFeature = arguments.Has("--at");
     const Feature feature = hasFeature ? FeatureOption(arguments) : Feature();
     const MediaSource source = OpenMediaFile(path, arguments.Has("--sequence"));
@@ -46,10 +46,10 @@ std::shared_ptr<project::Project> MakeProject(const Arguments &arguments, AudioV
         return MakeCutProject(format, frames, out);
     if (arguments.Has("--showcase"))
         return MakeShowcaseProject(
-            {format, frames, out, arguments.Text("--showcase"), arguments.Text("--picture")});
+            {format, frames, out, arguments.Path("--showcase"), arguments.Path("--picture")});
     if (arguments.Has("--titles"))
         return MakeTitlesProject(format, frames, out,
-                                 arguments.Has("--texture") ? arguments.Text("--texture") : "");
+                                 arguments.Has("--texture") ? arguments.Path("--texture") : "");
     return MakeExampleProject(format, frames);
 }
 

@@ -35,7 +35,7 @@ void Run(const Arguments &arguments, Output &)
     const std::string &asset = arguments.Text("--asset");
     // A project names its files so that it can be opened in any folder.
     const WideString path =
-        FromUtf8(std::filesystem::absolute(arguments.Text("--to")).lexically_normal().string());
+        FromUtf8(std::filesystem::absolute(arguments.Path("--to")).lexically_normal().string());
 
     const ProjectPointer project = ReadProject(arguments.Operand(0));
     MediaPointer media = FindMedia(*project, asset);

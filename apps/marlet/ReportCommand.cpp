@@ -112,8 +112,9 @@ void AddCurves(const Project &project, ReportFolder &folder, ReportContent &cont
 
 void Run(const Arguments &arguments, Output &output)
 {
-    ReportFolder folder(arguments.Text("-o"));
+    const std::string &path = arguments.Path("-o");
     const ProjectPointer project = ReadProject(arguments.Operand(0));
+    ReportFolder folder(path);
     ReportContent content;
     AddThumbnails(project, folder, content);
     if (project->Sequence())

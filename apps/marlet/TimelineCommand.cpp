@@ -292,7 +292,7 @@ void Run(const Arguments &arguments, Output &output)
     else
         WriteTableText(*project, output);
     if (arguments.Has("--svg"))
-        WriteFile(arguments.Text("--svg"), TimelinePicture(*project));
+        WriteFile(arguments.Path("--svg"), TimelinePicture(*project));
 }
 
 } // namespace

@@ -57,13 +57,20 @@ Tracker::TrackerMethod MethodOption(const Arguments &arguments)
 
 TrackingOptions OptionsOf(const Arguments &arguments)
 {
+    constexpr int kLastMatchMethod = 5;
     TrackingOptions options;
     if (arguments.Has("--tolerance"))
-        options.errorTolerance = static_cast<float>(arguments.Real("--tolerance"));
+        options.errorTolerance = arguments.Float("--tolerance");
+    if (options.errorTolerance < 0)
+        throw UsageError("--tolerance: a difference is not below 0");
     if (arguments.Has("--iterations"))
         options.maxIterations = arguments.Integer("--iterations");
+    if (options.maxIterations < 1)
+        throw UsageError("--iterations: at least one is needed");
     if (arguments.Has("--match"))
         options.matchMethod = arguments.Integer("--match");
+    if (options.matchMethod < 0 || options.matchMethod > kLastMatchMethod)
+        throw UsageError("--match: there is no way " + std::to_string(options.matchMethod));
     options.colourMatching = arguments.Has("--colour") ? 1 : 0;
     return options;
 }
@@ -82,6 +89,8 @@ void TakeOptions(const Arguments &arguments, TrackerJob &job)
         job.from = arguments.Integer("--from");
     else if (job.direction == Tracking::Direction::Backwards)
         job.from = job.layer->Length() - 1;
+    if (job.from < 0 || job.from >= job.layer->Length())
+        throw OutsideOfLayer(job);
 }
 
 void WriteKeyFrame(TrackingPoint &point, int time, const Tracking::Point &position)
@@ -237,7 +246,7 @@ const CommandSpec &TrackCommand()
         {{"--composition", "C", "the composition, by ID or name"},
          {"--layer", "L", "the layer, by ID or name"},
          {"--tracker", "T", "the tracker, by ID or name"},
-         {"--at", "X,Y", "the feature in the first frame, in pixels from the middle, Y up"},
+         {"--at", "X,Y", "the feature in the frame to start from, in pixels from the middle, Y up"},
          {"--feature", "N", "the feature's size in pixels; 64 if not given"},
          {"--search", "N", "the size of the area around it where it is looked for; 160 if not given"},
          {"--sequence", "", "MEDIA is a member of an image sequence of 25 frames per second"},

@@ -1,6 +1,5 @@
 #include "TrackerRun.h"
 
-#include "Failure.h"
 #include "MediaSource.h"
 #include "Output.h"
 
@@ -88,8 +87,7 @@ void RequireStarted(Tracking::StartResult result, const TrackerJob &job)
     case Tracking::StartResult::NoVideo:
         throw Failure("Layer " + Quoted(job.layer->Name()) + " shows no video");
     case Tracking::StartResult::TimeOutOfRange:
-        throw Failure(frame + " is not in layer " + Quoted(job.layer->Name()) + ", which has " +
-                      std::to_string(job.layer->Length()));
+        throw OutsideOfLayer(job);
     default:
         throw Failure(frame + " is the " +
                       (job.direction == Tracking::Direction::Forwards ? "last" : "first") +
@@ -98,6 +96,12 @@ void RequireStarted(Tracking::StartResult result, const TrackerJob &job)
 }
 
 } // namespace
+
+Failure OutsideOfLayer(const TrackerJob &job)
+{
+    return Failure("Frame " + std::to_string(job.from) + " is not in layer " + Quoted(job.layer->Name()) +
+                   ", which has " + std::to_string(job.layer->Length()));
+}
 
 int FramesToDo(const TrackerJob &job)
 {

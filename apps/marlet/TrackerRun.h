@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Document.h"
+#include "Failure.h"
 
 #include <marlet/tracking/TrackingActiveObject.h>
 
@@ -21,6 +22,9 @@ struct TrackerJob {
     Tracking::Duration duration = Tracking::Duration::UntilEnd;
     project::TrackingOptions options;
 };
+
+/// That the layer lacks the frame to start from.
+Failure OutsideOfLayer(const TrackerJob &job);
 
 /// The frames that the job will come to at most, beside its first.
 int FramesToDo(const TrackerJob &job);

@@ -136,8 +136,12 @@ void RequireWritable(const std::string &path)
     // Renaming asks for no permission on the file itself, but a file that is protected is meant to stay.
     if (exists)
         RequireAccess(path, path, W_OK);
-    if (!exists || S_ISREG(old.st_mode))
-        RequireAccess(path, FolderOfPlace(FollowLinks(path)), W_OK | X_OK);
+    if (!exists || S_ISREG(old.st_mode)) {
+        const fs::path folder = FolderOfPlace(FollowLinks(path));
+        // Of a file in the place of a folder, the permissions say nothing of use.
+        RequireAccess(path, folder / "", F_OK);
+        RequireAccess(path, folder, W_OK | X_OK);
+    }
 }
 
 void WriteFile(const std::string &path, std::string_view bytes)

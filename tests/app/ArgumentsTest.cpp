@@ -32,6 +32,7 @@ TEST_F(ArgumentsTest, WrongOnesExitWith2AndShowTheUsage)
         WrongWords{"NoFile", {"info"}, "info: a file name is missing"},
         WrongWords{"TooManyFiles", {"save", "a.xml", "b", "c"}, "save: \"c\" is one too many"},
         WrongWords{"EmptyFile", {"info", ""}, "info: a file name is empty"},
+        WrongWords{"EmptyOut", {"tree", "a.xml", "-o", ""}, "tree: -o: a file name is empty"},
         WrongWords{"UnknownOption", {"info", "a.xml", "--jason"}, "info: there is no option --jason"},
         WrongWords{"ValueOfASwitch", {"info", "a.xml", "--json=1"}, "info: --json takes no value"},
         WrongWords{"TwoOfAnOption", {"info", "a.xml", "--json", "--json"}, "info: --json is given twice"},

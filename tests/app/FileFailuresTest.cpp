@@ -74,6 +74,8 @@ TEST_F(FileFailuresTest, AFailedSaveLeavesTheOldFileWholeAndNothingElse)
 
     EXPECT_EQ(Run({"save", "a.xml", "no/such/folder.xml"}).err,
               "marlet: no/such/folder.xml: No such file or directory\n");
+    EXPECT_EQ(Run({"save", "a.xml", "old.xml/b.xml"}).err, "marlet: old.xml/b.xml: Not a directory\n");
+    EXPECT_EQ(Run({"report", "old.xml", "-o", "report"}).exitCode, 1);
     EXPECT_EQ(Run({"save", "a.xml", "/dev/full"}).err, "marlet: /dev/full: No space left on device\n");
     EXPECT_EQ(FileNames().size(), 2u);
 }
@@ -95,6 +97,17 @@ TEST_F(FileFailuresTest, ASaveKeepsPermissionsAndFollowsLinks)
     EXPECT_EQ(status.st_mode & 07777u, 0640u);
 
     EXPECT_EQ(Shell("\"$MARLET\" save a.xml /dev/stdout").out, Read("a.xml"));
+}
+
+TEST_F(FileFailuresTest, AClipThatIsInterruptedLeavesNothingBehind)
+{
+    // A shell lets its background jobs ignore Ctrl-C, so they are asked to end.
+    const ToolRun run =
+        Shell("\"$MARLET\" clip clip.mov --frames 100000 & "
+              "while [ -z \"$(find . -name '.marlet-*')\" ]; do sleep 0.01; done; kill $!; wait $!");
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_EQ(run.err, "marlet: clip.mov: Interrupted\n");
+    EXPECT_TRUE(FileNames().empty());
 }
 
 TEST_F(FileFailuresTest, LostOutputIsAFailure)

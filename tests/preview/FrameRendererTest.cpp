@@ -4,13 +4,18 @@
 #include <marlet/animation/PropertyValue.h>
 #include <marlet/layers/AssetLayer.h>
 #include <marlet/layers/CameraLayer.h>
+#include <marlet/layers/TextLayer.h>
 #include <marlet/masks/Mask.h>
 #include <marlet/masks/MotionPath.h>
 #include <marlet/masks/PathPoint.h>
 #include <marlet/project/AssetList.h>
 #include <marlet/project/CompositionAsset.h>
+#include <marlet/project/MediaAsset.h>
+#include <marlet/project/MediaManager.h>
 #include <marlet/project/Project.h>
 #include <marlet/project/SolidAsset.h>
+
+#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -160,6 +165,28 @@ TEST_F(PreviewTest, DrawsNestedCompositionsAtTheirOwnTimeAndTurnsDownACircle)
 
     Add(inner, AssetLayer::Create(outer));
     EXPECT_FALSE(FrameRenderer(project_).Render(outer, 10).isNull());
+}
+
+TEST_F(PreviewTest, PutsTextIntoItsFrameAndAPlaceholderWhereAClipWouldBe)
+{
+    const CompositionPointer composition = AddComposition();
+    const auto text = Add(composition, TextLayer::Create(u"Text", 200, 20));
+    text->Animation().StaticValue("position") = Point{30, 60, 0};
+    const auto format = text->TextFormat(u"DejaVu Sans", u"Book", 20, {1, 1, 1, 1}, {0, 0, 0, 0}, 0, 0, 0);
+    text->Text().Append(TextLayer::CreateCharToken(u'H', format, {}));
+    text->Text().Append(TextLayer::CreateParagraphToken(TextLayer::JustificationType{1}, {}));
+    // A letter in the middle of a line as high as its frame, which lies about the layer's position.
+    ExpectAt(composition, {230, 90}, 5);
+
+    text->SetVisible(false);
+    const QTemporaryDir folder;
+    const QString file = folder.filePath("still.png");
+    ASSERT_TRUE(QImage(8, 8, QImage::Format_RGB32).save(file));
+    auto clip = project_->Media().CreateMediaAsset(file.toStdU16String());
+    project_->Assets().All().Add(clip);
+    Add(composition, AssetLayer::Create(clip))->Animation().StaticValue("position") = Point{-20, 0, 0};
+    project_->Media().RelinkMediaFile(clip, u"/not/there.mov");
+    ExpectAt(composition, {180, 150});
 }
 
 TEST_F(PreviewTest, CutsByMasksWhoseOutlinesCountFromTheMiddleOfTheLayer)

@@ -47,6 +47,16 @@ void SetFieldOrder(AVCodecContext &encoder, FieldOrder order)
     encoder.field_order = order == FieldOrder::TopFirst ? AV_FIELD_TT : AV_FIELD_BB;
 }
 
+/// The codec counts in parts of a second that 16 bits can tell of: 119.88 frames a second come near
+/// 120000/1001.
+AVRational NearestRate(const Fraction &rate)
+{
+    constexpr int kMost = 65535;
+    AVRational nearest;
+    av_reduce(&nearest.num, &nearest.den, rate.numerator, rate.denominator, kMost);
+    return nearest;
+}
+
 CodecPtr OpenVideo(const EncoderOutput &output, const EncoderOptions &options)
 {
     CodecPtr encoder = output.NewEncoder(AV_CODEC_ID_MPEG4);
@@ -55,7 +65,7 @@ CodecPtr OpenVideo(const EncoderOutput &output, const EncoderOptions &options)
     encoder->pix_fmt = AV_PIX_FMT_YUV420P;
     encoder->colorspace = ColourSpaceFor(options.height);
     encoder->color_range = AVCOL_RANGE_MPEG;
-    encoder->framerate = {options.frameRate.numerator, options.frameRate.denominator};
+    encoder->framerate = NearestRate(options.frameRate);
     encoder->time_base = av_inv_q(encoder->framerate);
     encoder->sample_aspect_ratio = {options.pixelAspect.numerator, options.pixelAspect.denominator};
     encoder->gop_size = options.groupSize;
@@ -103,6 +113,8 @@ void RequireSense(const EncoderOutput &output, const EncoderOptions &options)
                               options.pixelAspect.numerator > 0 && options.pixelAspect.denominator > 0;
     if (options.width <= 0 || options.height <= 0)
         output.Fail("a picture has a width and a height above 0");
+    if (std::max(options.width, options.height) > Encoder::kLongestSide)
+        output.Fail("no side of a picture is longer than " + std::to_string(Encoder::kLongestSide));
     if (!hasFractions)
         output.Fail("a frame rate and a pixel aspect ratio are above 0");
     if (options.bitRate < 0 || options.quantiser < 1 || options.quantiser > 31)

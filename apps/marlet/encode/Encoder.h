@@ -36,6 +36,8 @@ struct EncoderOptions {
 class Encoder
 {
 public:
+    static constexpr int kLongestSide = 8191; ///< of what the codec can tell of, in 13 bits
+
     /// @throws Failure
     Encoder(const std::string &path, const EncoderOptions &options);
     Encoder(const Encoder &) = delete;

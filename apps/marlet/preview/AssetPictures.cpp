@@ -3,6 +3,7 @@
 #include "QuietStandardError.h"
 #include "Values.h"
 
+#include <marlet/platform/media/KyMedia.h>
 #include <marlet/project/ImageAsset.h>
 #include <marlet/project/MediaAsset.h>
 #include <marlet/project/MediaVideoStream.h>
@@ -37,10 +38,12 @@ QString FileNameOf(const WideString &path)
 
 } // namespace
 
-QImage AssetPictures::Placeholder(const std::string &label)
+QImage AssetPictures::Placeholder(const std::string &label, QSize size)
 {
-    const int width = ImageAsset::OfflineWidth();
-    const int height = ImageAsset::OfflineHeight();
+    if (size.isEmpty())
+        size = {ImageAsset::OfflineWidth(), ImageAsset::OfflineHeight()};
+    const int width = std::min(size.width(), kLongestSide);
+    const int height = std::min(size.height(), kLongestSide);
     QImage box(width, height, QImage::Format_ARGB32_Premultiplied);
     box.fill(QColor(96, 28, 28));
     QPainter painter(&box);
@@ -67,9 +70,12 @@ QImage AssetPictures::FrameOf(MediaAsset &media, double frameRate, int frame)
     const int size = stream->FrameBufferSize(kyh::media::KyImageChannels::Four);
     if (picture.isNull() || picture.sizeInBytes() < size)
         return {};
-    if (stream->GetFrame(frameRate, frame, kyh::media::KyImageChannels::Four, picture.bits(), size, nullptr,
-                         0) != 0)
+    const int code = stream->GetFrame(frameRate, frame, kyh::media::KyImageChannels::Four, picture.bits(),
+                                      size, nullptr, 0);
+    if (code == kyh::media::kOutOfRange)
         return {};
+    if (code != kyh::media::kSuccess)
+        return Placeholder("damaged: " + FileNameOf(media.Filename()).toStdString(), picture.size());
     return picture.convertToFormat(QImage::Format_ARGB32_Premultiplied);
 }
 
@@ -83,7 +89,8 @@ QImage AssetPictures::PictureOf(ImageAsset &image)
     int width = 0;
     int height = 0;
     if (image.ReadPixelData(kLongestSide, kLongestSide, pixels, &width, &height) != 0) {
-        known->second = Placeholder("offline: " + FileNameOf(image.Filename()).toStdString());
+        known->second = Placeholder("offline: " + FileNameOf(image.Filename()).toStdString(),
+                                    {image.Width(), image.Height()});
     } else {
         const bool hasAlpha = image.PixelBitCount() == 32;
         const int rowBytes = (width * (hasAlpha ? 4 : 3) + 3) / 4 * 4;

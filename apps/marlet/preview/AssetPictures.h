@@ -23,12 +23,12 @@ class AssetPictures
 {
 public:
     /// A media frame at a rate, in frames per second; null for a frame that the clip does not have. A file
-    /// that cannot be used gets a placeholder with its name.
+    /// that cannot be used, and a frame that is damaged, get a placeholder with the file's name.
     QImage FrameOf(project::MediaAsset &media, double frameRate, int frame);
     QImage PictureOf(project::ImageAsset &image);
     static QImage PictureOf(const project::SolidAsset &solid);
-    /// A box with a label, for what cannot be shown.
-    static QImage Placeholder(const std::string &label);
+    /// A box with a label, for what cannot be shown; as large as what is offline if it has no size.
+    static QImage Placeholder(const std::string &label, QSize size = {});
 
 private:
     std::unordered_map<kytl::KyID, QImage> stills_;

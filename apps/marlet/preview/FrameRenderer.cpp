@@ -154,9 +154,23 @@ Surface FrameRenderer::ContentOf(const Scene &scene, const AbstractLayer &layer)
     if (const auto *text = dynamic_cast<const TextLayer *>(&layer))
         return PaintText(*text);
     Surface surface;
-    if (const auto *shown = dynamic_cast<const AssetLayer *>(&layer); shown && shown->HasVideo())
-        surface.picture = PictureOf(scene, *shown);
+    const auto *shown = dynamic_cast<const AssetLayer *>(&layer);
+    if (!shown)
+        return surface;
+    const std::shared_ptr<AbstractAsset> asset = shown->Asset(AssetsOf(project_));
+    const bool isGone = asset && !asset->HasVideo() && asset->IsOffline() && shown->AssetHadVideo();
+    if (!shown->HasVideo() && !isGone)
+        return surface;
+    surface.picture = PictureOf(scene, *shown);
     surface.content = surface.picture.size();
+    // The matrices know nothing of a clip that is gone: what stands for it lies in the middle, moved by the
+    // layer's position.
+    if (isGone) {
+        const int time = layer.GlobalFrameToRelativeTime(scene.frame, AssetsOf(project_));
+        const auto position = ValueOr(layer.Animation(), "position", time, kytl::matl::KyPoint<3, float>{});
+        surface.origin = QPointF(static_cast<double>(position.X), static_cast<double>(position.Y)) -
+                         QRectF(QPointF(), surface.content).center();
+    }
     return surface;
 }
 
@@ -179,7 +193,8 @@ QImage FrameRenderer::PictureOfNested(const Scene &scene, const AssetLayer &laye
                                       const CompositionPointer &nested)
 {
     if (std::find(open_.begin(), open_.end(), nested->ID()) != open_.end())
-        return AssetPictures::Placeholder("a composition inside of itself: " + ToUtf8(nested->Name()));
+        return AssetPictures::Placeholder("a composition inside of itself: " + ToUtf8(nested->Name()),
+                                          {nested->Width(), nested->Height()});
     const double rate = nested->Settings().FrameRate() / scene.composition->Settings().FrameRate();
     const double frame =
         (layer.AssetInstanceStart() + static_cast<double>(scene.frame) - layer.StartFrame()) * rate;

@@ -2,6 +2,7 @@
 
 #include <QImage>
 #include <QPoint>
+#include <QPointF>
 #include <QSize>
 
 namespace marlet::tool
@@ -13,6 +14,8 @@ struct Surface {
     /// Where the corner of the content itself lies in the picture, which effects may have made larger.
     QPoint corner;
     QSize content;
+    /// Where the lower left corner of the content lies in the layer's coordinates.
+    QPointF origin = {};
 };
 
 } // namespace marlet::tool

@@ -132,6 +132,7 @@ Surface PaintText(const TextLayer &layer)
 {
     Surface surface;
     surface.content = {SideOf(layer.Width()), SideOf(layer.Height())};
+    surface.origin = {static_cast<double>(layer.MinX()), static_cast<double>(layer.MinY())};
     const TextBlock text(layer, surface.content.width());
     const QRect all = (text.Bounds() | QRectF(QPointF(), surface.content)).toAlignedRect() &
                       QRect(-kLongestSide, -kLongestSide, 2 * kLongestSide, 2 * kLongestSide);

@@ -94,8 +94,8 @@ std::optional<View::Placement> View::OfPlane(const Matrix &world, bool inSpace, 
     const Projected corner = Project(toView, inSpace, 0, 0, 0, 1);
     const QTransform ofContent(right.x, right.y, right.w, up.x, up.y, up.w, corner.x, corner.y, corner.w);
     // Rows of a picture run downwards from the upper left corner of the content.
-    const QTransform ofPicture(1, 0, 0, -1, -surface.corner.x(),
-                               surface.content.height() + surface.corner.y());
+    const QTransform ofPicture(1, 0, 0, -1, surface.origin.x() - surface.corner.x(),
+                               surface.origin.y() + surface.content.height() + surface.corner.y());
     const QTransform whole = ofPicture * ofContent;
 
     if (!whole.isInvertible())

@@ -33,8 +33,7 @@ public:
         QPolygonF visible;    ///< what of the layer's picture is in front of the camera
     };
 
-    /// The world matrix takes pixels of the content, counted upwards from the lower left corner. Nothing for
-    /// a layer behind the camera or edge-on.
+    /// Nothing for a layer behind the camera or edge-on.
     std::optional<Placement> OfPlane(const Matrix &world, bool inSpace, const Surface &surface) const;
     /// Where a point of a layer goes, and nothing for one behind the camera.
     std::optional<QPointF> OfPoint(const Matrix &world, bool inSpace,
