@@ -1,6 +1,7 @@
 #include "Arguments.h"
 
 #include "Failure.h"
+#include "TextFile.h"
 
 #include <algorithm>
 #include <charconv>
@@ -70,7 +71,7 @@ Arguments::Arguments(const CommandSpec &command, const std::vector<std::string> 
     if (operands_.size() > command.mostOperands)
         throw UsageError("\"" + operands_[command.mostOperands] + "\" is one too many");
     if (std::any_of(operands_.begin(), operands_.end(), [](const std::string &o) { return o.empty(); }))
-        throw UsageError("a file name is empty");
+        throw UsageError("a name is empty");
 }
 
 /// The index of the last word that belongs to the option.
@@ -114,6 +115,15 @@ const std::string &Arguments::Path(const std::string &option) const
     const std::string &path = Text(option);
     if (path.empty())
         throw UsageError(option + ": a file name is empty");
+    return path;
+}
+
+const std::string &Arguments::NewPath(const std::string &option) const
+{
+    const std::string &path = Path(option);
+    if (std::any_of(operands_.begin(), operands_.end(),
+                    [&](const std::string &operand) { return IsSameFile(operand, path); }))
+        throw UsageError(option + ": \"" + path + "\" is a file that is read from");
     return path;
 }
 

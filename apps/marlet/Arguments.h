@@ -44,6 +44,8 @@ public:
     const std::string &Text(const std::string &option) const;
     /// That of a file or folder, which is not empty.
     const std::string &Path(const std::string &option) const;
+    /// That of a file to write, which is none of the operands: no picture takes the place of its project.
+    const std::string &NewPath(const std::string &option) const;
     int Integer(const std::string &option) const;
     double Real(const std::string &option) const;
     float Float(const std::string &option) const;

@@ -20,7 +20,7 @@ namespace
 void Run(const Arguments &arguments, Output &output)
 {
     const std::string &name = arguments.Text("--property");
-    const std::string &path = arguments.Path("-o");
+    const std::string &path = arguments.NewPath("-o");
     const ProjectPointer project = ReadProject(arguments.Operand(0));
     const CompositionPointer composition = FindComposition(*project, arguments.Text("--composition"));
     const LayerPointer layer = FindLayer(*composition, arguments.Text("--layer"));

@@ -72,7 +72,7 @@ Frame ReadFrame(const MediaVideoStream &video, const Wish &wish)
 void Run(const Arguments &arguments, Output &output)
 {
     const Wish wish = ParseWish(arguments);
-    const std::string &out = arguments.Path("-o");
+    const std::string &out = arguments.NewPath("-o");
     const MediaSource source = OpenMediaSource(arguments);
     const auto video = VideoOf(*source.media);
     const Frame frame = ReadFrame(*video, wish);

@@ -119,7 +119,7 @@ void RenderRange(FrameRenderer &renderer, const CompositionPointer &composition,
     if (last < first)
         throw UsageError("--to is before --from");
     const QSize size = SizeOf(arguments);
-    const std::string &path = arguments.Path("-o");
+    const std::string &path = arguments.NewPath("-o");
     const int count = last - first + 1;
     {
         // A clip that is cut off leaves nothing behind; of a folder's files each is whole.
@@ -142,8 +142,12 @@ void Run(const Arguments &arguments, Output &output)
     const bool isRange = arguments.Has("--from") || arguments.Has("--to");
     if (isRange == arguments.Has("--frame"))
         throw UsageError("either --frame or --from and --to are needed, not both");
-    const std::string &path = arguments.Path("-o");
+    const std::string &path = arguments.NewPath("-o");
     const std::string &name = arguments.Text("--composition");
+    if (!isRange && NamesClip(path))
+        throw UsageError("-o: one frame becomes a PNG file, a clip needs --from or --to");
+    if (isRange && std::filesystem::path(path).extension() == ".png")
+        throw UsageError("-o: several frames become a folder or a clip, not one PNG file");
 
     const QSize size = SizeOf(arguments);
     const ProjectPointer project = ReadProject(arguments.Operand(0));

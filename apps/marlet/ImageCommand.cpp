@@ -119,7 +119,7 @@ void Run(const Arguments &arguments, Output &output)
         if (writes && !pixels)
             throw Failure(file, image->IsOffline() ? SystemMessage(ENOENT) : "Not an image that can be read");
         if (writes)
-            WritePicture(arguments.Path("-o"), *pixels, image->PixelBitCount() == 32);
+            WritePicture(arguments.NewPath("-o"), *pixels, image->PixelBitCount() == 32);
         output.Line(answers);
     }
 }

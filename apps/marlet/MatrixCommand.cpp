@@ -86,6 +86,8 @@ std::string MatrixJson(JsonWriter &json, const Matrix &matrix)
 void RunForLayer(const Arguments &arguments, Output &output)
 {
     const bool byFrame = arguments.Has("--frames");
+    if (!byFrame && !arguments.Has("--times"))
+        throw UsageError("one of --frames, --times and --object is needed");
     if (byFrame == arguments.Has("--times"))
         throw UsageError("either --frames or --times is needed, not both");
     const std::vector<IntegerRange> ranges = arguments.Ranges(byFrame ? "--frames" : "--times");

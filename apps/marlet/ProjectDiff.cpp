@@ -43,6 +43,8 @@ const std::unordered_map<std::string, std::string> &Nouns()
         {"InTrans", "incoming transition"},
         {"OutTrans", "outgoing transition"},
         {"Transition", ""},
+        {"Instances", ""},
+        {"Metadata", "metadata"},
         {"MediaAsset", "media"},
         {"ImageAsset", "image"},
         {"SolidAsset", "solid"},
@@ -90,7 +92,7 @@ std::string Identity(const DocumentElement &element)
             return id;
     if (element.tag == "Key")
         return "at " + element.Attribute("Time");
-    return element.tag + " " + element.Attribute("name") + element.Attribute("Name");
+    return element.tag + " " + element.Attribute("name") + element.Attribute("Name") + element.Attribute("K");
 }
 
 bool IsValue(const DocumentElement &element)
@@ -110,6 +112,8 @@ std::string Text(const DocumentElement &element)
         return Text(element.children[0]);
     if (!element.text.empty() || element.attributes.empty())
         return OneLine(element.text);
+    if (const std::string transition = element.Attribute("transID"); !transition.empty())
+        return transition;
     std::string text = "(";
     for (const auto &[name, value] : element.attributes)
         text += (text.size() > 1 ? ", " : "") + OneLine(value);
@@ -128,6 +132,25 @@ std::string Name(const DocumentElement &element, const DocumentElement *owner)
         if (!name.empty() && !kind.empty())
             return kind + " " + Quoted(FromUtf8(name));
     return kind;
+}
+
+/// What people call an element that holds no others.
+std::string FieldName(const DocumentElement &element, const DocumentElement &owner)
+{
+    if (owner.tag == "Instances")
+        return "use by " + element.Attribute("ID");
+    if (element.tag == "Item")
+        return "item " + element.Attribute("K");
+    const auto noun = Nouns().find(element.tag);
+    return noun == Nouns().end() || noun->second.empty() ? element.tag : noun->second;
+}
+
+/// Where in the sequence an object is, since several often have one name.
+std::string Span(const DocumentElement &element)
+{
+    if (element.tag != "VisualObject" && element.tag != "AudioObject")
+        return "";
+    return " of frames " + element.ChildText("StartFrame") + " to " + element.ChildText("EndFrame");
 }
 
 class Comparison
@@ -222,8 +245,8 @@ private:
         if (Text(before) == Text(after) && before.attributes == after.attributes &&
             (before.children.empty() || before.children[0].tag == after.children[0].tag))
             return;
-        Report(Difference::Kind::Changed, IsValue(before) ? Name(before, nullptr) : before.tag, Text(before),
-               Text(after));
+        Report(Difference::Kind::Changed, IsValue(before) ? Name(before, nullptr) : FieldName(before, owner),
+               Text(before), Text(after));
     }
 
     void ReportWhole(Difference::Kind kind, const DocumentElement &element, const DocumentElement &owner)
@@ -231,8 +254,12 @@ private:
         const bool isField = element.children.empty() && owner.tag != "PropertyManager";
         const bool isRemoved = kind == Difference::Kind::Removed;
         if (isField)
-            return Report(kind, element.tag, isRemoved ? Text(element) : "", isRemoved ? "" : Text(element));
-        const std::string name = Name(element, &owner);
+            return Report(kind, FieldName(element, owner), isRemoved ? Text(element) : "",
+                          isRemoved ? "" : Text(element));
+        // The place of a transition says already what it is.
+        if (element.tag == "Transition")
+            return Report(kind, "", "", "");
+        const std::string name = Name(element, &owner) + Span(element);
         place_.push_back(name.empty() ? element.tag : name);
         Report(kind, "", "", "");
         place_.pop_back();

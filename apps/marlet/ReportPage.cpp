@@ -83,9 +83,11 @@ std::string Assets(const Project &project)
     std::string html =
         "<h2>Assets</h2>\n<table>\n<tr><th>Name</th><th>Kind</th><th>Size</th><th></th></tr>\n";
     for (const std::shared_ptr<AbstractAsset> &asset : project.Assets().All())
-        html += "<tr>" + Cell(asset->Name()) + Cell(AssetTypeName(asset->Type())) +
-                Cell(std::to_string(asset->Width()) + "x" + std::to_string(asset->Height())) +
-                (asset->IsOffline() ? "<td class=\"finding\">offline</td>" : "<td></td>") + "</tr>\n";
+        html +=
+            "<tr>" + Cell(asset->Name()) + Cell(AssetTypeName(asset->Type())) +
+            Cell(asset->Width() > 0 ? std::to_string(asset->Width()) + "x" + std::to_string(asset->Height())
+                                    : "") +
+            (asset->IsOffline() ? "<td class=\"finding\">offline</td>" : "<td></td>") + "</tr>\n";
     return html + "</table>\n";
 }
 

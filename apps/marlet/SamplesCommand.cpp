@@ -25,7 +25,7 @@ void Run(const Arguments &arguments, Output &output)
     const int count = arguments.Integer("--count");
     if (count < 1)
         throw UsageError("--count: at least one is needed");
-    const std::string &out = arguments.Path("-o");
+    const std::string &out = arguments.NewPath("-o");
 
     const MediaSource source = OpenMediaSource(arguments);
     const auto audio = AudioOf(*source.media);

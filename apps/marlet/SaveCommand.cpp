@@ -1,26 +1,13 @@
 #include "Arguments.h"
 #include "Document.h"
 #include "Failure.h"
-
-#include <sys/stat.h>
+#include "TextFile.h"
 
 namespace marlet::tool
 {
 
 namespace
 {
-
-/// Whether two paths lead to one file, over links of either kind. What is no regular file, such as a
-/// terminal, keeps nothing that could be lost.
-bool IsSameFile(const std::string &a, const std::string &b)
-{
-    struct stat first {
-    };
-    struct stat second {
-    };
-    return ::stat(a.c_str(), &first) == 0 && ::stat(b.c_str(), &second) == 0 && S_ISREG(first.st_mode) &&
-           first.st_dev == second.st_dev && first.st_ino == second.st_ino;
-}
 
 void Run(const Arguments &arguments, Output &)
 {

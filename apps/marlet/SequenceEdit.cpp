@@ -125,9 +125,10 @@ void SequenceEdit::RequireAssetFrames(const AbstractSequenceObject &object) cons
     const std::optional<int> length = LengthOf(*asset);
     const long long end = static_cast<long long>(object.AssetInstanceStart()) + object.Length();
     if (object.AssetInstanceStart() < 0 || (length && object.Speed() == 1 && end > *length))
-        throw Failure("The " + SpanText(object.AssetInstanceStart(), end) + " of asset " +
-                      Quoted(asset->Name()) + " are not all there" +
-                      (length ? ": it has " + std::to_string(*length) : ""));
+        throw Failure(
+            "The " + SpanText(object.AssetInstanceStart(), end) + " of asset " + Quoted(asset->Name()) +
+            " are not all there" +
+            (length ? ": it has " + Counted(static_cast<std::size_t>(std::max(0, *length)), "frame") : ""));
 }
 
 ObjectPointer SequenceEdit::Place(const Insertion &insertion, const TrackPointer &track, long long length)
@@ -150,6 +151,11 @@ ObjectPointer SequenceEdit::Place(const Insertion &insertion, const TrackPointer
 std::vector<ObjectPointer> SequenceEdit::Insert(const Insertion &insertion)
 {
     const std::optional<int> whole = LengthOf(*insertion.asset);
+    if (insertion.assetStart < 0 || (whole && insertion.assetStart >= *whole))
+        throw Failure(
+            "Asset " + Quoted(insertion.asset->Name()) + " has no frame " +
+            std::to_string(insertion.assetStart) +
+            (whole ? ", only " + Counted(static_cast<std::size_t>(std::max(0, *whole)), "frame") : ""));
     if (!insertion.length && !whole)
         throw Failure("Asset " + Quoted(insertion.asset->Name()) +
                       " has no length of its own: give one with --length");

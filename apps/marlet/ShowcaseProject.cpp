@@ -4,6 +4,8 @@
 #include "CutProject.h"
 #include "Document.h"
 #include "ExampleProject.h"
+#include "Failure.h"
+#include "MediaSource.h"
 #include "plugins/PluginManager.h"
 #include "plugins/Plugins.h"
 
@@ -25,6 +27,7 @@
 #include <marlet/project/SolidAsset.h>
 #include <marlet/tracking/Tracker.h>
 
+#include <cerrno>
 #include <filesystem>
 
 namespace marlet::tool
@@ -131,10 +134,13 @@ private:
     void AddPicture(const std::string &path)
     {
         const auto image = ImageAsset::Create(AbsolutePath(path));
+        if (image->IsOffline())
+            throw Failure(path, SystemMessage(ENOENT));
+        if (image->Width() == 0)
+            throw Failure(path, "Not an image that can be read");
         Put(*project_, image);
         constexpr double kShare = 0.2; // of the frame's width
-        const double scale =
-            image->Width() > 0 ? 100 * kShare * static_cast<double>(width_) / image->Width() : 100;
+        const double scale = 100 * kShare * static_cast<double>(width_) / image->Width();
         const auto layer = AddInSpace(image, {width_ * 0.3f, -height_ * 0.12f, width_ * 0.05f}, scale);
         layer->SetName(u"Picture");
         layer->Animation().StaticValue("rotationY") = -25.f;
@@ -143,6 +149,7 @@ private:
     void AddClip(const std::string &path)
     {
         const auto media = project_->Media().CreateMediaAsset(AbsolutePath(path));
+        RequireUsable(*media);
         const ClipProject clip = MakeClipProject(project_, media);
         AddTracker(*clip.layer, {});
         const auto layer = AddInSpace(media, {-width_ * 0.18f, -height_ * 0.12f, 0}, 120);

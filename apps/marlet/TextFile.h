@@ -11,6 +11,10 @@ namespace marlet::tool
 /// @throws Failure, with the file as its subject, if it cannot be read or is no such text
 project::WideString ReadTextFile(const std::string &path);
 
+/// Whether two paths lead to one file, over links of either kind. What is no regular file, such as a
+/// terminal, keeps nothing that could be lost.
+bool IsSameFile(const std::string &a, const std::string &b);
+
 /// Tells beforehand of what stands in the way of a file, so that long work is not done for nothing.
 /// @throws Failure, with the file as its subject
 void RequireWritable(const std::string &path);

@@ -254,7 +254,7 @@ void RequireFrame(const EditorSequence &sequence, int frame)
     }
     if (frame < first || frame >= end)
         throw Failure("Frame " + std::to_string(frame) + " is not in the sequence, which has frames " +
-                      std::to_string(first) + " up to " + std::to_string(end));
+                      std::to_string(first) + " to " + std::to_string(end - 1));
 }
 
 void WriteFrame(const EditorSequence &sequence, int frame, bool json, Output &output)
@@ -284,6 +284,8 @@ void Run(const Arguments &arguments, Output &output)
     const int frame = atFrame ? arguments.Integer("--at") : 0;
     const ProjectPointer project = ReadProject(arguments.Operand(0));
     const SequencePointer sequence = SequenceOf(*project);
+    if (arguments.Has("--svg"))
+        WriteFile(arguments.NewPath("--svg"), TimelinePicture(*project));
     const bool json = arguments.Has("--json");
     if (atFrame)
         WriteFrame(*sequence, frame, json, output);
@@ -291,8 +293,6 @@ void Run(const Arguments &arguments, Output &output)
         WriteTableJson(*project, output);
     else
         WriteTableText(*project, output);
-    if (arguments.Has("--svg"))
-        WriteFile(arguments.Path("--svg"), TimelinePicture(*project));
 }
 
 } // namespace

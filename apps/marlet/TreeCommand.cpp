@@ -14,7 +14,7 @@ namespace
 
 void Run(const Arguments &arguments, Output &output)
 {
-    const std::string &path = arguments.Path("-o");
+    const std::string &path = arguments.NewPath("-o");
     WriteFile(path, TreePicture(*ReadProject(arguments.Operand(0))));
     output.Line("wrote the tree to " + OneLine(path));
 }

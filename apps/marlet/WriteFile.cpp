@@ -126,6 +126,16 @@ void RequireAccess(const std::string &target, const fs::path &path, int mode)
 
 } // namespace
 
+bool IsSameFile(const std::string &a, const std::string &b)
+{
+    struct stat first {
+    };
+    struct stat second {
+    };
+    return ::stat(a.c_str(), &first) == 0 && ::stat(b.c_str(), &second) == 0 && S_ISREG(first.st_mode) &&
+           first.st_dev == second.st_dev && first.st_ino == second.st_ino;
+}
+
 void RequireWritable(const std::string &path)
 {
     struct stat old {

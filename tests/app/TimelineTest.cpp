@@ -53,7 +53,7 @@ TEST_F(TimelineTest, TellsWhatStandsOnAFrameAndAroundIt)
     EXPECT_THAT(Run({"timeline", "cut.xml", "--at", "95", "--json"}).out,
                 HasSubstr("\"frame_of_object\":15,\"transition\":{\"id\":\""));
     EXPECT_EQ(Run({"timeline", "cut.xml", "--at", "250"}).err,
-              "marlet: cut.xml: Frame 250 is not in the sequence, which has frames 0 up to 250\n");
+              "marlet: cut.xml: Frame 250 is not in the sequence, which has frames 0 to 249\n");
 }
 
 TEST_F(TimelineTest, DrawsTheTracksToScale)
