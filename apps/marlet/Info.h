@@ -36,9 +36,9 @@ struct ProjectSums {
 ProjectSums CountProject(const project::Project &project);
 
 /// Everything about a project in a form for people.
-void WriteInfoText(const project::Project &project, Output &output);
+void WriteInfoText(project::Project &project, Output &output);
 
 /// The same as one JSON object a line, each with a "kind".
-void WriteInfoJson(const project::Project &project, Output &output);
+void WriteInfoJson(project::Project &project, Output &output);
 
 } // namespace marlet::tool

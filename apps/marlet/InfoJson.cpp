@@ -202,7 +202,7 @@ void WriteFormatJson(JsonWriter &json, const AudioVideoSettings &settings)
         .Member("audio_sample_rate", AudioVideoSettings::AudioSampleRateValue(settings.AudioSampleRate()));
 }
 
-void WriteInfoJson(const Project &project, Output &output)
+void WriteInfoJson(Project &project, Output &output)
 {
     WriteProject(project, output);
     WriteFolders(project.Assets().Bin(), output);

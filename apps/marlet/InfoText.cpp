@@ -183,7 +183,7 @@ std::string FormatText(const AudioVideoSettings &settings)
            std::to_string(AudioVideoSettings::AudioSampleRateValue(settings.AudioSampleRate())) + " Hz";
 }
 
-void WriteInfoText(const Project &project, Output &output)
+void WriteInfoText(Project &project, Output &output)
 {
     output.Line("Project " + Quoted(project.Name()) + "  " + project.ID().ToNarrowString());
     output.Line("  colour bit depth " + std::to_string(static_cast<int>(project.Settings().ColorBitDepth())));

@@ -1,5 +1,6 @@
 #include "MetadataItems.h"
 
+#include <marlet/project/AssetList.h>
 #include <marlet/project/Project.h>
 
 #include <charconv>
@@ -61,13 +62,26 @@ std::string Unescaped(std::string_view text)
     return result;
 }
 
+/// The text of a project without its assets and sequence, which are long and say nothing of the metadata.
+std::string TextOfTheRest(project::Project &project)
+{
+    project::AssetList::Assets assets;
+    assets.swap(project.Assets().All());
+    std::shared_ptr<project::EditorSequence> sequence = project.Sequence();
+    project.SetSequence(nullptr);
+    const std::string text = project::ToUtf8(project.Serialize());
+    assets.swap(project.Assets().All());
+    project.SetSequence(std::move(sequence));
+    return text;
+}
+
 } // namespace
 
 /// Metadata answers only to those who know their own IDs and indices, and the keys do not lead back to them.
 /// All that is there stands in the project's text, where each section is an element of a fixed form.
-std::vector<MetadataItem> MetadataItems(const project::Project &project)
+std::vector<MetadataItem> MetadataItems(project::Project &project)
 {
-    const std::string saved = project::ToUtf8(project.Serialize());
+    const std::string saved = TextOfTheRest(project);
     const std::size_t start = saved.rfind("\n <Metadata ");
     if (start == std::string::npos)
         return {};

@@ -18,6 +18,7 @@ struct MetadataItem {
     std::string value;
 };
 
-std::vector<MetadataItem> MetadataItems(const project::Project &project);
+/// The project is as it was when this returns; it is not const because its assets are put aside meanwhile.
+std::vector<MetadataItem> MetadataItems(project::Project &project);
 
 } // namespace marlet::tool
