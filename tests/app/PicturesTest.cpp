@@ -1,5 +1,7 @@
 #include "ToolTest.h"
 
+#include <marlet/project/ProjectMetadata.h>
+
 #include <QDomDocument>
 
 namespace marlet::test
@@ -50,6 +52,16 @@ TEST_F(PicturesTest, DiffSpeaksOfLayersKeyFramesAndPlaces)
                   "\"Back\": moved from place 3 to 1\n" + "5 differences\n");
     EXPECT_THAT(Run({"diff", before, after, "--json"}).OutLines().at(2),
                 HasSubstr("\"what\":\"StartFrame\",\"before\":\"0\",\"after\":\"7\""));
+}
+
+TEST_F(PicturesTest, DiffKnowsItemsOfTheMetadataByTheirKeys)
+{
+    project_->Metadata().SetIntegerValue({}, 0, 10);
+    project_->Metadata().SetIntegerValue({}, 1, 20);
+    const std::string before = Save("before.xml");
+    project_->Metadata().RemoveIntegerValue({}, 0);
+    EXPECT_THAT(Run({"diff", before, Save("after.xml")}).out,
+                testing::MatchesRegex("- metadata, int32_t: item [0-9]+ removed\n1 difference\n"));
 }
 
 TEST_F(PicturesTest, TheTreeMarksReferencesThatLeadNowhere)
