@@ -1,12 +1,7 @@
 #include <marlet/project/CompositionAsset.h>
 
-#include <marlet/foundation/xml/XmlReader.h>
-#include <marlet/foundation/xml/XmlWriter.h>
 #include <marlet/layers/AbstractLayer.h>
-#include <marlet/layers/LayerReader.h>
-#include <marlet/project/CompositionRenderSettings.h>
-#include <marlet/project/InstancesXml.h>
-#include <marlet/project/PanelRenderState.h>
+#include <marlet/project/CompositionAssetImpl.h>
 
 #include <algorithm>
 #include <cstdlib>
@@ -14,46 +9,8 @@
 namespace marlet::project
 {
 
-/// What a copy takes over as it is, and what a file is read into aside.
-struct CompositionFields {
-    kytl::KyID id;
-    WideString name;
-    AudioVideoSettings settings{AudioVideoSettings::Preset::None, 0};
-    CompositionRenderSettings renderSettings;
-    kytl::KyID parentFolderID;
-    int currentTimeIndicator = 0;
-    int inPoint = 0;
-    int outPoint = 0;
-    double timelineZoom = 0;
-    int splitterPosition = 440;
-    TimeFormat timelineTimeFormat{1000};
-    SnapMode timelineSnapMode{1000};
-};
-
-struct CompositionAsset_Impl : CompositionFields {
-    Uncopied<AbstractAsset::InstanceList> instances;
-    /// A copy has layers of its own, which Clone makes.
-    Uncopied<CompositionAsset::LayerList> layers;
-    PanelRenderState viewerPanelState;
-    PanelRenderState layerPanelState;
-};
-
 namespace
 {
-
-template <class Xml, class Self> void CompositionChildren(Xml &xml, Self &self)
-{
-    xml.Child("ID", self.id);
-    xml.Child("Name", self.name);
-    xml.Child("ParentFolderID", self.parentFolderID);
-    xml.Child("CTI", self.currentTimeIndicator);
-    xml.Child("InPoint", self.inPoint);
-    xml.Child("OutPoint", self.outPoint);
-    xml.Child("TimelineZoom", self.timelineZoom);
-    xml.Child("SplitterPosition", self.splitterPosition);
-    xml.Child("TimelineTimeFormat", self.timelineTimeFormat);
-    xml.Child("TimelineSnapMode", self.timelineSnapMode);
-}
 
 bool IsCamera(const AbstractLayer &layer)
 {
@@ -83,15 +40,6 @@ CompositionAsset::CompositionAsset(const WideString &name, AudioVideoSettings::P
     impl_->outPoint = frameCount;
 }
 
-CompositionAsset::CompositionAsset(const XmlCursor &element,
-                                   const std::shared_ptr<AbstractPluginManager> &pluginManager,
-                                   const Abstract3DEffectFactory &effectFactory,
-                                   ProjectTextureImageCache &textures)
-    : CompositionAsset()
-{
-    Deserialize(element, pluginManager, effectFactory, textures);
-}
-
 CompositionAsset::CompositionAsset(const CompositionAsset &other) = default;
 
 CompositionAsset::~CompositionAsset() = default;
@@ -100,15 +48,6 @@ std::shared_ptr<CompositionAsset> CompositionAsset::Create(const WideString &nam
                                                            AudioVideoSettings::Preset preset, int frameCount)
 {
     return std::shared_ptr<CompositionAsset>(new CompositionAsset(name, preset, frameCount));
-}
-
-std::shared_ptr<CompositionAsset> CompositionAsset::CreateFromXml(
-    const WideString &xml, const std::shared_ptr<AbstractPluginManager> &pluginManager,
-    const Abstract3DEffectFactory &effectFactory, ProjectTextureImageCache &textures)
-{
-    const XmlDocument document(xml);
-    return std::shared_ptr<CompositionAsset>(
-        new CompositionAsset(document.Root(), pluginManager, effectFactory, textures));
 }
 
 std::shared_ptr<CompositionAsset> CompositionAsset::Copy(const std::shared_ptr<CompositionAsset> &other)
@@ -131,58 +70,6 @@ std::shared_ptr<AbstractAsset> CompositionAsset::Clone() const
     // Only now, since a layer can refer to one further down the list.
     clone->ChangeLayerReferences(newIDs);
     return clone;
-}
-
-void CompositionAsset::Serialize(XmlWriter &writer, const ProjectTextureImageCache &textures) const
-{
-    const XmlElement element(writer, "CompositionAsset", 0);
-    CompositionChildren(writer, *impl_);
-    impl_->settings.Serialize(writer);
-    impl_->renderSettings.Serialize(writer);
-    {
-        const XmlElement layers(writer, "Layers");
-        for (const std::shared_ptr<AbstractLayer> &layer : Layers())
-            layer->Serialize(writer, textures);
-    }
-    WriteInstances(writer, *impl_->instances);
-    impl_->viewerPanelState.Serialize(writer);
-}
-
-WideString CompositionAsset::Serialize(const ProjectTextureImageCache &textures) const
-{
-    return XmlText([&](XmlWriter &writer) { Serialize(writer, textures); });
-}
-
-void CompositionAsset::Deserialize(const XmlCursor &element,
-                                   const std::shared_ptr<AbstractPluginManager> &pluginManager,
-                                   const Abstract3DEffectFactory &effectFactory,
-                                   ProjectTextureImageCache &textures)
-{
-    element.RequireHeader("CompositionAsset", 0);
-    // Aside, since plug-ins and 3D effects can fail at any layer: the composition is then as it was.
-    CompositionFields read(*impl_);
-    LayerList layers;
-    CompositionChildren(element, read);
-    if (const XmlCursor settings = element.Find("AudioVideoSettings"); !settings.IsNull())
-        read.settings = AudioVideoSettings(settings);
-    if (const XmlCursor settings = element.Find("RenderSettings"); !settings.IsNull())
-        read.renderSettings = CompositionRenderSettings(settings);
-    for (XmlCursor child = element.Find("Layers").FirstChild(); !child.IsNull(); child = child.Next())
-        if (const auto layer = LayerReader::Read(child, pluginManager, effectFactory, textures))
-            layers.Add(layer);
-    if (const XmlCursor viewer = element.Find("ViewerState"); !viewer.IsNull())
-        impl_->viewerPanelState = PanelRenderState(viewer);
-    static_cast<CompositionFields &>(*impl_) = std::move(read);
-    Layers().swap(layers);
-}
-
-void CompositionAsset::Deserialize(const WideString &xml,
-                                   const std::shared_ptr<AbstractPluginManager> &pluginManager,
-                                   const Abstract3DEffectFactory &effectFactory,
-                                   ProjectTextureImageCache &textures)
-{
-    const XmlDocument document(xml);
-    Deserialize(document.Root(), pluginManager, effectFactory, textures);
 }
 
 std::shared_ptr<AbstractLayer> CompositionAsset::FindLayerByID(const kytl::KyID &id) const

@@ -118,19 +118,17 @@ void FrameRenderer::DrawGrade(const Scene &scene, const AbstractLayer &layer, in
     ApplyEffects(surface, grade.Effects(), time, LayersOf(scene));
     // A grade changes what is in the frame, and no more.
     Surface graded{surface.picture.copy(QRect(surface.corner, surface.content)), {}, surface.content};
+    ApplyMasks(graded, grade.Masks(), time);
+    Surface hole{QImage(scene.canvas.size(), scene.canvas.format()), {}, scene.canvas.size()};
+    hole.picture.fill(Qt::white);
+    ApplyMasks(hole, grade.Masks(), time);
     QImage below = scene.canvas;
-    if (!grade.Masks().empty()) {
-        ApplyMasks(graded, grade.Masks(), time);
-        Surface hole{QImage(below.size(), below.format()), {}, below.size()};
-        hole.picture.fill(Qt::white);
-        ApplyMasks(hole, grade.Masks(), time);
+    {
         QPainter painter(&below);
         painter.setCompositionMode(QPainter::CompositionMode_DestinationOut);
         painter.drawImage(0, 0, hole.picture);
         painter.setCompositionMode(QPainter::CompositionMode_Plus);
         painter.drawImage(0, 0, graded.picture);
-    } else {
-        below = graded.picture;
     }
     const double opacity = OpacityOf(layer, time);
     QPainter painter(&scene.canvas);
