@@ -2,7 +2,7 @@
 
 #include <marlet/foundation/KyCriticalSection.h>
 #include <marlet/platform/media/KyAbstractAudioStream.h>
-#include <marlet/platform/media/SoundReader.h>
+#include <marlet/platform/media/decoding/SoundReader.h>
 
 #include <memory>
 

@@ -22,6 +22,9 @@ public:
     virtual int Wake() = 0;
     /// Closes files and decoders and keeps the facts. GetFrame and GetSamples fail until Wake.
     virtual int Sleep() = 0;
+    /// Whether frames and samples can be had, after waking where it sleeps: 0, or the code of what stands in
+    /// the way as far as is known.
+    virtual int State() const = 0;
 
     virtual ~KyAbstractMediaFile();
 };

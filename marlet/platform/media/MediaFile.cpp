@@ -9,10 +9,24 @@ namespace kyh::media
 
 using kytl::thread::KyScopedLock;
 
-MediaFile::MediaFile(std::string path, std::optional<double> sequenceRate)
-    : path_(std::move(path)), sequenceRate_(sequenceRate)
+MediaFile::MediaFile(std::string path, MediaResourcesPtr resources, std::optional<double> sequenceRate)
+    : path_(std::move(path)), resources_(std::move(resources)), sequenceRate_(sequenceRate)
 {
-    OpenedMedia media = Open();
+    MakeStreams(Open());
+}
+
+MediaFile::MediaFile(Unopened, std::string path, MediaResourcesPtr resources,
+                     std::optional<double> sequenceRate)
+    : path_(std::move(path)),
+      resources_(std::move(resources)),
+      sequenceRate_(sequenceRate),
+      isAsleep_(true),
+      state_(kAsleep)
+{
+}
+
+void MediaFile::MakeStreams(OpenedMedia media)
+{
     source_ = std::move(media.source);
     if (media.frames)
         video_ = std::make_shared<VideoStream>(media.videoFacts, std::move(media.frames));
@@ -22,11 +36,13 @@ MediaFile::MediaFile(std::string path, std::optional<double> sequenceRate)
 
 OpenedMedia MediaFile::Open() const
 {
-    return sequenceRate_ ? OpenImageSequence(path_, *sequenceRate_) : OpenMediaFile(path_);
+    return sequenceRate_ ? OpenImageSequence(path_, *sequenceRate_, resources_)
+                         : OpenMediaFile(path_, resources_);
 }
 
 std::shared_ptr<KyAbstractMediaStream> MediaFile::Stream(int kind)
 {
+    const KyScopedLock lock(lock_);
     switch (kind) {
     case kAudioStream:
         return audio_;
@@ -62,13 +78,22 @@ int MediaFile::Wake()
     const KyScopedLock lock(lock_);
     if (!isAsleep_)
         return kNothingToReport;
-    return CodeOf([&] {
-        if (source_ && source_->Reopen())
+    state_ = CodeOf([&] {
+        if (!video_ && !audio_)
+            MakeStreams(Open());
+        else if (source_ && source_->Reopen())
             WakeStreams();
         else
             WakeWith(Open());
         isAsleep_ = false;
     });
+    return state_;
+}
+
+int MediaFile::State() const
+{
+    const KyScopedLock lock(lock_);
+    return state_;
 }
 
 void MediaFile::WakeStreams()

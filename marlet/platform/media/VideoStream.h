@@ -1,10 +1,10 @@
 #pragma once
 
 #include <marlet/foundation/KyCriticalSection.h>
-#include <marlet/platform/media/FrameConverter.h>
-#include <marlet/platform/media/FrameSource.h>
 #include <marlet/platform/media/KyAbstractVideoStream.h>
-#include <marlet/platform/media/VideoFacts.h>
+#include <marlet/platform/media/contents/VideoFacts.h>
+#include <marlet/platform/media/decoding/FrameConverter.h>
+#include <marlet/platform/media/decoding/FrameSource.h>
 
 #include <memory>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <marlet/platform/media/VideoFacts.h>
+#include <marlet/platform/media/contents/VideoFacts.h>
 
 #include <vector>
 

@@ -1,4 +1,4 @@
-#include <marlet/platform/media/ImageSequence.h>
+#include <marlet/platform/media/files/ImageSequence.h>
 
 #include <marlet/platform/media/MediaFailure.h>
 

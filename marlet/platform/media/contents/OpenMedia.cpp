@@ -1,9 +1,10 @@
-#include <marlet/platform/media/OpenMedia.h>
+#include <marlet/platform/media/contents/OpenMedia.h>
 
-#include <marlet/platform/media/ClipFrames.h>
-#include <marlet/platform/media/Demuxer.h>
 #include <marlet/platform/media/MediaFailure.h>
-#include <marlet/platform/media/StillFrames.h>
+#include <marlet/platform/media/contents/FrameOrder.h>
+#include <marlet/platform/media/decoding/ClipFrames.h>
+#include <marlet/platform/media/decoding/StillFrames.h>
+#include <marlet/platform/media/files/Demuxer.h>
 
 #include <limits>
 #include <optional>
@@ -65,7 +66,9 @@ Scan ScanStreams(Demuxer &demuxer)
 
 void TakeVideo(OpenedMedia &media, Demuxer &demuxer, Scan &scan)
 {
-    auto frames = std::make_unique<ClipFrames>(media.source, scan.video, std::move(*scan.frames));
+    OrderFrames(media.source, scan.video, *scan.frames);
+    auto frames =
+        std::make_unique<ClipFrames>(media.source, scan.video, std::move(*scan.frames), media.resources);
     media.videoFacts =
         FactsOfClip(demuxer.Format(), demuxer.Stream(scan.video), frames->Index(), frames->Frame(0));
     media.frames = std::move(frames);
@@ -76,7 +79,8 @@ void TakeSound(OpenedMedia &media, Demuxer &demuxer, Scan &scan)
     scan.sound->Finish();
     if (scan.sound->Channels() > std::numeric_limits<unsigned char>::max())
         throw MediaFailure{kUnknownFormat};
-    auto sound = std::make_unique<SoundReader>(media.source, scan.audio, std::move(*scan.sound));
+    auto sound =
+        std::make_unique<SoundReader>(media.source, scan.audio, std::move(*scan.sound), media.resources);
     const SoundIndex &index = sound->Index();
     media.soundFacts = {index.SampleRate(),
                         index.Channels(),
@@ -87,10 +91,11 @@ void TakeSound(OpenedMedia &media, Demuxer &demuxer, Scan &scan)
     media.sound = std::move(sound);
 }
 
-OpenedMedia OpenPictures(ImageSequence sequence, double frameRate)
+OpenedMedia OpenPictures(ImageSequence sequence, double frameRate, const MediaResourcesPtr &resources)
 {
     OpenedMedia media;
-    auto frames = std::make_unique<StillFrames>(std::move(sequence));
+    media.resources = resources;
+    auto frames = std::make_unique<StillFrames>(std::move(sequence), resources);
     const AVFrame &first = frames->Frame(0);
     media.videoFacts = FactsOfStills(frames->Codec(), frames->Profile(), frames->Count(), frameRate, first);
     media.frames = std::move(frames);
@@ -99,14 +104,15 @@ OpenedMedia OpenPictures(ImageSequence sequence, double frameRate)
 
 } // namespace
 
-OpenedMedia OpenMediaFile(const std::string &path)
+OpenedMedia OpenMediaFile(const std::string &path, const MediaResourcesPtr &resources)
 {
     constexpr double kNoRate = 0;
     OpenedMedia media;
+    media.resources = resources;
     media.source = std::make_shared<FileSource>(path);
     Demuxer demuxer(media.source);
     if (demuxer.IsStill())
-        return OpenPictures(SinglePicture(path), kNoRate);
+        return OpenPictures(SinglePicture(path), kNoRate, resources);
     demuxer.OpenStreams();
     Scan scan = ScanStreams(demuxer);
     if (scan.frames)
@@ -118,11 +124,11 @@ OpenedMedia OpenMediaFile(const std::string &path)
     return media;
 }
 
-OpenedMedia OpenImageSequence(const std::string &path, double frameRate)
+OpenedMedia OpenImageSequence(const std::string &path, double frameRate, const MediaResourcesPtr &resources)
 {
     // What the path names must be there, whatever stands beside it.
     FileSource{path}.Close();
-    return OpenPictures(FindImageSequence(path), frameRate);
+    return OpenPictures(FindImageSequence(path), frameRate, resources);
 }
 
 } // namespace kyh::media

@@ -1,8 +1,9 @@
 #pragma once
 
-#include <marlet/platform/media/FrameIndex.h>
-#include <marlet/platform/media/FrameReader.h>
-#include <marlet/platform/media/FrameSource.h>
+#include <marlet/platform/media/MediaResources.h>
+#include <marlet/platform/media/contents/FrameIndex.h>
+#include <marlet/platform/media/decoding/FrameReader.h>
+#include <marlet/platform/media/decoding/FrameSource.h>
 
 #include <memory>
 
@@ -14,10 +15,8 @@ namespace kyh::media
 class ClipFrames final : public FrameSource
 {
 public:
-    /// `index` has all packets. Which frames come of them is made sure of by decoding: both ends of the clip
-    /// where the times of the packets tell the rest, else all of it.
-    /// @throws MediaFailure if nothing decodes
-    ClipFrames(FileSourcePtr source, int stream, FrameIndex index);
+    /// `index` is in order. Nothing is opened before a frame is asked for.
+    ClipFrames(FileSourcePtr source, int stream, FrameIndex index, MediaResourcesPtr resources);
 
     const FrameIndex &Index() const { return index_; }
     int Count() const override { return index_.Count(); }
@@ -25,17 +24,13 @@ public:
     void Close() override;
 
 private:
-    void CountByDecoding();
-    void FindEnds();
-    int FirstDecoded();
-    int LastDecoded();
-    int LastDecodedFrom(int start);
     FrameReader &Reader();
     void StartAt(int start);
     bool CanReadOnTo(int number);
     bool ReadOnTo(int number);
     void FindFrame(int number);
 
+    MediaResourcesPtr resources_;
     FileSourcePtr source_;
     int stream_;
     FrameIndex index_;

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <marlet/platform/media/FrameIndex.h>
 #include <marlet/platform/media/KyMediaTypes.h>
 #include <marlet/platform/media/LibavHandles.h>
+#include <marlet/platform/media/contents/FrameIndex.h>
 
 namespace kyh::media
 {

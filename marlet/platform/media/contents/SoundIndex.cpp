@@ -1,4 +1,4 @@
-#include <marlet/platform/media/SoundIndex.h>
+#include <marlet/platform/media/contents/SoundIndex.h>
 
 #include <marlet/platform/media/MediaFailure.h>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <marlet/platform/media/Decoder.h>
-#include <marlet/platform/media/PacketReader.h>
+#include <marlet/platform/media/decoding/Decoder.h>
+#include <marlet/platform/media/files/PacketReader.h>
 
 #include <cstdint>
 #include <memory>

@@ -1,4 +1,4 @@
-#include <marlet/platform/media/FrameIndex.h>
+#include <marlet/platform/media/contents/FrameIndex.h>
 
 #include <algorithm>
 #include <numeric>

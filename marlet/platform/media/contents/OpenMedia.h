@@ -1,8 +1,9 @@
 #pragma once
 
 #include <marlet/platform/media/AudioStream.h>
-#include <marlet/platform/media/FileSource.h>
+#include <marlet/platform/media/MediaResources.h>
 #include <marlet/platform/media/VideoStream.h>
+#include <marlet/platform/media/files/FileSource.h>
 
 #include <memory>
 #include <string>
@@ -12,6 +13,7 @@ namespace kyh::media
 
 /// What was found in a file: at least one stream.
 struct OpenedMedia {
+    MediaResourcesPtr resources;
     FileSourcePtr source; ///< of the streams; null where pictures are opened one by one
     VideoFacts videoFacts;
     std::unique_ptr<FrameSource> frames; ///< null without a video stream
@@ -20,8 +22,8 @@ struct OpenedMedia {
 };
 
 /// A container, or a picture as a clip of one frame. @throws MediaFailure
-OpenedMedia OpenMediaFile(const std::string &path);
+OpenedMedia OpenMediaFile(const std::string &path, const MediaResourcesPtr &resources);
 /// The sequence that a picture is a member of. @throws MediaFailure
-OpenedMedia OpenImageSequence(const std::string &path, double frameRate);
+OpenedMedia OpenImageSequence(const std::string &path, double frameRate, const MediaResourcesPtr &resources);
 
 } // namespace kyh::media

@@ -1,4 +1,4 @@
-#include <marlet/platform/media/ClipFrames.h>
+#include <marlet/platform/media/decoding/ClipFrames.h>
 
 #include <marlet/platform/media/MediaFailure.h>
 
@@ -8,80 +8,9 @@
 namespace kyh::media
 {
 
-namespace
+ClipFrames::ClipFrames(FileSourcePtr source, int stream, FrameIndex index, MediaResourcesPtr resources)
+    : resources_(std::move(resources)), source_(std::move(source)), stream_(stream), index_(std::move(index))
 {
-
-/// Beyond so many packets behind the last key frame, that the last frames decode is taken for granted.
-constexpr int kLongestTail = 300;
-
-} // namespace
-
-ClipFrames::ClipFrames(FileSourcePtr source, int stream, FrameIndex index)
-    : source_(std::move(source)), stream_(stream), index_(std::move(index))
-{
-    if (index_.OrderByTimes())
-        FindEnds();
-    else
-        CountByDecoding();
-    if (Count() == 0)
-        throw MediaFailure{kDamaged};
-}
-
-void ClipFrames::CountByDecoding()
-{
-    std::vector<int> packets;
-    StartAt(0);
-    while (Reader().Next(*behind_))
-        if (const int packet = PacketOf(*behind_); packet >= 0)
-            packets.push_back(packet);
-    index_.SetFrames(std::move(packets));
-    StartAt(0);
-}
-
-void ClipFrames::FindEnds()
-{
-    const int last = LastDecoded();
-    const int first = FirstDecoded();
-    if (first < 0 || first > last)
-        throw MediaFailure{kDamaged};
-    index_.Trim(first, last + 1);
-    StartAt(0);
-}
-
-int ClipFrames::FirstDecoded()
-{
-    StartAt(0);
-    while (Reader().Next(*behind_))
-        if (const int frame = index_.FrameOf(PacketOf(*behind_)); frame >= 0)
-            return frame;
-    return -1;
-}
-
-/// The last start leads to the end soonest. Where frames are missing then, they may only have needed more to
-/// recover from, which an earlier start tells.
-int ClipFrames::LastDecoded()
-{
-    const std::vector<FrameIndex::Start> &starts = index_.Starts();
-    const int packets = static_cast<int>(index_.Packets().size());
-    const auto earliest =
-        std::find_if(starts.begin(), starts.end(), [packets](const FrameIndex::Start &start) {
-            return packets - start.packet <= kLongestTail;
-        });
-    if (earliest == starts.end())
-        return Count() - 1;
-    int last = LastDecodedFrom(static_cast<int>(starts.size()) - 1);
-    if (last < Count() - 1)
-        last = std::max(last, LastDecodedFrom(static_cast<int>(earliest - starts.begin())));
-    return last < 0 ? Count() - 1 : last;
-}
-
-int ClipFrames::LastDecodedFrom(int start)
-{
-    StartAt(start);
-    int last = -1;
-    while (Reader().Next(*behind_))
-        last = std::max(last, index_.FrameOf(PacketOf(*behind_)));
-    return last;
 }
 
 FrameReader &ClipFrames::Reader()

@@ -1,7 +1,7 @@
-#include <marlet/platform/media/StillFrames.h>
+#include <marlet/platform/media/decoding/StillFrames.h>
 
-#include <marlet/platform/media/Demuxer.h>
 #include <marlet/platform/media/MediaFailure.h>
+#include <marlet/platform/media/files/Demuxer.h>
 
 #include <limits>
 #include <utility>
@@ -48,8 +48,10 @@ PacketPtr ReadPicture(const std::string &path)
 
 } // namespace
 
-StillFrames::StillFrames(ImageSequence sequence)
-    : sequence_(std::move(sequence)), codec_(CodecOfPicture(sequence_.members.front().path))
+StillFrames::StillFrames(ImageSequence sequence, MediaResourcesPtr resources)
+    : resources_(std::move(resources)),
+      sequence_(std::move(sequence)),
+      codec_(CodecOfPicture(sequence_.members.front().path))
 {
 }
 

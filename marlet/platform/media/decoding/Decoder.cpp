@@ -1,4 +1,4 @@
-#include <marlet/platform/media/Decoder.h>
+#include <marlet/platform/media/decoding/Decoder.h>
 
 #include <marlet/platform/media/MediaFailure.h>
 

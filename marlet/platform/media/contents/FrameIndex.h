@@ -1,6 +1,6 @@
 #pragma once
 
-#include <marlet/platform/media/PacketReader.h>
+#include <marlet/platform/media/files/PacketReader.h>
 
 #include <vector>
 

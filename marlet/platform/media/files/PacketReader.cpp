@@ -1,4 +1,4 @@
-#include <marlet/platform/media/PacketReader.h>
+#include <marlet/platform/media/files/PacketReader.h>
 
 #include <marlet/platform/media/MediaFailure.h>
 

@@ -1,4 +1,4 @@
-#include <marlet/platform/media/SampleFormat.h>
+#include <marlet/platform/media/decoding/SampleFormat.h>
 
 extern "C" {
 #include <libavutil/frame.h>

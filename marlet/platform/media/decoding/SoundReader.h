@@ -1,7 +1,8 @@
 #pragma once
 
-#include <marlet/platform/media/FrameReader.h>
-#include <marlet/platform/media/SoundIndex.h>
+#include <marlet/platform/media/MediaResources.h>
+#include <marlet/platform/media/contents/SoundIndex.h>
+#include <marlet/platform/media/decoding/FrameReader.h>
 
 #include <cstdint>
 #include <memory>
@@ -16,7 +17,7 @@ namespace kyh::media
 class SoundReader
 {
 public:
-    SoundReader(FileSourcePtr source, int stream, SoundIndex index);
+    SoundReader(FileSourcePtr source, int stream, SoundIndex index, MediaResourcesPtr resources);
 
     const SoundIndex &Index() const { return index_; }
     int BytesOfSample() const { return bytesPerSample_; } ///< of one channel
@@ -31,6 +32,7 @@ private:
     void DecodeTo(std::int64_t end);
     void TakeFrame();
 
+    MediaResourcesPtr resources_;
     FileSourcePtr source_;
     int stream_;
     SoundIndex index_;

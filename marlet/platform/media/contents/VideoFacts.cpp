@@ -1,4 +1,4 @@
-#include <marlet/platform/media/VideoFacts.h>
+#include <marlet/platform/media/contents/VideoFacts.h>
 
 #include <marlet/platform/media/MediaFailure.h>
 

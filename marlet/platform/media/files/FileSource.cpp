@@ -1,4 +1,4 @@
-#include <marlet/platform/media/FileSource.h>
+#include <marlet/platform/media/files/FileSource.h>
 
 #include <marlet/platform/media/MediaFailure.h>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <marlet/platform/media/Demuxer.h>
+#include <marlet/platform/media/files/Demuxer.h>
 
 #include <cstdint>
 #include <memory>

@@ -1,7 +1,7 @@
-#include <marlet/platform/media/SoundReader.h>
+#include <marlet/platform/media/decoding/SoundReader.h>
 
 #include <marlet/platform/media/MediaFailure.h>
-#include <marlet/platform/media/SampleFormat.h>
+#include <marlet/platform/media/decoding/SampleFormat.h>
 
 #include <algorithm>
 #include <cstring>
@@ -19,8 +19,9 @@ constexpr int kPreroll = 16;
 
 } // namespace
 
-SoundReader::SoundReader(FileSourcePtr source, int stream, SoundIndex index)
-    : source_(std::move(source)),
+SoundReader::SoundReader(FileSourcePtr source, int stream, SoundIndex index, MediaResourcesPtr resources)
+    : resources_(std::move(resources)),
+      source_(std::move(source)),
       stream_(stream),
       index_(std::move(index)),
       bytesPerSample_(BytesPerSample(index_.Format())),

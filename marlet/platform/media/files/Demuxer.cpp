@@ -1,4 +1,4 @@
-#include <marlet/platform/media/Demuxer.h>
+#include <marlet/platform/media/files/Demuxer.h>
 
 #include <marlet/platform/media/MediaFailure.h>
 

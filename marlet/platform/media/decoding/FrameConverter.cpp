@@ -1,4 +1,4 @@
-#include <marlet/platform/media/FrameConverter.h>
+#include <marlet/platform/media/decoding/FrameConverter.h>
 
 #include <marlet/platform/media/MediaFailure.h>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <marlet/platform/media/FileSource.h>
 #include <marlet/platform/media/LibavHandles.h>
+#include <marlet/platform/media/files/FileSource.h>
 
 #include <initializer_list>
 

@@ -1,9 +1,10 @@
 #pragma once
 
-#include <marlet/platform/media/Decoder.h>
-#include <marlet/platform/media/FileSource.h>
-#include <marlet/platform/media/FrameSource.h>
-#include <marlet/platform/media/ImageSequence.h>
+#include <marlet/platform/media/MediaResources.h>
+#include <marlet/platform/media/decoding/Decoder.h>
+#include <marlet/platform/media/decoding/FrameSource.h>
+#include <marlet/platform/media/files/FileSource.h>
+#include <marlet/platform/media/files/ImageSequence.h>
 
 namespace kyh::media
 {
@@ -13,7 +14,7 @@ class StillFrames final : public FrameSource
 {
 public:
     /// @throws MediaFailure if the first file is no picture
-    explicit StillFrames(ImageSequence sequence);
+    StillFrames(ImageSequence sequence, MediaResourcesPtr resources);
 
     AVCodecID Codec() const { return codec_; }
     int Profile() const { return decoder_ ? decoder_->Context().profile : FF_PROFILE_UNKNOWN; }
@@ -24,6 +25,7 @@ public:
 private:
     void Decode(const std::string &path);
 
+    MediaResourcesPtr resources_;
     ImageSequence sequence_;
     AVCodecID codec_;
     std::unique_ptr<DecoderFeed> decoder_;
