@@ -74,15 +74,14 @@ std::shared_ptr<AbstractAsset> CompositionAsset::Clone() const
 
 std::shared_ptr<AbstractLayer> CompositionAsset::FindLayerByID(const kytl::KyID &id) const
 {
-    const auto found = std::ranges::find_if(
-        Layers(), [&id](const std::shared_ptr<AbstractLayer> &layer) { return layer->ID() == id; });
-    return found == Layers().end() ? nullptr : *found;
+    return impl_->layersByID->Find(Layers(), id);
 }
 
 void CompositionAsset::ChangeLayerReferences(const std::unordered_map<NarrowString, NarrowString> &changes)
 {
-    for (const std::shared_ptr<AbstractLayer> &layer : Layers())
-        layer->ChangeLayerReferences(changes);
+    for (const std::shared_ptr<AbstractLayer> &layer : std::as_const(*this).Layers())
+        if (layer)
+            layer->ChangeLayerReferences(changes);
 }
 
 bool CompositionAsset::Is3D() const
@@ -195,6 +194,7 @@ void CompositionAsset::ClearParentBinFolder()
 
 CompositionAsset::LayerList &CompositionAsset::Layers()
 {
+    impl_->layersByID->ExpectChanges();
     return *impl_->layers;
 }
 

@@ -56,9 +56,12 @@ public:
                      const Abstract3DEffectFactory &effectFactory,
                      ProjectTextureImageCache &textures) override;
 
+    /// Entries may be empty pointers, which everything passes over. FindLayerByID and what looks for layers
+    /// by it notice a change in the list's length or at its ends at once, and any other one from the next
+    /// call of the form that can be changed on.
     LayerList &Layers();
     const LayerList &Layers() const;
-    /// An empty pointer if there is no such layer.
+    /// The first layer with that ID, or an empty pointer. Does not walk the list.
     std::shared_ptr<AbstractLayer> FindLayerByID(const kytl::KyID &id) const;
     /// Rewrites the references of all layers from old to new layer IDs, both in text form.
     void ChangeLayerReferences(const std::unordered_map<NarrowString, NarrowString> &changes);
