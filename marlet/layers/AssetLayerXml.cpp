@@ -95,7 +95,8 @@ void AssetLayer::Serialize(XmlWriter &writer, const ProjectTextureImageCache &te
     {
         const XmlElement trackers(writer, kTrackersTag);
         for (const std::shared_ptr<Tracker> &tracker : impl_->trackers)
-            tracker->Serialize(writer);
+            if (tracker)
+                tracker->Serialize(writer);
     }
     EffectsHelper::SerializeEffects(writer, impl_->effects);
     LayerHelper::SerializeMasks(writer, impl_->masks);

@@ -1,5 +1,6 @@
 #include <marlet/layers/Effect3DLayer.h>
 
+#include <marlet/foundation/Arguments.h>
 #include <marlet/foundation/Exceptions.h>
 #include <marlet/foundation/xml/DomBridge.h>
 #include <marlet/foundation/xml/XmlReader.h>
@@ -66,8 +67,7 @@ Effect3DLayer::Effect3DLayer() = default;
 Effect3DLayer::Effect3DLayer(std::shared_ptr<Abstract3DEffect> effect, const WideString &name)
     : AbstractLayer(name)
 {
-    if (!effect)
-        throw std::invalid_argument("A 3D effect layer needs an effect");
+    Require(effect, "effect");
     impl_->effect = std::move(effect);
     impl_->effect->SetLayerID(ID());
     CreateProperties(Animation(), Properties());

@@ -1,5 +1,6 @@
 #include <marlet/layers/TextLayer.h>
 
+#include <marlet/foundation/Arguments.h>
 #include <marlet/foundation/xml/XmlReader.h>
 #include <marlet/foundation/xml/XmlWriter.h>
 #include <marlet/layers/LayerHelper.h>
@@ -9,7 +10,6 @@
 #include <marlet/plugins/EffectsHelper.h>
 
 #include <cstdint>
-#include <stdexcept>
 #include <utility>
 
 namespace marlet::project
@@ -257,8 +257,7 @@ TextLayer::TextFormat(const WideString &family, const WideString &style, int siz
 
 const std::shared_ptr<TextLayer::Format> &TextLayer::GetOrAddFormat(const std::shared_ptr<Format> &format)
 {
-    if (!format)
-        throw std::invalid_argument("A text has no use for an empty format");
+    Require(format, "format");
     if (const std::shared_ptr<Format> *entry = impl_->text.FindFormat(*format))
         return *entry;
     impl_->text.formats.Add(format);

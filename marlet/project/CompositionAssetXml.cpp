@@ -54,7 +54,8 @@ void CompositionAsset::Serialize(XmlWriter &writer, const ProjectTextureImageCac
     {
         const XmlElement layers(writer, "Layers");
         for (const std::shared_ptr<AbstractLayer> &layer : Layers())
-            layer->Serialize(writer, textures);
+            if (layer)
+                layer->Serialize(writer, textures);
     }
     WriteInstances(writer, *impl_->instances);
     impl_->viewerPanelState.Serialize(writer);

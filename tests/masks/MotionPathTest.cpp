@@ -76,6 +76,23 @@ TEST(MotionPath, ClosesWithThreePointsOnly)
     EXPECT_TRUE(path.IsClosed());
 }
 
+TEST(MotionPath, PassesOverEmptyEntries)
+{
+    MotionPath path;
+    AddPoints(path, 2);
+    path.Points().insert(path.Points().begin() + 1, nullptr);
+    path.SetClosed(true);
+    EXPECT_FALSE(path.IsClosed());
+    AddPoints(path, 1);
+    path.SetClosed(true);
+    MotionPath read;
+    read.Deserialize(path.Serialize());
+    for (const MotionPath &copy : {MotionPath(path), read}) {
+        EXPECT_EQ(copy.Points().Count(), 3u);
+        EXPECT_TRUE(copy.IsClosed());
+    }
+}
+
 TEST(MotionPath, CopiesDeeplyWithNewIDs)
 {
     const auto path = OddPath();
