@@ -6,6 +6,7 @@
 #include <marlet/layers/AssetLayerImpl.h>
 #include <marlet/layers/LayerChain.h>
 #include <marlet/layers/LayerHelper.h>
+#include <marlet/layers/LayerMaker.h>
 #include <marlet/project/AssetList.h>
 #include <marlet/project/AssetPicture.h>
 #include <marlet/tracking/Tracker.h>
@@ -58,18 +59,14 @@ AssetLayer::~AssetLayer() = default;
 
 std::shared_ptr<AssetLayer> AssetLayer::Create(std::shared_ptr<AbstractAsset> asset)
 {
-    return std::shared_ptr<AssetLayer>(new AssetLayer(asset));
+    return LayerMaker::Make<AssetLayer>(asset);
 }
 
 std::shared_ptr<AbstractLayer> AssetLayer::Clone(const kytl::KyID &compositionID) const
 {
-    const kytl::KyID &composition = compositionID.IsNull() ? ParentCompositionID() : compositionID;
-    std::shared_ptr<AssetLayer> clone(new AssetLayer(*this));
-    clone->SetID(kytl::KyID::Generate());
-    clone->SetPropertyManager(PropertyManager::Copy(Animation()));
+    const std::shared_ptr<AssetLayer> clone = LayerMaker::Copy(*this);
     clone->impl_->trackers = CopyTrackers(Trackers(), clone->ID());
-    clone->impl_->effects = LayerHelper::CopyEffects(Effects(), clone->ID(), composition);
-    clone->impl_->masks = LayerHelper::CopyMasks(Masks(), clone->ID());
+    LayerHelper::CopyEffectsAndMasks(*this, *clone, compositionID);
     return clone;
 }
 

@@ -4,6 +4,7 @@
 #include <marlet/foundation/xml/XmlReader.h>
 #include <marlet/foundation/xml/XmlWriter.h>
 #include <marlet/layers/LayerHelper.h>
+#include <marlet/layers/LayerMaker.h>
 #include <marlet/layers/LayerProperties.h>
 #include <marlet/layers/LayerValues.h>
 #include <marlet/layers/StyledText.h>
@@ -101,14 +102,13 @@ TextLayer::~TextLayer() = default;
 
 std::shared_ptr<TextLayer> TextLayer::Create(const WideString &name, int width, int height)
 {
-    return std::shared_ptr<TextLayer>(new TextLayer(name, width, height));
+    return LayerMaker::Make<TextLayer>(name, width, height);
 }
 
 std::shared_ptr<TextLayer>
 TextLayer::CreateFromXml(const WideString &xml, const std::shared_ptr<AbstractPluginManager> &pluginManager)
 {
-    const XmlDocument document(xml);
-    return std::shared_ptr<TextLayer>(new TextLayer(document.Root(), pluginManager));
+    return LayerMaker::FromText<TextLayer>(xml, pluginManager);
 }
 
 void TextLayer::Serialize(XmlWriter &writer, const ProjectTextureImageCache &textures) const
@@ -121,13 +121,7 @@ void TextLayer::Serialize(XmlWriter &writer, const ProjectTextureImageCache &tex
     AbstractLayer::Serialize(writer, textures);
 }
 
-WideString TextLayer::Serialize(const ProjectTextureImageCache &textures) const
-{
-    return XmlText([&](XmlWriter &writer) { Serialize(writer, textures); });
-}
-
-WideString TextLayer::SerializeTokens(const std::shared_ptr<Token> &first,
-                                      const std::shared_ptr<Token> &last) const
+WideString TextLayer::SerializeTokens(const std::shared_ptr<Token> &first, const std::shared_ptr<Token> &last)
 {
     return XmlText([&](XmlWriter &writer) {
         const XmlElement element(writer, kTokensTag);
@@ -144,12 +138,8 @@ void TextLayer::DeserializeTokens(const WideString &xml, TokenList &tokens, Form
 
 std::shared_ptr<AbstractLayer> TextLayer::Clone(const kytl::KyID &compositionID) const
 {
-    const kytl::KyID &composition = compositionID.IsNull() ? ParentCompositionID() : compositionID;
-    std::shared_ptr<TextLayer> clone(new TextLayer(*this));
-    clone->SetID(kytl::KyID::Generate());
-    clone->SetPropertyManager(PropertyManager::Copy(Animation()));
-    clone->impl_->effects = LayerHelper::CopyEffects(Effects(), clone->ID(), composition);
-    clone->impl_->masks = LayerHelper::CopyMasks(Masks(), clone->ID());
+    const std::shared_ptr<TextLayer> clone = LayerMaker::Copy(*this);
+    LayerHelper::CopyEffectsAndMasks(*this, *clone, compositionID);
     return clone;
 }
 

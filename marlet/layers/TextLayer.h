@@ -94,12 +94,12 @@ public:
     Matrix TransformationAtTime(int time, const std::shared_ptr<Project> &project,
                                 bool avoidZeroScale) const override;
     Matrix OriginAtTime(int time, const std::shared_ptr<Project> &project) const override;
-    WideString Serialize(const ProjectTextureImageCache &textures) const override;
+    using AbstractLayer::Serialize;
     Matrix AlignToMotion(const Matrix &world, int time, const std::shared_ptr<Project> &project,
                          bool avoidZeroScale) const override;
     /// A stretch of the text with its formats, as a text of its own.
     virtual WideString SerializeTokens(const std::shared_ptr<Token> &first,
-                                       const std::shared_ptr<Token> &last) const;
+                                       const std::shared_ptr<Token> &last);
     /// The reverse: replaces what is in the two arguments, and leaves the layer alone.
     /// @throws XmlParseException, std::runtime_error
     virtual void DeserializeTokens(const WideString &xml, TokenList &tokens, FormatList &formats) const;
@@ -150,7 +150,7 @@ public:
     void SetEditingMode(bool editing);
 
 private:
-    friend class LayerReader;
+    friend class LayerMaker;
 
     TextLayer();
     TextLayer(const WideString &name, int width, int height);
