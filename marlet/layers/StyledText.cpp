@@ -63,8 +63,9 @@ void TextLayer::TokenList::Append(const std::shared_ptr<Token> &token)
     last = token;
 }
 
-std::shared_ptr<TextLayer::Token>
-TextLayer::CreateCharToken(char16_t character, const std::shared_ptr<Format> &format, const kytl::KyID &id)
+std::shared_ptr<TextLayer::Token> TextLayer::CreateCharToken(unsigned short character,
+                                                             const std::shared_ptr<Format> &format,
+                                                             const kytl::KyID &id)
 {
     auto token = CreateToken(Token::kCharacter, id);
     token->character = character;

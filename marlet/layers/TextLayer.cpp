@@ -234,15 +234,19 @@ TextLayer::TextFormat(const WideString &family, const WideString &style, int siz
                       const kytl::KyColorRGBA_32f &fill, const kytl::KyColorRGBA_32f &stroke,
                       float strokeWidth, float tracking, float leading)
 {
-    return GetOrAddFormat(std::make_shared<Format>(Format{.id = kytl::KyID::Generate(),
-                                                          .family = family,
-                                                          .style = style,
-                                                          .size = size,
-                                                          .fillColor = fill,
-                                                          .strokeColor = stroke,
-                                                          .strokeWidth = strokeWidth,
-                                                          .tracking = tracking,
-                                                          .leading = leading}));
+    const Format format{.id = kytl::KyID::Generate(),
+                        .family = family,
+                        .style = style,
+                        .size = size,
+                        .fillColor = fill,
+                        .strokeColor = stroke,
+                        .strokeWidth = strokeWidth,
+                        .tracking = tracking,
+                        .leading = leading};
+    if (const std::shared_ptr<Format> *entry = impl_->text.FindFormat(format))
+        return *entry;
+    impl_->text.formats.Add(std::make_shared<Format>(format));
+    return impl_->text.formats.back();
 }
 
 const std::shared_ptr<TextLayer::Format> &TextLayer::GetOrAddFormat(const std::shared_ptr<Format> &format)
@@ -251,7 +255,7 @@ const std::shared_ptr<TextLayer::Format> &TextLayer::GetOrAddFormat(const std::s
     if (const std::shared_ptr<Format> *entry = impl_->text.FindFormat(*format))
         return *entry;
     impl_->text.formats.Add(format);
-    return impl_->text.formats.back();
+    return format;
 }
 
 void TextLayer::CleanUpFormat()

@@ -69,6 +69,19 @@ TEST(TextLayer, SharesFormatsThatLookTheSame)
     EXPECT_NE(ask(odd), ask(odd));
 }
 
+TEST(TextLayer, ReturnsTheReferenceOfTheFormatThatItTakes)
+{
+    const auto layer = TextLayer::Create(u"", 1, 1);
+    const auto format = std::make_shared<Format>();
+    format->size = 3;
+    const auto twin = std::make_shared<Format>(*format);
+    EXPECT_EQ(&layer->GetOrAddFormat(format), &format);
+    const FormatPtr &entry = layer->GetOrAddFormat(twin);
+    EXPECT_EQ(entry, format);
+    EXPECT_NE(&entry, &format);
+    EXPECT_EQ(&layer->TextFormat(u"", u"", 3, {}, {}, 0, 0, 0), &entry);
+}
+
 TEST(TextLayer, DropsFormatsThatNoCharacterUses)
 {
     const auto layer = TextLayer::Create(u"", 1, 1);
