@@ -127,6 +127,9 @@ TEST(LayerProperties, OfALaterVersionAreMadeForOlderElements)
     EXPECT_EQ(MissingIn(manager, properties, 1), "late");
     EXPECT_EQ(MissingIn(manager, properties, 0), "");
     EXPECT_EQ(boost::get<int>(manager.StaticValue("late")), 5);
+    manager.StaticValue("late") = 6;
+    EXPECT_EQ(MissingIn(manager, properties, 0), "");
+    EXPECT_EQ(boost::get<int>(manager.StaticValue("late")), 6);
 }
 
 } // namespace
