@@ -62,6 +62,8 @@ std::shared_ptr<AbstractAsset> CompositionAsset::Clone() const
 {
     std::shared_ptr<CompositionAsset> clone(new CompositionAsset(*this));
     clone->impl_->id = kytl::KyID::Generate();
+    clone->impl_->viewerPanelState = impl_->viewerPanelState.WithNewViews();
+    clone->impl_->layerPanelState = impl_->layerPanelState.WithNewViews();
 
     std::unordered_map<NarrowString, NarrowString> newIDs;
     for (const std::shared_ptr<AbstractLayer> &layer : Layers()) {

@@ -34,7 +34,8 @@ public:
     static std::shared_ptr<CompositionAsset> Copy(const std::shared_ptr<CompositionAsset> &other);
     ~CompositionAsset() override;
 
-    /// A copy whose layers have new IDs and refer to one another as those of the source do.
+    /// A copy whose layers have new IDs and refer to one another as those of the source do. The views of its
+    /// panels have new IDs, too; views that the source does not list are left out.
     std::shared_ptr<AbstractAsset> Clone() const override;
     const kytl::KyID &ID() const override;
     AssetType Type() const override;
