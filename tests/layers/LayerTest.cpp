@@ -88,20 +88,12 @@ TEST(Camera, ZoomsByItsLens)
     EXPECT_EQ(CameraLayer::CalculateLensZoom(0, 1920, 1), std::numeric_limits<float>::infinity());
 }
 
-TEST(Camera, StandsAtTheDistanceOfItsZoom)
-{
-    const auto camera = CameraLayer::Create(u"", 5, 1000, 7, 8);
-    EXPECT_EQ(Get<Point>(*camera, "position"), (Point{0, 0, 1000}));
-    EXPECT_EQ(Get<float>(*camera, "aperture"), 5);
-    EXPECT_EQ(Get<float>(*camera, "focusDistance"), 7);
-    EXPECT_EQ(Get<float>(*camera, "blurDoF"), 8);
-}
-
-TEST(Light, OfTheThirdKindIsTurnedAsItIsMade)
+TEST(Light, StaysTurnedAsItWasMade)
 {
     for (const int type : {0, 3}) {
         const auto light = LightLayer::Create(u"", LightLayer::LightType{type});
         light->SetLightSourceType(LightLayer::LightType{3 - type});
+        EXPECT_EQ(light->LightSourceType(), LightLayer::LightType{3 - type});
         EXPECT_EQ(Get<Orientation3D>(*light, "orientation"), (Orientation3D{type == 3 ? 90.f : 0.f, 0, 0}));
     }
 }

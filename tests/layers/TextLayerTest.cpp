@@ -106,8 +106,17 @@ TEST(TextLayer, IsClonedWithTokensAndFormatsOfItsOwn)
     AddParagraph(*layer, 77);
     AddCharacter(*layer, u'\xD83C', formats[0]);
     AddCharacter(*layer, u'b', formats[1]);
+    layer->SetEditingMode(true);
+    layer->SetSelectionStart(layer->Text().first);
+    layer->SetSelectionEnd(layer->Text().first);
+    layer->SetCursorPosition(layer->Text().first, TextLayer::CursorPositionType{2});
     const auto clone = std::static_pointer_cast<TextLayer>(layer->Clone(KyID()));
     EXPECT_EQ(FrameOf(*clone), FrameOf(*layer));
+    EXPECT_TRUE(layer->IsEditingMode() && layer->SelectionStart() && layer->SelectionEnd() &&
+                layer->CursorPosition());
+    EXPECT_FALSE(clone->IsEditingMode() || clone->SelectionStart() || clone->SelectionEnd() ||
+                 clone->CursorPosition());
+    EXPECT_EQ(clone->CursorRenderPosition(), TextLayer::CursorPositionType{2});
 
     const auto sources = TokensOf(layer->Text());
     const auto copies = TokensOf(clone->Text());

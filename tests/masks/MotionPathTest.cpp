@@ -52,6 +52,7 @@ std::unique_ptr<MotionPath> OddPath()
 TEST(PathPoint, StaysLockedWhenItIsLinearNoMore)
 {
     const auto point = PathPoint::Create(0, 0, {});
+    EXPECT_TRUE(point->IsLinear() && !point->IsLocked());
     point->SetLinear(false);
     EXPECT_FALSE(point->IsLocked());
     point->SetLinear(true);
