@@ -1,13 +1,15 @@
-// World matrices: of a layer three parents deep, and of the same point, light and camera layers asked by two
-// threads.
+// World matrices: of a layer three parents deep, of the same point, light and camera layers asked by two
+// threads, and of a stack of layers that a file has just told of.
 
 #include <bench/support/Documents.h>
 #include <bench/support/HeapCounter.h>
+#include <bench/support/Stopwatch.h>
 
 #include <marlet/animation/PropertyManager.h>
 #include <marlet/layers/CameraLayer.h>
 #include <marlet/layers/LightLayer.h>
 #include <marlet/layers/PointLayer.h>
+#include <marlet/project/CompositionAsset.h>
 
 #include <benchmark/benchmark.h>
 
@@ -126,7 +128,61 @@ void WorldOfScene(benchmark::State &state)
     }
 }
 
+/// Layers without animation on one parent, the last of them all, which they know by its ID alone.
+struct Stack {
+    Document document;
+
+    explicit Stack(std::int64_t layerCount)
+    {
+        const auto parent = PointLayer::Create(u"Parent");
+        for (std::int64_t i = 1; i < layerCount; ++i) {
+            const auto layer = PointLayer::Create(u"Layer");
+            layer->SetParentLayer(parent->ID());
+            Add(layer);
+        }
+        Add(parent);
+    }
+
+    void AskAll() const
+    {
+        for (const auto &layer : std::as_const(*document.composition).Layers())
+            benchmark::DoNotOptimize(layer->WorldTransformationAtTime(0, document.project, false));
+    }
+
+private:
+    void Add(const std::shared_ptr<AbstractLayer> &layer)
+    {
+        document.Add(layer);
+        layer->SetParentComposition(document.composition->ID());
+    }
+};
+
+/// Asks a new stack for all its matrices, and times only the last pass.
+void MatricesOfStack(benchmark::State &state, int passes)
+{
+    for (auto _ : state) {
+        const Stack stack(state.range(0));
+        for (int pass = 1; pass < passes; ++pass)
+            stack.AskAll();
+        const bench::Clock::time_point start = bench::Clock::now();
+        stack.AskAll();
+        state.SetIterationTime(bench::SecondsSince(start));
+    }
+}
+
+void FirstMatrices(benchmark::State &state)
+{
+    MatricesOfStack(state, 1);
+}
+
+void SecondMatrices(benchmark::State &state)
+{
+    MatricesOfStack(state, 2);
+}
+
 BENCHMARK(WorldThreeParentsDeep);
+BENCHMARK(FirstMatrices)->Arg(40'000)->UseManualTime()->Iterations(5)->Unit(benchmark::kMillisecond);
+BENCHMARK(SecondMatrices)->Arg(40'000)->UseManualTime()->Iterations(5)->Unit(benchmark::kMillisecond);
 // The times are of one question and far below those of a round, so the number of rounds is given.
 BENCHMARK(WorldOfScene)->Arg(1)->Arg(2)->UseManualTime()->Iterations(5);
 

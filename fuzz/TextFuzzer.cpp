@@ -57,7 +57,7 @@ std::shared_ptr<TextLayer> LayerOf(Tokens tokens)
     return layer;
 }
 
-WideString TextOf(const TextLayer &layer)
+WideString TextOf(TextLayer &layer)
 {
     return layer.SerializeTokens(layer.Text().first, nullptr);
 }

@@ -57,6 +57,8 @@ constexpr Figure kFigures[] = {
      nullptr, Bound::AtMost, 0},
     {"throughput of two threads / of one", Kind::Ratio, "WorldOfScene/1", "WorldOfScene/2", Bound::AtLeast,
      1.8},
+    {"first matrices of 40,000 layers / second", Kind::Ratio, "FirstMatrices/40000", "SecondMatrices/40000",
+     Bound::AtMost, 5},
     {"load a text of 1,000,000 characters / of 100,000", Kind::Ratio, "LoadText/1000000", "LoadText/100000",
      Bound::AtMost, 13},
     {"clone a text of 1,000,000 characters / of 100,000", Kind::Ratio, "CloneText/1000000",

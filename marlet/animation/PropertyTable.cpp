@@ -49,7 +49,7 @@ void RequireProperties(PropertyManager &manager, const PropertyTable &properties
         if (property.since == 0)
             Require(manager, property);
     for (const PropertyRow &property : properties)
-        if (property.since > version)
+        if (property.since > version && !manager.HasProperty(property.name))
             Create(manager, property);
     for (const PropertyRow &property : properties)
         if (property.since > 0)

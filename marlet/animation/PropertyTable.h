@@ -28,8 +28,8 @@ PropertyRow FixedProperty(const char *name, const PropertyValue &value);
 /// @throws ProjectException with the status of a property that cannot be created
 void CreateProperties(PropertyManager &manager, const PropertyTable &properties);
 
-/// Checks what an element of that version holds. Properties that later versions brought are created first,
-/// and looked for after the others.
+/// Checks what an element of that version holds. Properties that later versions brought are looked for
+/// after the others, once those that it lacks are created.
 /// @throws ProjectException with the name of the first property that is missing
 void RequireProperties(PropertyManager &manager, const PropertyTable &properties, unsigned int version);
 

@@ -1,9 +1,11 @@
 #include <marlet/layers/Abstract3DEffect.h>
 
+#include <marlet/foundation/Arguments.h>
 #include <marlet/layers/AbstractLayer.h>
 #include <marlet/project/CompositionAsset.h>
 
 #include <stdexcept>
+#include <utility>
 
 namespace marlet::project
 {
@@ -37,20 +39,15 @@ bool Abstract3DEffect::IsAncestorOfReferencedLayer(const std::shared_ptr<Composi
                                                    const kytl::KyID &layerID,
                                                    const kytl::KyID &ancestorID) const
 {
-    // An index, since searching the composition for each link of a long chain would take the square of its
-    // length. The first of several layers with one ID counts, as in every search by ID.
-    std::unordered_map<kytl::KyID, kytl::KyID> parents;
-    for (const std::shared_ptr<AbstractLayer> &layer : composition->Layers())
-        parents.try_emplace(layer->ID(), layer->ParentLayerID());
-
+    Require(composition, "composition");
     std::size_t steps = 0;
-    for (auto link = parents.find(layerID); link != parents.end(); link = parents.find(link->second)) {
-        if (link->second.IsNull())
-            return false;
-        if (link->second == ancestorID)
+    auto layer = composition->FindLayerByID(layerID);
+    while (layer && layer->HasParentLayer()) {
+        if (layer->ParentLayerID() == ancestorID)
             return true;
-        if (++steps > parents.size())
+        if (++steps > std::as_const(*composition).Layers().size())
             throw std::logic_error("The parents of layer " + layerID.ToNarrowString() + " run in a circle");
+        layer = composition->FindLayerByID(layer->ParentLayerID());
     }
     return false;
 }

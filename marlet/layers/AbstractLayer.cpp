@@ -4,7 +4,7 @@
 #include <marlet/foundation/xml/XmlReader.h>
 #include <marlet/foundation/xml/XmlWriter.h>
 #include <marlet/layers/AbstractLayerImpl.h>
-#include <marlet/layers/LayerReader.h>
+#include <marlet/layers/LayerMaker.h>
 #include <marlet/project/AssetList.h>
 
 #include <cstdint>
@@ -54,7 +54,7 @@ AbstractLayer::CreateFromXml(const WideString &xml,
                              const Abstract3DEffectFactory &effectFactory, ProjectTextureImageCache &textures)
 {
     const XmlDocument document(xml);
-    return LayerReader::Read(document.Root(), pluginManager, effectFactory, textures);
+    return LayerMaker::Read(document.Root(), pluginManager, effectFactory, textures);
 }
 
 void AbstractLayer::Serialize(XmlWriter &writer, const ProjectTextureImageCache &) const
@@ -62,6 +62,11 @@ void AbstractLayer::Serialize(XmlWriter &writer, const ProjectTextureImageCache 
     const XmlElement element(writer, "LayerBase", kVersion);
     LayerBaseFields(writer, *impl_);
     impl_->properties->Serialize(writer);
+}
+
+WideString AbstractLayer::Serialize(const ProjectTextureImageCache &textures) const
+{
+    return XmlText([&](XmlWriter &writer) { Serialize(writer, textures); });
 }
 
 void AbstractLayer::Deserialize(const XmlCursor &element)

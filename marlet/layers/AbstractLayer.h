@@ -70,7 +70,8 @@ protected:
     virtual void Serialize(XmlWriter &writer, const ProjectTextureImageCache &textures) const;
 
 public:
-    virtual WideString Serialize(const ProjectTextureImageCache &textures) const = 0;
+    /// The layer as a text of its own.
+    virtual WideString Serialize(const ProjectTextureImageCache &textures) const;
     /// What the layer offers to its children.
     virtual Matrix ParentingWorldTransformationAtTime(int time, const std::shared_ptr<Project> &project,
                                                       bool avoidZeroScale) const;
@@ -196,7 +197,7 @@ protected:
 private:
     friend class CompositionAsset;
     friend class LayerChain;
-    friend class LayerReader;
+    friend class LayerMaker;
 
     ValuePtr<AbstractLayer_Impl> impl_;
 };

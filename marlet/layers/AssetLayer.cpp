@@ -1,10 +1,12 @@
 #include <marlet/layers/AssetLayer.h>
 
+#include <marlet/foundation/Arguments.h>
 #include <marlet/foundation/Numbers.h>
 #include <marlet/layers/Alignment.h>
 #include <marlet/layers/AssetLayerImpl.h>
 #include <marlet/layers/LayerChain.h>
 #include <marlet/layers/LayerHelper.h>
+#include <marlet/layers/LayerMaker.h>
 #include <marlet/project/AssetList.h>
 #include <marlet/project/AssetPicture.h>
 #include <marlet/tracking/Tracker.h>
@@ -23,6 +25,8 @@ AssetLayer::TrackerList CopyTrackers(const AssetLayer::TrackerList &trackers, co
 {
     AssetLayer::TrackerList copies;
     for (const std::shared_ptr<Tracker> &tracker : trackers) {
+        if (!tracker)
+            continue;
         const std::shared_ptr<Tracker> copy = Tracker::Copy(tracker);
         copy->SetParentLayerID(layerID);
         copies.Add(copy);
@@ -32,8 +36,7 @@ AssetLayer::TrackerList CopyTrackers(const AssetLayer::TrackerList &trackers, co
 
 WideString NameOf(const std::shared_ptr<AbstractAsset> &asset)
 {
-    if (!asset)
-        throw std::invalid_argument("A layer cannot show an empty asset");
+    Require(asset, "asset");
     return asset->Name();
 }
 
@@ -56,18 +59,14 @@ AssetLayer::~AssetLayer() = default;
 
 std::shared_ptr<AssetLayer> AssetLayer::Create(std::shared_ptr<AbstractAsset> asset)
 {
-    return std::shared_ptr<AssetLayer>(new AssetLayer(asset));
+    return LayerMaker::Make<AssetLayer>(asset);
 }
 
 std::shared_ptr<AbstractLayer> AssetLayer::Clone(const kytl::KyID &compositionID) const
 {
-    const kytl::KyID &composition = compositionID.IsNull() ? ParentCompositionID() : compositionID;
-    std::shared_ptr<AssetLayer> clone(new AssetLayer(*this));
-    clone->SetID(kytl::KyID::Generate());
-    clone->SetPropertyManager(PropertyManager::Copy(Animation()));
+    const std::shared_ptr<AssetLayer> clone = LayerMaker::Copy(*this);
     clone->impl_->trackers = CopyTrackers(Trackers(), clone->ID());
-    clone->impl_->effects = LayerHelper::CopyEffects(Effects(), clone->ID(), composition);
-    clone->impl_->masks = LayerHelper::CopyMasks(Masks(), clone->ID());
+    LayerHelper::CopyEffectsAndMasks(*this, *clone, compositionID);
     return clone;
 }
 
@@ -250,7 +249,7 @@ std::vector<ObjectPropertyList> AssetLayer::ChildLayerReferencePropertyNames() c
 void AssetLayer::ClearChildInvalidLayerReferences(const std::unordered_map<NarrowString, bool> &validIDs)
 {
     for (const std::shared_ptr<Tracker> &tracker : impl_->trackers)
-        if (!validIDs.contains(tracker->DestinationLayerID().ToNarrowString()))
+        if (tracker && !validIDs.contains(tracker->DestinationLayerID().ToNarrowString()))
             tracker->ClearDestinationLayerID();
     LayerHelper::ClearInvalidLayerReferences(impl_->effects, validIDs);
 }
@@ -258,6 +257,8 @@ void AssetLayer::ClearChildInvalidLayerReferences(const std::unordered_map<Narro
 void AssetLayer::ChangeChildLayerReferences(const std::unordered_map<NarrowString, NarrowString> &changes)
 {
     for (const std::shared_ptr<Tracker> &tracker : impl_->trackers) {
+        if (!tracker)
+            continue;
         const auto change = changes.find(tracker->DestinationLayerID().ToNarrowString());
         if (change != changes.end())
             tracker->SetDestinationLayerID(kytl::KyID::FromString(change->second));
@@ -270,7 +271,7 @@ bool AssetLayer::IsChildLayerReferenced(const std::shared_ptr<CompositionAsset> 
 {
     const bool isDestination =
         std::ranges::any_of(impl_->trackers, [&layerID](const std::shared_ptr<Tracker> &tracker) {
-            return tracker->DestinationLayerID() == layerID;
+            return tracker && tracker->DestinationLayerID() == layerID;
         });
     return isDestination || LayerHelper::IsLayerReferenced(impl_->effects, layerID);
 }

@@ -49,7 +49,7 @@ public:
     Matrix TransformationAtTime(int time, const std::shared_ptr<Project> &project,
                                 bool avoidZeroScale) const override;
     Matrix OriginAtTime(int time, const std::shared_ptr<Project> &project) const override;
-    WideString Serialize(const ProjectTextureImageCache &textures) const override;
+    using AbstractLayer::Serialize;
     Matrix ParentingWorldTransformationAtTime(int time, const std::shared_ptr<Project> &project,
                                               bool avoidZeroScale) const override;
     Matrix WorldTransformationAtTimeToSetParent(int time, const std::shared_ptr<Project> &project,
@@ -94,7 +94,7 @@ public:
                                       kytl::matl::KyPoint<2, float> &offset, int &width, int &height);
 
 private:
-    friend class LayerReader;
+    friend class LayerMaker;
 
     AssetLayer();
     explicit AssetLayer(const std::shared_ptr<AbstractAsset> &asset);

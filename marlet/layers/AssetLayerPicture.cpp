@@ -2,6 +2,7 @@
 
 #include <marlet/layers/AssetLayer.h>
 
+#include <marlet/foundation/Arguments.h>
 #include <marlet/foundation/Numbers.h>
 #include <marlet/layers/Alignment.h>
 #include <marlet/layers/AssetLayerImpl.h>
@@ -10,11 +11,8 @@
 #include <marlet/plugins/EffectInstance.h>
 #include <marlet/plugins/FilterSurface.h>
 #include <marlet/project/AssetPicture.h>
-#include <marlet/project/Project.h>
 
 #include <cstdint>
-#include <stdexcept>
-#include <utility>
 
 namespace marlet::project
 {
@@ -43,14 +41,14 @@ int Enlarged(int size, int before, int after)
 Matrix AssetLayer::TransformationAtTime(int time, const std::shared_ptr<Project> &project,
                                         bool avoidZeroScale) const
 {
-    if (!RequireAsset(std::as_const(*project).Assets()).HasVideo())
+    if (!RequireAsset(AssetsOf(project)).HasVideo())
         return {};
     return PlacementMatrix(*this, time, project, avoidZeroScale);
 }
 
 Matrix AssetLayer::OriginAtTime(int time, const std::shared_ptr<Project> &project) const
 {
-    const AbstractAsset &asset = RequireAsset(std::as_const(*project).Assets());
+    const AbstractAsset &asset = RequireAsset(AssetsOf(project));
     if (!asset.HasVideo())
         return {};
     const AssetPicture picture = PictureOf(asset);
@@ -72,7 +70,7 @@ Matrix AssetLayer::ParentingWorldTransformationAtTime(int time, const std::share
 Matrix AssetLayer::WorldTransformationAtTimeToSetParent(int time, const std::shared_ptr<Project> &project,
                                                         bool avoidZeroScale) const
 {
-    const AbstractAsset &asset = RequireAsset(std::as_const(*project).Assets());
+    const AbstractAsset &asset = RequireAsset(AssetsOf(project));
     if (!asset.HasVideo())
         return {};
     const AssetPicture picture = PictureOf(asset);
@@ -88,7 +86,7 @@ Matrix AssetLayer::AlignToMotion(const Matrix &world, int time, const std::share
 {
     if (impl_->autoOrientation != AutoOrient::AlongPath)
         return {};
-    const AssetPicture picture = PictureOf(RequireAsset(std::as_const(*project).Assets()));
+    const AssetPicture picture = PictureOf(RequireAsset(AssetsOf(project)));
     const kytl::matl::KyPoint<3, float> middle{static_cast<float>(picture.width) * 0.5f,
                                                static_cast<float>(picture.height) * 0.5f, 0};
     return Alignment(middle, world,
@@ -99,14 +97,13 @@ void AssetLayer::ComputePostFilterDims(const std::shared_ptr<AbstractAsset> &ass
                                        int time, float aFloat, bool aBool,
                                        kytl::matl::KyPoint<2, float> &offset, int &width, int &height)
 {
-    if (!asset)
-        throw std::invalid_argument("An empty asset has no frame to filter");
+    Require(asset, "asset");
     width = asset->Width();
     height = asset->Height();
     offset = {};
     FilterSurface surface{.width = width, .height = height, .textureWidth = width, .textureHeight = height};
     for (const std::shared_ptr<EffectInstance> &effect : effects) {
-        const auto filter = effect->Enabled() ? FilterOf(*effect) : nullptr;
+        const auto filter = effect && effect->Enabled() ? FilterOf(*effect) : nullptr;
         if (!filter)
             continue;
         int left = 0;

@@ -6,6 +6,7 @@
 #include <marlet/foundation/xml/XmlWriter.h>
 #include <marlet/layers/AssetLayerImpl.h>
 #include <marlet/layers/LayerHelper.h>
+#include <marlet/layers/LayerMaker.h>
 #include <marlet/plugins/EffectsHelper.h>
 #include <marlet/tracking/Tracker.h>
 
@@ -95,23 +96,18 @@ void AssetLayer::Serialize(XmlWriter &writer, const ProjectTextureImageCache &te
     {
         const XmlElement trackers(writer, kTrackersTag);
         for (const std::shared_ptr<Tracker> &tracker : impl_->trackers)
-            tracker->Serialize(writer);
+            if (tracker)
+                tracker->Serialize(writer);
     }
     EffectsHelper::SerializeEffects(writer, impl_->effects);
     LayerHelper::SerializeMasks(writer, impl_->masks);
     AbstractLayer::Serialize(writer, textures);
 }
 
-WideString AssetLayer::Serialize(const ProjectTextureImageCache &textures) const
-{
-    return XmlText([&](XmlWriter &writer) { Serialize(writer, textures); });
-}
-
 std::shared_ptr<AssetLayer>
 AssetLayer::CreateFromXml(const WideString &xml, const std::shared_ptr<AbstractPluginManager> &pluginManager)
 {
-    const XmlDocument document(xml);
-    return std::shared_ptr<AssetLayer>(new AssetLayer(document.Root(), pluginManager));
+    return LayerMaker::FromText<AssetLayer>(xml, pluginManager);
 }
 
 } // namespace marlet::project

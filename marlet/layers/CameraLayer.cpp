@@ -3,6 +3,7 @@
 #include <marlet/foundation/xml/XmlReader.h>
 #include <marlet/foundation/xml/XmlWriter.h>
 #include <marlet/layers/Alignment.h>
+#include <marlet/layers/LayerMaker.h>
 #include <marlet/layers/LayerProperties.h>
 #include <marlet/layers/LayerValues.h>
 
@@ -69,13 +70,12 @@ CameraLayer::~CameraLayer() = default;
 std::shared_ptr<CameraLayer> CameraLayer::Create(const WideString &name, float aperture, float zoom,
                                                  float focusDistance, float blurDoF)
 {
-    return std::shared_ptr<CameraLayer>(new CameraLayer(name, aperture, zoom, focusDistance, blurDoF));
+    return LayerMaker::Make<CameraLayer>(name, aperture, zoom, focusDistance, blurDoF);
 }
 
 std::shared_ptr<CameraLayer> CameraLayer::CreateFromXml(const WideString &xml)
 {
-    const XmlDocument document(xml);
-    return std::shared_ptr<CameraLayer>(new CameraLayer(document.Root()));
+    return LayerMaker::FromText<CameraLayer>(xml);
 }
 
 void CameraLayer::Serialize(XmlWriter &writer, const ProjectTextureImageCache &textures) const
@@ -83,11 +83,6 @@ void CameraLayer::Serialize(XmlWriter &writer, const ProjectTextureImageCache &t
     const XmlElement element(writer, kTag, kVersion);
     CameraLayerFields(writer, *impl_);
     AbstractLayer::Serialize(writer, textures);
-}
-
-WideString CameraLayer::Serialize(const ProjectTextureImageCache &textures) const
-{
-    return XmlText([&](XmlWriter &writer) { Serialize(writer, textures); });
 }
 
 double CameraLayer::HorizontalFieldOfView(Lens lens)
@@ -115,10 +110,7 @@ float CameraLayer::CalculateLensZoom(double fieldOfView, int width, double aspec
 
 std::shared_ptr<AbstractLayer> CameraLayer::Clone(const kytl::KyID &) const
 {
-    std::shared_ptr<CameraLayer> clone(new CameraLayer(*this));
-    clone->SetID(kytl::KyID::Generate());
-    clone->SetPropertyManager(PropertyManager::Copy(Animation()));
-    return clone;
+    return LayerMaker::Copy(*this);
 }
 
 LayerType CameraLayer::Type() const

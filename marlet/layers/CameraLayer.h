@@ -38,7 +38,7 @@ public:
     Matrix OriginAtTime(int time, const std::shared_ptr<Project> &project) const override;
     Matrix AlignToMotion(const Matrix &world, int time, const std::shared_ptr<Project> &project,
                          bool avoidZeroScale) const override;
-    WideString Serialize(const ProjectTextureImageCache &textures) const override;
+    using AbstractLayer::Serialize;
 
     bool HasDepthOfField() const;
     void SetDepthOfField(bool enabled);
@@ -53,7 +53,7 @@ public:
     Matrix AutoOrientAtTime(int time) const;
 
 private:
-    friend class LayerReader;
+    friend class LayerMaker;
 
     CameraLayer();
     CameraLayer(const WideString &name, float aperture, float zoom, float focusDistance, float blurDoF);

@@ -1,11 +1,13 @@
 #include <marlet/layers/Effect3DLayer.h>
 
+#include <marlet/foundation/Arguments.h>
 #include <marlet/foundation/Exceptions.h>
 #include <marlet/foundation/xml/DomBridge.h>
 #include <marlet/foundation/xml/XmlReader.h>
 #include <marlet/foundation/xml/XmlWriter.h>
 #include <marlet/layers/Abstract3DEffect.h>
 #include <marlet/layers/Abstract3DEffectFactory.h>
+#include <marlet/layers/LayerMaker.h>
 #include <marlet/layers/LayerProperties.h>
 #include <marlet/layers/LayerValues.h>
 
@@ -66,8 +68,7 @@ Effect3DLayer::Effect3DLayer() = default;
 Effect3DLayer::Effect3DLayer(std::shared_ptr<Abstract3DEffect> effect, const WideString &name)
     : AbstractLayer(name)
 {
-    if (!effect)
-        throw std::invalid_argument("A 3D effect layer needs an effect");
+    Require(effect, "effect");
     impl_->effect = std::move(effect);
     impl_->effect->SetLayerID(ID());
     CreateProperties(Animation(), Properties());
@@ -90,15 +91,14 @@ Effect3DLayer::~Effect3DLayer() = default;
 std::shared_ptr<Effect3DLayer> Effect3DLayer::Create(std::shared_ptr<Abstract3DEffect> effect,
                                                      const WideString &name)
 {
-    return std::shared_ptr<Effect3DLayer>(new Effect3DLayer(std::move(effect), name));
+    return LayerMaker::Make<Effect3DLayer>(std::move(effect), name);
 }
 
 std::shared_ptr<Effect3DLayer> Effect3DLayer::CreateFromXml(const WideString &xml,
                                                             const Abstract3DEffectFactory &effectFactory,
                                                             ProjectTextureImageCache &textures)
 {
-    const XmlDocument document(xml);
-    return std::shared_ptr<Effect3DLayer>(new Effect3DLayer(document.Root(), effectFactory, textures));
+    return LayerMaker::FromText<Effect3DLayer>(xml, effectFactory, textures);
 }
 
 void Effect3DLayer::Serialize(XmlWriter &writer, const ProjectTextureImageCache &textures) const
@@ -108,16 +108,9 @@ void Effect3DLayer::Serialize(XmlWriter &writer, const ProjectTextureImageCache 
     WriteEffect(writer, *impl_->effect, textures);
 }
 
-WideString Effect3DLayer::Serialize(const ProjectTextureImageCache &textures) const
-{
-    return XmlText([&](XmlWriter &writer) { Serialize(writer, textures); });
-}
-
 std::shared_ptr<AbstractLayer> Effect3DLayer::Clone(const kytl::KyID &) const
 {
-    std::shared_ptr<Effect3DLayer> clone(new Effect3DLayer(*this));
-    clone->SetID(kytl::KyID::Generate());
-    clone->SetPropertyManager(PropertyManager::Copy(Animation()));
+    const std::shared_ptr<Effect3DLayer> clone = LayerMaker::Copy(*this);
     clone->impl_->effect = impl_->effect->Clone();
     if (!clone->impl_->effect)
         throw std::logic_error("A 3D effect gave no clone of itself");

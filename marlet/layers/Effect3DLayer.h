@@ -33,14 +33,14 @@ public:
     Matrix TransformationAtTime(int time, const std::shared_ptr<Project> &project,
                                 bool avoidZeroScale) const override;
     Matrix OriginAtTime(int time, const std::shared_ptr<Project> &project) const override;
-    WideString Serialize(const ProjectTextureImageCache &textures) const override;
+    using AbstractLayer::Serialize;
     Matrix AlignToMotion(const Matrix &world, int time, const std::shared_ptr<Project> &project,
                          bool avoidZeroScale) const override;
 
     std::shared_ptr<Abstract3DEffect> Effect() const;
 
 private:
-    friend class LayerReader;
+    friend class LayerMaker;
 
     Effect3DLayer();
     Effect3DLayer(std::shared_ptr<Abstract3DEffect> effect, const WideString &name);

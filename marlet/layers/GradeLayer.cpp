@@ -3,6 +3,7 @@
 #include <marlet/foundation/xml/XmlReader.h>
 #include <marlet/foundation/xml/XmlWriter.h>
 #include <marlet/layers/LayerHelper.h>
+#include <marlet/layers/LayerMaker.h>
 #include <marlet/layers/LayerProperties.h>
 #include <marlet/layers/LayerValues.h>
 #include <marlet/plugins/EffectsHelper.h>
@@ -65,14 +66,13 @@ GradeLayer::~GradeLayer() = default;
 
 std::shared_ptr<GradeLayer> GradeLayer::Create(const WideString &name, int width, int height)
 {
-    return std::shared_ptr<GradeLayer>(new GradeLayer(name, width, height));
+    return LayerMaker::Make<GradeLayer>(name, width, height);
 }
 
 std::shared_ptr<GradeLayer>
 GradeLayer::CreateFromXml(const WideString &xml, const std::shared_ptr<AbstractPluginManager> &pluginManager)
 {
-    const XmlDocument document(xml);
-    return std::shared_ptr<GradeLayer>(new GradeLayer(document.Root(), pluginManager));
+    return LayerMaker::FromText<GradeLayer>(xml, pluginManager);
 }
 
 void GradeLayer::Serialize(XmlWriter &writer, const ProjectTextureImageCache &textures) const
@@ -84,19 +84,10 @@ void GradeLayer::Serialize(XmlWriter &writer, const ProjectTextureImageCache &te
     AbstractLayer::Serialize(writer, textures);
 }
 
-WideString GradeLayer::Serialize(const ProjectTextureImageCache &textures) const
-{
-    return XmlText([&](XmlWriter &writer) { Serialize(writer, textures); });
-}
-
 std::shared_ptr<AbstractLayer> GradeLayer::Clone(const kytl::KyID &compositionID) const
 {
-    const kytl::KyID &composition = compositionID.IsNull() ? ParentCompositionID() : compositionID;
-    std::shared_ptr<GradeLayer> clone(new GradeLayer(*this));
-    clone->SetID(kytl::KyID::Generate());
-    clone->SetPropertyManager(PropertyManager::Copy(Animation()));
-    clone->impl_->effects = LayerHelper::CopyEffects(Effects(), clone->ID(), composition);
-    clone->impl_->masks = LayerHelper::CopyMasks(Masks(), clone->ID());
+    const std::shared_ptr<GradeLayer> clone = LayerMaker::Copy(*this);
+    LayerHelper::CopyEffectsAndMasks(*this, *clone, compositionID);
     return clone;
 }
 

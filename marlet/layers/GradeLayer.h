@@ -34,7 +34,7 @@ public:
     Matrix TransformationAtTime(int time, const std::shared_ptr<Project> &project,
                                 bool avoidZeroScale) const override;
     Matrix OriginAtTime(int time, const std::shared_ptr<Project> &project) const override;
-    WideString Serialize(const ProjectTextureImageCache &textures) const override;
+    using AbstractLayer::Serialize;
     Matrix ParentingWorldTransformationAtTime(int time, const std::shared_ptr<Project> &project,
                                               bool avoidZeroScale) const override;
     Matrix AlignToMotion(const Matrix &world, int time, const std::shared_ptr<Project> &project,
@@ -51,7 +51,7 @@ public:
     const MaskList &Masks() const;
 
 private:
-    friend class LayerReader;
+    friend class LayerMaker;
 
     GradeLayer();
     GradeLayer(const WideString &name, int width, int height);

@@ -40,8 +40,9 @@ public:
     static int ConvertTime(const AbstractLayer &from, int time, const AbstractLayer &to, double msPerFrame);
 
 private:
-    class ParentFinder;
-
+    /// AbstractLayer::ParentLayer without a copy of the shared pointer.
+    /// @throws std::logic_error if the layer's composition has no such layer
+    static const AbstractLayer &Parent(const AbstractLayer &layer, const AssetList &assets);
     void Add(const Link &link);
 
     std::size_t size_ = 0;

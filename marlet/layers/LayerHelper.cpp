@@ -14,7 +14,8 @@ void LayerHelper::SerializeMasks(XmlWriter &writer, const Masks &masks)
 {
     const XmlElement element(writer, "Masks");
     for (const std::shared_ptr<Mask> &mask : masks)
-        mask->Serialize(writer);
+        if (mask)
+            mask->Serialize(writer);
 }
 
 void LayerHelper::DeserializeMasks(const XmlCursor &parent, Masks &masks)
@@ -29,7 +30,7 @@ LayerHelper::Effects LayerHelper::CopyEffects(const Effects &effects, const kytl
 {
     Effects copies;
     for (const std::shared_ptr<EffectInstance> &effect : effects) {
-        if (const std::shared_ptr<EffectInstance> copy = EffectInstance::Copy(effect)) {
+        if (const auto copy = effect ? EffectInstance::Copy(effect) : nullptr) {
             copy->SetParent(layerID, compositionID);
             copies.Add(copy);
         }
@@ -41,6 +42,8 @@ LayerHelper::Masks LayerHelper::CopyMasks(const Masks &masks, const kytl::KyID &
 {
     Masks copies;
     for (const std::shared_ptr<Mask> &mask : masks) {
+        if (!mask)
+            continue;
         const std::shared_ptr<Mask> copy = Mask::Copy(mask);
         copy->SetParentLayerID(layerID);
         copies.Add(copy);
@@ -52,14 +55,15 @@ std::vector<ObjectPropertyList> LayerHelper::LayerReferencePropertyNames(const E
 {
     std::vector<ObjectPropertyList> names;
     for (const std::shared_ptr<EffectInstance> &effect : effects)
-        names.push_back({effect->ID(), effect->LayerPickerProperties()});
+        if (effect)
+            names.push_back({effect->ID(), effect->LayerPickerProperties()});
     return names;
 }
 
 bool LayerHelper::IsLayerReferenced(const Effects &effects, const kytl::KyID &layerID)
 {
     return std::ranges::any_of(effects, [&layerID](const std::shared_ptr<EffectInstance> &effect) {
-        return effect->IsLayerReferenced(layerID);
+        return effect && effect->IsLayerReferenced(layerID);
     });
 }
 
@@ -67,14 +71,16 @@ void LayerHelper::ClearInvalidLayerReferences(const Effects &effects,
                                               const std::unordered_map<NarrowString, bool> &validIDs)
 {
     for (const std::shared_ptr<EffectInstance> &effect : effects)
-        effect->ClearInvalidLayerReferences(validIDs);
+        if (effect)
+            effect->ClearInvalidLayerReferences(validIDs);
 }
 
 void LayerHelper::ChangeLayerReferences(const Effects &effects,
                                         const std::unordered_map<NarrowString, NarrowString> &changes)
 {
     for (const std::shared_ptr<EffectInstance> &effect : effects)
-        effect->ChangeLayerReferences(changes);
+        if (effect)
+            effect->ChangeLayerReferences(changes);
 }
 
 } // namespace marlet::project

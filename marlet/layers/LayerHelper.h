@@ -31,6 +31,16 @@ public:
                                const kytl::KyID &compositionID);
     static Masks CopyMasks(const Masks &masks, const kytl::KyID &layerID);
 
+    /// Gives a clone copies of what its source owns. If the composition's ID is null, the clone is in that of
+    /// its source.
+    template <class Layer>
+    static void CopyEffectsAndMasks(const Layer &source, Layer &clone, const kytl::KyID &compositionID)
+    {
+        clone.Effects() = CopyEffects(source.Effects(), clone.ID(),
+                                      compositionID.IsNull() ? source.ParentCompositionID() : compositionID);
+        clone.Masks() = CopyMasks(source.Masks(), clone.ID());
+    }
+
     static std::vector<ObjectPropertyList> LayerReferencePropertyNames(const Effects &effects);
     static bool IsLayerReferenced(const Effects &effects, const kytl::KyID &layerID);
     static void ClearInvalidLayerReferences(const Effects &effects,

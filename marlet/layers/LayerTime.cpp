@@ -2,11 +2,11 @@
 
 #include <marlet/layers/AbstractLayer.h>
 
+#include <marlet/foundation/Arguments.h>
 #include <marlet/foundation/Numbers.h>
 #include <marlet/layers/LayerChain.h>
 #include <marlet/layers/LayerValues.h>
 #include <marlet/project/CompositionAsset.h>
-#include <marlet/project/Project.h>
 
 #include <cstdint>
 
@@ -62,6 +62,7 @@ Matrix Offered(const LayerChain &chain, std::size_t nearest, const std::shared_p
 int AbstractLayer::GlobalFrameToRelativeTime(int frame,
                                              const std::shared_ptr<CompositionAsset> &composition) const
 {
+    Require(composition, "composition");
     return TimeOfGlobalFrame(frame, *this, *composition);
 }
 
@@ -73,6 +74,7 @@ int AbstractLayer::GlobalFrameToRelativeTime(int frame, const AssetList &assets)
 int AbstractLayer::LayerFrameToRelativeTime(int frame,
                                             const std::shared_ptr<CompositionAsset> &composition) const
 {
+    Require(composition, "composition");
     return TimeOfLayerFrame(frame, *composition);
 }
 
@@ -108,21 +110,21 @@ int AbstractLayer::RelativeTimeToLayerRelativeTime(int time, const std::shared_p
 {
     if (!other)
         return 0;
-    const AssetList &assets = std::as_const(*project).Assets();
-    return LayerChain::ConvertTime(*this, time, *other, MsPerFrame(LayerChain::Composition(*this, assets)));
+    const CompositionAsset &composition = LayerChain::Composition(*this, AssetsOf(project));
+    return LayerChain::ConvertTime(*this, time, *other, MsPerFrame(composition));
 }
 
 Matrix AbstractLayer::ParentTransformationAtTime(int time, const std::shared_ptr<Project> &project,
                                                  bool avoidZeroScale) const
 {
-    const LayerChain chain(*this, time, std::as_const(*project).Assets());
+    const LayerChain chain(*this, time, AssetsOf(project));
     return Offered(chain, 1, project, avoidZeroScale);
 }
 
 Matrix AbstractLayer::ParentingWorldTransformationAtTime(int time, const std::shared_ptr<Project> &project,
                                                          bool avoidZeroScale) const
 {
-    const LayerChain chain(*this, time, std::as_const(*project).Assets());
+    const LayerChain chain(*this, time, AssetsOf(project));
     return Offered(chain, 0, project, avoidZeroScale);
 }
 

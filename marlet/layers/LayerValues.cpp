@@ -1,10 +1,12 @@
 #include <marlet/layers/LayerValues.h>
 
+#include <marlet/foundation/Arguments.h>
 #include <marlet/layers/LayerChain.h>
 #include <marlet/layers/TransformationHelper.h>
 #include <marlet/project/Project.h>
 
 #include <cstdint>
+#include <utility>
 
 namespace marlet::project
 {
@@ -23,10 +25,16 @@ float HalfBack(int size)
 
 } // namespace
 
+const AssetList &AssetsOf(const std::shared_ptr<Project> &project)
+{
+    Require(project, "project");
+    return std::as_const(*project).Assets();
+}
+
 const PropertyManager &PropertiesInComposition(const AbstractLayer &layer,
                                                const std::shared_ptr<Project> &project)
 {
-    LayerChain::Composition(layer, std::as_const(*project).Assets());
+    LayerChain::Composition(layer, AssetsOf(project));
     return layer.Animation();
 }
 

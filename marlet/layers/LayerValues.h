@@ -16,6 +16,9 @@ template <class T> T ValueAt(const PropertyManager &properties, const char *name
     return boost::get<T>(value);
 }
 
+/// The assets of a project. @throws std::invalid_argument if there is no project
+const AssetList &AssetsOf(const std::shared_ptr<Project> &project);
+
 /// The layer's properties. Values belong to a layer in a composition, so it must be there.
 /// @throws std::runtime_error if the composition is missing
 const PropertyManager &PropertiesInComposition(const AbstractLayer &layer,

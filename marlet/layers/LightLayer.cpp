@@ -3,6 +3,7 @@
 #include <marlet/foundation/xml/XmlReader.h>
 #include <marlet/foundation/xml/XmlWriter.h>
 #include <marlet/layers/Alignment.h>
+#include <marlet/layers/LayerMaker.h>
 #include <marlet/layers/LayerProperties.h>
 #include <marlet/layers/LayerValues.h>
 
@@ -70,13 +71,12 @@ LightLayer::~LightLayer() = default;
 
 std::shared_ptr<LightLayer> LightLayer::Create(const WideString &name, LightType type)
 {
-    return std::shared_ptr<LightLayer>(new LightLayer(name, type));
+    return LayerMaker::Make<LightLayer>(name, type);
 }
 
 std::shared_ptr<LightLayer> LightLayer::CreateFromXml(const WideString &xml)
 {
-    const XmlDocument document(xml);
-    return std::shared_ptr<LightLayer>(new LightLayer(document.Root()));
+    return LayerMaker::FromText<LightLayer>(xml);
 }
 
 void LightLayer::Serialize(XmlWriter &writer, const ProjectTextureImageCache &textures) const
@@ -86,17 +86,9 @@ void LightLayer::Serialize(XmlWriter &writer, const ProjectTextureImageCache &te
     AbstractLayer::Serialize(writer, textures);
 }
 
-WideString LightLayer::Serialize(const ProjectTextureImageCache &textures) const
-{
-    return XmlText([&](XmlWriter &writer) { Serialize(writer, textures); });
-}
-
 std::shared_ptr<AbstractLayer> LightLayer::Clone(const kytl::KyID &) const
 {
-    std::shared_ptr<LightLayer> clone(new LightLayer(*this));
-    clone->SetID(kytl::KyID::Generate());
-    clone->SetPropertyManager(PropertyManager::Copy(Animation()));
-    return clone;
+    return LayerMaker::Copy(*this);
 }
 
 LayerType LightLayer::Type() const

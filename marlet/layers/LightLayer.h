@@ -30,7 +30,7 @@ public:
     Matrix OriginAtTime(int time, const std::shared_ptr<Project> &project) const override;
     Matrix AlignToMotion(const Matrix &world, int time, const std::shared_ptr<Project> &project,
                          bool avoidZeroScale) const override;
-    WideString Serialize(const ProjectTextureImageCache &textures) const override;
+    using AbstractLayer::Serialize;
 
     LightType LightSourceType() const;
     /// Leaves "orientation" as it is.
@@ -42,7 +42,7 @@ public:
     Matrix AutoOrientAtTime(int time) const;
 
 private:
-    friend class LayerReader;
+    friend class LayerMaker;
 
     LightLayer();
     LightLayer(const WideString &name, LightType type);

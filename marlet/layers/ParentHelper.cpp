@@ -1,6 +1,7 @@
 #include <marlet/layers/ParentHelper.h>
 
 #include <marlet/animation/KeyFrameList.h>
+#include <marlet/foundation/Arguments.h>
 #include <marlet/foundation/Quaternion.h>
 #include <marlet/layers/Alignment.h>
 #include <marlet/layers/LayerChain.h>
@@ -190,6 +191,8 @@ void ParentHelper::UpdatePosition(const std::shared_ptr<Project> &project, int t
                                   std::shared_ptr<AbstractLayer> &layer,
                                   const std::shared_ptr<AbstractLayer> &newParent)
 {
+    Require(layer, "layer");
+    Require(project, "project");
     Situation s{*layer, project, time, layer->WorldTransformationAtTimeToSetParent(time, project, true), {}};
     if (newParent)
         s.frame = newParent->ParentingWorldTransformationAtTime(

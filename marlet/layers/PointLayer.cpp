@@ -2,6 +2,7 @@
 
 #include <marlet/foundation/xml/XmlReader.h>
 #include <marlet/foundation/xml/XmlWriter.h>
+#include <marlet/layers/LayerMaker.h>
 #include <marlet/layers/LayerProperties.h>
 #include <marlet/layers/LayerValues.h>
 
@@ -52,13 +53,12 @@ PointLayer::~PointLayer() = default;
 
 std::shared_ptr<PointLayer> PointLayer::Create(const WideString &name)
 {
-    return std::shared_ptr<PointLayer>(new PointLayer(name));
+    return LayerMaker::Make<PointLayer>(name);
 }
 
 std::shared_ptr<PointLayer> PointLayer::CreateFromXml(const WideString &xml)
 {
-    const XmlDocument document(xml);
-    return std::shared_ptr<PointLayer>(new PointLayer(document.Root(), Deserializer()));
+    return LayerMaker::FromText<PointLayer>(xml, Deserializer());
 }
 
 void PointLayer::Serialize(XmlWriter &writer, const ProjectTextureImageCache &textures) const
@@ -68,17 +68,9 @@ void PointLayer::Serialize(XmlWriter &writer, const ProjectTextureImageCache &te
     AbstractLayer::Serialize(writer, textures);
 }
 
-WideString PointLayer::Serialize(const ProjectTextureImageCache &textures) const
-{
-    return XmlText([&](XmlWriter &writer) { Serialize(writer, textures); });
-}
-
 std::shared_ptr<AbstractLayer> PointLayer::Clone(const kytl::KyID &) const
 {
-    std::shared_ptr<PointLayer> clone(new PointLayer(*this));
-    clone->SetID(kytl::KyID::Generate());
-    clone->SetPropertyManager(PropertyManager::Copy(Animation()));
-    return clone;
+    return LayerMaker::Copy(*this);
 }
 
 LayerType PointLayer::Type() const

@@ -28,10 +28,10 @@ public:
     Matrix OriginAtTime(int time, const std::shared_ptr<Project> &project) const override;
     Matrix AlignToMotion(const Matrix &world, int time, const std::shared_ptr<Project> &project,
                          bool avoidZeroScale) const override;
-    WideString Serialize(const ProjectTextureImageCache &textures) const override;
+    using AbstractLayer::Serialize;
 
 private:
-    friend class LayerReader;
+    friend class LayerMaker;
 
     PointLayer();
     explicit PointLayer(const WideString &name);

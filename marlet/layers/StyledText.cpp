@@ -1,5 +1,7 @@
 #include <marlet/layers/StyledText.h>
 
+#include <marlet/foundation/Arguments.h>
+
 #include <algorithm>
 #include <stdexcept>
 #include <unordered_map>
@@ -51,6 +53,7 @@ TextLayer::Token::~Token()
 
 void TextLayer::TokenList::Append(const std::shared_ptr<Token> &token)
 {
+    Require(token, "token");
     const std::shared_ptr<Token> end = first ? last.lock() : nullptr;
     if (first && !end)
         throw std::logic_error("The last token of a text is gone");
@@ -60,8 +63,9 @@ void TextLayer::TokenList::Append(const std::shared_ptr<Token> &token)
     last = token;
 }
 
-std::shared_ptr<TextLayer::Token>
-TextLayer::CreateCharToken(char16_t character, const std::shared_ptr<Format> &format, const kytl::KyID &id)
+std::shared_ptr<TextLayer::Token> TextLayer::CreateCharToken(unsigned short character,
+                                                             const std::shared_ptr<Format> &format,
+                                                             const kytl::KyID &id)
 {
     auto token = CreateToken(Token::kCharacter, id);
     token->character = character;

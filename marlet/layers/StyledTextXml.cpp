@@ -49,6 +49,8 @@ void ReadFormats(const XmlCursor &parent, TextLayer::FormatList &formats)
     for (XmlCursor child = element.Find("Format"); !child.IsNull(); child = child.Next("Format")) {
         for (const char *attribute : {"ID", "Size", "StrokeWidth", "Tracking", "Leading"})
             child.RequireAttribute(attribute);
+        for (const char *name : {"Family", "Style"})
+            child.Require(name);
         const auto format = std::make_shared<Format>();
         FormatFields(std::as_const(child), *format);
         formats.Add(format);
@@ -95,8 +97,8 @@ std::shared_ptr<Token> ReadToken(const XmlCursor &element, const FormatsByID &fo
         unsigned int unit = 0;
         element.Attribute("Ch", unit);
         // What is out of range is no number, as elsewhere.
-        const bool inRange = unit <= std::numeric_limits<char16_t>::max();
-        return TextLayer::CreateCharToken(inRange ? static_cast<char16_t>(unit) : u'\0',
+        const bool inRange = unit <= std::numeric_limits<unsigned short>::max();
+        return TextLayer::CreateCharToken(static_cast<unsigned short>(inRange ? unit : 0),
                                           ReadFormat(element, formats), id);
     }
     if (type == Token::kParagraph) {

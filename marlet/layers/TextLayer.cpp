@@ -1,15 +1,16 @@
 #include <marlet/layers/TextLayer.h>
 
+#include <marlet/foundation/Arguments.h>
 #include <marlet/foundation/xml/XmlReader.h>
 #include <marlet/foundation/xml/XmlWriter.h>
 #include <marlet/layers/LayerHelper.h>
+#include <marlet/layers/LayerMaker.h>
 #include <marlet/layers/LayerProperties.h>
 #include <marlet/layers/LayerValues.h>
 #include <marlet/layers/StyledText.h>
 #include <marlet/plugins/EffectsHelper.h>
 
 #include <cstdint>
-#include <stdexcept>
 #include <utility>
 
 namespace marlet::project
@@ -101,14 +102,13 @@ TextLayer::~TextLayer() = default;
 
 std::shared_ptr<TextLayer> TextLayer::Create(const WideString &name, int width, int height)
 {
-    return std::shared_ptr<TextLayer>(new TextLayer(name, width, height));
+    return LayerMaker::Make<TextLayer>(name, width, height);
 }
 
 std::shared_ptr<TextLayer>
 TextLayer::CreateFromXml(const WideString &xml, const std::shared_ptr<AbstractPluginManager> &pluginManager)
 {
-    const XmlDocument document(xml);
-    return std::shared_ptr<TextLayer>(new TextLayer(document.Root(), pluginManager));
+    return LayerMaker::FromText<TextLayer>(xml, pluginManager);
 }
 
 void TextLayer::Serialize(XmlWriter &writer, const ProjectTextureImageCache &textures) const
@@ -121,13 +121,7 @@ void TextLayer::Serialize(XmlWriter &writer, const ProjectTextureImageCache &tex
     AbstractLayer::Serialize(writer, textures);
 }
 
-WideString TextLayer::Serialize(const ProjectTextureImageCache &textures) const
-{
-    return XmlText([&](XmlWriter &writer) { Serialize(writer, textures); });
-}
-
-WideString TextLayer::SerializeTokens(const std::shared_ptr<Token> &first,
-                                      const std::shared_ptr<Token> &last) const
+WideString TextLayer::SerializeTokens(const std::shared_ptr<Token> &first, const std::shared_ptr<Token> &last)
 {
     return XmlText([&](XmlWriter &writer) {
         const XmlElement element(writer, kTokensTag);
@@ -144,12 +138,8 @@ void TextLayer::DeserializeTokens(const WideString &xml, TokenList &tokens, Form
 
 std::shared_ptr<AbstractLayer> TextLayer::Clone(const kytl::KyID &compositionID) const
 {
-    const kytl::KyID &composition = compositionID.IsNull() ? ParentCompositionID() : compositionID;
-    std::shared_ptr<TextLayer> clone(new TextLayer(*this));
-    clone->SetID(kytl::KyID::Generate());
-    clone->SetPropertyManager(PropertyManager::Copy(Animation()));
-    clone->impl_->effects = LayerHelper::CopyEffects(Effects(), clone->ID(), composition);
-    clone->impl_->masks = LayerHelper::CopyMasks(Masks(), clone->ID());
+    const std::shared_ptr<TextLayer> clone = LayerMaker::Copy(*this);
+    LayerHelper::CopyEffectsAndMasks(*this, *clone, compositionID);
     return clone;
 }
 
@@ -244,25 +234,28 @@ TextLayer::TextFormat(const WideString &family, const WideString &style, int siz
                       const kytl::KyColorRGBA_32f &fill, const kytl::KyColorRGBA_32f &stroke,
                       float strokeWidth, float tracking, float leading)
 {
-    return GetOrAddFormat(std::make_shared<Format>(Format{.id = kytl::KyID::Generate(),
-                                                          .family = family,
-                                                          .style = style,
-                                                          .size = size,
-                                                          .fillColor = fill,
-                                                          .strokeColor = stroke,
-                                                          .strokeWidth = strokeWidth,
-                                                          .tracking = tracking,
-                                                          .leading = leading}));
+    const Format format{.id = kytl::KyID::Generate(),
+                        .family = family,
+                        .style = style,
+                        .size = size,
+                        .fillColor = fill,
+                        .strokeColor = stroke,
+                        .strokeWidth = strokeWidth,
+                        .tracking = tracking,
+                        .leading = leading};
+    if (const std::shared_ptr<Format> *entry = impl_->text.FindFormat(format))
+        return *entry;
+    impl_->text.formats.Add(std::make_shared<Format>(format));
+    return impl_->text.formats.back();
 }
 
 const std::shared_ptr<TextLayer::Format> &TextLayer::GetOrAddFormat(const std::shared_ptr<Format> &format)
 {
-    if (!format)
-        throw std::invalid_argument("A text has no use for an empty format");
+    Require(format, "format");
     if (const std::shared_ptr<Format> *entry = impl_->text.FindFormat(*format))
         return *entry;
     impl_->text.formats.Add(format);
-    return impl_->text.formats.back();
+    return format;
 }
 
 void TextLayer::CleanUpFormat()

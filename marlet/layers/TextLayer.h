@@ -50,7 +50,7 @@ public:
         int type = kCharacter;
         kytl::KyID id;
         union {
-            char16_t character = 0;          ///< of a character token
+            unsigned short character = 0;    ///< of a character token, in UTF-16
             JustificationType justification; ///< of a paragraph token
         };
         std::shared_ptr<Format> format; ///< of a character token; may be empty
@@ -79,8 +79,8 @@ public:
     ~TextLayer() override;
 
     /// Tokens with that ID, or a new one if it is null.
-    static std::shared_ptr<Token> CreateCharToken(char16_t character, const std::shared_ptr<Format> &format,
-                                                  const kytl::KyID &id);
+    static std::shared_ptr<Token>
+    CreateCharToken(unsigned short character, const std::shared_ptr<Format> &format, const kytl::KyID &id);
     static std::shared_ptr<Token> CreateParagraphToken(JustificationType justification, const kytl::KyID &id);
 
     /// Tokens and formats of the clone have new IDs; formats in no use are left out, and so is the state of
@@ -94,12 +94,12 @@ public:
     Matrix TransformationAtTime(int time, const std::shared_ptr<Project> &project,
                                 bool avoidZeroScale) const override;
     Matrix OriginAtTime(int time, const std::shared_ptr<Project> &project) const override;
-    WideString Serialize(const ProjectTextureImageCache &textures) const override;
+    using AbstractLayer::Serialize;
     Matrix AlignToMotion(const Matrix &world, int time, const std::shared_ptr<Project> &project,
                          bool avoidZeroScale) const override;
     /// A stretch of the text with its formats, as a text of its own.
     virtual WideString SerializeTokens(const std::shared_ptr<Token> &first,
-                                       const std::shared_ptr<Token> &last) const;
+                                       const std::shared_ptr<Token> &last);
     /// The reverse: replaces what is in the two arguments, and leaves the layer alone.
     /// @throws XmlParseException, std::runtime_error
     virtual void DeserializeTokens(const WideString &xml, TokenList &tokens, FormatList &formats) const;
@@ -119,7 +119,8 @@ public:
                                               const kytl::KyColorRGBA_32f &fill,
                                               const kytl::KyColorRGBA_32f &stroke, float strokeWidth,
                                               float tracking, float leading);
-    /// The same for the values of a format, which itself is added.
+    /// The same for the values of a format. Where that is added, it is the argument's own reference that is
+    /// returned. @throws std::invalid_argument if there is no format
     const std::shared_ptr<Format> &GetOrAddFormat(const std::shared_ptr<Format> &format);
     /// Drops the formats that no token uses.
     void CleanUpFormat();
@@ -150,7 +151,7 @@ public:
     void SetEditingMode(bool editing);
 
 private:
-    friend class LayerReader;
+    friend class LayerMaker;
 
     TextLayer();
     TextLayer(const WideString &name, int width, int height);

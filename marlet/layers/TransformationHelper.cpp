@@ -1,10 +1,10 @@
 #include <marlet/layers/TransformationHelper.h>
 
+#include <marlet/foundation/Arguments.h>
 #include <marlet/foundation/Quaternion.h>
 #include <marlet/layers/Alignment.h>
 #include <marlet/layers/LayerChain.h>
 #include <marlet/layers/LayerValues.h>
-#include <marlet/project/Project.h>
 
 namespace marlet::project
 {
@@ -27,6 +27,7 @@ float ScaleFactor(double percent, bool avoidZero)
 TransformationHelper::Matrix TransformationHelper::Rotation(const AbstractLayer *layer,
                                                             const std::shared_ptr<Project> &project, int time)
 {
+    Require(layer, "layer");
     const PropertyManager &properties = PropertiesInComposition(*layer, project);
     Matrix result;
     if (layer->Dimensions() != LayerDimensions::TwoD) {
@@ -46,7 +47,8 @@ TransformationHelper::Matrix TransformationHelper::WorldRotation(const AbstractL
                                                                  const std::shared_ptr<Project> &project,
                                                                  int time)
 {
-    const LayerChain chain(*layer, time, std::as_const(*project).Assets());
+    Require(layer, "layer");
+    const LayerChain chain(*layer, time, AssetsOf(project));
     Matrix result;
     for (std::size_t i = chain.Size(); i-- > 0;)
         result *= Rotation(chain[i].layer, project, chain[i].time);
@@ -57,6 +59,7 @@ TransformationHelper::Matrix TransformationHelper::Scale(const AbstractLayer *la
                                                          const std::shared_ptr<Project> &project, int time,
                                                          bool avoidZeroScale)
 {
+    Require(layer, "layer");
     const auto scale = ValueAt<Scale3D>(PropertiesInComposition(*layer, project), "scale", time);
     return Matrix::Scaling(ScaleFactor(scale.X, avoidZeroScale), ScaleFactor(scale.Y, avoidZeroScale),
                            ScaleFactor(scale.Z, avoidZeroScale));

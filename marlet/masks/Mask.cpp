@@ -1,6 +1,7 @@
 #include <marlet/masks/Mask.h>
 
 #include <marlet/animation/PropertyTable.h>
+#include <marlet/foundation/Arguments.h>
 #include <marlet/foundation/xml/XmlReader.h>
 #include <marlet/foundation/xml/XmlWriter.h>
 #include <marlet/masks/MotionPath.h>
@@ -78,6 +79,7 @@ std::shared_ptr<Mask> Mask::CreateFromXml(const WideString &xml)
 
 std::shared_ptr<Mask> Mask::Copy(const std::shared_ptr<Mask> &mask)
 {
+    Require(mask, "mask");
     std::shared_ptr<Mask> copy(new Mask(*mask));
     copy->impl_->id = kytl::KyID::Generate();
     copy->impl_->animation = PropertyManager::Copy(mask->Animation());

@@ -4,6 +4,8 @@
 #include <marlet/foundation/xml/XmlWriter.h>
 #include <marlet/masks/PathPoint.h>
 
+#include <algorithm>
+
 namespace marlet::project
 {
 
@@ -22,7 +24,7 @@ constexpr unsigned int kVersion = 0;
 
 bool CanBeClosed(const MotionPath::PointList &points)
 {
-    return points.Count() >= 3;
+    return points.size() - static_cast<std::size_t>(std::ranges::count(points, nullptr)) >= 3;
 }
 
 template <class Xml, class Data> void MotionPathFields(Xml &xml, Data &data)
@@ -40,6 +42,8 @@ MotionPath::MotionPath(const MotionPath &other) : MotionPath()
 {
     impl_->closed = other.impl_->closed;
     for (const std::shared_ptr<PathPoint> &point : other.impl_->points) {
+        if (!point)
+            continue;
         impl_->points.Add(PathPoint::Copy(point));
         impl_->points.back()->SetParentPathID(impl_->id);
     }
@@ -70,7 +74,8 @@ void MotionPath::Serialize(XmlWriter &writer) const
     MotionPathFields(writer, *impl_);
     const XmlElement points(writer, "Points");
     for (const std::shared_ptr<PathPoint> &point : impl_->points)
-        point->Serialize(writer);
+        if (point)
+            point->Serialize(writer);
 }
 
 void MotionPath::Deserialize(const XmlCursor &element)

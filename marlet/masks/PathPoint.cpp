@@ -1,6 +1,7 @@
 #include <marlet/masks/PathPoint.h>
 
 #include <marlet/animation/PropertyTable.h>
+#include <marlet/foundation/Arguments.h>
 #include <marlet/foundation/xml/XmlReader.h>
 #include <marlet/foundation/xml/XmlWriter.h>
 
@@ -65,6 +66,7 @@ std::shared_ptr<PathPoint> PathPoint::Create(float x, float y, const kytl::KyID 
 
 std::shared_ptr<PathPoint> PathPoint::Copy(const std::shared_ptr<PathPoint> &point)
 {
+    Require(point, "point");
     std::shared_ptr<PathPoint> copy(new PathPoint(*point));
     copy->impl_->id = kytl::KyID::Generate();
     copy->impl_->animation = PropertyManager::Copy(point->Animation());

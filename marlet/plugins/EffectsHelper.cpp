@@ -81,7 +81,8 @@ void EffectsHelper::SerializeEffects(XmlWriter &writer, const Effects &effects)
 {
     const XmlElement element(writer, "Effects");
     for (const std::shared_ptr<EffectInstance> &effect : effects)
-        effect->Serialize(writer);
+        if (effect)
+            effect->Serialize(writer);
 }
 
 void EffectsHelper::DeserializeEffects(const XmlCursor &parent, Effects &effects,

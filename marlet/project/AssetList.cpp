@@ -58,7 +58,7 @@ AssetList::Assets AssetList::GetByType(AssetType type) const
 {
     Assets result;
     for (const std::shared_ptr<AbstractAsset> &asset : impl_->assets)
-        if (asset->Type() == type)
+        if (asset && asset->Type() == type)
             result.Add(asset);
     return result;
 }
@@ -79,7 +79,8 @@ void AssetList::Serialize(XmlWriter &writer, const ProjectTextureImageCache &tex
     {
         const XmlElement assets(writer, "Assets");
         for (const std::shared_ptr<AbstractAsset> &asset : impl_->assets)
-            asset->Serialize(writer, textures);
+            if (asset)
+                asset->Serialize(writer, textures);
     }
     impl_->bin.Serialize(writer);
 }

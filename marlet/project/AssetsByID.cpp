@@ -7,7 +7,8 @@ AssetsByID::AssetsByID(const kytl::KyList<std::shared_ptr<AbstractAsset>, std::v
 {
     entries_.reserve(assets.size());
     for (const std::shared_ptr<AbstractAsset> &asset : assets)
-        entries_.try_emplace(asset->ID(), asset);
+        if (asset)
+            entries_.try_emplace(asset->ID(), asset);
 }
 
 std::shared_ptr<AbstractAsset> AssetsByID::Find(const kytl::KyID &id) const

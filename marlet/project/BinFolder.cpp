@@ -1,5 +1,6 @@
 #include <marlet/project/BinFolder.h>
 
+#include <marlet/foundation/Arguments.h>
 #include <marlet/foundation/xml/XmlReader.h>
 #include <marlet/foundation/xml/XmlWriter.h>
 #include <marlet/project/AbstractAsset.h>
@@ -55,6 +56,8 @@ template <class Enter, class Leave> void Walk(const BinFolder &root, Enter &&ent
             continue;
         }
         const std::shared_ptr<BinFolder> &folder = parent.Folders()[path.back().next++];
+        if (!folder)
+            continue;
         const Step step = enter(parent, folder);
         if (step == Step::Stop)
             return;
@@ -132,7 +135,7 @@ BinFolder::~BinFolder()
     while (!doomed.empty()) {
         const std::shared_ptr<BinFolder> folder = std::move(doomed.back());
         doomed.pop_back();
-        if (folder.use_count() > 1)
+        if (folder.use_count() != 1)
             continue;
         SubFolders &below = *folder->impl_->folders;
         std::ranges::move(below, std::back_inserter(doomed));
@@ -164,6 +167,7 @@ WideString BinFolder::Serialize() const
 
 std::shared_ptr<BinFolder> BinFolder::Copy(const std::shared_ptr<BinFolder> &other)
 {
+    Require(other, "folder");
     std::shared_ptr<BinFolder> root(new BinFolder(*other));
     std::vector<BinFolder *> path{root.get()};
     Walk(
@@ -190,7 +194,8 @@ void BinFolder::Serialize(XmlWriter &writer) const
     }
     const XmlElement subFolders(writer, "SubFolders");
     for (const std::shared_ptr<BinFolder> &folder : Folders())
-        folder->Serialize(writer);
+        if (folder)
+            folder->Serialize(writer);
 }
 
 void BinFolder::Deserialize(const XmlCursor &element, const AssetsByID &assets)

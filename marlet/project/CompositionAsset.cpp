@@ -1,10 +1,12 @@
 #include <marlet/project/CompositionAsset.h>
 
+#include <marlet/foundation/Arguments.h>
 #include <marlet/layers/AbstractLayer.h>
 #include <marlet/project/CompositionAssetImpl.h>
 
 #include <algorithm>
 #include <cstdlib>
+#include <stdexcept>
 
 namespace marlet::project
 {
@@ -12,9 +14,9 @@ namespace marlet::project
 namespace
 {
 
-bool IsCamera(const AbstractLayer &layer)
+bool IsCamera(const std::shared_ptr<AbstractLayer> &layer)
 {
-    return layer.Type() == LayerType::Camera;
+    return layer && layer->Type() == LayerType::Camera;
 }
 
 /// In 64 bits, since frames may lie at both ends of int.
@@ -52,6 +54,7 @@ std::shared_ptr<CompositionAsset> CompositionAsset::Create(const WideString &nam
 
 std::shared_ptr<CompositionAsset> CompositionAsset::Copy(const std::shared_ptr<CompositionAsset> &other)
 {
+    Require(other, "composition");
     return std::static_pointer_cast<CompositionAsset>(other->Clone());
 }
 
@@ -59,10 +62,16 @@ std::shared_ptr<AbstractAsset> CompositionAsset::Clone() const
 {
     std::shared_ptr<CompositionAsset> clone(new CompositionAsset(*this));
     clone->impl_->id = kytl::KyID::Generate();
+    clone->impl_->viewerPanelState = impl_->viewerPanelState.WithNewViews();
+    clone->impl_->layerPanelState = impl_->layerPanelState.WithNewViews();
 
     std::unordered_map<NarrowString, NarrowString> newIDs;
     for (const std::shared_ptr<AbstractLayer> &layer : Layers()) {
+        if (!layer)
+            continue;
         const std::shared_ptr<AbstractLayer> copy = layer->Clone(clone->ID());
+        if (!copy)
+            throw std::logic_error("A layer gave no clone of itself");
         copy->SetParentComposition(clone->ID());
         clone->Layers().Add(copy);
         newIDs.try_emplace(layer->ID().ToNarrowString(), copy->ID().ToNarrowString());
@@ -74,27 +83,25 @@ std::shared_ptr<AbstractAsset> CompositionAsset::Clone() const
 
 std::shared_ptr<AbstractLayer> CompositionAsset::FindLayerByID(const kytl::KyID &id) const
 {
-    const auto found = std::ranges::find_if(
-        Layers(), [&id](const std::shared_ptr<AbstractLayer> &layer) { return layer->ID() == id; });
-    return found == Layers().end() ? nullptr : *found;
+    return impl_->layersByID->Find(Layers(), id);
 }
 
 void CompositionAsset::ChangeLayerReferences(const std::unordered_map<NarrowString, NarrowString> &changes)
 {
-    for (const std::shared_ptr<AbstractLayer> &layer : Layers())
-        layer->ChangeLayerReferences(changes);
+    for (const std::shared_ptr<AbstractLayer> &layer : std::as_const(*this).Layers())
+        if (layer)
+            layer->ChangeLayerReferences(changes);
 }
 
 bool CompositionAsset::Is3D() const
 {
-    return std::ranges::any_of(Layers(),
-                               [](const std::shared_ptr<AbstractLayer> &layer) { return IsCamera(*layer); });
+    return std::ranges::any_of(Layers(), IsCamera);
 }
 
 std::shared_ptr<AbstractLayer> CompositionAsset::ActiveCameraLayer(int frame) const
 {
     const auto found = std::ranges::find_if(Layers(), [frame](const std::shared_ptr<AbstractLayer> &layer) {
-        return IsCamera(*layer) && layer->IsVisible() && layer->StartFrame() <= frame &&
+        return IsCamera(layer) && layer->IsVisible() && layer->StartFrame() <= frame &&
                frame < layer->EndFrame();
     });
     return found == Layers().end() ? nullptr : *found;
@@ -104,6 +111,8 @@ int CompositionAsset::PreviousEdit(int frame) const
 {
     int best = 0;
     for (const std::shared_ptr<AbstractLayer> &layer : Layers()) {
+        if (!layer)
+            continue;
         const int edit = layer->EndFrame() < frame ? layer->EndFrame() : layer->StartFrame();
         if (edit < frame && Distance(frame, edit) < Distance(frame, best))
             best = edit;
@@ -116,6 +125,8 @@ int CompositionAsset::NextEdit(int frame) const
     const int frameCount = impl_->settings.FrameCount();
     int best = frameCount;
     for (const std::shared_ptr<AbstractLayer> &layer : Layers()) {
+        if (!layer)
+            continue;
         const int edit = frame < layer->StartFrame() ? layer->StartFrame() : layer->EndFrame();
         if (frame < edit && Distance(frame, edit) < Distance(frame, best))
             best = edit;
@@ -195,6 +206,7 @@ void CompositionAsset::ClearParentBinFolder()
 
 CompositionAsset::LayerList &CompositionAsset::Layers()
 {
+    impl_->layersByID->ExpectChanges();
     return *impl_->layers;
 }
 

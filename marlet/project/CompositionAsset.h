@@ -34,7 +34,8 @@ public:
     static std::shared_ptr<CompositionAsset> Copy(const std::shared_ptr<CompositionAsset> &other);
     ~CompositionAsset() override;
 
-    /// A copy whose layers have new IDs and refer to one another as those of the source do.
+    /// A copy whose layers have new IDs and refer to one another as those of the source do. The views of its
+    /// panels have new IDs, too; views that the source does not list are left out.
     std::shared_ptr<AbstractAsset> Clone() const override;
     const kytl::KyID &ID() const override;
     AssetType Type() const override;
@@ -56,9 +57,12 @@ public:
                      const Abstract3DEffectFactory &effectFactory,
                      ProjectTextureImageCache &textures) override;
 
+    /// Entries may be empty pointers, which everything passes over. FindLayerByID and what looks for layers
+    /// by it notice a change in the list's length or at its ends at once, and any other one from the next
+    /// call of the form that can be changed on.
     LayerList &Layers();
     const LayerList &Layers() const;
-    /// An empty pointer if there is no such layer.
+    /// The first layer with that ID, or an empty pointer. Does not walk the list.
     std::shared_ptr<AbstractLayer> FindLayerByID(const kytl::KyID &id) const;
     /// Rewrites the references of all layers from old to new layer IDs, both in text form.
     void ChangeLayerReferences(const std::unordered_map<NarrowString, NarrowString> &changes);

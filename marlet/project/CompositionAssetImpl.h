@@ -2,6 +2,7 @@
 
 #include <marlet/project/CompositionAsset.h>
 #include <marlet/project/CompositionRenderSettings.h>
+#include <marlet/project/LayerIndex.h>
 #include <marlet/project/PanelRenderState.h>
 
 namespace marlet::project
@@ -27,6 +28,7 @@ struct CompositionAsset_Impl : CompositionFields {
     Uncopied<AbstractAsset::InstanceList> instances;
     /// A copy has layers of its own, which Clone makes.
     Uncopied<CompositionAsset::LayerList> layers;
+    Uncopied<LayerIndex> layersByID;
     PanelRenderState viewerPanelState;
     PanelRenderState layerPanelState;
 };

@@ -1,7 +1,7 @@
 #include <marlet/foundation/xml/XmlReader.h>
 #include <marlet/foundation/xml/XmlWriter.h>
 #include <marlet/layers/AbstractLayer.h>
-#include <marlet/layers/LayerReader.h>
+#include <marlet/layers/LayerMaker.h>
 #include <marlet/project/CompositionAssetImpl.h>
 #include <marlet/project/InstancesXml.h>
 
@@ -54,7 +54,8 @@ void CompositionAsset::Serialize(XmlWriter &writer, const ProjectTextureImageCac
     {
         const XmlElement layers(writer, "Layers");
         for (const std::shared_ptr<AbstractLayer> &layer : Layers())
-            layer->Serialize(writer, textures);
+            if (layer)
+                layer->Serialize(writer, textures);
     }
     WriteInstances(writer, *impl_->instances);
     impl_->viewerPanelState.Serialize(writer);
@@ -80,7 +81,7 @@ void CompositionAsset::Deserialize(const XmlCursor &element,
     if (const XmlCursor settings = element.Find("RenderSettings"); !settings.IsNull())
         read.renderSettings = CompositionRenderSettings(settings);
     for (XmlCursor child = element.Find("Layers").FirstChild(); !child.IsNull(); child = child.Next())
-        if (const auto layer = LayerReader::Read(child, pluginManager, effectFactory, textures))
+        if (const auto layer = LayerMaker::Read(child, pluginManager, effectFactory, textures))
             layers.Add(layer);
     if (const XmlCursor viewer = element.Find("ViewerState"); !viewer.IsNull())
         impl_->viewerPanelState = PanelRenderState(viewer);

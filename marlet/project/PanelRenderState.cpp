@@ -6,6 +6,7 @@
 #include <numbers>
 #include <stdexcept>
 #include <string>
+#include <unordered_map>
 
 namespace marlet::project
 {
@@ -143,6 +144,33 @@ PanelRenderState &PanelRenderState::operator=(PanelRenderState other)
 }
 
 PanelRenderState::~PanelRenderState() = default;
+
+PanelRenderState PanelRenderState::WithNewViews() const
+{
+    PanelRenderState copy;
+    copy.impl_->layout = impl_->layout;
+    copy.impl_->layouts = impl_->layouts;
+
+    // Hosts can change the ID in a view; positions name it by the one that it is stored under.
+    std::unordered_map<const State *, KyID> storedIDs;
+    for (const auto &[id, view] : impl_->states)
+        storedIDs.emplace(&view, id);
+    std::unordered_map<KyID, KyID> newIDs;
+    for (const State *view : impl_->viewStates) {
+        State state = *view;
+        state.ID = KyID::Generate();
+        // A file in which an ID stands twice lists its view twice.
+        if (newIDs.try_emplace(storedIDs.at(view), state.ID).second)
+            copy.impl_->AddState(state);
+    }
+    for (PanelLayout &layout : copy.impl_->layouts)
+        for (std::optional<KyID> &place : layout.positions)
+            if (const auto found = newIDs.find(place.value_or(KyID())); found != newIDs.end())
+                place = found->second;
+            else
+                place.reset();
+    return copy;
+}
 
 PanelRenderState::LayoutType PanelRenderState::Layout() const
 {

@@ -111,6 +111,10 @@ private:
     PanelRenderState();
     explicit PanelRenderState(const XmlCursor &element);
 
+    /// A copy whose views have new IDs. Only the views that are listed come along, in their order; positions
+    /// at which no such view stands are free.
+    PanelRenderState WithNewViews() const;
+
     void Serialize(XmlWriter &writer) const;
     void Deserialize(const XmlCursor &element);
     void ReadLayout(const XmlCursor &element, LayoutType type);

@@ -1,5 +1,6 @@
 #include <marlet/project/SolidAsset.h>
 
+#include <marlet/foundation/Arguments.h>
 #include <marlet/foundation/xml/XmlReader.h>
 #include <marlet/foundation/xml/XmlWriter.h>
 #include <marlet/project/InstancesXml.h>
@@ -66,6 +67,7 @@ std::shared_ptr<SolidAsset> SolidAsset::CreateFromXml(const WideString &xml)
 
 std::shared_ptr<SolidAsset> SolidAsset::Copy(std::shared_ptr<SolidAsset> other)
 {
+    Require(other, "asset");
     return std::static_pointer_cast<SolidAsset>(other->Clone());
 }
 

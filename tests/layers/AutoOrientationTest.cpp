@@ -69,6 +69,16 @@ TEST(AutoOrientation, TurnsUpOntoTheWayOfMotionAboutWhereItStands)
                 IsMatrixNear(Matrix::Translation(500, 0, 0), 1e-5));
 }
 
+TEST(AutoOrientation, ReflectsWhatMovesStraightAgainstItsTurnedYAxis)
+{
+    const LayerStage stage;
+    const auto camera = stage.AddCamera();
+    camera->SetAutoOrientation(AutoOrient::AlongPath);
+    MoveAlong(*camera, {0, -1, 0});
+    EXPECT_THAT(camera->WorldTransformationAtTime(500, stage.project, false),
+                IsMatrixNear(Matrix::Translation(0, -500, 0) * Matrix::Scaling(1, -1, 1), 1e-5));
+}
+
 TEST(AutoOrientation, LeavesALayerAloneThatStandsOrGoesItsOwnWay)
 {
     static const struct {

@@ -88,20 +88,12 @@ TEST(Camera, ZoomsByItsLens)
     EXPECT_EQ(CameraLayer::CalculateLensZoom(0, 1920, 1), std::numeric_limits<float>::infinity());
 }
 
-TEST(Camera, StandsAtTheDistanceOfItsZoom)
-{
-    const auto camera = CameraLayer::Create(u"", 5, 1000, 7, 8);
-    EXPECT_EQ(Get<Point>(*camera, "position"), (Point{0, 0, 1000}));
-    EXPECT_EQ(Get<float>(*camera, "aperture"), 5);
-    EXPECT_EQ(Get<float>(*camera, "focusDistance"), 7);
-    EXPECT_EQ(Get<float>(*camera, "blurDoF"), 8);
-}
-
-TEST(Light, OfTheThirdKindIsTurnedAsItIsMade)
+TEST(Light, StaysTurnedAsItWasMade)
 {
     for (const int type : {0, 3}) {
         const auto light = LightLayer::Create(u"", LightLayer::LightType{type});
         light->SetLightSourceType(LightLayer::LightType{3 - type});
+        EXPECT_EQ(light->LightSourceType(), LightLayer::LightType{3 - type});
         EXPECT_EQ(Get<Orientation3D>(*light, "orientation"), (Orientation3D{type == 3 ? 90.f : 0.f, 0, 0}));
     }
 }
@@ -127,6 +119,9 @@ TEST(LayerProperties, OfALaterVersionAreMadeForOlderElements)
     EXPECT_EQ(MissingIn(manager, properties, 1), "late");
     EXPECT_EQ(MissingIn(manager, properties, 0), "");
     EXPECT_EQ(boost::get<int>(manager.StaticValue("late")), 5);
+    manager.StaticValue("late") = 6;
+    EXPECT_EQ(MissingIn(manager, properties, 0), "");
+    EXPECT_EQ(boost::get<int>(manager.StaticValue("late")), 6);
 }
 
 } // namespace

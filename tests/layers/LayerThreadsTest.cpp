@@ -101,5 +101,29 @@ TEST(LayerThreads, LearnFromAColdDocumentWhatOneThreadLearns)
     }
 }
 
+TEST(LayerThreads, FindLayersByIDAfterEachChangeOfTheList)
+{
+    const LayerStage stage;
+    std::vector<KyID> ids;
+    for (int round = 0; round < 30; ++round) {
+        ids.push_back(stage.AddPoint()->ID());
+        if (round % 3 == 2)
+            stage.composition->Layers().pop_front();
+        std::vector<std::vector<KyID>> found(kThreads);
+        std::vector<std::thread> threads;
+        for (std::vector<KyID> &own : found)
+            threads.emplace_back([&] {
+                for (const KyID &id : ids)
+                    if (const auto layer = stage.composition->FindLayerByID(id))
+                        own.push_back(layer->ID());
+            });
+        for (std::thread &thread : threads)
+            thread.join();
+        const std::vector<KyID> expected(ids.begin() + (round + 1) / 3, ids.end());
+        for (const std::vector<KyID> &own : found)
+            EXPECT_EQ(own, expected) << round;
+    }
+}
+
 } // namespace
 } // namespace marlet::test

@@ -38,6 +38,10 @@ TEST(LayerXml, HasPropertiesByItsVersion)
     for (const std::string layer : {"AssetLayer", "TextLayer", "Effect3DLayer"}) {
         const std::string old = Document(layer, 0);
         EXPECT_FALSE(ReadLayer(old)->Animation().CanAnimate("castShadowsIfLayerDisabled"));
+        // One that came later but stands in an older element is kept as it is.
+        const std::string early = Replaced(TextOf(*ReadLayer(old)), "<" + layer + " Version=\"",
+                                           "<" + layer + " Version=\"0\" Written=\"");
+        EXPECT_EQ(TextOf(*ReadLayer(early)), TextOf(*ReadLayer(old)));
         // What is missing of both versions counts first.
         EXPECT_EQ(FailureOf(Replaced(old, "Version=\"0\"", "Version=\"1\"")), "9 shadowColor");
         EXPECT_EQ(FailureOf(Without(Replaced(old, "Version=\"0\"", "Version=\"1\""), "matEmissiveColor")),

@@ -108,6 +108,42 @@ TEST(ParentHelper, TurnsACameraByItsOrientationAlone)
     EXPECT_EQ(Get<float>(*f.layer, "rotationX"), 15);
 }
 
+TEST(ParentHelper, LeavesTheLinkToWhoeverAsksForThePositionAlone)
+{
+    Family f;
+    Set(*f.parent, "position", Point{30, 0, 0});
+    ParentHelper::UpdatePosition(f.project, 0, f.layer, f.parent);
+    EXPECT_EQ(Get<Point>(*f.layer, "position"), (Point{-30, 0, 0}));
+    EXPECT_FALSE(f.layer->HasParentLayer());
+    f.layer->SetParentLayer(f.parent);
+    ParentHelper::UpdatePosition(f.project, 0, f.layer, nullptr);
+    EXPECT_EQ(Get<Point>(*f.layer, "position"), (Point{0, 0, 0}));
+    EXPECT_EQ(f.layer->ParentLayer(f.Assets()), f.parent);
+}
+
+TEST(ParentHelper, KeepsALayerWhereItIsWhenItGoesToAnotherParent)
+{
+    for (const LayerDimensions dimensions : {LayerDimensions::TwoD, LayerDimensions::ThreeD}) {
+        Family f;
+        const auto second = f.AddPoint();
+        f.layer->SetDimensions(dimensions);
+        Set(*f.parent, "position", Point{10, 20, 0});
+        Set(*f.parent, "rotationZ", 30.f);
+        Set(*second, "position", Point{-5, 7, 0});
+        Set(*second, "rotationZ", 50.f);
+        f.Parent();
+        const Matrix before = f.World();
+        f.parent = second;
+        f.Parent();
+        EXPECT_EQ(f.layer->ParentLayer(f.Assets()), second);
+        EXPECT_THAT(f.World().TransformPoint({}), IsPointNear(0, 0, 0, 1e-4));
+        if (dimensions == LayerDimensions::TwoD)
+            EXPECT_THAT(f.World(), IsMatrixNear(before, 1e-4));
+        else // the rotation of a parent that is left for another one stays behind: -30 less 50
+            EXPECT_THAT(Get<Orientation3D>(*f.layer, "orientation"), IsPointNear(0, 0, -80, 1e-3));
+    }
+}
+
 TEST(ParentHelper, ChangesNothingButTheLinkInAFrameThatCannotBeInverted)
 {
     Family f;

@@ -69,6 +69,19 @@ TEST(TextLayer, SharesFormatsThatLookTheSame)
     EXPECT_NE(ask(odd), ask(odd));
 }
 
+TEST(TextLayer, ReturnsTheReferenceOfTheFormatThatItTakes)
+{
+    const auto layer = TextLayer::Create(u"", 1, 1);
+    const auto format = std::make_shared<Format>();
+    format->size = 3;
+    const auto twin = std::make_shared<Format>(*format);
+    EXPECT_EQ(&layer->GetOrAddFormat(format), &format);
+    const FormatPtr &entry = layer->GetOrAddFormat(twin);
+    EXPECT_EQ(entry, format);
+    EXPECT_NE(&entry, &format);
+    EXPECT_EQ(&layer->TextFormat(u"", u"", 3, {}, {}, 0, 0, 0), &entry);
+}
+
 TEST(TextLayer, DropsFormatsThatNoCharacterUses)
 {
     const auto layer = TextLayer::Create(u"", 1, 1);
@@ -93,8 +106,17 @@ TEST(TextLayer, IsClonedWithTokensAndFormatsOfItsOwn)
     AddParagraph(*layer, 77);
     AddCharacter(*layer, u'\xD83C', formats[0]);
     AddCharacter(*layer, u'b', formats[1]);
+    layer->SetEditingMode(true);
+    layer->SetSelectionStart(layer->Text().first);
+    layer->SetSelectionEnd(layer->Text().first);
+    layer->SetCursorPosition(layer->Text().first, TextLayer::CursorPositionType{2});
     const auto clone = std::static_pointer_cast<TextLayer>(layer->Clone(KyID()));
     EXPECT_EQ(FrameOf(*clone), FrameOf(*layer));
+    EXPECT_TRUE(layer->IsEditingMode() && layer->SelectionStart() && layer->SelectionEnd() &&
+                layer->CursorPosition());
+    EXPECT_FALSE(clone->IsEditingMode() || clone->SelectionStart() || clone->SelectionEnd() ||
+                 clone->CursorPosition());
+    EXPECT_EQ(clone->CursorRenderPosition(), TextLayer::CursorPositionType{2});
 
     const auto sources = TokensOf(layer->Text());
     const auto copies = TokensOf(clone->Text());

@@ -3,6 +3,8 @@
 
 #include <gmock/gmock.h>
 
+#include <type_traits>
+
 namespace marlet::test
 {
 namespace
@@ -96,6 +98,15 @@ TEST(TextTokens, FailWithTheWordsOfWhatIsMissing)
         {"Tk", "Tk", "none"},
         {"ID='0", "ID='x", malformed},
         {"Ft=''", "Ft='x'", malformed},
+        {"ID=\"0", "ID=\"x", malformed},
+        {"ID=\"00000005-0000-0000-0000-000000000000\" Size=\"12\" StrokeWidth=\"0.1\" Tracking=\"1\""
+         " Leading=\"-1\"><Family>Sans</Family>",
+         "ID=\"x\" Size=\"12\" StrokeWidth=\"0.1\" Tracking=\"1\" Leading=\"-1\">",
+         "Missing element\nFamily"},
+        {"ID=\"00000005-0000-0000-0000-000000000000\" Size=\"12\" StrokeWidth=\"0.1\" Tracking=\"1\""
+         " Leading=\"-1\"><Family>Sans</Family><Style>Bold</Style>",
+         "ID=\"x\" Size=\"12\" StrokeWidth=\"0.1\" Tracking=\"1\" Leading=\"-1\"><Family>Sans</Family>",
+         "Missing element\nStyle"},
         {"<Tokens>" + token + "</Tokens>", "", "Missing element\nTokens"},
         {"<Tokens>" + token + "</Tokens>" + kFormats, "", "Missing element\nFormats"},
         {"</TextTokens>", "", "Wrong tag name\nTextTokens"},
@@ -103,6 +114,12 @@ TEST(TextTokens, FailWithTheWordsOfWhatIsMissing)
     for (const auto &c : kCases)
         EXPECT_EQ(FailureOfTokens(Replaced(text, c.what, c.by)), c.failure) << c.what;
 }
+
+// Hosts override the one and call the other by these types.
+static_assert(std::is_same_v<decltype(&TextLayer::SerializeTokens),
+                             WideString (TextLayer::*)(const TokenPtr &, const TokenPtr &)>);
+static_assert(std::is_same_v<decltype(&TextLayer::CreateCharToken),
+                             TokenPtr (*)(unsigned short, const FormatPtr &, const KyID &)>);
 
 TEST(TextTokens, AreWrittenFromOneToAnother)
 {

@@ -1,4 +1,5 @@
 #include <tests/support/PropertyValuePrinter.h>
+#include <tests/support/Setters.h>
 
 #include <marlet/animation/KeyFrameList.h>
 #include <marlet/animation/PropertyManager.h>
@@ -46,6 +47,22 @@ std::shared_ptr<Mask> OddMask()
         mask->Path().Points().Add(PathPoint::Create(x, 1, mask->Path().ID()));
     mask->Path().SetClosed(true);
     return mask;
+}
+
+TEST(Mask, StartsVisibleWithAnOpenPathOfItsOwn)
+{
+    const auto mask = Mask::Create(u"New");
+    EXPECT_TRUE(mask->IsVisible() && !mask->IsInverted() && mask->ParentLayerID().IsNull());
+    EXPECT_EQ(std::pair(mask->BlendMode(), mask->FeatherMode()), std::pair(MaskBlend{2}, MaskFeather{2}));
+    EXPECT_EQ(mask->Path().ParentID(), mask->ID());
+    EXPECT_TRUE(mask->Path().Points().IsEmpty() && !mask->Path().IsClosed());
+    using marlet::test::ExpectStored;
+    ExpectStored("name", *mask, &Mask::Name, &Mask::SetName, WideString(u"Old"));
+    ExpectStored("visible", *mask, &Mask::IsVisible, &Mask::SetVisible, false);
+    ExpectStored("layer", *mask, &Mask::ParentLayerID, &Mask::SetParentLayerID, kLayer);
+    ExpectStored("inverted", *mask, &Mask::IsInverted, &Mask::SetInverted, true);
+    mask->ClearParentLayerID();
+    EXPECT_TRUE(mask->ParentLayerID().IsNull());
 }
 
 TEST(Mask, KeepsItsModesInProperties)

@@ -52,6 +52,7 @@ std::unique_ptr<MotionPath> OddPath()
 TEST(PathPoint, StaysLockedWhenItIsLinearNoMore)
 {
     const auto point = PathPoint::Create(0, 0, {});
+    EXPECT_TRUE(point->IsLinear() && !point->IsLocked());
     point->SetLinear(false);
     EXPECT_FALSE(point->IsLocked());
     point->SetLinear(true);
@@ -74,6 +75,23 @@ TEST(MotionPath, ClosesWithThreePointsOnly)
     EXPECT_FALSE(path.IsClosed());
     AddPoints(path, 1);
     EXPECT_TRUE(path.IsClosed());
+}
+
+TEST(MotionPath, PassesOverEmptyEntries)
+{
+    MotionPath path;
+    AddPoints(path, 2);
+    path.Points().insert(path.Points().begin() + 1, nullptr);
+    path.SetClosed(true);
+    EXPECT_FALSE(path.IsClosed());
+    AddPoints(path, 1);
+    path.SetClosed(true);
+    MotionPath read;
+    read.Deserialize(path.Serialize());
+    for (const MotionPath &copy : {MotionPath(path), read}) {
+        EXPECT_EQ(copy.Points().Count(), 3u);
+        EXPECT_TRUE(copy.IsClosed());
+    }
 }
 
 TEST(MotionPath, CopiesDeeplyWithNewIDs)

@@ -125,6 +125,29 @@ TEST(AssetList, WritesLiveInstancesAndReadsNone)
     EXPECT_TRUE(SolidAsset::CreateFromXml(solid->Serialize(textures))->Instances().IsEmpty());
 }
 
+TEST(Assets, AreClonedWithIDsOfTheirOwnAndNoInstances)
+{
+    const auto object = std::make_shared<SequenceObject>(AbstractAssetInstance::Type::AudioObject);
+    const std::shared_ptr<AbstractAsset> assets[] = {
+        Solid(u"solid"), ImageAsset::Create(u"/no/such/file.png"),
+        CompositionAsset::Create(u"composition", AudioVideoSettings::Preset::Pal, 1)};
+    const ProjectTextureImageCache textures;
+    for (const auto &asset : assets) {
+        SCOPED_TRACE(static_cast<int>(asset->Type()));
+        asset->SetParentFolderID(kytl::KyID::Generate());
+        const WideString text = asset->Serialize(textures);
+        asset->Instances().Add(object);
+        const auto clone = asset->Clone();
+        EXPECT_NE(clone->ID(), asset->ID());
+        EXPECT_TRUE(clone->Instances().IsEmpty());
+        EXPECT_EQ(asset->Instances().Count(), 1u);
+        WideString copied = clone->Serialize(textures);
+        const WideString id = clone->ID().ToWideString();
+        copied.replace(copied.find(id), id.size(), asset->ID().ToWideString());
+        EXPECT_EQ(copied, text);
+    }
+}
+
 TEST(Assets, AnswerTheRatioOfTheirPixels)
 {
     EXPECT_DOUBLE_EQ(AbstractAsset::AspectRatio(Solid(u"")), 16.0 / 11);

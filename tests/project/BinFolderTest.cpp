@@ -94,6 +94,16 @@ TEST(BinFolder, ReadsTheAssetsThatThereAre)
     EXPECT_EQ(some->FindFolderIDContainingAsset(tree.inC->ID()), tree.c->ID());
 }
 
+TEST(BinFolder, ReadsIntoAFolderThatHasContent)
+{
+    const Tree tree;
+    const Tree other;
+    const WideString written = tree.root->Serialize();
+    other.root->Deserialize(written, {tree.inRoot, tree.inA, tree.inC});
+    EXPECT_EQ(other.root->Serialize(), written);
+    EXPECT_EQ(other.root->FindFolderByID(other.a->ID()), nullptr);
+}
+
 TEST(BinFolder, WalksTreesOfAnyDepth)
 {
     const auto root = BinFolder::Create(u"");

@@ -1,18 +1,22 @@
 #include "Loading.h"
 
+#include <tests/support/Setters.h>
 #include <tests/support/TestPlugins.h>
 
 #include <marlet/layers/CameraLayer.h>
 #include <marlet/layers/GradeLayer.h>
 #include <marlet/layers/PointLayer.h>
 #include <marlet/plugins/EffectInstance.h>
+#include <marlet/project/CompositionRenderSettings.h>
 #include <marlet/project/ProjectTextureImageCache.h>
+#include <marlet/project/SolidAsset.h>
 
 #include <gtest/gtest.h>
 
 #include <limits>
 
 using namespace marlet::project;
+using marlet::test::ExpectStored;
 
 namespace
 {
@@ -40,6 +44,55 @@ std::shared_ptr<PointLayer> AddPoint(CompositionAsset &composition, Span span = 
 }
 
 } // namespace
+
+TEST(CompositionAsset, StartsWithTheLengthAndTheDefaultsOfItsKind)
+{
+    const auto composition = Composition(250);
+    EXPECT_FALSE(composition->ID().IsNull());
+    EXPECT_TRUE(composition->ParentFolderID().IsNull());
+    EXPECT_EQ(composition->Name(), u"Shot");
+    EXPECT_EQ(std::tuple(composition->Width(), composition->Height(), composition->Settings().FrameCount()),
+              std::tuple(1280, 720, 250));
+    EXPECT_EQ(
+        std::tuple(composition->CurrentTimeIndicator(), composition->InPoint(), composition->OutPoint()),
+        std::tuple(0, 0, 250));
+    EXPECT_EQ(std::tuple(composition->TimelineZoom(), composition->SplitterPosition()), std::tuple(0.0, 440));
+    EXPECT_EQ(composition->TimelineTimeFormat(), TimeFormat{1000});
+    EXPECT_EQ(composition->TimelineSnapMode(), SnapMode{1000});
+    EXPECT_TRUE(composition->Layers().IsEmpty() && composition->Instances().IsEmpty());
+    EXPECT_TRUE(composition->HasAudio() && composition->HasVideo() && !composition->IsOffline());
+    const CompositionRenderSettings &settings = composition->RenderSettings();
+    EXPECT_EQ(std::tuple(settings.FogEnabled(), settings.FogNearDistance(), settings.FogFarDistance(),
+                         settings.FogDensity(), settings.FogFalloff()),
+              std::tuple(false, 900.f, 2000.f, 1.f, CompositionRenderSettings::FalloffType{0}));
+    EXPECT_EQ(settings.FogColor(), (kytl::KyColorRGBA_32f{0, 0, 0, 1}));
+    EXPECT_EQ(std::tuple(settings.MotionBlurEnabled(), settings.ShutterAngle(), settings.ShutterPhase()),
+              std::tuple(true, 180.f, -90.f));
+}
+
+TEST(CompositionAsset, StoresWhatItIsTold)
+{
+    using Asset = CompositionAsset;
+    const auto composition = Composition(250);
+    Asset &c = *composition;
+    ExpectStored("name", c, &Asset::Name, &Asset::SetName, WideString(u"Other"));
+    ExpectStored("playhead", c, &Asset::CurrentTimeIndicator, &Asset::SetCurrentTimeIndicator, -7);
+    ExpectStored("in", c, &Asset::InPoint, &Asset::SetInPoint, 7);
+    ExpectStored("out", c, &Asset::OutPoint, &Asset::SetOutPoint, -5);
+    ExpectStored("zoom", c, &Asset::TimelineZoom, &Asset::SetTimelineZoom, 1.5);
+    ExpectStored("splitter", c, &Asset::SplitterPosition, &Asset::SetSplitterPosition, 9);
+    ExpectStored("format", c, &Asset::TimelineTimeFormat, &Asset::SetTimelineTimeFormat, TimeFormat{2});
+    ExpectStored("snap", c, &Asset::TimelineSnapMode, &Asset::SetTimelineSnapMode, SnapMode{3});
+    c.SetInPoint(-5);
+    EXPECT_EQ(c.InPoint(), 0);
+
+    using Solid = SolidAsset;
+    const auto solid = Solid::Create(u"", {}, 1, 1, PAR::Square);
+    ExpectStored("colour", *solid, &Solid::Color, &Solid::SetColor, kytl::KyColorRGBA_32f{1, 2, 3, 4});
+    ExpectStored("width", *solid, &Solid::Width, &Solid::SetWidth, 2);
+    ExpectStored("height", *solid, &Solid::Height, &Solid::SetHeight, 3);
+    ExpectStored("pixels", *solid, &Solid::PixelAspectRatio, &Solid::SetPixelAspectRatio, PAR::PalWide);
+}
 
 TEST(CompositionAsset, LooksThroughTheFirstVisibleCameraOfAFrame)
 {

@@ -52,11 +52,92 @@ TEST_F(PanelRenderStateTest, PutsTheSplittersOfALayoutBack)
 
 TEST_F(PanelRenderStateTest, GivesANewViewTheCameraOfItsType)
 {
-    const auto view = [&](int type) { return panel.ViewState(panel.AddViewState(View(type), Layout(3))); };
+    using Point = kytl::matl::KyPoint<3, float>;
+    using Vector = kytl::matl::KyVector<3, float>;
+    constexpr float kFar = 1e6f;
     const float pi = std::acos(-1.f);
-    EXPECT_EQ(view(5).CameraRotation, (kytl::matl::KyVector<3, float>{0, -pi / 2, 0}));
-    EXPECT_EQ(view(8).initialCameraPosition, (kytl::matl::KyPoint<3, float>{0, -1e6f, 0}));
-    EXPECT_EQ(view(9).CameraPosition, (kytl::matl::KyPoint<3, float>{}));
+    const struct {
+        Point position;
+        Vector rotation;
+    } cameras[] = {
+        {{}, {}},
+        {{}, {}},
+        {{0, 100, 1000}, {}},
+        {{0, 0, kFar}, {}},
+        {{0, 0, -kFar}, {0, pi, 0}},
+        {{-kFar, 0, 0}, {0, -pi / 2, 0}},
+        {{kFar, 0, 0}, {0, pi / 2, 0}},
+        {{0, kFar, 0}, {-pi / 2, 0, 0}},
+        {{0, -kFar, 0}, {pi / 2, 0, -pi}},
+        {{}, {}},
+    };
+    int type = 0;
+    for (const auto &[position, rotation] : cameras) {
+        SCOPED_TRACE(type);
+        const auto &view = panel.ViewState(panel.AddViewState(View(type), Layout(3)));
+        EXPECT_EQ(view.Type, View(type++));
+        EXPECT_EQ(view.Layout, Layout(3));
+        EXPECT_EQ(view.CameraPosition, position);
+        EXPECT_EQ(view.initialCameraPosition, position);
+        EXPECT_EQ(view.CameraRotation, rotation);
+    }
+}
+
+TEST_F(PanelRenderStateTest, StartsViewsWithTheirDefaults)
+{
+    EXPECT_EQ(panel.Layout(), Layout(0));
+    EXPECT_TRUE(panel.ViewStates().IsEmpty());
+    const KyID id = panel.AddViewState();
+    const auto &view = panel.ViewState(id);
+    EXPECT_EQ(view.ID, id);
+    EXPECT_FALSE(id.IsNull());
+    EXPECT_EQ(view.Type, View(0));
+    EXPECT_EQ(view.Layout, Layout(5));
+    EXPECT_EQ(view.CameraScale, 1);
+    EXPECT_EQ(view.TextureScale, 1);
+    EXPECT_EQ(view.cameraVector, (kytl::matl::KyVector<3, float>{0, 0, 0}));
+    EXPECT_EQ(view.TexturePosition, (kytl::matl::KyPoint<2, float>{0, 0}));
+    EXPECT_EQ(std::tuple(view.viewOption, view.Gz, view.Ch, view.Qu), std::tuple(1, 0, 0, 2));
+    EXPECT_TRUE(view.Li && view.Sh && view.MB && view.DOF && view.Vol && view.WoAx && view.displayOption);
+    EXPECT_FALSE(view.TrCb || view.Active);
+    EXPECT_EQ(view.BGColor, (kytl::KyColorRGBA_32f{0, 0, 0, 0}));
+}
+
+TEST_F(PanelRenderStateTest, GivesTheViewsOfACloneNewIDsAndLeavesOutWhatIsNotListed)
+{
+    for (PanelRenderState *state : {&composition->ViewerPanelState(), &composition->LayerPanelState()}) {
+        state->SetLayout(Layout(3));
+        state->SetLayoutSplitterPosition(Layout(3), Splitter(0), .25);
+        for (const int position : {2, 0}) {
+            const KyID id = state->AddViewState();
+            state->ViewState(id).Gz = position;
+            state->SetViewStateForPosition(id, Layout(3), position);
+        }
+        state->SetViewStateForPosition(KyID::Generate(), Layout(3),
+                                       1); // looked up, and so there, but not listed
+    }
+    auto shot = composition;
+    for (int round = 0; round < 4; ++round) {
+        const auto clone = CompositionAsset::Copy(shot);
+        for (const auto part : {+[](const CompositionAsset &c) { return &c.ViewerPanelState(); },
+                                +[](const CompositionAsset &c) { return &c.LayerPanelState(); }}) {
+            if (round > 0 && part(*shot) == &shot->LayerPanelState())
+                continue; // which is not saved
+            const PanelRenderState &copy = *part(*clone);
+            ASSERT_EQ(copy.ViewStates().Count(), 2u);
+            EXPECT_EQ(copy.LayoutSplitterPosition(Layout(3), Splitter(0)), .25);
+            EXPECT_EQ(copy.Layout(), Layout(3));
+            for (const int index : {0, 1}) {
+                const auto *view = copy.ViewStates()[index];
+                EXPECT_EQ(view->Gz, 2 - 2 * index);
+                EXPECT_EQ(copy.ViewStateForPosition(Layout(3), view->Gz), view->ID);
+                EXPECT_EQ(&copy.ViewState(view->ID), view);
+                EXPECT_FALSE(part(*shot)->HasViewState(view->ID));
+            }
+            EXPECT_FALSE(copy.HasViewStateForPosition(Layout(3), 1));
+        }
+        shot = CompositionAsset::CreateFromXml(clone->Serialize(textures), nullptr, NoEffects(), textures);
+    }
 }
 
 TEST_F(PanelRenderStateTest, HandsOutTheLastViewThatStandsNowhere)

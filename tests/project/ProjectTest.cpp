@@ -1,6 +1,9 @@
 #include "Loading.h"
 
+#include <tests/support/Ball.h>
+
 #include <marlet/foundation/Exceptions.h>
+#include <marlet/layers/Effect3DLayer.h>
 #include <marlet/plugins/AbstractPluginManager.h>
 #include <marlet/project/ProjectTextureImageCache.h>
 #include <marlet/project/SolidAsset.h>
@@ -29,6 +32,26 @@ struct NotingManager : AbstractPluginManager {
 };
 
 } // namespace
+
+TEST(Project, KnowsItsTexturesFolderBeforeAnythingIsRead)
+{
+    struct NotingFactory : marlet::test::BallFactory {
+        std::shared_ptr<Abstract3DEffect> Create(void *element,
+                                                 ProjectTextureImageCache &textures) const override
+        {
+            folder = textures.TexturesFolderPath();
+            return BallFactory::Create(element, textures);
+        }
+        mutable WideString folder;
+    };
+    const auto project = Project::Create(nullptr);
+    const auto composition = CompositionAsset::Create(u"", AudioVideoSettings::Preset::Pal, 1);
+    composition->Layers().Add(Effect3DLayer::Create(std::make_shared<marlet::test::PlainBall>("red"), u""));
+    project->Assets().All().Add(composition);
+    const NotingFactory factory;
+    Project::CreateFromXml(project->Serialize(), u"/textures/", nullptr, factory);
+    EXPECT_EQ(factory.folder, u"/textures/");
+}
 
 TEST(Project, IsAttachedToItsManagerOnceItIsComplete)
 {

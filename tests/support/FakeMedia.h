@@ -80,6 +80,7 @@ struct FakeFile : media::KyAbstractMediaFile {
     void NotifyRelinked() override {}
     int Wake() override { return wakeCode; }
     int Sleep() override { return 0; }
+    int State() const override { return 0; }
 };
 
 /// Hands an asset a file that no manager opened, with the code of its opening.
