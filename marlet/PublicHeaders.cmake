@@ -81,6 +81,7 @@ set(MARLET_PUBLIC_HEADERS
     plugins/PluginUIPoint.h
     plugins/PluginUISliderFloat.h
     plugins/PluginUISliderInt.h
+    plugins/PluginUITreeNode.h
     project/AbstractAsset.h
     project/AbstractAssetInstance.h
     project/AssetList.h
