@@ -82,6 +82,7 @@ set(MARLET_PUBLIC_HEADERS
     plugins/PluginUISliderFloat.h
     plugins/PluginUISliderInt.h
     plugins/PluginUITreeNode.h
+    plugins/WithoutHostOperations.h
     project/AbstractAsset.h
     project/AbstractAssetInstance.h
     project/AssetList.h
