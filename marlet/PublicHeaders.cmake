@@ -68,6 +68,7 @@ set(MARLET_PUBLIC_HEADERS
     plugins/EffectInstance.h
     plugins/EffectsHelper.h
     plugins/FilterSurface.h
+    plugins/PluginInstance.h
     plugins/PluginTreeCategoryNode.h
     plugins/PluginTreePluginNode.h
     plugins/PluginUIAngle.h
