@@ -12,6 +12,7 @@ set(MARLET_PUBLIC_HEADERS
     editor/EditorSequence.h
     editor/SequenceObject.h
     editor/SequenceObjectList.h
+    editor/SequenceTrack.h
     editor/Transition.h
     editor/VideoTrack.h
     editor/VisualObject.h
