@@ -12,6 +12,7 @@ set(MARLET_PUBLIC_HEADERS
     editor/EditorSequence.h
     editor/SequenceObject.h
     editor/SequenceObjectList.h
+    editor/SequenceTrack.h
     editor/Transition.h
     editor/VideoTrack.h
     editor/VisualObject.h
@@ -68,6 +69,7 @@ set(MARLET_PUBLIC_HEADERS
     plugins/EffectInstance.h
     plugins/EffectsHelper.h
     plugins/FilterSurface.h
+    plugins/PluginInstance.h
     plugins/PluginTreeCategoryNode.h
     plugins/PluginTreePluginNode.h
     plugins/PluginUIAngle.h
@@ -81,6 +83,8 @@ set(MARLET_PUBLIC_HEADERS
     plugins/PluginUIPoint.h
     plugins/PluginUISliderFloat.h
     plugins/PluginUISliderInt.h
+    plugins/PluginUITreeNode.h
+    plugins/WithoutHostOperations.h
     project/AbstractAsset.h
     project/AbstractAssetInstance.h
     project/AssetList.h

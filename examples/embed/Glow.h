@@ -49,8 +49,6 @@ public:
             instance->SetPropertyUIState("radius",
                                          {!boost::get<bool>(instance->Properties().StaticValue(name))});
     }
-
-    void HostOperation8() override {}
 };
 
 } // namespace embed

@@ -4,6 +4,7 @@
 #include <marlet/plugins/AbstractPlugin2D.h>
 #include <marlet/plugins/AbstractPluginInstance.h>
 #include <marlet/plugins/PluginUINode.h>
+#include <marlet/plugins/WithoutHostOperations.h>
 
 namespace embed
 {
@@ -11,7 +12,8 @@ namespace embed
 using namespace marlet::project;
 
 // What all plug-ins of a host have in common. Interface is AbstractPlugin, or AbstractPlugin2D for an effect.
-template <class Interface> class PluginBase : public Interface
+// The host asks nothing of them that the library does not.
+template <class Interface> class PluginBase : public WithoutHostOperations<Interface>
 {
 public:
     using Instance = AbstractPluginInstance;
@@ -34,15 +36,6 @@ public:
     void SerializeInstance(Instance *, void *, void *) override {}
     void DeserializeInstance(Instance *, unsigned char *, int) override {}
     void PropertyChanged(Instance *, const char *) override {}
-
-    // Places for what a host asks of its own plug-ins: the library calls none of them.
-    void HostOperation1() override {}
-    void HostOperation2() override {}
-    void HostOperation3() override {}
-    void HostOperation4() override {}
-    void HostOperation5() override {}
-    void HostOperation6() override {}
-    void HostOperation7() override {}
 
 protected:
     const std::shared_ptr<PropertyManager> properties_ = PropertyManager::Create();

@@ -2,6 +2,7 @@
 
 #include <marlet/plugins/AbstractPlugin.h>
 #include <marlet/plugins/AbstractPluginManager.h>
+#include <marlet/plugins/WithoutHostOperations.h>
 
 #include <vector>
 
@@ -11,7 +12,7 @@ namespace embed
 using namespace marlet::project;
 
 // The host's plug-ins, which live as long as the directory.
-class PluginDirectory : public AbstractPluginManager
+class PluginDirectory : public WithoutHostOperations<AbstractPluginManager>
 {
 public:
     void Add(std::shared_ptr<AbstractPlugin> plugin) { plugins_.push_back(std::move(plugin)); }
@@ -24,11 +25,6 @@ public:
         return nullptr;
     }
     void AttachProject(const std::shared_ptr<Project> &) override {}
-
-    // The library calls none of these.
-    void HostOperation1() override {}
-    void HostOperation2() override {}
-    void HostOperation3() override {}
 
 private:
     std::vector<std::shared_ptr<AbstractPlugin>> plugins_;

@@ -2,6 +2,7 @@
 
 #include <marlet/animation/AbstractExpressionEngine.h>
 #include <marlet/animation/PropertyManager.h>
+#include <marlet/plugins/WithoutHostOperations.h>
 
 #include <cstdlib>
 
@@ -11,7 +12,7 @@ namespace guide
 using namespace marlet::project;
 
 // Its language has one word: a factor for what the key frames say.
-class ExpressionEngine : public AbstractExpressionEngine
+class ExpressionEngine : public WithoutHostOperations<AbstractExpressionEngine>
 {
 public:
     float ShownValue(const PropertyManager &properties, const char *name, int time) const
@@ -21,11 +22,6 @@ public:
             return value;
         return value * std::strtof(properties.Expression(name).c_str(), nullptr);
     }
-
-    // The library calls none of these.
-    void HostOperation1() override {}
-    void HostOperation2() override {}
-    void HostOperation3() override {}
 };
 
 } // namespace guide

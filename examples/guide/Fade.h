@@ -21,9 +21,13 @@ public:
 
     int Kind() const override { return kTransition; }
 
-    // A copy arrives with the pointer of its source, which it must not share.
-    void InstanceCreated(Instance *instance) override { instance->SetInstanceData(new std::string); }
-    void InstanceDestroyed(Instance *instance) override { delete &Note(*instance); }
+    // A copy arrives with the pointer of its source, which it must not share. The note is made when it is
+    // first needed: what is set here does not last on the copy of a transition.
+    void InstanceCreated(Instance *instance) override { instance->SetInstanceData(nullptr); }
+    void InstanceDestroyed(Instance *instance) override
+    {
+        delete static_cast<std::string *>(instance->InstanceData());
+    }
 
     void SerializeInstance(Instance *instance, void *document, void *element) override
     {
@@ -37,8 +41,10 @@ public:
         Note(*instance).assign(bytes, bytes + size);
     }
 
-    static std::string &Note(const Instance &instance)
+    static std::string &Note(Instance &instance)
     {
+        if (instance.InstanceData() == nullptr)
+            instance.SetInstanceData(new std::string);
         return *static_cast<std::string *>(instance.InstanceData());
     }
 };

@@ -3,6 +3,7 @@
 #include <marlet/animation/PropertyManager.h>
 #include <marlet/layers/Abstract3DEffect.h>
 #include <marlet/layers/Abstract3DEffectFactory.h>
+#include <marlet/plugins/WithoutHostOperations.h>
 
 #include <memory>
 
@@ -14,7 +15,7 @@ namespace guide
 using namespace marlet::project;
 
 // A ball that turns towards another layer.
-class Sphere : public Abstract3DEffect
+class Sphere : public WithoutHostOperations<Abstract3DEffect>
 {
 public:
     Sphere();
@@ -33,18 +34,6 @@ public:
                            const kytl::KyID &layerID) const override;
 
     PropertyManager &Animation() { return *properties_; }
-
-    // Places for what a host asks of its own effects: the library calls none of them.
-    void HostOperation1() override {}
-    void HostOperation2() override {}
-    void HostOperation3() override {}
-    void HostOperation4() override {}
-    void HostOperation5() override {}
-    void HostOperation6() override {}
-    void HostOperation7() override {}
-    void HostOperation8() override {}
-    void HostOperation9() override {}
-    void HostOperation10() override {}
 
 private:
     kytl::KyID Target() const;

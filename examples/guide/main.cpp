@@ -114,6 +114,26 @@ void CheckTimeline()
     Expect(project->Assets().All().front()->Instances().Count() == 1, "its asset has forgotten it");
 }
 
+// Each copy has a note of its own, whichever kind of instance it is.
+template <class Instance> void CheckCopy(const std::shared_ptr<AbstractPlugin> &plugin)
+{
+    const auto source = Instance::Create(plugin);
+    Fade::Note(*source) = "slower";
+    const auto copy = Instance::Copy(source);
+    Expect(Fade::Note(*copy) == "slower", "private data come along to a copy");
+    Fade::Note(*copy) = "faster";
+    Expect(Fade::Note(*source) == "slower", "a copy does not share the private data of its source");
+    Expect(Fade::Note(*Instance::Copy(Instance::Create(plugin))).empty(),
+           "no data come along where there are none");
+}
+
+void CheckCopies()
+{
+    const auto plugin = std::make_shared<Fade>();
+    CheckCopy<Transition>(plugin);
+    CheckCopy<EffectInstance>(plugin);
+}
+
 void CheckSphere()
 {
     const auto project = MakeProject(AllPlugins());
@@ -205,6 +225,7 @@ try {
     std::filesystem::create_directories(folder);
     guide::CheckFiles(folder);
     guide::CheckTimeline();
+    guide::CheckCopies();
     guide::CheckSphere();
     guide::CheckExpression();
     guide::CheckMedia(folder);

@@ -1,6 +1,7 @@
 #include <marlet/editor/AudioObject.h>
 
 #include <marlet/editor/SequenceObject_Impl.h>
+#include <marlet/foundation/Arguments.h>
 #include <marlet/foundation/xml/XmlReader.h>
 #include <marlet/project/AssetPicture.h>
 
@@ -57,6 +58,7 @@ AudioObject::CreateFromXml(const WideString &xml, const std::shared_ptr<Abstract
 std::shared_ptr<AudioObject> AudioObject::Copy(const std::shared_ptr<AudioObject> &other,
                                                bool copyTransitions)
 {
+    Require(other, "object");
     std::shared_ptr<AudioObject> copy(new AudioObject(*other));
     copy->PartFromSource(copyTransitions);
     return copy;

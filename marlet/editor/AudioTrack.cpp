@@ -7,43 +7,34 @@
 namespace marlet::project
 {
 
-struct AudioTrack_Impl : SequenceTrack_Impl {
-    using SequenceTrack_Impl::SequenceTrack_Impl;
-
-    bool muted = false;
-    float level = 0;
-};
-
-namespace
+const SequenceTrackKind &AudioTrack::Kind()
 {
-
-constexpr char kTag[] = "AudioTrack";
-constexpr unsigned int kVersion = 0;
-
-template <class Xml, class Data> void AudioTrackFields(Xml &xml, Data &data)
-{
-    xml.Child("ID", data.id);
-    xml.Child("Name", data.name);
-    xml.Child("Muted", data.muted);
-    xml.Child("Level", data.level);
+    static const SequenceTrackKind kind{
+        .type = TrackType::Audio,
+        .tag = "AudioTrack",
+        .objectTag = "AudioObject",
+        .readObject = [](const XmlCursor &element,
+                         const std::shared_ptr<AbstractPluginManager> &pluginManager,
+                         const SequenceObjectList *objects) -> SequenceObjectList::Object {
+            return std::shared_ptr<AudioObject>(new AudioObject(element, pluginManager, objects));
+        },
+        .holds =
+            [](const AbstractSequenceObject &object) {
+                return dynamic_cast<const AudioObject *>(&object) != nullptr;
+            },
+    };
+    return kind;
 }
 
-} // namespace
-
 AudioTrack::AudioTrack(EditorSequence *sequence, const WideString &name)
-    : impl_(std::make_unique<AudioTrack_Impl>(sequence, name))
+    : SequenceTrack(Kind(), sequence, name)
 {
 }
 
 AudioTrack::AudioTrack(EditorSequence *sequence, const XmlCursor &element,
                        const std::shared_ptr<AbstractPluginManager> &pluginManager)
-    : AudioTrack(sequence, WideString())
+    : SequenceTrack(Kind(), sequence, element, pluginManager)
 {
-    element.RequireHeader(kTag, kVersion);
-    AudioTrackFields(element, *impl_);
-    impl_->ReadObjects(element, "AudioObject", [&](const XmlCursor &object) {
-        return std::shared_ptr<AudioObject>(new AudioObject(object, pluginManager, &impl_->objects));
-    });
 }
 
 AudioTrack::~AudioTrack() = default;
@@ -57,44 +48,6 @@ std::shared_ptr<AudioTrack> AudioTrack::Create(const std::shared_ptr<EditorSeque
                                                const WideString &name)
 {
     return Create(sequence.get(), name);
-}
-
-void AudioTrack::Serialize(XmlWriter &writer) const
-{
-    const XmlElement element(writer, kTag, kVersion);
-    AudioTrackFields(writer, *impl_);
-    impl_->WriteObjects<AudioObject>(writer,
-                                     [&writer](const AudioObject &object) { object.Serialize(writer); });
-}
-
-const kytl::KyID &AudioTrack::ID() const
-{
-    return impl_->id;
-}
-
-TrackType AudioTrack::Type() const
-{
-    return TrackType::Audio;
-}
-
-const WideString &AudioTrack::Name() const
-{
-    return impl_->name;
-}
-
-void AudioTrack::SetName(const WideString &name)
-{
-    impl_->name = name;
-}
-
-SequenceObjectList &AudioTrack::Objects()
-{
-    return impl_->objects;
-}
-
-const SequenceObjectList &AudioTrack::Objects() const
-{
-    return impl_->objects;
 }
 
 bool AudioTrack::IsMuted() const

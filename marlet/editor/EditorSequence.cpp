@@ -35,6 +35,17 @@ struct EditorSequence_Impl {
     EditorSequence::VideoTrackList videoTracks;
     EditorSequence::AudioTrackList audioTracks;
     PanelRenderState viewerPanelState = PanelRenderState::Create();
+
+    /// The video tracks, then the audio tracks.
+    template <class Visit> void ForEachTrack(Visit &&visit) const
+    {
+        for (const std::shared_ptr<VideoTrack> &track : videoTracks)
+            if (track)
+                visit(*track);
+        for (const std::shared_ptr<AudioTrack> &track : audioTracks)
+            if (track)
+                visit(*track);
+    }
 };
 
 namespace
@@ -122,16 +133,14 @@ void EditorSequence::Serialize(XmlWriter &writer) const
     const XmlElement element(writer, kTag, kVersion);
     EditorSequenceFields(writer, *impl_);
     impl_->settings.Serialize(writer);
-    {
-        const XmlElement video(writer, "Video");
-        for (const std::shared_ptr<VideoTrack> &track : impl_->videoTracks)
-            track->Serialize(writer);
-    }
-    {
-        const XmlElement audio(writer, "Audio");
-        for (const std::shared_ptr<AudioTrack> &track : impl_->audioTracks)
-            track->Serialize(writer);
-    }
+    const auto writeTracks = [&writer](const char *tag, const auto &tracks) {
+        const XmlElement list(writer, tag);
+        for (const auto &track : tracks)
+            if (track)
+                track->Serialize(writer);
+    };
+    writeTracks("Video", impl_->videoTracks);
+    writeTracks("Audio", impl_->audioTracks);
     impl_->viewerPanelState.Serialize(writer);
 }
 
@@ -147,7 +156,7 @@ void EditorSequence::RemoveObjectFromCache(const std::shared_ptr<AbstractSequenc
 
 std::shared_ptr<AbstractSequenceTrack> EditorSequence::FindSequenceTrackByID(const kytl::KyID &id) const
 {
-    const auto hasID = [&id](const auto &track) { return track->ID() == id; };
+    const auto hasID = [&id](const auto &track) { return track && track->ID() == id; };
     if (std::shared_ptr<VideoTrack> track = impl_->videoTracks.FindFirst(hasID))
         return track;
     return impl_->audioTracks.FindFirst(hasID);
@@ -171,20 +180,16 @@ std::shared_ptr<AudioObject> EditorSequence::FindAudioObjectByID(const kytl::KyI
 int EditorSequence::PreviousEdit(int frame) const
 {
     NearestEdit nearest(frame, 0);
-    for (const std::shared_ptr<VideoTrack> &track : impl_->videoTracks)
-        nearest.Offer(track->Objects().FindPreviousEdit(frame));
-    for (const std::shared_ptr<AudioTrack> &track : impl_->audioTracks)
-        nearest.Offer(track->Objects().FindPreviousEdit(frame));
+    impl_->ForEachTrack(
+        [&](const AbstractSequenceTrack &track) { nearest.Offer(track.Objects().FindPreviousEdit(frame)); });
     return nearest.Within(impl_->settings.FrameCount());
 }
 
 int EditorSequence::NextEdit(int frame) const
 {
     NearestEdit nearest(frame, impl_->settings.FrameCount());
-    for (const std::shared_ptr<VideoTrack> &track : impl_->videoTracks)
-        nearest.Offer(track->Objects().FindNextEdit(frame));
-    for (const std::shared_ptr<AudioTrack> &track : impl_->audioTracks)
-        nearest.Offer(track->Objects().FindNextEdit(frame));
+    impl_->ForEachTrack(
+        [&](const AbstractSequenceTrack &track) { nearest.Offer(track.Objects().FindNextEdit(frame)); });
     return nearest.Within(impl_->settings.FrameCount());
 }
 

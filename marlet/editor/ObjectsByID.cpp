@@ -2,6 +2,7 @@
 
 #include <marlet/editor/AbstractSequenceObject.h>
 
+#include <algorithm>
 #include <utility>
 
 namespace marlet::project
@@ -23,20 +24,25 @@ std::size_t ObjectsByID::Search(const kytl::KyID &id) const
     return place;
 }
 
-void ObjectsByID::Grow()
+/// Drops the places of objects that have gone, and leaves at most three eighths taken, so that as many again
+/// have to come before it is called anew.
+void ObjectsByID::MakeRoom()
 {
-    constexpr std::size_t kFew = 16;
-    std::vector<Place> former(places_.empty() ? kFew : 2 * places_.size());
-    former.swap(places_);
+    std::vector<Place> former = std::move(places_);
+    std::erase_if(former, [](const Place &place) { return place.object.expired(); });
+    count_ = former.size();
+    std::size_t size = 16;
+    while (8 * count_ > 3 * size)
+        size *= 2;
+    places_ = std::vector<Place>(size);
     for (Place &place : former)
-        if (place.IsTaken())
-            places_[Search(place.id)] = std::move(place);
+        places_[Search(place.id)] = std::move(place);
 }
 
 void ObjectsByID::Set(const std::shared_ptr<AbstractSequenceObject> &object)
 {
     if (4 * (count_ + 1) > 3 * places_.size())
-        Grow();
+        MakeRoom();
     const kytl::KyID &id = object->ID();
     Place &place = places_[Search(id)];
     if (!place.IsTaken())

@@ -39,9 +39,10 @@ private:
     }
     std::size_t Home(const kytl::KyID &id) const;
     std::size_t Search(const kytl::KyID &id) const;
-    void Grow();
+    void MakeRoom();
 
-    /// A power of two of them, a quarter free at least, so that every search comes to an end.
+    /// A power of two of them, a quarter free at least, so that every search comes to an end. Objects that go
+    /// leave their places taken until room is made.
     std::vector<Place> places_;
     std::size_t count_ = 0;
 };

@@ -3,12 +3,12 @@
 #include <marlet/editor/EditorSequence.h>
 #include <marlet/editor/SequenceObject_Impl.h>
 #include <marlet/editor/Transition.h>
+#include <marlet/foundation/Arguments.h>
 #include <marlet/foundation/Numbers.h>
 #include <marlet/foundation/xml/XmlReader.h>
 #include <marlet/foundation/xml/XmlWriter.h>
 #include <marlet/layers/LayerHelper.h>
 #include <marlet/plugins/EffectsHelper.h>
-#include <marlet/project/AbstractAsset.h>
 #include <marlet/project/AssetList.h>
 
 #include <stdexcept>
@@ -30,7 +30,9 @@ template <class Xml, class Data> void SequenceObjectFields(Xml &xml, Data &data)
     xml.Child("SequenceID", data.parentSequenceID);
     xml.Child("Name", data.name);
     xml.Child("AssetID", data.assetID);
-    xml.Child("AssetType", data.assetType);
+    AssetType assetType = data.assetType.Load();
+    xml.Child("AssetType", assetType);
+    data.assetType.Store(assetType);
     xml.Child("AssetInstanceStart", data.assetInstanceStart);
     xml.Child("StartFrame", data.startFrame);
     xml.Child("EndFrame", data.endFrame);
@@ -51,14 +53,13 @@ SequenceObject::SequenceObject(const SequenceObjectKind &kind, const std::shared
                                const std::shared_ptr<EditorSequence> &sequence)
     : SequenceObject(kind)
 {
-    if (!asset || !sequence)
-        throw std::invalid_argument("An object needs an asset and a sequence");
+    Require(asset, "asset");
+    Require(sequence, "sequence");
     impl_->id = kytl::KyID::Generate();
     impl_->parentSequenceID = sequence->ID();
     impl_->name = asset->Name();
-    impl_->asset = asset;
     impl_->assetID = asset->ID();
-    impl_->assetType = asset->Type();
+    impl_->Remember(asset);
     CreateProperties(*impl_->properties, kind.properties);
 }
 
@@ -154,8 +155,8 @@ const kytl::KyID &SequenceObject::AssetID() const
 
 AssetType SequenceObject::AssetType() const
 {
-    const std::shared_ptr<AbstractAsset> asset = impl_->asset.lock();
-    return asset ? asset->Type() : impl_->assetType;
+    const AbstractAsset *asset = impl_->asset.Find(impl_->assetID);
+    return asset ? asset->Type() : impl_->assetType.Load();
 }
 
 int SequenceObject::AssetInstanceStart() const
@@ -190,12 +191,12 @@ const PropertyManager &SequenceObject::Properties() const
 
 std::shared_ptr<AbstractAsset> SequenceObject::Asset(const AssetList &assets) const
 {
-    if (std::shared_ptr<AbstractAsset> asset = impl_->asset.lock())
+    if (std::shared_ptr<AbstractAsset> asset = impl_->asset.Lock(impl_->assetID))
         return asset;
     std::shared_ptr<AbstractAsset> found = assets.GetByID(impl_->assetID);
-    impl_->asset = found;
+    // A miss is not remembered: the asset may be added later.
     if (found)
-        impl_->assetType = found->Type();
+        impl_->Remember(found);
     return found;
 }
 

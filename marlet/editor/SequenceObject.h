@@ -78,6 +78,8 @@ protected:
     ValuePtr<SequenceObject_Impl> impl_;
 
 private:
+    friend class SequenceTrack;
+
     void SetStartFrame(int frame) override;
 };
 

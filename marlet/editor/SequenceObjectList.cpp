@@ -3,6 +3,7 @@
 #include <marlet/editor/AbstractSequenceObject.h>
 #include <marlet/editor/EditorSequence.h>
 #include <marlet/editor/SequenceObjectList_Impl.h>
+#include <marlet/foundation/Arguments.h>
 #include <marlet/foundation/Numbers.h>
 
 #include <algorithm>
@@ -12,11 +13,13 @@
 namespace marlet::project
 {
 
-SequenceObjectList::SequenceObjectList(EditorSequence *sequence, const kytl::KyID &trackID)
+SequenceObjectList::SequenceObjectList(EditorSequence *sequence, const kytl::KyID &trackID,
+                                       bool (*holds)(const AbstractSequenceObject &object))
     : impl_(std::make_shared<SequenceObjectList_Impl>())
 {
     impl_->sequence = sequence;
     impl_->trackID = trackID;
+    impl_->holds = holds;
 }
 
 SequenceObjectList::~SequenceObjectList() = default;
@@ -64,10 +67,8 @@ const SequenceObjectList::Object &SequenceObjectList::LastByTime() const
 
 SequenceObjectList::Object SequenceObjectList::GetByStartFrame(int frame) const
 {
-    const std::size_t position = impl_->LowerBound(frame);
-    if (position == impl_->Count() || impl_->StartFrame(position) != frame)
-        return nullptr;
-    return impl_->At(position);
+    const std::size_t position = impl_->FindStarting(frame, impl_->LowerBound(frame));
+    return position == SequenceObjectList_Impl::kNone ? nullptr : impl_->At(position);
 }
 
 SequenceObjectList::Object SequenceObjectList::GetByID(const kytl::KyID &id) const
@@ -90,8 +91,9 @@ SequenceObjectList::Objects SequenceObjectList::FindInRange(int first, int last)
     last = std::max(first, last);
     Objects found;
     // To the end of the list, since an object that starts behind the range may end inside it.
-    const std::size_t position = data.LowerBound(first);
-    for (std::size_t i = position > 0 ? position - 1 : 0; i < data.Count(); ++i) {
+    for (std::size_t i = data.FindLastBefore(data.LowerBound(first)); i < data.Count(); ++i) {
+        if (!data.At(i))
+            continue;
         const int start = data.StartFrame(i);
         const int end = data.EndFrame(i);
         const bool startsInside = first <= start && start < last;
@@ -146,20 +148,24 @@ std::optional<int> SequenceObjectList::FindNextEdit(int frame) const
 void SequenceObjectList::ForEach(const std::function<void(Object)> &function)
 {
     for (std::size_t i = 0; i < impl_->Count(); ++i)
-        function(impl_->At(i));
+        if (impl_->At(i))
+            function(impl_->At(i));
 }
 
 void SequenceObjectList::ForEach(
     const std::function<void(std::shared_ptr<const AbstractSequenceObject>)> &function) const
 {
     for (std::size_t i = 0; i < impl_->Count(); ++i)
-        function(impl_->At(i));
+        if (impl_->At(i))
+            function(impl_->At(i));
 }
 
 void SequenceObjectList::Insert(const Object &object, int startFrame)
 {
-    if (!object)
-        throw std::invalid_argument("There is no object to insert");
+    Require(object, "object");
+    if (!impl_->holds(*object))
+        throw std::invalid_argument("The object \"" + ToUtf8(object->Name()) +
+                                    "\" is not of the track's class");
     const Object inserted = object; // which may be an entry of the list itself
     impl_->TakeBack();
     impl_->MoveEntries(inserted, startFrame);
@@ -170,6 +176,7 @@ void SequenceObjectList::Insert(const Object &object, int startFrame)
 void SequenceObjectList::Move(const Object &object, int startFrame, bool keepLength)
 {
     const Object moved = object;
+    Require(moved, "object");
     impl_->TakeBack();
     impl_->RequireEntry(moved);
     const std::int64_t length = std::int64_t{moved->EndFrame()} - moved->StartFrame();
@@ -182,6 +189,7 @@ void SequenceObjectList::Remove(const Object &object)
 {
     // Kept to the end: what goes with an object may ask the list, which is whole by then.
     const Object removed = object;
+    Require(removed, "object");
     impl_->TakeBack();
     const std::size_t position = impl_->RequireEntry(removed);
     impl_->sequence->RemoveObjectFromCache(removed);

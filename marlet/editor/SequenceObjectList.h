@@ -34,8 +34,9 @@ public:
     unsigned int Count() const;
     /// @throws std::out_of_range
     const Object &operator[](unsigned int index) const;
-    /// The reference holds until the list changes. An object that is put in the place of another, which must
-    /// not be null, takes its own place with that change; lookups by ID do not find it.
+    /// The reference holds until the list changes. An object that is put in the place of another takes its
+    /// own place with that change; lookups by ID do not find it, and one of another class than the track's is
+    /// not saved. A place that was emptied is passed over, and goes with that change.
     Object &operator[](unsigned int index);
     /// @throws std::logic_error if the list is empty
     const Object &FirstByTime() const;
@@ -62,12 +63,13 @@ public:
 
     /// Sets the object's start frame, not its end frame nor its parent track. On another list that has the
     /// object too, it keeps its place until that list changes, here as in Move.
-    /// @throws std::invalid_argument for a null pointer
+    /// @throws std::invalid_argument for a null pointer, and for an object that is not of the track's class:
+    /// a VisualObject on a VideoTrack, an AudioObject on an AudioTrack
     void Insert(const Object &object, int startFrame);
     /// Sets the start frame; the end frame goes with it if the length is kept.
-    /// @throws std::logic_error if the object is not in the list
+    /// @throws std::invalid_argument for a null pointer; std::logic_error if the object is not in the list
     void Move(const Object &object, int startFrame, bool keepLength);
-    /// @throws std::logic_error if the object is not in the list
+    /// @throws std::invalid_argument for a null pointer; std::logic_error if the object is not in the list
     void Remove(const Object &object);
     /// What GetByID finds is removed and returned.
     /// @throws std::logic_error if that says it is on this track and is not in the list
@@ -76,9 +78,12 @@ public:
 
 private:
     friend class EditorSequence;
+    friend class SequenceTrack;
     friend struct SequenceTrack_Impl;
 
-    SequenceObjectList(EditorSequence *sequence, const kytl::KyID &trackID);
+    /// Objects for which `holds` is false are none of the track's.
+    SequenceObjectList(EditorSequence *sequence, const kytl::KyID &trackID,
+                       bool (*holds)(const AbstractSequenceObject &object));
     void SetTrackID(const kytl::KyID &id);
     /// What the track offers as the edit before and after a frame, if anything.
     std::optional<int> FindPreviousEdit(int frame) const;

@@ -13,15 +13,16 @@ namespace marlet::project
 int SequenceObjectList_Impl::EndFrame(std::size_t position) const
 {
     const bool isKnown = !mayShareObjects && !IsLent(position);
-    return isKnown ? slots[entries[position].slot].endFrame : At(position)->EndFrame();
+    return isKnown || !At(position) ? slots[entries[position].slot].endFrame : At(position)->EndFrame();
 }
 
-/// Asks no object whether it has the null ID unless one may have it.
-bool SequenceObjectList_Impl::HasID(std::size_t position, const kytl::KyID &id) const
+/// An empty place, or the object with the ID. Asks no object whether it has the null ID unless one may have
+/// it.
+bool SequenceObjectList_Impl::IsExcluded(std::size_t position, const kytl::KyID &id) const
 {
     if (id.IsNull() && !mayHaveNullIDs && !IsLent(position))
         return false;
-    return At(position)->ID() == id;
+    return !At(position) || At(position)->ID() == id;
 }
 
 /// The first position that starts at the frame or later.
@@ -40,11 +41,29 @@ std::size_t SequenceObjectList_Impl::UpperBound(int frame) const
     return static_cast<std::size_t>(bound - entries.begin());
 }
 
+std::size_t SequenceObjectList_Impl::FindStarting(int frame, std::size_t lowerBound) const
+{
+    for (std::size_t i = lowerBound; i < Count() && StartFrame(i) == frame; ++i)
+        if (At(i))
+            return i;
+    return kNone;
+}
+
+/// The position itself if there is no object before it.
+std::size_t SequenceObjectList_Impl::FindLastBefore(std::size_t position) const
+{
+    for (std::size_t before = position; before > 0; --before)
+        if (At(before - 1))
+            return before - 1;
+    return position;
+}
+
 std::size_t SequenceObjectList_Impl::FindOnFrame(int frame, std::size_t lowerBound) const
 {
-    if (lowerBound < Count() && StartFrame(lowerBound) == frame)
-        return lowerBound;
-    return lowerBound > 0 && frame < EndFrame(lowerBound - 1) ? lowerBound - 1 : kNone;
+    if (const std::size_t starting = FindStarting(frame, lowerBound); starting != kNone)
+        return starting;
+    const std::size_t before = FindLastBefore(lowerBound);
+    return before < lowerBound && frame < EndFrame(before) ? before : kNone;
 }
 
 /// The object at the lower bound counts too: it may end before it starts.
@@ -52,7 +71,7 @@ std::size_t SequenceObjectList_Impl::FindBefore(int frame, std::size_t lowerBoun
                                                 const kytl::KyID &excluded) const
 {
     for (std::size_t end = std::min(lowerBound + 1, Count()); end > 0; --end)
-        if (EndFrame(end - 1) <= frame && !HasID(end - 1, excluded))
+        if (EndFrame(end - 1) <= frame && !IsExcluded(end - 1, excluded))
             return end - 1;
     return kNone;
 }
@@ -61,7 +80,7 @@ std::size_t SequenceObjectList_Impl::FindAfter(int frame, std::size_t lowerBound
                                                const kytl::KyID &excluded) const
 {
     for (std::size_t position = lowerBound; position < Count(); ++position)
-        if (StartFrame(position) > frame && !HasID(position, excluded))
+        if (StartFrame(position) > frame && !IsExcluded(position, excluded))
             return position;
     return kNone;
 }
@@ -103,10 +122,11 @@ void SequenceObjectList_Impl::Lend(std::size_t position)
 void SequenceObjectList_Impl::TakeBack()
 {
     bool isMoved = false;
+    const std::size_t first = std::exchange(firstLent, 0);
     const std::size_t end = std::exchange(endLent, 0);
-    for (std::size_t i = std::exchange(firstLent, 0); i < end; ++i) {
-        if (At(i)->list_->expired())
-            *At(i)->list_ = weak_from_this();
+    DropEmptyPlaces(first, end);
+    for (std::size_t i = first; i < std::min(end, Count()); ++i) {
+        AdoptIfFree(*At(i));
         mayShareObjects = mayShareObjects || !IsToldBy(*At(i));
         const int former = StartFrame(i);
         Refresh(i);
@@ -129,6 +149,7 @@ void SequenceObjectList_Impl::SortAgain()
 {
     mayShareObjects = false;
     for (std::size_t i = 0; i < Count(); ++i) {
+        AdoptIfFree(*At(i));
         mayShareObjects = mayShareObjects || !IsToldBy(*At(i));
         Refresh(i);
     }
@@ -153,6 +174,24 @@ void SequenceObjectList_Impl::Adopt(AbstractSequenceObject &object)
     if (const std::shared_ptr<SequenceObjectList_Impl> former = object.list_->lock())
         former->mayShareObjects = former->mayShareObjects || former.get() != this;
     *object.list_ = weak_from_this();
+}
+
+/// An object that no list is told by any more, since the one that it came to later has let go of it or is
+/// gone itself, is this one's again.
+void SequenceObjectList_Impl::AdoptIfFree(AbstractSequenceObject &object)
+{
+    if (object.list_->expired())
+        *object.list_ = weak_from_this();
+}
+
+void SequenceObjectList_Impl::DropEmptyPlaces(std::size_t first, std::size_t end)
+{
+    for (std::size_t i = end; i > first; --i) {
+        if (At(i - 1))
+            continue;
+        freeSlots.push_back(entries[i - 1].slot);
+        entries.erase(entries.begin() + static_cast<std::ptrdiff_t>(i - 1));
+    }
 }
 
 std::uint32_t SequenceObjectList_Impl::TakeSlot(const Object &object)

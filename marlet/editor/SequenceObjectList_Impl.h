@@ -27,11 +27,12 @@ struct SequenceObjectList_Impl : std::enable_shared_from_this<SequenceObjectList
 
     EditorSequence *sequence = nullptr;
     kytl::KyID trackID;
+    bool (*holds)(const AbstractSequenceObject &object) = nullptr;
     std::vector<Entry> entries;
     std::vector<Slot> slots;
     std::vector<std::uint32_t> freeSlots;
-    // The positions from the first to before the last may hold other objects than the list put there:
-    // somebody was given a reference.
+    // The positions from the first to before the last may hold other objects than the list put there, or
+    // none: somebody was given a reference.
     std::size_t firstLent = 0;
     std::size_t endLent = 0;
     bool mayHaveNullIDs = false;
@@ -43,10 +44,12 @@ struct SequenceObjectList_Impl : std::enable_shared_from_this<SequenceObjectList
     int StartFrame(std::size_t position) const { return entries[position].startFrame; }
     bool IsLent(std::size_t position) const { return position >= firstLent && position < endLent; }
     int EndFrame(std::size_t position) const;
-    bool HasID(std::size_t position, const kytl::KyID &id) const;
+    bool IsExcluded(std::size_t position, const kytl::KyID &id) const;
 
     std::size_t LowerBound(int frame) const;
     std::size_t UpperBound(int frame) const;
+    std::size_t FindStarting(int frame, std::size_t lowerBound) const;
+    std::size_t FindLastBefore(std::size_t position) const;
     std::size_t FindOnFrame(int frame, std::size_t lowerBound) const;
     std::size_t FindBefore(int frame, std::size_t lowerBound, const kytl::KyID &excluded) const;
     std::size_t FindAfter(int frame, std::size_t lowerBound, const kytl::KyID &excluded) const;
@@ -64,6 +67,8 @@ struct SequenceObjectList_Impl : std::enable_shared_from_this<SequenceObjectList
 
 private:
     void Adopt(AbstractSequenceObject &object);
+    void AdoptIfFree(AbstractSequenceObject &object);
+    void DropEmptyPlaces(std::size_t first, std::size_t end);
     bool IsToldBy(const AbstractSequenceObject &object) const;
     void Release(AbstractSequenceObject &object) const;
     std::uint32_t TakeSlot(const Object &object);

@@ -2,6 +2,9 @@
 
 #include <marlet/animation/PropertyTable.h>
 #include <marlet/editor/SequenceObject.h>
+#include <marlet/foundation/Relaxed.h>
+#include <marlet/layers/CachedLink.h>
+#include <marlet/project/AbstractAsset.h>
 
 namespace marlet::project
 {
@@ -25,17 +28,23 @@ struct SequenceObject_Impl {
     kytl::KyID parentSequenceID;
     std::shared_ptr<PropertyManager> properties = PropertyManager::Create();
     WideString name;
-    // The ID is what is stored. The link only saves looking it up, and the type is what it was when the link
-    // held last.
-    mutable std::weak_ptr<AbstractAsset> asset;
+    // The ID is what is stored. The link only saves looking it up, and the type is what it was when the asset
+    // was looked up last. Many readers may be the first to look.
+    CachedLink<AbstractAsset> asset;
     kytl::KyID assetID;
-    mutable AssetType assetType = {};
+    mutable Relaxed<AssetType> assetType;
     int assetInstanceStart = 0;
     bool muted = false;
     kytl::KyID linkedObjectID;
     std::shared_ptr<Transition> incomingTransition;
     std::shared_ptr<Transition> outgoingTransition;
     AbstractSequenceObject::EffectList effects;
+
+    void Remember(const std::shared_ptr<AbstractAsset> &found) const
+    {
+        asset.Remember(found);
+        assetType.Store(found->Type());
+    }
 };
 
 /// The static value of a property.

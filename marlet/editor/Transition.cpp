@@ -1,5 +1,6 @@
 #include <marlet/editor/Transition.h>
 
+#include <marlet/foundation/Arguments.h>
 #include <marlet/foundation/xml/XmlReader.h>
 #include <marlet/foundation/xml/XmlWriter.h>
 #include <marlet/plugins/PluginInstance_Impl.h>
@@ -29,6 +30,10 @@ template <class Xml, class Data> void PlaceFields(Xml &xml, Data &data)
 struct Transition_Impl : PluginInstance_Impl {
     using PluginInstance_Impl::PluginInstance_Impl;
 
+    std::unique_ptr<PluginInstance_Impl> Clone() const override
+    {
+        return std::make_unique<Transition_Impl>(*this);
+    }
     const char *Tag() const override { return "Transition"; }
     NarrowString Description() const override { return "the transition " + id.ToNarrowString(); }
     void WriteHead(XmlWriter &writer, const AbstractPlugin &ofPlugin) const override
@@ -49,23 +54,30 @@ struct Transition_Impl : PluginInstance_Impl {
     int relativeStart = 0;
 };
 
-// The plug-in is told of the new instance last, and the reading goes on from a finished one: so it hears of
-// the end of those alone of which it took the beginning.
-
 Transition::Transition(const std::shared_ptr<AbstractPlugin> &plugin)
-    : impl_(std::make_unique<Transition_Impl>(plugin))
+    : PluginInstance(std::make_unique<Transition_Impl>(plugin))
 {
-    plugin->InstanceCreated(this);
+    AnnounceBeginning();
 }
 
-Transition::Transition(const Transition &other) : AbstractPluginInstance(other), impl_(other.impl_)
+Transition::Transition(const Transition &other) : PluginInstance(other)
 {
-    impl_->RequirePlugin()->InstanceCreated(this);
+    AnnounceBeginning();
 }
 
 Transition::~Transition()
 {
-    impl_->AnnounceEnd(this);
+    AnnounceEnd();
+}
+
+Transition_Impl &Transition::Data()
+{
+    return static_cast<Transition_Impl &>(*impl_);
+}
+
+const Transition_Impl &Transition::Data() const
+{
+    return static_cast<const Transition_Impl &>(*impl_);
 }
 
 std::shared_ptr<Transition> Transition::Create(const std::shared_ptr<AbstractPlugin> &plugin)
@@ -84,39 +96,20 @@ std::shared_ptr<Transition> Transition::CreateFromXml(const std::shared_ptr<Abst
 
 std::shared_ptr<Transition> Transition::Copy(const std::shared_ptr<Transition> &source)
 {
+    Require(source, "transition");
     // Held throughout, so that it lives to hear of the copy's end if something fails.
     const std::shared_ptr<AbstractPlugin> plugin = source->Plugin();
     if (!plugin)
         return nullptr;
     std::shared_ptr<Transition> copy(new Transition(*source));
-    Transition_Impl &data = *copy->impl_;
+    Transition_Impl &data = copy->Data();
     data.id = kytl::KyID::Generate();
     data.fromObject = {};
     data.toObject = {};
     data.instanceData = nullptr;
     data.hostInstanceData = nullptr;
-    source->impl_->CopyPrivateData(source.get(), copy.get());
+    copy->TakePrivateDataOf(*source);
     return copy;
-}
-
-WideString Transition::Serialize() const
-{
-    return XmlText([this](XmlWriter &writer) { Serialize(writer); });
-}
-
-void Transition::Serialize(XmlWriter &writer) const
-{
-    impl_->Write(writer, *this);
-}
-
-void Transition::SerializeInstanceDataBytes(unsigned char *bytes, int size, void *document, void *element)
-{
-    AppendInstanceBytes(bytes, size, document, element);
-}
-
-void Transition::Deserialize(const XmlCursor &element)
-{
-    impl_->Read(element, this);
 }
 
 AbstractPluginInstance::InstanceType Transition::Type() const
@@ -124,124 +117,54 @@ AbstractPluginInstance::InstanceType Transition::Type() const
     return InstanceType::Transition;
 }
 
-const kytl::KyID &Transition::ID() const
-{
-    return impl_->id;
-}
-
-const kytl::KyID &Transition::PluginID() const
-{
-    return impl_->pluginID;
-}
-
-std::shared_ptr<AbstractPlugin> Transition::Plugin() const
-{
-    return impl_->plugin.lock();
-}
-
-PropertyManager &Transition::Properties()
-{
-    return *impl_->properties;
-}
-
-const PropertyManager &Transition::Properties() const
-{
-    return *impl_->properties;
-}
-
-const AbstractPluginInstance::UIState &Transition::PropertyUIState(const char *name) const
-{
-    return impl_->RequireUIState(name);
-}
-
-void Transition::SetPropertyUIState(const char *name, const UIState &state)
-{
-    impl_->SetUIState(name, state);
-}
-
-void Transition::NotifyPropertyChanged(const char *name)
-{
-    impl_->RequirePlugin()->PropertyChanged(this, name);
-}
-
-void *Transition::InstanceData() const
-{
-    return impl_->instanceData;
-}
-
-void Transition::SetInstanceData(void *data)
-{
-    impl_->instanceData = data;
-}
-
-void *Transition::HostInstanceData() const
-{
-    return impl_->hostInstanceData;
-}
-
-void Transition::SetHostInstanceData(void *data)
-{
-    impl_->hostInstanceData = data;
-}
-
-PropertyManager &Transition::Animation()
-{
-    return Properties();
-}
-
-const PropertyManager &Transition::Animation() const
-{
-    return Properties();
-}
-
 const kytl::KyID &Transition::FromObject() const
 {
-    return impl_->fromObject;
+    return Data().fromObject;
 }
 
 void Transition::SetFromObject(const kytl::KyID &id)
 {
-    impl_->fromObject = id;
+    Data().fromObject = id;
 }
 
 void Transition::ClearFromObject()
 {
-    impl_->fromObject = {};
+    Data().fromObject = {};
 }
 
 const kytl::KyID &Transition::ToObject() const
 {
-    return impl_->toObject;
+    return Data().toObject;
 }
 
 void Transition::SetToObject(const kytl::KyID &id)
 {
-    impl_->toObject = id;
+    Data().toObject = id;
 }
 
 void Transition::ClearToObject()
 {
-    impl_->toObject = {};
+    Data().toObject = {};
 }
 
 int Transition::Length() const
 {
-    return impl_->length;
+    return Data().length;
 }
 
 void Transition::SetLength(int frames)
 {
-    impl_->length = frames;
+    Data().length = frames;
 }
 
 int Transition::RelativeStartFrame() const
 {
-    return impl_->relativeStart;
+    return Data().relativeStart;
 }
 
 void Transition::SetRelativeStartFrame(int frame)
 {
-    impl_->relativeStart = frame;
+    Data().relativeStart = frame;
 }
 
 } // namespace marlet::project

@@ -1,22 +1,16 @@
 #pragma once
 
-#include <marlet/foundation/ValuePtr.h>
-#include <marlet/plugins/AbstractPluginInstance.h>
+#include <marlet/plugins/PluginInstance.h>
 
 namespace marlet::project
 {
 
-class XmlCursor;
-class XmlWriter;
 struct Transition_Impl;
 
-/// One use of a transition plug-in at a cut of the editor timeline: a copy of the plug-in's properties, the
-/// state of its panel, frames, and the IDs of the objects before and after the cut, of which one may be
-/// missing. Objects hold it in their slots; nothing keeps the two sides in step.
-///
-/// The plug-in hears of each instance: InstanceCreated before any data arrive, InstanceDestroyed before they
-/// go. An exception out of InstanceDestroyed is dropped. Belongs to the thread that edits the project.
-class MARLET_EXPORT Transition : public AbstractPluginInstance
+/// One use of a transition plug-in at a cut of the editor timeline: frames, the IDs of the objects before and
+/// after the cut, of which one may be missing, and what every instance of a plug-in has. Objects hold it in
+/// their slots; nothing keeps the two sides in step.
+class MARLET_EXPORT Transition : public PluginInstance
 {
 public:
     static std::shared_ptr<Transition> Create(const std::shared_ptr<AbstractPlugin> &plugin);
@@ -27,32 +21,17 @@ public:
                                                      const WideString &xml);
     /// A copy with a new ID, between no objects, with private data of its own. It shares the properties of
     /// its source until they are replaced. An empty pointer if the plug-in is gone.
+    ///
+    /// When the plug-in hears of the copy, that still has the InstanceData of its source. After
+    /// InstanceCreated both data pointers of the copy are null, whatever the plug-in has set there, so a
+    /// plug-in allocates nothing in InstanceCreated but when it first needs it, which may be in
+    /// DeserializeInstance.
+    /// @throws std::invalid_argument for a null pointer
     static std::shared_ptr<Transition> Copy(const std::shared_ptr<Transition> &source);
-    Transition &operator=(const Transition &) = delete;
     ~Transition() override;
 
     InstanceType Type() const override;
-    const kytl::KyID &ID() const override;
-    const kytl::KyID &PluginID() const override;
-    std::shared_ptr<AbstractPlugin> Plugin() const override;
-    PropertyManager &Properties() override;
-    const PropertyManager &Properties() const override;
-    /// @throws std::runtime_error "Property not found in UI state hashmap"
-    const UIState &PropertyUIState(const char *name) const override;
-    /// @throws std::runtime_error "Property not found in UI state hashmap"
-    void SetPropertyUIState(const char *name, const UIState &state) override;
-    void NotifyPropertyChanged(const char *name) override;
-    void *InstanceData() const override;
-    void SetInstanceData(void *data) override;
-    void *HostInstanceData() const override;
-    void SetHostInstanceData(void *data) override;
-    /// @throws std::logic_error if the plug-in is gone
-    WideString Serialize() const override;
-    void SerializeInstanceDataBytes(unsigned char *bytes, int size, void *document, void *element) override;
 
-    /// The same as Properties.
-    PropertyManager &Animation();
-    const PropertyManager &Animation() const;
     /// The objects before and after the cut; the null ID for none.
     const kytl::KyID &FromObject() const;
     void SetFromObject(const kytl::KyID &id);
@@ -72,10 +51,8 @@ private:
     explicit Transition(const std::shared_ptr<AbstractPlugin> &plugin);
     Transition(const Transition &other);
 
-    void Serialize(XmlWriter &writer) const;
-    void Deserialize(const XmlCursor &element);
-
-    ValuePtr<Transition_Impl> impl_;
+    Transition_Impl &Data();
+    const Transition_Impl &Data() const;
 };
 
 } // namespace marlet::project

@@ -7,41 +7,34 @@
 namespace marlet::project
 {
 
-struct VideoTrack_Impl : SequenceTrack_Impl {
-    using SequenceTrack_Impl::SequenceTrack_Impl;
-
-    bool visible = true;
-};
-
-namespace
+const SequenceTrackKind &VideoTrack::Kind()
 {
-
-constexpr char kTag[] = "VideoTrack";
-constexpr unsigned int kVersion = 0;
-
-template <class Xml, class Data> void VideoTrackFields(Xml &xml, Data &data)
-{
-    xml.Child("ID", data.id);
-    xml.Child("Name", data.name);
-    xml.Child("Visible", data.visible);
+    static const SequenceTrackKind kind{
+        .type = TrackType::Video,
+        .tag = "VideoTrack",
+        .objectTag = "VisualObject",
+        .readObject = [](const XmlCursor &element,
+                         const std::shared_ptr<AbstractPluginManager> &pluginManager,
+                         const SequenceObjectList *objects) -> SequenceObjectList::Object {
+            return std::shared_ptr<VisualObject>(new VisualObject(element, pluginManager, objects));
+        },
+        .holds =
+            [](const AbstractSequenceObject &object) {
+                return dynamic_cast<const VisualObject *>(&object) != nullptr;
+            },
+    };
+    return kind;
 }
 
-} // namespace
-
 VideoTrack::VideoTrack(EditorSequence *sequence, const WideString &name)
-    : impl_(std::make_unique<VideoTrack_Impl>(sequence, name))
+    : SequenceTrack(Kind(), sequence, name)
 {
 }
 
 VideoTrack::VideoTrack(EditorSequence *sequence, const XmlCursor &element,
                        const std::shared_ptr<AbstractPluginManager> &pluginManager)
-    : VideoTrack(sequence, WideString())
+    : SequenceTrack(Kind(), sequence, element, pluginManager)
 {
-    element.RequireHeader(kTag, kVersion);
-    VideoTrackFields(element, *impl_);
-    impl_->ReadObjects(element, "VisualObject", [&](const XmlCursor &object) {
-        return std::shared_ptr<VisualObject>(new VisualObject(object, pluginManager, &impl_->objects));
-    });
 }
 
 VideoTrack::~VideoTrack() = default;
@@ -55,44 +48,6 @@ std::shared_ptr<VideoTrack> VideoTrack::Create(const std::shared_ptr<EditorSeque
                                                const WideString &name)
 {
     return Create(sequence.get(), name);
-}
-
-void VideoTrack::Serialize(XmlWriter &writer) const
-{
-    const XmlElement element(writer, kTag, kVersion);
-    VideoTrackFields(writer, *impl_);
-    impl_->WriteObjects<VisualObject>(writer,
-                                      [&writer](const VisualObject &object) { object.Serialize(writer); });
-}
-
-const kytl::KyID &VideoTrack::ID() const
-{
-    return impl_->id;
-}
-
-TrackType VideoTrack::Type() const
-{
-    return TrackType::Video;
-}
-
-const WideString &VideoTrack::Name() const
-{
-    return impl_->name;
-}
-
-void VideoTrack::SetName(const WideString &name)
-{
-    impl_->name = name;
-}
-
-SequenceObjectList &VideoTrack::Objects()
-{
-    return impl_->objects;
-}
-
-const SequenceObjectList &VideoTrack::Objects() const
-{
-    return impl_->objects;
 }
 
 bool VideoTrack::IsVisible() const

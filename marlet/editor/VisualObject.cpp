@@ -1,6 +1,7 @@
 #include <marlet/editor/VisualObject.h>
 
 #include <marlet/editor/SequenceObject_Impl.h>
+#include <marlet/foundation/Arguments.h>
 #include <marlet/foundation/xml/XmlReader.h>
 #include <marlet/layers/Alignment.h>
 #include <marlet/project/AssetPicture.h>
@@ -73,6 +74,7 @@ VisualObject::CreateFromXml(const WideString &xml,
 std::shared_ptr<VisualObject> VisualObject::Copy(const std::shared_ptr<VisualObject> &other,
                                                  bool copyTransitions)
 {
+    Require(other, "object");
     std::shared_ptr<VisualObject> copy(new VisualObject(*other));
     copy->PartFromSource(copyTransitions);
     return copy;
@@ -170,6 +172,7 @@ VisualObject::Matrix VisualObject::WorldTransformation(const std::shared_ptr<Pro
 
 VisualObject::Matrix VisualObject::OriginTransformation(const std::shared_ptr<Project> &project) const
 {
+    Require(project, "project");
     const AssetPicture picture = PictureOf(*RequireAsset(std::as_const(*project).Assets()));
     // What stands in for a file that is offline hangs on the position instead of the anchor point, as on
     // layers.

@@ -56,17 +56,21 @@ public:
     virtual void HostOperation6() = 0;
     /// The root of the description of the plug-in's panel.
     virtual const std::shared_ptr<AbstractPluginUITreeNode> &UITree() const = 0;
-    /// At the end of every constructor of an instance, before any data of a file arrive.
+    /// At the end of every constructor of an instance, before any data of a file arrive. A copy comes with
+    /// the InstanceData of its source, which it must not share. What is set here stays for a new instance and
+    /// for the copy of an effect; the copy of a transition has null again when this returns. So a plug-in
+    /// that keeps something sets null here, and allocates when it first needs it.
     virtual void InstanceCreated(AbstractPluginInstance *instance) = 0;
     /// From the instance's destructor, before its data goes, if the plug-in still lives.
     virtual void InstanceDestroyed(AbstractPluginInstance *instance) = 0;
-    /// When an instance is saved and when it is copied. The document is a QDomDocument, the element its root,
-    /// a QDomElement that holds the instance's "Version" and its children up to, and without,
-    /// "PropertyManager". A plug-in with private data calls SerializeInstanceDataBytes on the instance with
-    /// the two. Whatever else it appends, also attributes, is saved behind the library's own.
+    /// When an instance is saved and when it is copied, as the last step. The document is a QDomDocument, the
+    /// element its root, a QDomElement that holds all that the library writes of the instance,
+    /// "PropertyManager" and "UIState" too. A plug-in with private data calls SerializeInstanceDataBytes on
+    /// the instance with the two. Whatever else it adds, wherever it puts it, also attributes, is saved:
+    /// children of the element stand behind the library's own.
     virtual void SerializeInstance(AbstractPluginInstance *instance, void *document, void *element) = 0;
-    /// Last when an instance with private data is read or copied. The bytes are the library's, and stay for
-    /// the length of the call.
+    /// Last when an instance with private data is read or copied. InstanceData may be null then. The bytes
+    /// are the library's, and stay for the length of the call.
     virtual void DeserializeInstance(AbstractPluginInstance *instance, unsigned char *bytes, int size) = 0;
     virtual void HostOperation7() = 0;
     virtual void PropertyChanged(AbstractPluginInstance *instance, const char *name) = 0;

@@ -40,15 +40,17 @@ public:
     virtual void SetPropertyUIState(const char *name, const UIState &state) = 0;
     /// The host calls this when a control changes a property.
     virtual void NotifyPropertyChanged(const char *name) = 0;
-    /// The plug-in's own pointer, which the library only keeps.
+    /// The plug-in's own pointer, which the library only keeps. What it is on a copy, AbstractPlugin tells at
+    /// InstanceCreated.
     virtual void *InstanceData() const = 0;
     virtual void SetInstanceData(void *data) = 0;
-    /// The host's own pointer, which the library only keeps.
+    /// The host's own pointer, which the library only keeps. Null on a copy.
     virtual void *HostInstanceData() const = 0;
     virtual void SetHostInstanceData(void *data) = 0;
     virtual WideString Serialize() const = 0;
     /// Called back by a plug-in from SerializeInstance, with the document and the element that it was handed
     /// there.
+    /// @throws std::invalid_argument for a null pointer, but for no bytes where the size is 0
     virtual void SerializeInstanceDataBytes(unsigned char *bytes, int size, void *document,
                                             void *element) = 0;
 };

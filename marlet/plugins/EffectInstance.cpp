@@ -1,6 +1,7 @@
 #include <marlet/plugins/EffectInstance.h>
 
 #include <marlet/animation/PropertyValue.h>
+#include <marlet/foundation/Arguments.h>
 #include <marlet/foundation/xml/XmlReader.h>
 #include <marlet/foundation/xml/XmlWriter.h>
 #include <marlet/plugins/AbstractPlugin.h>
@@ -52,6 +53,10 @@ struct EffectInstance_Impl : PluginInstance_Impl {
     {
     }
 
+    std::unique_ptr<PluginInstance_Impl> Clone() const override
+    {
+        return std::make_unique<EffectInstance_Impl>(*this);
+    }
     const char *Tag() const override { return "Instance"; }
     NarrowString Description() const override { return "the effect \"" + ToUtf8(name) + '"'; }
     void WriteHead(XmlWriter &writer, const AbstractPlugin &ofPlugin) const override
@@ -72,24 +77,30 @@ struct EffectInstance_Impl : PluginInstance_Impl {
     bool enabled = true;
 };
 
-// A plug-in that throws out of InstanceCreated is not told of the instance's end: it comes last, so that the
-// destructor does not run. Whatever reads goes on from a finished instance, whose destructor runs.
-
 EffectInstance::EffectInstance(const std::shared_ptr<AbstractPlugin> &plugin)
-    : impl_(std::make_unique<EffectInstance_Impl>(plugin))
+    : PluginInstance(std::make_unique<EffectInstance_Impl>(plugin))
 {
-    plugin->InstanceCreated(this);
+    AnnounceBeginning();
 }
 
-EffectInstance::EffectInstance(const EffectInstance &other)
-    : AbstractPluginInstance(other), impl_(other.impl_)
+EffectInstance::EffectInstance(const EffectInstance &other) : PluginInstance(other)
 {
-    impl_->RequirePlugin()->InstanceCreated(this);
+    AnnounceBeginning();
 }
 
 EffectInstance::~EffectInstance()
 {
-    impl_->AnnounceEnd(this);
+    AnnounceEnd();
+}
+
+EffectInstance_Impl &EffectInstance::Data()
+{
+    return static_cast<EffectInstance_Impl &>(*impl_);
+}
+
+const EffectInstance_Impl &EffectInstance::Data() const
+{
+    return static_cast<const EffectInstance_Impl &>(*impl_);
 }
 
 std::shared_ptr<EffectInstance> EffectInstance::Create(const std::shared_ptr<AbstractPlugin> &plugin)
@@ -111,38 +122,19 @@ EffectInstance::CreateFromXml(const std::shared_ptr<AbstractPlugin> &plugin, con
 
 std::shared_ptr<EffectInstance> EffectInstance::Copy(const std::shared_ptr<EffectInstance> &source)
 {
+    Require(source, "effect");
     // Held throughout, so that it lives to hear of the copy's end if something fails.
     const std::shared_ptr<AbstractPlugin> plugin = source->Plugin();
     if (!plugin)
         return nullptr;
     std::shared_ptr<EffectInstance> copy(new EffectInstance(*source));
-    EffectInstance_Impl &data = *copy->impl_;
+    EffectInstance_Impl &data = copy->Data();
     data.id = kytl::KyID::Generate();
     data.properties = PropertyManager::Copy(source->Properties());
     data.hostInstanceData = nullptr;
     copy->ClearParent();
-    source->impl_->CopyPrivateData(source.get(), copy.get());
+    copy->TakePrivateDataOf(*source);
     return copy;
-}
-
-WideString EffectInstance::Serialize() const
-{
-    return XmlText([this](XmlWriter &writer) { Serialize(writer); });
-}
-
-void EffectInstance::Serialize(XmlWriter &writer) const
-{
-    impl_->Write(writer, *this);
-}
-
-void EffectInstance::SerializeInstanceDataBytes(unsigned char *bytes, int size, void *document, void *element)
-{
-    AppendInstanceBytes(bytes, size, document, element);
-}
-
-void EffectInstance::Deserialize(const XmlCursor &element)
-{
-    impl_->Read(element, this);
 }
 
 AbstractPluginInstance::InstanceType EffectInstance::Type() const
@@ -150,110 +142,40 @@ AbstractPluginInstance::InstanceType EffectInstance::Type() const
     return InstanceType::Effect;
 }
 
-const kytl::KyID &EffectInstance::ID() const
-{
-    return impl_->id;
-}
-
-const kytl::KyID &EffectInstance::PluginID() const
-{
-    return impl_->pluginID;
-}
-
-std::shared_ptr<AbstractPlugin> EffectInstance::Plugin() const
-{
-    return impl_->plugin.lock();
-}
-
-PropertyManager &EffectInstance::Properties()
-{
-    return *impl_->properties;
-}
-
-const PropertyManager &EffectInstance::Properties() const
-{
-    return *impl_->properties;
-}
-
-const AbstractPluginInstance::UIState &EffectInstance::PropertyUIState(const char *name) const
-{
-    return impl_->RequireUIState(name);
-}
-
-void EffectInstance::SetPropertyUIState(const char *name, const UIState &state)
-{
-    impl_->SetUIState(name, state);
-}
-
-void EffectInstance::NotifyPropertyChanged(const char *name)
-{
-    impl_->RequirePlugin()->PropertyChanged(this, name);
-}
-
-void *EffectInstance::InstanceData() const
-{
-    return impl_->instanceData;
-}
-
-void EffectInstance::SetInstanceData(void *data)
-{
-    impl_->instanceData = data;
-}
-
-void *EffectInstance::HostInstanceData() const
-{
-    return impl_->hostInstanceData;
-}
-
-void EffectInstance::SetHostInstanceData(void *data)
-{
-    impl_->hostInstanceData = data;
-}
-
 const WideString &EffectInstance::Name() const
 {
-    return impl_->name;
+    return Data().name;
 }
 
 void EffectInstance::SetName(const WideString &name)
 {
-    impl_->name = name;
+    Data().name = name;
 }
 
 bool EffectInstance::Enabled() const
 {
-    return impl_->enabled;
+    return Data().enabled;
 }
 
 void EffectInstance::SetEnabled(bool enabled)
 {
-    impl_->enabled = enabled;
-}
-
-PropertyManager &EffectInstance::Animation()
-{
-    return Properties();
-}
-
-const PropertyManager &EffectInstance::Animation() const
-{
-    return Properties();
+    Data().enabled = enabled;
 }
 
 const kytl::KyID &EffectInstance::ParentID() const
 {
-    return impl_->parentID;
+    return Data().parentID;
 }
 
 const kytl::KyID &EffectInstance::ParentTimelineID() const
 {
-    return impl_->parentTimelineID;
+    return Data().parentTimelineID;
 }
 
 void EffectInstance::SetParent(const kytl::KyID &parent, const kytl::KyID &timeline)
 {
-    impl_->parentID = parent;
-    impl_->parentTimelineID = timeline;
+    Data().parentID = parent;
+    Data().parentTimelineID = timeline;
 }
 
 void EffectInstance::ClearParent()

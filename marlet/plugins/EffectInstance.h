@@ -1,7 +1,6 @@
 #pragma once
 
-#include <marlet/foundation/ValuePtr.h>
-#include <marlet/plugins/AbstractPluginInstance.h>
+#include <marlet/plugins/PluginInstance.h>
 
 #include <unordered_map>
 #include <vector>
@@ -9,17 +8,11 @@
 namespace marlet::project
 {
 
-class XmlCursor;
-class XmlWriter;
 struct EffectInstance_Impl;
 
-/// One use of an effect plug-in on a layer or a sequence object: a name, an on/off switch, a copy of the
-/// plug-in's properties, and the state of its panel. It owns its properties and refers to its plug-in weakly.
-///
-/// The plug-in hears of each instance: InstanceCreated at the end of its construction, InstanceDestroyed
-/// before its data goes. An exception of a plug-in reaches the caller and leaves the document as it was; one
-/// out of InstanceDestroyed is dropped. Belongs to the thread that edits the project.
-class MARLET_EXPORT EffectInstance : public AbstractPluginInstance
+/// One use of an effect plug-in on a layer or a sequence object: a name, an on/off switch, and what every
+/// instance of a plug-in has.
+class MARLET_EXPORT EffectInstance : public PluginInstance
 {
 public:
     static std::shared_ptr<EffectInstance> Create(const std::shared_ptr<AbstractPlugin> &plugin);
@@ -32,37 +25,18 @@ public:
     CreateFromXml(const std::shared_ptr<AbstractPlugin> &plugin, const WideString &xml,
                   const std::unordered_map<NarrowString, bool> &validLayerIDs);
     /// A copy with a new ID, no parents, and properties and private data of its own. An empty pointer if the
-    /// plug-in is gone.
+    /// plug-in is gone. When the plug-in hears of the copy, that still has the InstanceData of its source,
+    /// which is the plug-in's to replace; its HostInstanceData is null afterwards.
+    /// @throws std::invalid_argument for a null pointer
     static std::shared_ptr<EffectInstance> Copy(const std::shared_ptr<EffectInstance> &source);
-    EffectInstance &operator=(const EffectInstance &) = delete;
     ~EffectInstance() override;
 
     InstanceType Type() const override;
-    const kytl::KyID &ID() const override;
-    const kytl::KyID &PluginID() const override;
-    std::shared_ptr<AbstractPlugin> Plugin() const override;
-    PropertyManager &Properties() override;
-    const PropertyManager &Properties() const override;
-    /// @throws std::runtime_error "Property not found in UI state hashmap"
-    const UIState &PropertyUIState(const char *name) const override;
-    /// @throws std::runtime_error "Property not found in UI state hashmap"
-    void SetPropertyUIState(const char *name, const UIState &state) override;
-    void NotifyPropertyChanged(const char *name) override;
-    void *InstanceData() const override;
-    void SetInstanceData(void *data) override;
-    void *HostInstanceData() const override;
-    void SetHostInstanceData(void *data) override;
-    /// @throws std::logic_error if the plug-in is gone
-    WideString Serialize() const override;
-    void SerializeInstanceDataBytes(unsigned char *bytes, int size, void *document, void *element) override;
 
     const WideString &Name() const;
     void SetName(const WideString &name);
     bool Enabled() const;
     void SetEnabled(bool enabled);
-    /// The same as Properties.
-    PropertyManager &Animation();
-    const PropertyManager &Animation() const;
     /// The layer or object that holds the effect, and the composition or sequence of that.
     const kytl::KyID &ParentID() const;
     const kytl::KyID &ParentTimelineID() const;
@@ -82,10 +56,8 @@ private:
     explicit EffectInstance(const std::shared_ptr<AbstractPlugin> &plugin);
     EffectInstance(const EffectInstance &other);
 
-    void Serialize(XmlWriter &writer) const;
-    void Deserialize(const XmlCursor &element);
-
-    ValuePtr<EffectInstance_Impl> impl_;
+    EffectInstance_Impl &Data();
+    const EffectInstance_Impl &Data() const;
 };
 
 } // namespace marlet::project

@@ -1,6 +1,7 @@
 #include <marlet/plugins/EffectsHelper.h>
 
 #include <marlet/animation/PropertyManager.h>
+#include <marlet/foundation/Arguments.h>
 #include <marlet/foundation/xml/DomBridge.h>
 #include <marlet/foundation/xml/XmlReader.h>
 #include <marlet/foundation/xml/XmlWriter.h>
@@ -56,23 +57,29 @@ void TakeKeyFrames(PropertyManager &properties, const char *name, const KeyFrame
 
 void EffectsHelper::SerializeEffects(QDomDocument *document, QDomElement *parent, const Effects &effects)
 {
+    Require(document, "document");
+    Require(parent, "parent");
     AppendXmlToDom(XmlText([&](XmlWriter &writer) { SerializeEffects(writer, effects); }), document, parent);
 }
 
 void EffectsHelper::DeserializeEffects(QDomElement *parent, Effects &effects,
                                        const std::shared_ptr<AbstractPluginManager> &pluginManager)
 {
+    Require(parent, "parent");
     const XmlDocument document(XmlFromDom(parent));
     DeserializeEffects(document.Root(), effects, pluginManager);
 }
 
 void EffectsHelper::SerializeUIState(QDomDocument *document, QDomElement *parent, const UIStates &states)
 {
+    Require(document, "document");
+    Require(parent, "parent");
     AppendXmlToDom(XmlText([&](XmlWriter &writer) { SerializeUIState(writer, states); }), document, parent);
 }
 
 void EffectsHelper::SynchronizeUIState(QDomElement *parent, UIStates &states)
 {
+    Require(parent, "parent");
     const XmlDocument document(XmlFromDom(parent));
     SynchronizeUIState(document.Root(), states);
 }
@@ -145,6 +152,7 @@ void EffectsHelper::SynchronizeSourceWithDest(PropertyManager &properties, const
             continue;
         properties.StaticValue(name.c_str()) = fromFile.StaticValue(name.c_str());
         TakeKeyFrames(properties, name.c_str(), fromFile.KeyFrames(name.c_str()));
+        properties.Expression(name.c_str()) = fromFile.Expression(name.c_str());
     }
 }
 

@@ -54,8 +54,8 @@ public:
     static void SerializeUIState(QDomDocument *document, QDomElement *parent, const UIStates &states);
     /// Takes over what the element's "UIState" says of the names that are there.
     static void SynchronizeUIState(QDomElement *parent, UIStates &states);
-    /// Takes over the static values, whatever their type, and the key frames of the properties that both
-    /// have. Whether these move along a path in space stays for the properties to say.
+    /// Takes over the static values, whatever their type, the key frames and the expressions of the
+    /// properties that both have. Whether these move along a path in space stays for the properties to say.
     static void SynchronizeSourceWithDest(PropertyManager &properties, const PropertyManager &fromFile);
     /// -1, 0 or 1 as a is older than, the same as, or newer than b.
     static int ComparePluginVersions(const AbstractPlugin::VersionInfo &a,

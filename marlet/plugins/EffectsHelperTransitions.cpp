@@ -3,6 +3,7 @@
 #include <marlet/editor/AbstractSequenceObject.h>
 #include <marlet/editor/SequenceObjectList.h>
 #include <marlet/editor/Transition.h>
+#include <marlet/foundation/Arguments.h>
 #include <marlet/foundation/xml/DomBridge.h>
 #include <marlet/foundation/xml/XmlReader.h>
 #include <marlet/foundation/xml/XmlWriter.h>
@@ -41,6 +42,8 @@ std::shared_ptr<Transition> FindReferred(const XmlCursor &slot, const SequenceOb
 void EffectsHelper::SerializeTransition(QDomDocument *document, QDomElement *parent, const QString &tag,
                                         const std::shared_ptr<Transition> &transition, bool allowReference)
 {
+    Require(document, "document");
+    Require(parent, "parent");
     if (!transition)
         return;
     const WideString text = XmlText([&](XmlWriter &writer) {
@@ -54,6 +57,7 @@ void EffectsHelper::DeserializeTransition(QDomElement *parent, const QString &ta
                                           std::shared_ptr<Transition> &transition,
                                           SequenceObjectList *objects)
 {
+    Require(parent, "parent");
     const XmlDocument document(XmlFromDom(parent));
     DeserializeTransition(document.Root(), tag.toUtf8().constData(), pluginManager, transition, objects);
 }

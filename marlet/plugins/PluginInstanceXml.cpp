@@ -1,3 +1,4 @@
+#include <marlet/foundation/Arguments.h>
 #include <marlet/foundation/Exceptions.h>
 #include <marlet/foundation/xml/DomBridge.h>
 #include <marlet/foundation/xml/XmlReader.h>
@@ -11,6 +12,7 @@
 #include <algorithm>
 #include <map>
 #include <stdexcept>
+#include <vector>
 
 namespace marlet::project
 {
@@ -56,7 +58,36 @@ std::u16string_view View(const QString &text)
     return {QStringView(text).utf16(), static_cast<std::size_t>(text.size())};
 }
 
-/// What a plug-in has to say of an instance: the element that it is handed, and what it appended to that.
+/// The node behind in the order of the text, of those that stand in the root.
+QDomNode NextIn(const QDomNode &root, QDomNode node)
+{
+    if (node.hasChildNodes())
+        return node.firstChild();
+    while (node != root && node.nextSibling().isNull())
+        node = node.parentNode();
+    return node == root ? QDomNode() : node.nextSibling();
+}
+
+/// How many nodes and attributes there are from the root down, which may be as deep as a plug-in likes.
+int SizeOf(const QDomNode &root)
+{
+    int size = 0;
+    for (QDomNode node = root; !node.isNull(); node = NextIn(root, node))
+        size += 1 + node.attributes().count();
+    return size;
+}
+
+void WriteNode(XmlWriter &writer, const QDomNode &node)
+{
+    const QDomElement element = node.toElement();
+    if (node.isText())
+        writer.Text(View(node.nodeValue()));
+    else
+        WriteDom(writer, &element);
+}
+
+/// What a plug-in has to say of an instance: the element that it is handed with all that the library writes
+/// there, and what it added to that.
 class PluginElement
 {
 public:
@@ -64,13 +95,13 @@ public:
     {
         const WideString own = XmlText([&](XmlWriter &writer) {
             const XmlElement element(writer, data.Tag(), kVersion);
-            data.WriteHead(writer, plugin);
+            data.WriteChildren(writer, plugin);
         });
         AppendXmlToDom(own, &document_, &document_);
         element_ = document_.documentElement();
-        const QDomNode lastOwn = element_.lastChild();
+        for (QDomNode node = element_.firstChild(); !node.isNull(); node = node.nextSibling())
+            own_.push_back({node, SizeOf(node)});
         plugin.SerializeInstance(instance, &document_, &element_);
-        appended_ = lastOwn.nextSibling();
     }
 
     QDomElement Bytes() const { return element_.firstChildElement(kBytesTag); }
@@ -87,21 +118,36 @@ public:
                 writer.Attribute(name, View(value));
     }
 
-    void WriteChildren(XmlWriter &writer) const
+    /// Whether the plug-in put something into what the library wrote.
+    bool IsOwnAddedTo() const
     {
-        for (QDomNode node = appended_; !node.isNull(); node = node.nextSibling()) {
-            const QDomElement child = node.toElement();
-            if (node.isText())
-                writer.Text(View(node.nodeValue()));
-            else
-                WriteDom(writer, &child);
-        }
+        return std::ranges::any_of(own_, [](const Own &own) { return SizeOf(own.node) != own.size; });
+    }
+
+    void WriteOwn(XmlWriter &writer) const
+    {
+        for (const Own &own : own_)
+            WriteNode(writer, own.node);
+    }
+
+    /// What the plug-in put beside what the library wrote. It is read by its name, which may be the same, so
+    /// it has to stand behind that, wherever the plug-in put it.
+    void WriteAdded(XmlWriter &writer) const
+    {
+        for (QDomNode node = element_.firstChild(); !node.isNull(); node = node.nextSibling())
+            if (std::ranges::find(own_, node, &Own::node) == own_.end())
+                WriteNode(writer, node);
     }
 
 private:
+    struct Own {
+        QDomNode node;
+        int size;
+    };
+
     QDomDocument document_;
     QDomElement element_;
-    QDomNode appended_;
+    std::vector<Own> own_;
 };
 
 void HandOver(AbstractPlugin &plugin, AbstractPluginInstance *instance, const QByteArray &base64)
@@ -119,10 +165,18 @@ void PluginInstance_Impl::Write(XmlWriter &writer, const AbstractPluginInstance 
     const PluginElement plugins(*this, *locked, const_cast<AbstractPluginInstance *>(&instance));
     const XmlElement element(writer, Tag(), kVersion);
     plugins.WriteAttributes(writer);
-    WriteHead(writer, *locked);
+    if (plugins.IsOwnAddedTo())
+        plugins.WriteOwn(writer);
+    else
+        WriteChildren(writer, *locked);
+    plugins.WriteAdded(writer);
+}
+
+void PluginInstance_Impl::WriteChildren(XmlWriter &writer, const AbstractPlugin &ofPlugin) const
+{
+    WriteHead(writer, ofPlugin);
     properties->Serialize(writer);
     EffectsHelper::SerializeUIState(writer, uiStates);
-    plugins.WriteChildren(writer);
 }
 
 void PluginInstance_Impl::Read(const XmlCursor &element, AbstractPluginInstance *instance)
@@ -167,6 +221,9 @@ void WritePluginNameAndVersion(XmlWriter &writer, const AbstractPlugin &plugin)
 
 void AppendInstanceBytes(const unsigned char *bytes, int size, void *document, void *element)
 {
+    Require(bytes != nullptr || size <= 0, "bytes");
+    Require(document, "document");
+    Require(element, "element");
     const QByteArray data(reinterpret_cast<const char *>(bytes), std::max(size, 0));
     QDomElement child = static_cast<QDomDocument *>(document)->createElement(kBytesTag);
     child.setAttribute(kBytesAttribute, QString::fromLatin1(data.toBase64()));

@@ -20,24 +20,23 @@ struct PluginInstance_Impl {
     PluginInstance_Impl &operator=(const PluginInstance_Impl &) = delete;
     virtual ~PluginInstance_Impl();
 
+    virtual std::unique_ptr<PluginInstance_Impl> Clone() const = 0;
     virtual const char *Tag() const = 0;
     /// What messages call the instance.
     virtual NarrowString Description() const = 0;
-    /// The children of the element up to "PropertyManager": they are also what the plug-in is handed.
+    /// The children of the element up to "PropertyManager".
     virtual void WriteHead(XmlWriter &writer, const AbstractPlugin &ofPlugin) const = 0;
     virtual void ReadHead(const XmlCursor &element) = 0;
 
     /// @throws std::logic_error if the plug-in is gone
     std::shared_ptr<AbstractPlugin> RequirePlugin() const;
     /// @throws std::runtime_error "Property not found in UI state hashmap"
-    const UIState &RequireUIState(const char *name) const;
-    void SetUIState(const char *name, const UIState &state);
-
-    /// The plug-in, if it lives, hears of the instance's end. What it throws is dropped.
-    void AnnounceEnd(AbstractPluginInstance *instance) const noexcept;
+    UIState &RequireUIState(const char *name);
 
     /// The plug-in is handed an instance that it may change; saving is const to everybody else.
     void Write(XmlWriter &writer, const AbstractPluginInstance &instance) const;
+    /// All that the library writes into the element, which is also what the plug-in is handed.
+    void WriteChildren(XmlWriter &writer, const AbstractPlugin &ofPlugin) const;
     void Read(const XmlCursor &element, AbstractPluginInstance *instance);
     /// Hands private data from an instance to its copy, as it is saved and read.
     void CopyPrivateData(AbstractPluginInstance *instance, AbstractPluginInstance *copy) const;

@@ -1,22 +1,20 @@
 #include <marlet/plugins/PluginUIAngle.h>
 
-#include <marlet/plugins/PluginUIControl_Impl.h>
-
 namespace marlet::project
 {
 
-struct PluginUIAngle_Impl : PluginUIControl_Impl {
+struct PluginUIAngle_Impl {
     bool allowTurns;
 };
 
 PluginUIAngle::PluginUIAngle(std::shared_ptr<AbstractPluginUITreeNode> parent, const WideString &name,
                              const char *property, int options, bool allowTurns)
-    : impl_(std::make_unique<PluginUIAngle_Impl>(
-          PluginUIAngle_Impl{{parent, name, property, options}, allowTurns}))
+    : PluginUITreeNode(NodeType::Angle, parent, name, property, options),
+      impl_(std::make_unique<PluginUIAngle_Impl>(PluginUIAngle_Impl{allowTurns}))
 {
 }
 
-MARLET_PLUGIN_UI_CONTROL(PluginUIAngle, Angle)
+PluginUIAngle::~PluginUIAngle() = default;
 
 bool PluginUIAngle::AllowTurns() const
 {

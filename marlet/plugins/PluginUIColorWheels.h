@@ -1,7 +1,7 @@
 #pragma once
 
 #include <marlet/foundation/ValuePtr.h>
-#include <marlet/plugins/AbstractPluginUITreeNode.h>
+#include <marlet/plugins/PluginUITreeNode.h>
 
 namespace marlet::project
 {
@@ -10,7 +10,7 @@ struct PluginUIColorWheels_Impl;
 
 /// Three wheels that grade the shadows, the midtones and the highlights of a picture, by nine properties. As
 /// a control of many properties it has the name of none.
-class MARLET_EXPORT PluginUIColorWheels : public AbstractPluginUITreeNode
+class MARLET_EXPORT PluginUIColorWheels : public PluginUITreeNode
 {
 public:
     struct PropertyNames {
@@ -27,16 +27,7 @@ public:
 
     PluginUIColorWheels(std::shared_ptr<AbstractPluginUITreeNode> parent, const WideString &name, int options,
                         const PropertyNames &names);
-    PluginUIColorWheels(const PluginUIColorWheels &) = delete;
     ~PluginUIColorWheels() override;
-
-    NodeType Type() const override;
-    const WideString &Name() const override;
-    std::shared_ptr<AbstractPluginUITreeNode> ParentNode() const override;
-    Children &ChildNodes() override;
-    const Children &ChildNodes() const override;
-    const char *PropertyManagerName() const override;
-    int Options() const override;
 
     const PropertyNames &Names() const;
 

@@ -1,14 +1,13 @@
 #include <marlet/plugins/PluginUIComboBox.h>
 
-#include <marlet/plugins/PluginUIControl_Impl.h>
+#include <marlet/foundation/Arguments.h>
 
 #include <algorithm>
-#include <stdexcept>
 
 namespace marlet::project
 {
 
-struct PluginUIComboBox_Impl : PluginUIControl_Impl {
+struct PluginUIComboBox_Impl {
     std::vector<PluginUIComboBox::MenuItem> items;
 };
 
@@ -17,8 +16,7 @@ namespace
 
 std::vector<PluginUIComboBox::MenuItem> Items(std::u16string_view texts, const int *values)
 {
-    if (values == nullptr)
-        throw std::invalid_argument("A combo box needs values for its items");
+    Require(values, "values");
     std::vector<PluginUIComboBox::MenuItem> items;
     items.reserve(1 + static_cast<std::size_t>(std::ranges::count(texts, u'|')));
     while (true) {
@@ -35,12 +33,12 @@ std::vector<PluginUIComboBox::MenuItem> Items(std::u16string_view texts, const i
 PluginUIComboBox::PluginUIComboBox(std::shared_ptr<AbstractPluginUITreeNode> parent, const WideString &name,
                                    const char *property, int options, const WideString &items,
                                    const int *values)
-    : impl_(std::make_unique<PluginUIComboBox_Impl>(
-          PluginUIComboBox_Impl{{parent, name, property, options}, Items(items, values)}))
+    : PluginUITreeNode(NodeType::ComboBox, parent, name, property, options),
+      impl_(std::make_unique<PluginUIComboBox_Impl>(PluginUIComboBox_Impl{Items(items, values)}))
 {
 }
 
-MARLET_PLUGIN_UI_CONTROL(PluginUIComboBox, ComboBox)
+PluginUIComboBox::~PluginUIComboBox() = default;
 
 const std::vector<PluginUIComboBox::MenuItem> &PluginUIComboBox::MenuItems() const
 {

@@ -1,11 +1,9 @@
 #include <marlet/plugins/PluginUIHistogram.h>
 
-#include <marlet/plugins/PluginUIControl_Impl.h>
-
 namespace marlet::project
 {
 
-struct PluginUIHistogram_Impl : PluginUIControl_Impl {
+struct PluginUIHistogram_Impl {
     PluginUIHistogram::PropertyNames rgb;
     PluginUIHistogram::PropertyNames red;
     PluginUIHistogram::PropertyNames green;
@@ -17,12 +15,12 @@ PluginUIHistogram::PluginUIHistogram(std::shared_ptr<AbstractPluginUITreeNode> p
                                      const char *property, int options, const PropertyNames &rgb,
                                      const PropertyNames &red, const PropertyNames &green,
                                      const PropertyNames &blue, const PropertyNames &alpha)
-    : impl_(std::make_unique<PluginUIHistogram_Impl>(
-          PluginUIHistogram_Impl{{parent, name, property, options}, rgb, red, green, blue, alpha}))
+    : PluginUITreeNode(NodeType::Histogram, parent, name, property, options),
+      impl_(std::make_unique<PluginUIHistogram_Impl>(PluginUIHistogram_Impl{rgb, red, green, blue, alpha}))
 {
 }
 
-MARLET_PLUGIN_UI_CONTROL(PluginUIHistogram, Histogram)
+PluginUIHistogram::~PluginUIHistogram() = default;
 
 const PluginUIHistogram::PropertyNames &PluginUIHistogram::RGBPropertyNames() const
 {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <marlet/foundation/ValuePtr.h>
-#include <marlet/plugins/AbstractPluginUITreeNode.h>
+#include <marlet/plugins/PluginUITreeNode.h>
 
 namespace marlet::project
 {
@@ -9,7 +9,7 @@ namespace marlet::project
 struct PluginUIHistogram_Impl;
 
 /// A histogram with the levels of all channels together and of each, by five properties for each of them.
-class MARLET_EXPORT PluginUIHistogram : public AbstractPluginUITreeNode
+class MARLET_EXPORT PluginUIHistogram : public PluginUITreeNode
 {
 public:
     struct PropertyNames {
@@ -23,16 +23,7 @@ public:
     PluginUIHistogram(std::shared_ptr<AbstractPluginUITreeNode> parent, const WideString &name,
                       const char *property, int options, const PropertyNames &rgb, const PropertyNames &red,
                       const PropertyNames &green, const PropertyNames &blue, const PropertyNames &alpha);
-    PluginUIHistogram(const PluginUIHistogram &) = delete;
     ~PluginUIHistogram() override;
-
-    NodeType Type() const override;
-    const WideString &Name() const override;
-    std::shared_ptr<AbstractPluginUITreeNode> ParentNode() const override;
-    Children &ChildNodes() override;
-    const Children &ChildNodes() const override;
-    const char *PropertyManagerName() const override;
-    int Options() const override;
 
     const PropertyNames &RGBPropertyNames() const;
     const PropertyNames &RedPropertyNames() const;

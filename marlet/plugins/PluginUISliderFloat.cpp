@@ -1,11 +1,9 @@
 #include <marlet/plugins/PluginUISliderFloat.h>
 
-#include <marlet/plugins/PluginUIControl_Impl.h>
-
 namespace marlet::project
 {
 
-struct PluginUISliderFloat_Impl : PluginUIControl_Impl {
+struct PluginUISliderFloat_Impl {
     WideString suffix;
     float minimum;
     float maximum;
@@ -16,12 +14,13 @@ PluginUISliderFloat::PluginUISliderFloat(std::shared_ptr<AbstractPluginUITreeNod
                                          const WideString &name, const WideString &suffix,
                                          const char *property, int options, float minimum, float maximum,
                                          int decimalPlaces)
-    : impl_(std::make_unique<PluginUISliderFloat_Impl>(PluginUISliderFloat_Impl{
-          {parent, name, property, options}, suffix, minimum, maximum, decimalPlaces}))
+    : PluginUITreeNode(NodeType::SliderFloat, parent, name, property, options),
+      impl_(std::make_unique<PluginUISliderFloat_Impl>(
+          PluginUISliderFloat_Impl{suffix, minimum, maximum, decimalPlaces}))
 {
 }
 
-MARLET_PLUGIN_UI_CONTROL(PluginUISliderFloat, SliderFloat)
+PluginUISliderFloat::~PluginUISliderFloat() = default;
 
 const WideString &PluginUISliderFloat::Suffix() const
 {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <marlet/foundation/ValuePtr.h>
-#include <marlet/plugins/AbstractPluginUITreeNode.h>
+#include <marlet/plugins/PluginUITreeNode.h>
 
 namespace marlet::project
 {
@@ -9,22 +9,13 @@ namespace marlet::project
 struct PluginUISliderFloat_Impl;
 
 /// A slider for a number. The range is taken as it is given.
-class MARLET_EXPORT PluginUISliderFloat : public AbstractPluginUITreeNode
+class MARLET_EXPORT PluginUISliderFloat : public PluginUITreeNode
 {
 public:
     PluginUISliderFloat(std::shared_ptr<AbstractPluginUITreeNode> parent, const WideString &name,
                         const WideString &suffix, const char *property, int options, float minimum,
                         float maximum, int decimalPlaces);
-    PluginUISliderFloat(const PluginUISliderFloat &) = delete;
     ~PluginUISliderFloat() override;
-
-    NodeType Type() const override;
-    const WideString &Name() const override;
-    std::shared_ptr<AbstractPluginUITreeNode> ParentNode() const override;
-    Children &ChildNodes() override;
-    const Children &ChildNodes() const override;
-    const char *PropertyManagerName() const override;
-    int Options() const override;
 
     /// What stands behind the value.
     const WideString &Suffix() const;

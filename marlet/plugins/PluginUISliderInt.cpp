@@ -1,11 +1,9 @@
 #include <marlet/plugins/PluginUISliderInt.h>
 
-#include <marlet/plugins/PluginUIControl_Impl.h>
-
 namespace marlet::project
 {
 
-struct PluginUISliderInt_Impl : PluginUIControl_Impl {
+struct PluginUISliderInt_Impl {
     WideString suffix;
     int minimum;
     int maximum;
@@ -14,12 +12,12 @@ struct PluginUISliderInt_Impl : PluginUIControl_Impl {
 PluginUISliderInt::PluginUISliderInt(std::shared_ptr<AbstractPluginUITreeNode> parent, const WideString &name,
                                      const WideString &suffix, const char *property, int options, int minimum,
                                      int maximum)
-    : impl_(std::make_unique<PluginUISliderInt_Impl>(
-          PluginUISliderInt_Impl{{parent, name, property, options}, suffix, minimum, maximum}))
+    : PluginUITreeNode(NodeType::SliderInt, parent, name, property, options),
+      impl_(std::make_unique<PluginUISliderInt_Impl>(PluginUISliderInt_Impl{suffix, minimum, maximum}))
 {
 }
 
-MARLET_PLUGIN_UI_CONTROL(PluginUISliderInt, SliderInt)
+PluginUISliderInt::~PluginUISliderInt() = default;
 
 const WideString &PluginUISliderInt::Suffix() const
 {

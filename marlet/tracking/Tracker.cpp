@@ -1,5 +1,6 @@
 #include <marlet/tracking/Tracker.h>
 
+#include <marlet/foundation/Arguments.h>
 #include <marlet/foundation/xml/XmlReader.h>
 #include <marlet/foundation/xml/XmlWriter.h>
 #include <marlet/tracking/TrackingPoint.h>
@@ -77,6 +78,7 @@ std::shared_ptr<Tracker> Tracker::Create(const WideString &name, const Point &pr
 
 std::shared_ptr<Tracker> Tracker::Copy(const std::shared_ptr<Tracker> &tracker)
 {
+    Require(tracker, "tracker");
     std::shared_ptr<Tracker> copy(new Tracker(*tracker));
     Tracker_Impl &data = *copy->impl_;
     data.id = kytl::KyID::Generate();

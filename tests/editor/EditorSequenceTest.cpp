@@ -1,4 +1,5 @@
 #include <tests/project/Loading.h>
+#include <tests/support/Setters.h>
 #include <tests/support/TestPlugins.h>
 
 #include <marlet/editor/AudioObject.h>
@@ -8,6 +9,7 @@
 #include <marlet/editor/Transition.h>
 #include <marlet/editor/VideoTrack.h>
 #include <marlet/editor/VisualObject.h>
+#include <marlet/project/PanelRenderState.h>
 #include <marlet/project/SolidAsset.h>
 
 #include <gtest/gtest.h>
@@ -95,6 +97,33 @@ TEST_F(EditorSequenceTest, StartsWithATrackOfEachKind)
     EXPECT_EQ(sequence->InPoint(), 0);
     EXPECT_EQ(sequence->OutPoint(), -5);
     EXPECT_THROW(VideoTrack::Create(nullptr, u""), std::logic_error);
+}
+
+TEST_F(EditorSequenceTest, KeepsWhatIsSet)
+{
+    using Sequence = EditorSequence;
+    ExpectStored("name", *sequence, &Sequence::Name, &Sequence::SetName, WideString(u"Cut"));
+    ExpectStored("playhead", *sequence, &Sequence::CurrentTimeIndicator, &Sequence::SetCurrentTimeIndicator,
+                 7);
+    ExpectStored("in point", *sequence, &Sequence::InPoint, &Sequence::SetInPoint, 8);
+    ExpectStored("out point", *sequence, &Sequence::OutPoint, &Sequence::SetOutPoint, 9);
+    ExpectStored("zoom", *sequence, &Sequence::TimelineZoom, &Sequence::SetTimelineZoom, 1.5);
+    ExpectStored("times", *sequence, &Sequence::TimelineTimeFormat, &Sequence::SetTimelineTimeFormat,
+                 TimeFormat{1002});
+    ExpectStored("snapping", *sequence, &Sequence::TimelineSnapMode, &Sequence::SetTimelineSnapMode,
+                 SnapMode{1003});
+    ExpectStored("size", *sequence, &Sequence::SequenceTrackPreviewSize,
+                 &Sequence::SetSequenceTrackPreviewSize, SequencePreviewSize{1004});
+    ExpectStored("mode", *sequence, &Sequence::SequenceTrackPreviewMode,
+                 &Sequence::SetSequenceTrackPreviewMode, SequencePreviewMode{1005});
+    VideoTrack &video = *sequence->VideoTracks()[0];
+    AudioTrack &audio = *sequence->AudioTracks()[0];
+    ExpectStored("video", video, &VideoTrack::Name, &VideoTrack::SetName, WideString(u"V"));
+    ExpectStored("visible", video, &VideoTrack::IsVisible, &VideoTrack::SetVisible, false);
+    ExpectStored("audio", audio, &AudioTrack::Name, &AudioTrack::SetName, WideString(u"A"));
+    ExpectStored("muted", audio, &AudioTrack::IsMuted, &AudioTrack::SetMuted, true);
+    EXPECT_EQ(audio.Level(), 0);
+    ExpectStored("level", audio, &AudioTrack::Level, &AudioTrack::SetLevel, -3.5f);
 }
 
 /// Each object's frames and the last digits of its ID, with the IDs of its transitions around.

@@ -1,6 +1,8 @@
 #include <marlet/editor/AudioObject.h>
+#include <marlet/editor/AudioTrack.h>
 #include <marlet/editor/EditorSequence.h>
 #include <marlet/editor/SequenceObjectList.h>
+#include <marlet/editor/SequenceObjectList_Impl.h>
 #include <marlet/editor/VideoTrack.h>
 #include <marlet/editor/VisualObject.h>
 #include <marlet/project/SolidAsset.h>
@@ -220,6 +222,49 @@ TEST_F(SequenceObjectListTest, StaysInOrderWhateverStandsInItTwice)
     EXPECT_THAT(All(), ElementsAre(b, replacing));
     replacing->SetEndFrame(40);
     EXPECT_EQ(list.FindOnFrame(39), replacing);
+}
+
+/// One that once was on another list, which has let go of it or is gone itself, costs nothing from then on.
+TEST_F(SequenceObjectListTest, AsksNobodyForWhatIsOnItAlone)
+{
+    const auto own = std::make_shared<SequenceObjectList_Impl>();
+    const auto insert = [](SequenceObjectList_Impl &into, const Object &object) {
+        into.TakeBack();
+        into.MoveEntries(object, 5);
+        into.Insert(object, into.UpperBound(5));
+    };
+    for (const bool isListGone : {false, true}) {
+        const Object shared = Make(10);
+        auto other = std::make_shared<SequenceObjectList_Impl>();
+        insert(*own, shared);
+        insert(*other, shared);
+        own->TakeBack();
+        EXPECT_TRUE(own->mayShareObjects);
+        if (isListGone)
+            other.reset();
+        else
+            other->Erase(0);
+        own->TakeBack();
+        EXPECT_FALSE(own->mayShareObjects);
+        shared->SetEndFrame(20);
+        EXPECT_EQ(own->EndFrame(own->FindEntry(shared)), 20);
+    }
+}
+
+TEST_F(SequenceObjectListTest, RefusesWhatIsNotOfTheTracksClass)
+{
+    SequenceObjectList &sounds = sequence->AudioTracks()[0]->Objects();
+    const Object picture = Make(5), sound = AudioObject::Create(solid, sequence);
+    sound->SetName(u"Voice");
+    EXPECT_THAT([&] { list.Insert(sound, 3); },
+                testing::ThrowsMessage<std::invalid_argument>(testing::HasSubstr("\"Voice\"")));
+    EXPECT_THROW(sounds.Insert(picture, 3), std::invalid_argument);
+    EXPECT_EQ(sound->StartFrame(), 0);
+    EXPECT_EQ(sequence->FindObjectByID(sound->ID()), nullptr);
+    EXPECT_TRUE(list.IsEmpty() && sounds.IsEmpty());
+    sounds.Insert(sound, 3);
+    list.Insert(picture, 3);
+    EXPECT_EQ(list[0], picture);
 }
 
 TEST_F(SequenceObjectListTest, RefusesWhatItDoesNotHold)

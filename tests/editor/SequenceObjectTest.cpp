@@ -1,4 +1,6 @@
 #include <tests/support/MatrixMatchers.h>
+#include <tests/support/NewProperties.h>
+#include <tests/support/Setters.h>
 #include <tests/support/TestPlugins.h>
 
 #include <marlet/editor/AudioObject.h>
@@ -22,6 +24,8 @@ namespace
 
 constexpr int kLast = std::numeric_limits<int>::max();
 constexpr int kFirst = std::numeric_limits<int>::min();
+
+using Point2 = kytl::matl::KyPoint<2, float>;
 
 template <class Object> struct SequenceObjectTest : testing::Test {
     std::shared_ptr<TestPlugin> plugin = std::make_shared<TestPlugin>();
@@ -54,6 +58,58 @@ template <class Object> struct SequenceObjectTest : testing::Test {
 
 using Objects = testing::Types<VisualObject, AudioObject>;
 TYPED_TEST_SUITE(SequenceObjectTest, Objects);
+
+TYPED_TEST(SequenceObjectTest, StartsWithThePropertiesOfItsClass)
+{
+    using Kinds = std::vector<NewProperty>;
+    constexpr bool isSound = std::is_same_v<TypeParam, AudioObject>;
+    const Point2 origin{0, 0};
+    const Kinds expected = isSound
+                               ? Kinds{{"audioLevel", 0.f, true}, {"speed", 1.0, true}}
+                               : Kinds{{"opacity", 100.f, true},     {"anchorPoint", origin, true},
+                                       {"position", origin, true},   {"scale", Scale3D{100, 100, 100}, true},
+                                       {"scaleLinked", true, false}, {"rotationZ", 0.f, true},
+                                       {"speed", 1.0, true}};
+    const auto fresh = TypeParam::Create(this->solid, this->sequence);
+    EXPECT_EQ(PropertiesOf(fresh->Properties()), expected);
+    EXPECT_EQ(static_cast<int>(fresh->Type()), isSound ? 1 : 0);
+    EXPECT_EQ(static_cast<int>(fresh->AssetInstanceType()), isSound ? 1 : 0);
+    EXPECT_EQ(fresh->Name(), u"Solid");
+    EXPECT_EQ(fresh->ParentSequenceID(), this->sequence->ID());
+    EXPECT_EQ(fresh->AssetID(), this->solid->ID());
+}
+
+TYPED_TEST(SequenceObjectTest, KeepsWhatIsSet)
+{
+    using Object = TypeParam;
+    const auto fresh = Object::Create(this->solid, this->sequence);
+    const KyID id = KyID::Generate();
+    const auto transition = Transition::Create(this->plugin);
+    ExpectStored("name", *fresh, &Object::Name, &Object::SetName, WideString(u"Take"));
+    ExpectStored("start", *fresh, &Object::AssetInstanceStart, &Object::SetAssetInstanceStart, 5);
+    ExpectStored("end", *fresh, &Object::EndFrame, &Object::SetEndFrame, 6);
+    ExpectStored("speed", *fresh, &Object::Speed, &Object::SetSpeed, 2.0);
+    ExpectStored("track", *fresh, &Object::ParentTrackID, &Object::SetParentTrackID, id);
+    ExpectStored("partner", *fresh, &Object::LinkedObjectID, &Object::SetLinkedObjectID, id);
+    ExpectStored("in", *fresh, &Object::IncomingTransition, &Object::SetIncomingTransition, transition);
+    ExpectStored("out", *fresh, &Object::OutgoingTransition, &Object::SetOutgoingTransition, transition);
+    fresh->ClearParentTrackID();
+    fresh->ClearLinkedObject();
+    fresh->ClearIncomingTransition();
+    fresh->ClearOutgoingTransition();
+    EXPECT_TRUE(fresh->ParentTrackID().IsNull() && fresh->LinkedObjectID().IsNull());
+    EXPECT_FALSE(fresh->IncomingTransition() || fresh->OutgoingTransition());
+    if constexpr (std::is_same_v<Object, AudioObject>) {
+        ExpectStored("muted", *fresh, &Object::IsMuted, &Object::SetMuted, true);
+        ExpectStored("level", *fresh, &Object::Levels, &Object::SetLevels, -6.f);
+    } else {
+        ExpectStored("opacity", *fresh, &Object::Opacity, &Object::SetOpacity, 25.f);
+        ExpectStored("link", *fresh, &Object::IsScaleLinked, &Object::SetScaleLinked, false);
+        ExpectStored("x", *fresh, &Object::ScaleX, &Object::SetScaleX, 30.0);
+        ExpectStored("y", *fresh, &Object::ScaleY, &Object::SetScaleY, 40.0);
+        EXPECT_EQ(fresh->ScaleX(), 30);
+    }
+}
 
 TYPED_TEST(SequenceObjectTest, CountsFramesUpToTheEndsOfInt)
 {

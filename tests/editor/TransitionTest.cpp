@@ -63,11 +63,15 @@ TEST_F(TransitionTest, SharesItsPropertiesButNotItsDataWithACopy)
     EXPECT_EQ(TestPlugin::Text(*copy), "bytes");
 
     // What the plug-in set when it heard of the copy does not count.
+    NarrowString ofCopy;
     TestPlugin::Text(*transition).clear();
+    plugin->dataOfNew = &ofCopy;
     EXPECT_EQ(Transition::Copy(transition)->InstanceData(), nullptr);
+}
 
-    manager->plugins.clear();
-    plugin.reset();
+TEST(Transition, OutlivesItsPlugin)
+{
+    const auto transition = Transition::Create(std::make_shared<TestPlugin>());
     EXPECT_EQ(Transition::Copy(transition), nullptr);
     EXPECT_THROW(static_cast<void>(transition->Serialize()), std::logic_error);
 }

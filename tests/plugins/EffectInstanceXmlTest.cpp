@@ -130,21 +130,65 @@ TEST_F(EffectInstanceXmlTest, KeepsWhateverThePluginAppends)
         auto &instance = *static_cast<QDomElement *>(element);
         EXPECT_EQ(dom.documentElement(), instance);
         EXPECT_EQ(instance.firstChildElement("Name").text(), QString("Soft & \u00e4"));
+        EXPECT_FALSE(instance.firstChildElement("PropertyManager").firstChildElement("amount").isNull());
+        EXPECT_EQ(instance.firstChildElement("UIState").elementsByTagName("Property").count(), 2);
         instance.setAttribute("zoom", "<1>");
         instance.setAttribute("angle", 2);
         QDomElement more = dom.createElement("More");
         instance.appendChild(more).appendChild(dom.createTextNode("text"));
-        instance.appendChild(dom.createElement("ID"));
+        instance.insertBefore(dom.createElement("ID"), instance.firstChild());
+        instance.insertAfter(dom.createElement("Between"), instance.firstChildElement("Enabled"));
     };
     const std::string text = Text();
     EXPECT_THAT(text, testing::StartsWith("<Instance Version=\"2\" angle=\"2\" zoom=\"&lt;1>\">\n <ID>"));
-    EXPECT_THAT(text, testing::EndsWith(" <InstanceBytes Base64=\"Ynl0ZXM=\"/>\n"
-                                        " <More>text</More>\n"
+    // Behind the library's own, which is read by its names.
+    EXPECT_THAT(text, testing::EndsWith(" </UIState>\n"
                                         " <ID/>\n"
+                                        " <Between/>\n"
+                                        " <InstanceBytes Base64=\"Ynl0ZXM=\"/>\n"
+                                        " <More>text</More>\n"
                                         "</Instance>\n"));
     plugin->calls.clear();
     EXPECT_EQ(ToUtf8(Read(text)->Serialize()), text);
     EXPECT_THAT(plugin->calls, testing::ElementsAre("created", "read", "saved", "destroyed"));
+}
+
+TEST_F(EffectInstanceXmlTest, KeepsWhatThePluginPutsIntoTheChildrenOfTheLibrary)
+{
+    const std::string before = Text();
+    plugin->whenSaved = [](AbstractPluginInstance *, void *document, void *element) {
+        auto &dom = *static_cast<QDomDocument *>(document);
+        QDomElement state = static_cast<QDomElement *>(element)->firstChildElement("UIState");
+        QDomNode deep = state.insertBefore(dom.createElement("Deep"), state.firstChild());
+        for (int i = 0; i < 3; ++i)
+            deep = deep.appendChild(dom.createElement("Deeper"));
+    };
+    const std::string text = Text();
+    EXPECT_THAT(
+        text,
+        HasSubstr(
+            "<UIState>\n"
+            "  <Deep>\n   <Deeper>\n    <Deeper>\n     <Deeper/>\n    </Deeper>\n   </Deeper>\n  </Deep>\n"
+            "  <Property name=\"amount\" vis=\"0\"/>\n"));
+    EXPECT_EQ(Text(), text);
+    const auto read = Read(text);
+    EXPECT_EQ(ToUtf8(read->Serialize()), text);
+    plugin->whenSaved = {};
+    EXPECT_EQ(ToUtf8(read->Serialize()), before);
+}
+
+TEST_F(EffectInstanceXmlTest, FindsTheSameBytesInTheFileAndForACopy)
+{
+    // Those that come first, wherever they stand.
+    plugin->whenSaved = [](AbstractPluginInstance *instance, void *document, void *element) {
+        auto &dom = *static_cast<QDomElement *>(element);
+        unsigned char first[] = "first";
+        QDomElement box = static_cast<QDomDocument *>(document)->createElement("Box");
+        instance->SerializeInstanceDataBytes(first, 5, document, &box);
+        dom.insertBefore(box.firstChild(), dom.firstChild());
+    };
+    EXPECT_EQ(TestPlugin::Text(*Read(Text())), "first");
+    EXPECT_EQ(TestPlugin::Text(*EffectInstance::Copy(effect)), "first");
 }
 
 TEST_F(EffectInstanceXmlTest, WritesNoBytesWhereThereAreNone)

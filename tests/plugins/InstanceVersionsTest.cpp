@@ -74,6 +74,29 @@ TEST_P(InstanceVersions, AboveTheNewestAreRefusedBeforeAnythingIsRead)
     EXPECT_THROW(Read("<" + GetParam() + " Version=\"3\"/>"), InvalidProjectVersionException);
 }
 
+TEST_P(InstanceVersions, TakeOverTheExpressionsOfTheFile)
+{
+    const auto instance = Read(Document(2));
+    instance->Properties().Expression("amount") = "2 * x";
+    plugin->properties.Expression("amount") = "of the plug-in";
+    plugin->properties.Expression("smooth") = "of the plug-in";
+    const auto read = Read(ToUtf8(instance->Serialize()));
+    EXPECT_EQ(read->Properties().Expression("amount"), "2 * x");
+    EXPECT_EQ(read->Properties().Expression("smooth"), "");
+    EXPECT_EQ(read->Serialize(), instance->Serialize());
+}
+
+TEST_P(InstanceVersions, KnowTheirKindAndTellThePluginOfAChange)
+{
+    const auto instance = Read(Document(2));
+    const bool isEffect = GetParam() == "Instance";
+    EXPECT_EQ(static_cast<int>(instance->Type()), isEffect ? 0 : 1);
+    plugin->calls.clear();
+    instance->NotifyPropertyChanged("amount");
+    EXPECT_EQ(plugin->calls, std::vector<NarrowString>{"changed amount"});
+    EXPECT_THROW(instance->NotifyPropertyChanged(nullptr), std::invalid_argument);
+}
+
 INSTANTIATE_TEST_SUITE_P(Kinds, InstanceVersions, testing::Values("Instance", "Transition"));
 
 } // namespace

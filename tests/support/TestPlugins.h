@@ -10,8 +10,8 @@
 #include <marlet/plugins/PluginUILayerPicker.h>
 #include <marlet/plugins/PluginUINode.h>
 #include <marlet/plugins/PluginUISliderFloat.h>
+#include <marlet/plugins/WithoutHostOperations.h>
 
-#include <deque>
 #include <functional>
 #include <stdexcept>
 #include <vector>
@@ -22,10 +22,10 @@ namespace marlet::test
 using namespace marlet::project;
 using kytl::KyID;
 
-/// A plug-in that keeps a text for each instance, notes the calls that it gets, and fails on demand. Its
-/// panel shows "amount", hides "smooth" and picks "layer". As a filter it widens frames by 10, 20, 3 and 4
-/// pixels.
-class TestPlugin : public AbstractPlugin2D
+/// A plug-in that keeps a text of its own for each instance, notes the calls that it gets, and fails on
+/// demand. A text goes with its instance, so that each that is lost or freed twice is noticed. Its panel
+/// shows "amount", hides "smooth" and picks "layer". As a filter it widens frames by 10, 20, 3 and 4 pixels.
+class TestPlugin : public WithoutHostOperations<AbstractPlugin2D>
 {
 public:
     using Instance = AbstractPluginInstance *;
@@ -46,6 +46,8 @@ public:
     std::function<void(Instance, void *document, void *element)> whenSaved;
     /// Runs in InstanceCreated.
     std::function<void(Instance)> whenCreated;
+    /// What InstanceCreated sets as their data.
+    void *dataOfNew = nullptr;
     /// Instances that were created and not destroyed yet.
     int living = 0;
 
@@ -62,8 +64,10 @@ public:
     }
 
     /// An instance's own text.
-    static NarrowString &Text(const AbstractPluginInstance &instance)
+    static NarrowString &Text(AbstractPluginInstance &instance)
     {
+        if (instance.InstanceData() == nullptr)
+            instance.SetInstanceData(new NarrowString);
         return *static_cast<NarrowString *>(instance.InstanceData());
     }
 
@@ -79,11 +83,12 @@ public:
         if (whenCreated)
             whenCreated(instance);
         Note("created");
-        KeepTextOf(instance);
+        instance->SetInstanceData(dataOfNew);
         ++living;
     }
-    void InstanceDestroyed(Instance) override
+    void InstanceDestroyed(Instance instance) override
     {
+        delete static_cast<NarrowString *>(instance->InstanceData());
         --living;
         Note("destroyed");
     }
@@ -99,8 +104,6 @@ public:
     }
     void DeserializeInstance(Instance instance, unsigned char *bytes, int size) override
     {
-        if (instance->InstanceData() == nullptr)
-            KeepTextOf(instance);
         Text(*instance).assign(reinterpret_cast<const char *>(bytes), static_cast<std::size_t>(size));
         Note("read");
     }
@@ -122,19 +125,7 @@ public:
         *bottom += 4;
     }
 
-    void HostOperation1() override {}
-    void HostOperation2() override {}
-    void HostOperation3() override {}
-    void HostOperation4() override {}
-    void HostOperation5() override {}
-    void HostOperation6() override {}
-    void HostOperation7() override {}
-    void HostOperation8() override {}
-
 private:
-    std::deque<NarrowString> texts_;
-
-    void KeepTextOf(Instance instance) { instance->SetInstanceData(&texts_.emplace_back()); }
     void Note(const NarrowString &call)
     {
         calls.push_back(call);
@@ -143,7 +134,7 @@ private:
     }
 };
 
-class TestPluginManager : public AbstractPluginManager
+class TestPluginManager : public WithoutHostOperations<AbstractPluginManager>
 {
 public:
     std::vector<std::shared_ptr<TestPlugin>> plugins;
@@ -157,9 +148,6 @@ public:
     }
 
     void AttachProject(const std::shared_ptr<Project> &) override {}
-    void HostOperation1() override {}
-    void HostOperation2() override {}
-    void HostOperation3() override {}
 };
 
 } // namespace marlet::test

@@ -1,5 +1,7 @@
 #include <tests/support/LayerStage.h>
 #include <tests/support/LayerTexts.h>
+#include <tests/support/NewProperties.h>
+#include <tests/support/Setters.h>
 
 #include <marlet/layers/AssetLayer.h>
 #include <marlet/project/SolidAsset.h>
@@ -12,6 +14,8 @@ namespace marlet::test
 {
 namespace
 {
+
+using Point2 = kytl::matl::KyPoint<2, float>;
 
 std::shared_ptr<AssetLayer> LayerWith(const std::shared_ptr<Tracker> &tracker)
 {
@@ -49,6 +53,51 @@ TEST(Tracker, ReadsAnyValueOfTheHostAndNamesThePropertyThatIsMissing)
         EXPECT_EQ(FailureOf(Replaced(text, inTracker, Without(inTracker, name))), std::string("9 ") + name);
     EXPECT_EQ(FailureOf(Replaced(text, inTracker, Without(inTracker, "PropertyManager"))),
               "9 featurePosition");
+}
+
+TEST(Tracker, StartsWithTwoPointsOfWhichOneIsSeen)
+{
+    const auto tracker = NewTracker();
+    EXPECT_EQ(tracker->Name(), u"Nose");
+    EXPECT_EQ(static_cast<int>(tracker->Type()), 0);
+    EXPECT_EQ(static_cast<int>(tracker->Method()), 0);
+    EXPECT_EQ(static_cast<int>(tracker->Purpose()), 1);
+    EXPECT_EQ(tracker->TransformationOptions(), 3u);
+    EXPECT_TRUE(tracker->ParentLayerID().IsNull() && tracker->DestinationLayerID().IsNull());
+    const std::pair<std::shared_ptr<TrackingPoint>, Point2> kPoints[] = {
+        {tracker->PrimaryTrackingPoint(), {1, 2}}, {tracker->SecondaryTrackingPoint(), {3, 4}}};
+    for (const auto &[point, position] : kPoints) {
+        const bool isPrimary = position.X == 1;
+        EXPECT_EQ(static_cast<int>(point->Type()), isPrimary ? 0 : 1);
+        EXPECT_EQ(point->IsVisible(), isPrimary);
+        EXPECT_EQ(point->ParentTrackerID(), tracker->ID());
+        const std::vector<NewProperty> expected = {{"featurePosition", position, true},
+                                                   {"featureDimensions", Point2{20, 20}, false},
+                                                   {"featureOffset", Point2{0, 0}, true},
+                                                   {"searchPosition", Point2{0, 0}, false},
+                                                   {"searchDimensions", Point2{60, 60}, false}};
+        EXPECT_EQ(PropertiesOf(point->Animation()), expected);
+    }
+}
+
+TEST(Tracker, KeepsWhatIsSet)
+{
+    const auto tracker = NewTracker();
+    const KyID id = KyID::Generate();
+    ExpectStored("name", *tracker, &Tracker::Name, &Tracker::SetName, WideString(u"Eye"));
+    ExpectStored("type", *tracker, &Tracker::Type, &Tracker::SetType, Tracker::TrackerType::TwoPoints);
+    ExpectStored("method", *tracker, &Tracker::Method, &Tracker::SetMethod,
+                 Tracker::TrackerMethod::TemplateMatching);
+    ExpectStored("purpose", *tracker, &Tracker::Purpose, &Tracker::SetPurpose, Tracker::TrackerPurpose{4});
+    ExpectStored("options", *tracker, &Tracker::TransformationOptions, &Tracker::SetTransformationOptions,
+                 5u);
+    ExpectStored("layer", *tracker, &Tracker::ParentLayerID, &Tracker::SetParentLayerID, id);
+    ExpectStored("destination", *tracker, &Tracker::DestinationLayerID, &Tracker::SetDestinationLayerID, id);
+    ExpectStored("visible", *tracker->PrimaryTrackingPoint(), &TrackingPoint::IsVisible,
+                 &TrackingPoint::SetVisible, false);
+    tracker->ClearParentLayerID();
+    tracker->ClearDestinationLayerID();
+    EXPECT_TRUE(tracker->ParentLayerID().IsNull() && tracker->DestinationLayerID().IsNull());
 }
 
 TEST(Tracker, CopiesWithNewIDsAndItsOwnPoints)

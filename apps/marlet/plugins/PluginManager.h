@@ -2,6 +2,7 @@
 
 #include <marlet/plugins/AbstractPluginManager.h>
 #include <marlet/plugins/AbstractPluginTreeNode.h>
+#include <marlet/plugins/WithoutHostOperations.h>
 
 #include <memory>
 #include <vector>
@@ -10,7 +11,7 @@ namespace marlet::tool
 {
 
 /// The tool's directory of plug-ins: it makes each of them once and owns them.
-class PluginManager : public project::AbstractPluginManager
+class PluginManager : public project::WithoutHostOperations<project::AbstractPluginManager>
 {
 public:
     PluginManager();
@@ -18,12 +19,6 @@ public:
     /// Nothing here depends on the project that uses the plug-ins.
     void AttachProject(const std::shared_ptr<project::Project> &) override {}
     std::shared_ptr<project::AbstractPlugin> FindPlugin(const kytl::KyID &id) override;
-
-    // The library calls none of these, and the tool has no use for them.
-
-    void HostOperation1() override {}
-    void HostOperation2() override {}
-    void HostOperation3() override {}
 
     /// The catalogue, by category.
     const std::shared_ptr<project::AbstractPluginTreeNode> &Tree() const { return tree_; }

@@ -4,6 +4,7 @@
 #include <marlet/foundation/KyID.h>
 #include <marlet/layers/Abstract3DEffect.h>
 #include <marlet/layers/Abstract3DEffectFactory.h>
+#include <marlet/plugins/WithoutHostOperations.h>
 
 #include <memory>
 
@@ -21,7 +22,7 @@ namespace marlet::tool
 /// the winding and width of the band in pixels, turns, a colour, and a picture on the paper.
 ///
 /// It owns its properties and shares its picture with the project's cache.
-class Ribbon : public project::Abstract3DEffect
+class Ribbon : public project::WithoutHostOperations<project::Abstract3DEffect>
 {
 public:
     static constexpr char kTypeName[] = "Ribbon";
@@ -48,19 +49,6 @@ public:
     bool IsLayerReferenced(const std::shared_ptr<project::CompositionAsset> &composition,
                            const kytl::KyID &layerID) const override;
     bool IsTextureListReferenced(const kytl::KyID &textureID) const override;
-
-    // The library calls none of these, and the tool has no use for them.
-
-    void HostOperation1() override {}
-    void HostOperation2() override {}
-    void HostOperation3() override {}
-    void HostOperation4() override {}
-    void HostOperation5() override {}
-    void HostOperation6() override {}
-    void HostOperation7() override {}
-    void HostOperation8() override {}
-    void HostOperation9() override {}
-    void HostOperation10() override {}
 
     const kytl::KyID &ID() const { return id_; }
     project::PropertyManager &Properties() { return *properties_; }

@@ -4,6 +4,7 @@
 
 #include <marlet/plugins/AbstractPlugin2D.h>
 #include <marlet/plugins/AbstractPluginInstance.h>
+#include <marlet/plugins/WithoutHostOperations.h>
 
 #include <vector>
 
@@ -30,7 +31,7 @@ public:
 
 /// A plug-in that consists of properties and their panel, which is all that most need. Interface is one of
 /// the library's two classes of plug-ins.
-template <class Interface> class ToolPlugin : public Interface
+template <class Interface> class ToolPlugin : public project::WithoutHostOperations<Interface>
 {
 public:
     using Instance = project::AbstractPluginInstance;
@@ -55,16 +56,6 @@ public:
     void DeserializeInstance(Instance *, unsigned char *, int) override {}
     void PropertyChanged(Instance *, const char *) override {}
 
-    // The library calls none of these, and the tool has no use for them.
-
-    void HostOperation1() override {}
-    void HostOperation2() override {}
-    void HostOperation3() override {}
-    void HostOperation4() override {}
-    void HostOperation5() override {}
-    void HostOperation6() override {}
-    void HostOperation7() override {}
-
 private:
     PluginIdentity identity_;
     int kind_;
@@ -83,7 +74,6 @@ public:
     void FilterMargins(project::EffectInstance *effect, project::FilterSurface *surface, int width,
                        int height, float scale, float, bool, int time, int *left, int *right, int *top,
                        int *bottom) override;
-    void HostOperation8() override {}
 
 protected:
     struct Margins {
