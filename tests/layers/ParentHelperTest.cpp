@@ -126,7 +126,7 @@ TEST(ParentHelper, TakesAFrameForOneThatCannotBeInvertedIfRoundingMayBeAllThatIs
     const auto grandparent = f.AddPoint();
     f.parent->SetParentLayer(grandparent);
     for (const auto &layer : {f.parent, grandparent}) {
-        Set(*layer, "scale", Scale3D{0, 100, 100});
+        Set(*layer, "scale", Scale3D{1e-6, 100, 100});
         Set(*layer, "rotationZ", 35.f);
     }
     Set(*f.layer, "position", Point{10, 20, 0});
