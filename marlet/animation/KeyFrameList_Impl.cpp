@@ -65,8 +65,7 @@ KeyFrameList_Impl::~KeyFrameList_Impl()
         place.temporal.Reset();
         pool_.Destroy(place.node);
     }
-    for (const auto &[time, node] : late_)
-        pool_.Destroy(node);
+    late_.ForEachReverse([this](KeyFrameNode *node, int) { pool_.Destroy(node); });
     DestroyRemoved();
 }
 
@@ -75,7 +74,7 @@ std::size_t KeyFrameList_Impl::Count() const
     if (!hasLate_.load(std::memory_order_acquire))
         return Size();
     const kytl::thread::KyScopedLock lock(lock_);
-    return Size() + late_.size();
+    return Size() + late_.Count();
 }
 
 KeyFrame *KeyFrameList_Impl::FirstAt(int time) const
@@ -86,8 +85,8 @@ KeyFrame *KeyFrameList_Impl::FirstAt(int time) const
     const std::size_t position = FirstFrom(time);
     if (position < Size() && times[position] == time)
         return &places[position].node->key;
-    const auto late = late_.lower_bound(time);
-    return late != late_.end() && late->first == time ? &late->second->key : nullptr;
+    KeyFrameNode *late = late_.FirstAt(time);
+    return late != nullptr ? &late->key : nullptr;
 }
 
 std::size_t KeyFrameList_Impl::FirstFrom(int time) const
@@ -160,11 +159,11 @@ const KeyFrameList_Impl::IDIndex &KeyFrameList_Impl::Index() const
 
 void KeyFrameList_Impl::Add(const KeyFrame &key)
 {
-    const std::size_t count = Size() + late_.size();
+    const std::size_t count = Size() + late_.Count();
     MakeRoom(times, count);
     MakeRoom(places, count);
     const bool isLate = !times.empty() && times.back() > key.time_;
-    if (isLate || !late_.empty()) {
+    if (isLate || late_.Count() > 0) {
         AddLate(key);
         return;
     }
@@ -178,21 +177,20 @@ void KeyFrameList_Impl::Add(const KeyFrame &key)
 void KeyFrameList_Impl::AddLate(const KeyFrame &key)
 {
     const int time = key.time_;
-    KeyFrameNode *node = pool_.Make(key, epoch_);
-    const auto from = late_.lower_bound(time);
-    const auto after = late_.upper_bound(time);
-    const std::size_t placeFrom = FirstFrom(time);
-    const std::size_t placeAfter = FirstAfter(time);
-
     // Of two neighbours at one time, the late one stands behind the other.
-    const KeyFrame *previous = placeFrom == 0 ? nullptr : &Key(placeFrom - 1);
-    if (from != late_.begin() && (previous == nullptr || previous->time_ <= std::prev(from)->first))
-        previous = &std::prev(from)->second->key;
-    const KeyFrame *next = placeAfter == Size() ? nullptr : &Key(placeAfter);
-    if (after != late_.end() && (next == nullptr || after->first < next->time_))
-        next = &after->second->key;
+    const std::size_t from = FirstFrom(time);
+    const KeyFrame *previous = from == 0 ? nullptr : &Key(from - 1);
+    const KeyFrameNode *lateBefore = late_.LastBefore(time);
+    if (lateBefore != nullptr && (previous == nullptr || previous->time_ <= lateBefore->key.time_))
+        previous = &lateBefore->key;
+    const std::size_t after = FirstAfter(time);
+    const KeyFrame *next = after == Size() ? nullptr : &Key(after);
+    const KeyFrameNode *lateAfter = late_.FirstAfter(time);
+    if (lateAfter != nullptr && (next == nullptr || lateAfter->key.time_ < next->time_))
+        next = &lateAfter->key;
 
-    late_.emplace_hint(after, time, node);
+    KeyFrameNode *node = pool_.Make(key, epoch_);
+    late_.Insert(node, time);
     hasLate_.store(true, std::memory_order_relaxed);
     MarkAdded(node->key, previous, next);
     EnterInIndex(node->key);
@@ -202,14 +200,13 @@ void KeyFrameList_Impl::AddLate(const KeyFrame &key)
 void KeyFrameList_Impl::TakeInLate() const
 {
     const kytl::thread::KyScopedLock lock(lock_);
-    if (late_.empty())
+    if (late_.Count() == 0)
         return; // another thread came first
     std::size_t last = Size();
-    std::size_t end = last + late_.size();
+    std::size_t end = last + late_.Count();
     times.resize(end);
     places.resize(end);
-    for (auto late = late_.rbegin(); late != late_.rend(); ++late) {
-        const auto &[time, node] = *late;
+    late_.ForEachReverse([&](KeyFrameNode *node, int time) {
         const auto sorted = times.begin() + static_cast<std::ptrdiff_t>(last);
         const auto first =
             static_cast<std::size_t>(std::upper_bound(times.begin(), sorted, time) - times.begin());
@@ -219,8 +216,8 @@ void KeyFrameList_Impl::TakeInLate() const
         last = first;
         times[end] = time;
         places[end] = {node};
-    }
-    late_.clear();
+    });
+    late_.Clear();
     hasLate_.store(false, std::memory_order_release);
 }
 

@@ -1,12 +1,11 @@
 #pragma once
 
 #include <marlet/animation/KeyFrameList.h>
-#include <marlet/animation/KeyFrameNode.h>
+#include <marlet/animation/LateKeyFrames.h>
 #include <marlet/animation/SortedTimes.h>
 #include <marlet/foundation/KyCriticalSection.h>
 
 #include <atomic>
-#include <map>
 #include <optional>
 #include <unordered_map>
 
@@ -85,9 +84,6 @@ struct KeyFrameList_Impl {
 
 private:
     friend class KeyFrameWalk;
-
-    /// Those of one time in the order of adding.
-    using LateKeyFrames = std::multimap<int, KeyFrameNode *>;
 
     /// A table that was replaced, while another thread may still be reading it.
     struct Retired {
