@@ -13,7 +13,7 @@ namespace
 
 /// A figure to reach: what was measured, alone or beside something else.
 struct Figure {
-    enum class Kind { Ratio, Difference, Count, Milliseconds };
+    enum class Kind { Ratio, Difference, Count, Milliseconds, Microseconds };
     enum class Bound { AtMost, AtLeast };
 
     const char *text;
@@ -53,6 +53,10 @@ constexpr Figure kFigures[] = {
      30},
     {"value of 100,000 keys / of 1,000, random times", Kind::Ratio, "AtRandom/ByID/100000",
      "AtRandom/ByID/1000", Bound::AtMost, 5},
+    {"add 100,000 key frames at random / in order", Kind::Ratio, "AddAtRandom", "AddInOrder", Bound::AtMost,
+     15},
+    {"move one of 20,000 key frames anywhere, us", Kind::Microseconds, "MoveKeyFrame", nullptr, Bound::AtMost,
+     5},
     {"world matrix three parents deep, allocations", Kind::Count, "WorldThreeParentsDeep:allocations",
      nullptr, Bound::AtMost, 0},
     {"throughput of two threads / of one", Kind::Ratio, "WorldOfScene/1", "WorldOfScene/2", Bound::AtLeast,
@@ -151,6 +155,8 @@ void Report::PrintTable() const
         std::string source;
         if (figure.kind == Kind::Milliseconds) {
             value /= 1e6;
+        } else if (figure.kind == Kind::Microseconds) {
+            value /= 1e3;
         } else if (figure.kind != Kind::Count) {
             value = figure.kind == Kind::Ratio ? *first / *second : *first - *second;
             source = TimeText(*first) + ", " + TimeText(*second);

@@ -1,7 +1,8 @@
 #include <marlet/animation/KeyFrameList.h>
 
-#include <marlet/animation/KeyFrameList_Impl.h>
+#include <marlet/animation/KeyFrameWalk.h>
 #include <marlet/animation/PropertyValueXml.h>
+#include <marlet/foundation/Arguments.h>
 #include <marlet/foundation/xml/XmlReader.h>
 #include <marlet/foundation/xml/XmlWriter.h>
 
@@ -31,18 +32,39 @@ kytl::matl::KyVector<2, float> ReadHandle(const XmlCursor &element)
     return handle;
 }
 
-const KeyFrame &RequireOne(const KeyFrameList_Impl &list, std::size_t position)
+const KeyFrameList_Impl &RequireAny(const KeyFrameList_Impl &list)
 {
-    if (list.Size() == 0)
+    if (list.InOrder().Size() == 0)
         throw std::out_of_range("There are no key frames");
-    return list.Key(position);
+    return list;
+}
+
+/// Calls a callback on its own copy of each key frame.
+auto OnCopies(const std::function<void(const KeyFrame &)> &callback)
+{
+    return [&callback](const KeyFrame &key) {
+        callback(KeyFrame(key));
+        return false;
+    };
+}
+
+auto InPlace(const std::function<void(KeyFrame &)> &callback)
+{
+    return [&callback](KeyFrame &key) {
+        callback(key);
+        return false;
+    };
 }
 
 } // namespace
 
 KeyFrameList::KeyFrameList() = default;
 KeyFrameList::KeyFrameList(const KeyFrameList &other) = default;
-KeyFrameList::~KeyFrameList() = default;
+
+KeyFrameList::~KeyFrameList()
+{
+    KeyFrameWalk::Release(std::move(impl_));
+}
 
 KeyFrameList &KeyFrameList::operator=(KeyFrameList other)
 {
@@ -52,27 +74,28 @@ KeyFrameList &KeyFrameList::operator=(KeyFrameList other)
 
 bool KeyFrameList::IsEmpty() const
 {
-    return impl_->Size() == 0;
+    return impl_->Count() == 0;
 }
 
 unsigned int KeyFrameList::Count() const
 {
-    return static_cast<unsigned int>(impl_->Size());
+    return static_cast<unsigned int>(impl_->Count());
 }
 
 unsigned int KeyFrameList::CountAt(int time) const
 {
-    return static_cast<unsigned int>(impl_->FirstAfter(time) - impl_->FirstFrom(time));
+    const KeyFrameList_Impl &list = impl_->InOrder();
+    return static_cast<unsigned int>(list.FirstAfter(time) - list.FirstFrom(time));
 }
 
 bool KeyFrameList::Exists(int time) const
 {
-    return std::ranges::binary_search(impl_->times, time);
+    return impl_->FirstAt(time) != nullptr;
 }
 
 bool KeyFrameList::Exists(const kytl::KyID &id, int *time) const
 {
-    const std::optional<std::size_t> position = impl_->TryFind(id);
+    const std::optional<std::size_t> position = impl_->InOrder().TryFind(id);
     if (position && time != nullptr)
         *time = impl_->times[*position];
     return position.has_value();
@@ -80,117 +103,112 @@ bool KeyFrameList::Exists(const kytl::KyID &id, int *time) const
 
 std::vector<kytl::KyID> KeyFrameList::Identifiers() const
 {
-    std::vector<kytl::KyID> ids(impl_->Size());
-    std::ranges::transform(impl_->places, ids.begin(),
+    std::vector<kytl::KyID> ids(impl_->Count());
+    std::ranges::transform(impl_->InOrder().places, ids.begin(),
                            [](const KeyFramePlace &place) { return place.node->key.ID(); });
     return ids;
 }
 
 std::vector<kytl::KyID> KeyFrameList::IdentifiersAt(int time) const
 {
+    const KeyFrameList_Impl &list = impl_->InOrder();
     std::vector<kytl::KyID> ids;
-    const std::size_t end = impl_->FirstAfter(time);
-    for (std::size_t i = impl_->FirstFrom(time); i < end; ++i)
-        ids.push_back(impl_->Key(i).ID());
+    const std::size_t end = list.FirstAfter(time);
+    for (std::size_t i = list.FirstFrom(time); i < end; ++i)
+        ids.push_back(list.Key(i).ID());
     return ids;
 }
 
 std::vector<int> KeyFrameList::Locations() const
 {
-    return impl_->times;
+    return impl_->InOrder().times;
 }
 
 KeyFrame &KeyFrameList::At(int time)
 {
-    return impl_->Key(impl_->Find(time));
+    return impl_->InOrder().Key(impl_->InOrder().Find(time));
 }
 
 const KeyFrame &KeyFrameList::At(int time) const
 {
-    return impl_->Key(impl_->Find(time));
+    return impl_->InOrder().Key(impl_->InOrder().Find(time));
 }
 
 KeyFrame &KeyFrameList::GetByID(const kytl::KyID &id)
 {
-    return impl_->Key(impl_->Find(id));
+    return impl_->InOrder().Key(impl_->InOrder().Find(id));
 }
 
 const KeyFrame &KeyFrameList::GetByID(const kytl::KyID &id) const
 {
-    return impl_->Key(impl_->Find(id));
+    return impl_->InOrder().Key(impl_->InOrder().Find(id));
 }
 
 const KeyFrame &KeyFrameList::FirstByTime() const
 {
-    return RequireOne(*impl_, 0);
+    return RequireAny(*impl_).Key(0);
 }
 
 const KeyFrame &KeyFrameList::LastByTime() const
 {
-    return RequireOne(*impl_, impl_->Size() - 1);
+    const KeyFrameList_Impl &list = RequireAny(*impl_);
+    return list.Key(list.Size() - 1);
 }
 
 const KeyFrame &KeyFrameList::NearestToTime(int time) const
 {
-    const std::size_t next = impl_->FirstFrom(time);
-    if (next == impl_->Size())
-        return LastByTime();
+    const KeyFrameList_Impl &list = RequireAny(*impl_);
+    const std::size_t next = list.FirstFrom(time);
+    if (next == list.Size())
+        return list.Key(next - 1);
     if (next == 0)
-        return FirstByTime();
-    const std::int64_t before = std::int64_t{time} - impl_->times[next - 1];
-    const std::int64_t after = std::int64_t{impl_->times[next]} - time;
+        return list.Key(0);
+    const std::int64_t before = std::int64_t{time} - list.times[next - 1];
+    const std::int64_t after = std::int64_t{list.times[next]} - time;
     const bool takesNext = after == 0 || after < before;
-    return impl_->Key(takesNext ? next : next - 1);
+    return list.Key(takesNext ? next : next - 1);
 }
 
 void KeyFrameList::AdjacentKeyFrames(int time, const KeyFrame **before, const KeyFrame **after) const
 {
-    const std::size_t from = impl_->FirstFrom(time);
-    const std::size_t next = impl_->FirstAfter(time);
-    *before = from == 0 ? nullptr : &impl_->Key(from - 1);
-    *after = next == impl_->Size() ? nullptr : &impl_->Key(next);
+    Require(before, "pointer to the key frame before");
+    Require(after, "pointer to the key frame after");
+    const KeyFrameList_Impl &list = impl_->InOrder();
+    const std::size_t from = list.FirstFrom(time);
+    const std::size_t next = list.FirstAfter(time);
+    *before = from == 0 ? nullptr : &list.Key(from - 1);
+    *after = next == list.Size() ? nullptr : &list.Key(next);
 }
 
 bool KeyFrameList::Find(int &time, const std::function<bool(KeyFrame)> &predicate) const
 {
-    for (std::size_t i = 0; i < impl_->Size(); ++i) {
-        const int found = impl_->times[i];
-        if (predicate(impl_->Key(i))) {
+    return KeyFrameWalk(*impl_).Forward([&](const KeyFrame &key) {
+        const int found = key.Time();
+        const bool isAccepted = predicate(key);
+        if (isAccepted)
             time = found;
-            return true;
-        }
-    }
-    return false;
+        return isAccepted;
+    });
 }
-
-// The list is asked for its size each time, since a callback may have changed it.
 
 void KeyFrameList::ForEach(const std::function<void(const KeyFrame &)> &callback) const
 {
-    for (std::size_t i = 0; i < impl_->Size(); ++i)
-        callback(KeyFrame(impl_->Key(i)));
+    KeyFrameWalk(*impl_).Forward(OnCopies(callback));
 }
 
 void KeyFrameList::ForEachReverse(const std::function<void(const KeyFrame &)> &callback) const
 {
-    for (std::size_t i = impl_->Size(); i > 0; i = std::min(i - 1, impl_->Size()))
-        callback(KeyFrame(impl_->Key(i - 1)));
+    KeyFrameWalk(*impl_).Backward(OnCopies(callback));
 }
 
 void KeyFrameList::ForEach(const std::function<void(KeyFrame &)> &callback)
 {
-    const KeyFrameWalk walk(*impl_);
-    for (KeyFrameNode *node : walk.Nodes())
-        if (!node->isRemoved)
-            callback(node->key);
+    KeyFrameWalk(*impl_).Forward(InPlace(callback));
 }
 
 void KeyFrameList::ForEachReverse(const std::function<void(KeyFrame &)> &callback)
 {
-    const KeyFrameWalk walk(*impl_);
-    for (auto node = walk.Nodes().rbegin(); node != walk.Nodes().rend(); ++node)
-        if (!(*node)->isRemoved)
-            callback((*node)->key);
+    KeyFrameWalk(*impl_).Backward(InPlace(callback));
 }
 
 void KeyFrameList::Add(const KeyFrame &key)
@@ -200,37 +218,38 @@ void KeyFrameList::Add(const KeyFrame &key)
 
 void KeyFrameList::Set(int time, PropertyValue value)
 {
-    if (Exists(time))
-        At(time).value_ = value;
+    if (KeyFrame *key = impl_->FirstAt(time))
+        key->value_ = value;
     else
         Add(KeyFrame(time, value));
 }
 
 void KeyFrameList::Move(const kytl::KyID &id, int newTime)
 {
-    impl_->Move(impl_->Find(id), newTime);
+    impl_->Move(impl_->InOrder().Find(id), newTime);
 }
 
 void KeyFrameList::Remove(const kytl::KyID &id)
 {
-    const std::size_t position = impl_->Find(id);
+    const std::size_t position = impl_->InOrder().Find(id);
     impl_->Remove(position, position + 1);
 }
 
 void KeyFrameList::Remove(int time)
 {
-    impl_->Remove(impl_->FirstFrom(time), impl_->FirstAfter(time));
+    const KeyFrameList_Impl &list = impl_->InOrder();
+    impl_->Remove(list.FirstFrom(time), list.FirstAfter(time));
 }
 
 void KeyFrameList::ChangeKeyFrameID(const kytl::KyID &oldID, const kytl::KyID &newID)
 {
-    if (const std::optional<std::size_t> position = impl_->TryFind(oldID))
+    if (const std::optional<std::size_t> position = impl_->InOrder().TryFind(oldID))
         impl_->ChangeID(*position, newID);
 }
 
 void KeyFrameList::Clear()
 {
-    impl_->Remove(0, impl_->Size());
+    impl_->Remove(0, impl_->InOrder().Size());
 }
 
 bool KeyFrameList::IsSpatial() const
@@ -251,7 +270,7 @@ void KeyFrameList::SetSpatialType(SpatialDataType type)
 double KeyFrameList::ParamTforSpatialCurveLength(const KeyFrame &first, const KeyFrame &second,
                                                  double fraction) const
 {
-    return impl_->ParamTforSpatialCurveLength(first.Time(), second.Time(), fraction);
+    return impl_->InOrder().ParamTforSpatialCurveLength(first.Time(), second.Time(), fraction);
 }
 
 WideString KeyFrameList::SerializeKeyFrame(const KeyFrame &key)
@@ -296,10 +315,8 @@ KeyFrame KeyFrameList::DeserializeKeyFrame(const XmlCursor &element)
     key.type_ = type;
     key.incomingPoint_ = incomingPoint;
     key.outgoingPoint_ = outgoingPoint;
-    if (type != KeyFrameType::Linear) {
-        key.incomingCurveDirty_.Store(true);
-        key.outgoingCurveDirty_.Store(true);
-    }
+    if (type != KeyFrameType::Linear)
+        key.SetTemporalFlags();
     return key;
 }
 

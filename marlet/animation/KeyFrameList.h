@@ -57,12 +57,16 @@ public:
     /// @throws std::out_of_range if the list is empty.
     const KeyFrame &NearestToTime(int time) const;
     /// The last key frame strictly before that time and the first one strictly after it, or null. Those at
-    /// that very time are neither.
+    /// that very time are neither. @throws std::invalid_argument if a pointer to store to is null.
     void AdjacentKeyFrames(int time, const KeyFrame **before, const KeyFrame **after) const;
     /// Stores the time of the first key frame that the predicate accepts.
     bool Find(int &time, const std::function<bool(KeyFrame)> &predicate) const;
 
     /// The const forms hand out copies, the others the key frames themselves, to be changed in place.
+    ///
+    /// A callback, and a predicate too, may do anything to the list, even end it, and it may hold on to what
+    /// it was handed until it returns. Key frames that it adds are not passed, those that it removes are
+    /// passed over.
     void ForEach(const std::function<void(const KeyFrame &)> &callback) const;
     void ForEachReverse(const std::function<void(const KeyFrame &)> &callback) const;
     void ForEach(const std::function<void(KeyFrame &)> &callback);

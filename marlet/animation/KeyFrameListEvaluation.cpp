@@ -101,8 +101,8 @@ const TemporalTable &KeyFrameList_Impl::TemporalCurve(std::size_t piece) const
     const KeyFrame &b = Key(piece + 1);
     const TemporalInputs inputs{times[piece], times[piece + 1], a.outgoingPoint_.X, b.incomingPoint_.X};
     const TemporalTable *table = places[piece].temporal.Load();
-    if (table != nullptr && table->IsBuiltFrom(inputs) && !a.IsOutgoingCurveDirty() &&
-        !b.IsIncomingCurveDirty())
+    if (table != nullptr && table->IsBuiltFrom(inputs) && a.outgoingCurve_.Load() == epoch_ &&
+        b.incomingCurve_.Load() == epoch_)
         return *table;
     return CreateTemporalCurveCache(piece, inputs);
 }
@@ -111,12 +111,12 @@ const TemporalTable &KeyFrameList_Impl::CreateTemporalCurveCache(std::size_t pie
                                                                  const TemporalInputs &inputs) const
 {
     const kytl::thread::KyScopedLock lock(lock_);
-    AtomicOwner<const TemporalTable> &place = places[piece].temporal;
+    AtomicPointer<const TemporalTable> &place = places[piece].temporal;
     const TemporalTable *table = place.Load();
     if (table == nullptr || !table->IsBuiltFrom(inputs))
         table = &Replace(place, TemporalTable::Build(inputs));
-    Key(piece).outgoingCurveDirty_.Store(false);
-    Key(piece + 1).incomingCurveDirty_.Store(false);
+    Key(piece).outgoingCurve_.Store(epoch_);
+    Key(piece + 1).incomingCurve_.Store(epoch_);
     return *table;
 }
 
@@ -142,8 +142,8 @@ const SpatialTable &KeyFrameList_Impl::SpatialCurve(std::size_t piece) const
     if (!inputs)
         throw boost::bad_get();
     const SpatialTable *table = places[piece].node->spatial.Load();
-    if (table != nullptr && table->IsBuiltFrom(*inputs) && !Key(piece).IsSpatialCurveDirty() &&
-        !Key(piece + 1).IsSpatialCurveDirty())
+    if (Counts(table, *inputs) && Key(piece).spatialCurve_.Load() == epoch_ &&
+        Key(piece + 1).spatialCurve_.Load() == epoch_)
         return *table;
     return CreateSpatialCurveCache(piece, *inputs);
 }
@@ -152,9 +152,9 @@ const SpatialTable &KeyFrameList_Impl::CreateSpatialCurveCache(std::size_t piece
                                                                const SpatialInputs &inputs) const
 {
     const kytl::thread::KyScopedLock lock(lock_);
-    AtomicOwner<const SpatialTable> &place = places[piece].node->spatial;
+    AtomicPointer<const SpatialTable> &place = places[piece].node->spatial;
     const SpatialTable *table = place.Load();
-    if (table == nullptr || !table->IsBuiltFrom(inputs))
+    if (!Counts(table, inputs))
         table = &Replace(place, std::make_unique<SpatialTable>(inputs));
     const auto &[firstTangents, secondTangents] = table->Tangents();
     Key(piece).StoreTangents(firstTangents.incoming, firstTangents.outgoing);
@@ -162,13 +162,18 @@ const SpatialTable &KeyFrameList_Impl::CreateSpatialCurveCache(std::size_t piece
     return *table;
 }
 
+bool KeyFrameList_Impl::Counts(const SpatialTable *table, const SpatialInputs &inputs) const
+{
+    return table != nullptr && table->built > builtBefore_ && table->IsBuiltFrom(inputs);
+}
+
 /// Puts a table in its place, under the lock.
 ///
-/// Others may still be reading the one that was there. But it no longer matched, so the key frames have
+/// Others may still be reading the one that was there. But it no longer counted, so the key frames have
 /// changed since it was built, and whoever changed them had the list for itself: nobody can be reading what
 /// had been replaced before. Only what a change left behind is kept, however often the key frames change.
 template <class Table>
-const Table &KeyFrameList_Impl::Replace(AtomicOwner<const Table> &place, std::unique_ptr<Table> table) const
+const Table &KeyFrameList_Impl::Replace(AtomicPointer<const Table> &place, std::unique_ptr<Table> table) const
 {
     table->built = ++built_;
     const Table &result = *table;
@@ -190,7 +195,7 @@ double KeyFrameList_Impl::ParamTforSpatialCurveLength(int firstTime, int secondT
     if (next > 0 && next < Size() && times[next - 1] == firstTime && times[next] == secondTime) {
         const std::optional<SpatialInputs> inputs = InputsOfPath(next - 1);
         const SpatialTable *table = places[next - 1].node->spatial.Load();
-        if (inputs && table != nullptr && table->IsBuiltFrom(*inputs))
+        if (inputs && Counts(table, *inputs))
             return table->Parameter(fraction);
         if (inputs && inputs->first == inputs->second)
             throw std::runtime_error("Curve piece length has not been cached");

@@ -9,25 +9,51 @@ namespace marlet::project
 namespace
 {
 
-/// Makes sure that the next insertion cannot fail.
-template <class T> void MakeRoom(std::vector<T> &vector)
+/// Makes sure that the vector can grow beyond a size without failing.
+template <class T> void MakeRoom(std::vector<T> &vector, std::size_t size)
 {
-    if (vector.size() == vector.capacity())
-        vector.reserve(std::max<std::size_t>(1, 2 * vector.size()));
+    if (vector.capacity() <= size)
+        vector.reserve(std::max<std::size_t>(1, 2 * size));
+}
+
+/// Takes an element out and puts it in at another place, which is counted without it.
+template <class T> void Shift(std::vector<T> &vector, std::size_t from, std::size_t to)
+{
+    const T element = vector[from];
+    T *const data = vector.data();
+    if (from < to)
+        std::copy(data + from + 1, data + to + 1, data + from);
+    else
+        std::copy_backward(data + to, data + from, data + from + 1);
+    vector[to] = element;
+}
+
+/// Moves what stands from first to last so far back that it ends at end.
+template <class T> void MoveBack(std::vector<T> &vector, std::size_t first, std::size_t last, std::size_t end)
+{
+    T *const data = vector.data();
+    std::copy_backward(data + first, data + last, data + end);
+}
+
+template <class T> void Erase(std::vector<T> &vector, std::size_t first, std::size_t last)
+{
+    vector.erase(vector.begin() + static_cast<std::ptrdiff_t>(first),
+                 vector.begin() + static_cast<std::ptrdiff_t>(last));
 }
 
 } // namespace
 
 KeyFrameList_Impl::KeyFrameList_Impl(const KeyFrameList_Impl &other)
-    : times(other.times), spatialType(other.spatialType)
+    : times(other.InOrder().times), spatialType(other.spatialType)
 {
     places.reserve(other.places.size());
     for (const KeyFramePlace &place : other.places) {
-        places.push_back({pool_.Make(place.node->key)});
+        places.push_back({pool_.Make(place.node->key, epoch_)});
         // Unlike a temporal table, this one can be asked for before an evaluation would build it again.
-        if (const SpatialTable *table = place.node->spatial.Load()) {
+        const SpatialTable *table = place.node->spatial.Load();
+        if (table != nullptr && table->built > other.builtBefore_) {
             auto copy = std::make_unique<SpatialTable>(*table);
-            copy->built = 0;
+            copy->built = ++built_;
             places.back().node->spatial.Reset(copy.release());
         }
     }
@@ -35,10 +61,32 @@ KeyFrameList_Impl::KeyFrameList_Impl(const KeyFrameList_Impl &other)
 
 KeyFrameList_Impl::~KeyFrameList_Impl()
 {
-    for (const KeyFramePlace &place : places)
+    for (const KeyFramePlace &place : places) {
+        place.temporal.Reset();
         pool_.Destroy(place.node);
-    for (KeyFrameNode *node : removed_)
-        pool_.Destroy(node);
+    }
+    late_.ForEachReverse([this](KeyFrameNode *node, int) { pool_.Destroy(node); });
+    DestroyRemoved();
+}
+
+std::size_t KeyFrameList_Impl::Count() const
+{
+    if (!hasLate_.load(std::memory_order_acquire))
+        return Size();
+    const kytl::thread::KyScopedLock lock(lock_);
+    return Size() + late_.Count();
+}
+
+KeyFrame *KeyFrameList_Impl::FirstAt(int time) const
+{
+    std::optional<kytl::thread::KyScopedLock> lock;
+    if (hasLate_.load(std::memory_order_acquire))
+        lock.emplace(lock_);
+    const std::size_t position = FirstFrom(time);
+    if (position < Size() && times[position] == time)
+        return &places[position].node->key;
+    KeyFrameNode *late = late_.FirstAt(time);
+    return late != nullptr ? &late->key : nullptr;
 }
 
 std::size_t KeyFrameList_Impl::FirstFrom(int time) const
@@ -111,35 +159,86 @@ const KeyFrameList_Impl::IDIndex &KeyFrameList_Impl::Index() const
 
 void KeyFrameList_Impl::Add(const KeyFrame &key)
 {
-    MakeRoom(times);
-    MakeRoom(places);
-    Insert({pool_.Make(key)}, key.time_);
+    const std::size_t count = Size() + late_.Count();
+    MakeRoom(times, count);
+    MakeRoom(places, count);
+    const bool isLate = !times.empty() && times.back() > key.time_;
+    if (isLate || late_.Count() > 0) {
+        AddLate(key);
+        return;
+    }
+    places.push_back({pool_.Make(key, epoch_)});
+    times.push_back(key.time_);
+    const KeyFrame &added = Key(count);
+    MarkAdded(added, Before(count), nullptr);
+    EnterInIndex(added);
 }
 
-void KeyFrameList_Impl::Insert(KeyFramePlace place, int time)
+void KeyFrameList_Impl::AddLate(const KeyFrame &key)
 {
-    // Most come in the order of time.
-    const std::size_t position = times.empty() || times.back() <= time ? Size() : FirstAfter(time);
-    times.insert(times.begin() + static_cast<std::ptrdiff_t>(position), time);
-    const KeyFrame &key = place.node->key;
-    places.insert(places.begin() + static_cast<std::ptrdiff_t>(position), std::move(place));
-    MarkAdded(key, Before(position), After(position));
+    const int time = key.time_;
+    // Of two neighbours at one time, the late one stands behind the other.
+    const std::size_t from = FirstFrom(time);
+    const KeyFrame *previous = from == 0 ? nullptr : &Key(from - 1);
+    const KeyFrameNode *lateBefore = late_.LastBefore(time);
+    if (lateBefore != nullptr && (previous == nullptr || previous->time_ <= lateBefore->key.time_))
+        previous = &lateBefore->key;
+    const std::size_t after = FirstAfter(time);
+    const KeyFrame *next = after == Size() ? nullptr : &Key(after);
+    const KeyFrameNode *lateAfter = late_.FirstAfter(time);
+    if (lateAfter != nullptr && (next == nullptr || lateAfter->key.time_ < next->time_))
+        next = &lateAfter->key;
+
+    KeyFrameNode *node = pool_.Make(key, epoch_);
+    late_.Insert(node, time);
+    hasLate_.store(true, std::memory_order_relaxed);
+    MarkAdded(node->key, previous, next);
+    EnterInIndex(node->key);
+}
+
+/// From the end, where there is room: each moves once, and nothing can fail.
+void KeyFrameList_Impl::TakeInLate() const
+{
+    const kytl::thread::KyScopedLock lock(lock_);
+    if (late_.Count() == 0)
+        return; // another thread came first
+    std::size_t last = Size();
+    std::size_t end = last + late_.Count();
+    times.resize(end);
+    places.resize(end);
+    late_.ForEachReverse([&](KeyFrameNode *node, int time) {
+        const auto sorted = times.begin() + static_cast<std::ptrdiff_t>(last);
+        const auto first =
+            static_cast<std::size_t>(std::upper_bound(times.begin(), sorted, time) - times.begin());
+        MoveBack(times, first, last, end);
+        MoveBack(places, first, last, end);
+        end -= last - first + 1;
+        last = first;
+        times[end] = time;
+        places[end] = {node};
+    });
+    late_.Clear();
+    hasLate_.store(false, std::memory_order_release);
+}
+
+void KeyFrameList_Impl::EnterInIndex(const KeyFrame &key)
+{
     if (IDIndex *index = index_.Load())
-        (*index)[key.ID()] = time;
+        (*index)[key.ID()] = key.time_;
 }
 
 void KeyFrameList_Impl::MarkAdded(const KeyFrame &added, const KeyFrame *before, const KeyFrame *after) const
 {
     const bool curved = added.type_ != KeyFrameType::Linear;
     if (curved || (before != nullptr && before->type_ != KeyFrameType::Linear))
-        added.incomingCurveDirty_.Store(true);
+        added.incomingCurve_.Store(KeyFrame::kDirty);
     if (curved || (after != nullptr && after->type_ != KeyFrameType::Linear))
-        added.outgoingCurveDirty_.Store(true);
+        added.outgoingCurve_.Store(KeyFrame::kDirty);
     if (!IsSpatial())
         return;
     for (const KeyFrame *key : {before, &added, after})
         if (key != nullptr)
-            key->spatialCurveDirty_.Store(true);
+            key->spatialCurve_.Store(KeyFrame::kDirty);
 }
 
 void KeyFrameList_Impl::Remove(std::size_t first, std::size_t last)
@@ -150,18 +249,17 @@ void KeyFrameList_Impl::Remove(std::size_t first, std::size_t last)
     for (std::size_t i = first; i < last; ++i) {
         if (index != nullptr)
             index->erase(Key(i).ID());
-        places[i].node->isRemoved = true;
+        Key(i).StandIn(nullptr);
+        places[i].temporal.Reset();
         removed_.push_back(places[i].node);
     }
-    times.erase(times.begin() + static_cast<std::ptrdiff_t>(first),
-                times.begin() + static_cast<std::ptrdiff_t>(last));
-    places.erase(places.begin() + static_cast<std::ptrdiff_t>(first),
-                 places.begin() + static_cast<std::ptrdiff_t>(last));
+    Erase(times, first, last);
+    Erase(places, first, last);
     if (walks_ == 0)
         DestroyRemoved();
 }
 
-void KeyFrameList_Impl::DestroyRemoved()
+void KeyFrameList_Impl::DestroyRemoved() const
 {
     for (KeyFrameNode *node : removed_)
         pool_.Destroy(node);
@@ -171,14 +269,18 @@ void KeyFrameList_Impl::DestroyRemoved()
 /// The same as removing the key frame and adding a copy at the new time, but for its address.
 void KeyFrameList_Impl::Move(std::size_t position, int newTime)
 {
-    KeyFramePlace place = {places[position].node};
-    const KeyFrame key = place.node->key;
+    KeyFrame &key = Key(position);
+    key.StandIn(nullptr); // with its flags from before
     ClearCurveCaches();
-    times.erase(times.begin() + static_cast<std::ptrdiff_t>(position));
-    places.erase(places.begin() + static_cast<std::ptrdiff_t>(position));
-    place.node->key = key; // with the flags from before
-    place.node->key.time_ = newTime;
-    Insert(std::move(place), newTime);
+    key.StandIn(&epoch_);
+    key.time_ = newTime;
+    const std::size_t after = FirstAfter(newTime);
+    const std::size_t to = after > position ? after - 1 : after;
+    Shift(times, position, to);
+    Shift(places, position, to);
+    times[to] = newTime;
+    MarkAdded(key, Before(to), After(to));
+    EnterInIndex(key);
 }
 
 void KeyFrameList_Impl::ChangeID(std::size_t position, const kytl::KyID &id)
@@ -200,61 +302,16 @@ void KeyFrameList_Impl::GenerateIDs()
 
 void KeyFrameList_Impl::ClearCurveCaches()
 {
-    for (KeyFramePlace &place : places) {
-        place.node->key.incomingCurveDirty_.Store(true);
-        place.node->key.outgoingCurveDirty_.Store(true);
-        place.node->key.spatialCurveDirty_.Store(true);
-        place.node->spatial.Reset();
-        place.temporal.Reset();
-    }
+    if (++epoch_ == KeyFrame::kDirty)
+        epoch_ = KeyFrame::kFirstEpoch;
+    builtBefore_ = built_;
     retired_.clear();
 }
 
-void KeyFrameLoader::Add(const KeyFrame &key)
+void KeyFrameList_Impl::LetGoOfKeyFrames()
 {
-    const int time = key.Time();
-    if (order_.empty()) {
-        if (list_.times.empty() || list_.times.back() <= time) {
-            list_.Add(key);
-            return;
-        }
-        list_.index_.Reset();
-        for (std::size_t i = 0; i < list_.Size(); ++i)
-            order_.emplace_hint(order_.end(), list_.times[i], list_.places[i].node);
-    }
-    MakeRoom(list_.times);
-    MakeRoom(list_.places);
-    KeyFrameNode *node = list_.pool_.Make(key);
-    const auto from = order_.lower_bound(time);
-    const auto after = order_.upper_bound(time);
-    list_.MarkAdded(node->key, from == order_.begin() ? nullptr : &std::prev(from)->second->key,
-                    after == order_.end() ? nullptr : &after->second->key);
-    order_.emplace_hint(after, time, node);
-    list_.times.push_back(time);
-    list_.places.push_back({node});
-}
-
-KeyFrameLoader::~KeyFrameLoader()
-{
-    std::size_t position = 0;
-    for (const auto &[time, node] : order_) {
-        list_.times[position] = time;
-        list_.places[position].node = node;
-        ++position;
-    }
-}
-
-KeyFrameWalk::KeyFrameWalk(KeyFrameList_Impl &list) : list_(list)
-{
-    for (const KeyFramePlace &place : list.places)
-        nodes_.push_back(place.node);
-    ++list_.walks_;
-}
-
-KeyFrameWalk::~KeyFrameWalk()
-{
-    if (--list_.walks_ == 0)
-        list_.DestroyRemoved();
+    for (const KeyFramePlace &place : places)
+        place.node->key.StandIn(nullptr);
 }
 
 } // namespace marlet::project

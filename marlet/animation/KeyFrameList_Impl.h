@@ -1,11 +1,11 @@
 #pragma once
 
 #include <marlet/animation/KeyFrameList.h>
-#include <marlet/animation/KeyFrameNode.h>
+#include <marlet/animation/LateKeyFrames.h>
 #include <marlet/animation/SortedTimes.h>
 #include <marlet/foundation/KyCriticalSection.h>
 
-#include <map>
+#include <atomic>
 #include <optional>
 #include <unordered_map>
 
@@ -17,6 +17,10 @@ namespace marlet::project
 ///
 /// Positions are indices into that order. Piece i goes from key frame i to key frame i + 1, whose times
 /// differ.
+///
+/// A key frame that is added before the last one is late: it waits beside the order until somebody asks for
+/// one. So many of them come in at the cost of one pass through the list. Whoever uses positions asks InOrder
+/// first.
 struct KeyFrameList_Impl {
     using SpatialDataType = KeyFrameList::SpatialDataType;
     using IDIndex = std::unordered_map<kytl::KyID, int>;
@@ -25,6 +29,25 @@ struct KeyFrameList_Impl {
     KeyFrameList_Impl(const KeyFrameList_Impl &other);
     KeyFrameList_Impl &operator=(const KeyFrameList_Impl &) = delete;
     ~KeyFrameList_Impl();
+
+    /// The list once nothing is late any more.
+    KeyFrameList_Impl &InOrder()
+    {
+        std::as_const(*this).InOrder();
+        return *this;
+    }
+    const KeyFrameList_Impl &InOrder() const
+    {
+        if (hasLate_.load(std::memory_order_acquire))
+            TakeInLate();
+        return *this;
+    }
+
+    /// These need no order.
+    std::size_t Count() const;
+    void Add(const KeyFrame &key);
+    /// The first key frame at a time, or null.
+    KeyFrame *FirstAt(int time) const;
 
     std::size_t Size() const { return places.size(); }
     KeyFrame &Key(std::size_t position) { return places[position].node->key; }
@@ -40,13 +63,14 @@ struct KeyFrameList_Impl {
     const KeyFrame *Before(std::size_t position) const;
     const KeyFrame *After(std::size_t position) const;
 
-    void Add(const KeyFrame &key);
     void Remove(std::size_t first, std::size_t last);
     void Move(std::size_t position, int newTime);
     void ChangeID(std::size_t position, const kytl::KyID &id);
     /// Gives every key frame an ID of its own.
     void GenerateIDs();
     void ClearCurveCaches();
+    /// After this nothing stands in the list. The nodes stay for the walks.
+    void LetGoOfKeyFrames();
 
     bool IsSpatial() const { return spatialType != SpatialDataType::NotSpatial; }
 
@@ -54,12 +78,11 @@ struct KeyFrameList_Impl {
     PropertyValue ValueAt(int time, bool isSpatialProperty) const;
     double ParamTforSpatialCurveLength(int firstTime, int secondTime, double fraction) const;
 
-    std::vector<int> times;
-    std::vector<KeyFramePlace> places;
+    mutable std::vector<int> times;
+    mutable std::vector<KeyFramePlace> places;
     SpatialDataType spatialType = SpatialDataType::NotSpatial;
 
 private:
-    friend class KeyFrameLoader;
     friend class KeyFrameWalk;
 
     /// A table that was replaced, while another thread may still be reading it.
@@ -68,9 +91,11 @@ private:
         std::uint64_t when;
     };
 
+    void AddLate(const KeyFrame &key);
+    void TakeInLate() const;
     void MarkAdded(const KeyFrame &added, const KeyFrame *before, const KeyFrame *after) const;
-    void Insert(KeyFramePlace place, int time);
-    void DestroyRemoved();
+    void EnterInIndex(const KeyFrame &key);
+    void DestroyRemoved() const;
     const IDIndex &Index() const;
 
     PropertyValue PieceValueAt(std::size_t piece, int time, bool isSpatialProperty) const;
@@ -78,54 +103,29 @@ private:
     const TemporalTable &CreateTemporalCurveCache(std::size_t piece, const TemporalInputs &inputs) const;
     const SpatialTable &SpatialCurve(std::size_t piece) const;
     const SpatialTable &CreateSpatialCurveCache(std::size_t piece, const SpatialInputs &inputs) const;
+    bool Counts(const SpatialTable *table, const SpatialInputs &inputs) const;
     std::optional<SpatialInputs> InputsOfPath(std::size_t piece) const;
     template <class Table>
-    const Table &Replace(AtomicOwner<const Table> &place, std::unique_ptr<Table> table) const;
+    const Table &Replace(AtomicPointer<const Table> &place, std::unique_ptr<Table> table) const;
 
-    KeyFrameNodePool pool_;
+    mutable std::atomic<bool> hasLate_ = false;
+    /// Begins anew when all curves are dropped, which so costs nothing. Tables that were built until then
+    /// stay where they are, but a spatial one counts no more.
+    std::uint32_t epoch_ = KeyFrame::kFirstEpoch;
+    std::uint64_t builtBefore_ = 0;
+
+    mutable KeyFrameNodePool pool_;
     /// Guards the building of everything below and the cache state of the key frames.
     mutable kytl::thread::KyCriticalSection lock_;
+    mutable LateKeyFrames late_;
     mutable AtomicOwner<IDIndex> index_;
     mutable std::vector<Retired> retired_;
     mutable std::uint64_t built_ = 0;
     /// What was removed while callbacks were being handed key frames: they may be holding it.
-    std::vector<KeyFrameNode *> removed_;
-    int walks_ = 0;
-};
-
-/// Adds key frames in whatever order they come at the cost of those that come in the order of time. The list
-/// is in order again when the loader is gone.
-class KeyFrameLoader
-{
-public:
-    explicit KeyFrameLoader(KeyFrameList_Impl &list) : list_(list) {}
-    KeyFrameLoader(const KeyFrameLoader &) = delete;
-    KeyFrameLoader &operator=(const KeyFrameLoader &) = delete;
-    ~KeyFrameLoader();
-
-    void Add(const KeyFrame &key);
-
-private:
-    KeyFrameList_Impl &list_;
-    /// The order of the key frames, once the list's own has been given up.
-    std::multimap<int, KeyFrameNode *> order_;
-};
-
-/// While it lives, key frames that are removed are kept for callbacks that may be holding them.
-class KeyFrameWalk
-{
-public:
-    explicit KeyFrameWalk(KeyFrameList_Impl &list);
-    KeyFrameWalk(const KeyFrameWalk &) = delete;
-    KeyFrameWalk &operator=(const KeyFrameWalk &) = delete;
-    ~KeyFrameWalk();
-
-    /// The nodes as they were in the beginning.
-    const std::vector<KeyFrameNode *> &Nodes() const { return nodes_; }
-
-private:
-    KeyFrameList_Impl &list_;
-    std::vector<KeyFrameNode *> nodes_;
+    mutable std::vector<KeyFrameNode *> removed_;
+    mutable int walks_ = 0;
+    /// Itself, once its list has ended while callbacks were being handed key frames.
+    mutable std::unique_ptr<const KeyFrameList_Impl> self_;
 };
 
 } // namespace marlet::project

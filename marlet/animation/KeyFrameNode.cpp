@@ -5,13 +5,13 @@
 namespace marlet::project
 {
 
-KeyFrameNode *KeyFrameNodePool::Make(const KeyFrame &key)
+KeyFrameNode *KeyFrameNodePool::Make(const KeyFrame &key, const std::uint32_t &epoch)
 {
     if (free_ == nullptr)
         Grow();
     Slot *slot = free_;
     Slot *rest = slot->nextFree;
-    KeyFrameNode *node = new (slot->node) KeyFrameNode(key);
+    KeyFrameNode *node = new (slot->node) KeyFrameNode(key, epoch);
     free_ = rest;
     return node;
 }

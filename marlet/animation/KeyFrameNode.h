@@ -13,18 +13,21 @@ namespace marlet::project
 /// A key frame with the path of the piece that starts at it. What evaluation reads of the key frame stands in
 /// one cache line.
 struct alignas(64) KeyFrameNode {
-    explicit KeyFrameNode(const KeyFrame &frame) : key(frame) {}
+    KeyFrameNode(const KeyFrame &frame, const std::uint32_t &epoch) : key(frame) { key.StandIn(&epoch); }
+
+    bool IsInList() const { return key.StandsInList(); }
 
     KeyFrame key;
     mutable AtomicOwner<const SpatialTable> spatial;
-    bool isRemoved = false;
 };
 
+static_assert(sizeof(KeyFrameNode) == 128, "two cache lines");
+
 /// A key frame's place in its list, with the time curve of the piece that starts at it: here and not in the
-/// node, so that memory brings both at once.
+/// node, so that memory brings both at once. The list deletes the table.
 struct KeyFramePlace {
-    KeyFrameNode *node;
-    mutable AtomicOwner<const TemporalTable> temporal = {};
+    KeyFrameNode *node = nullptr;
+    mutable AtomicPointer<const TemporalTable> temporal = {};
 };
 
 /// Memory for the nodes of one list, in blocks that grow with it. Who makes a node destroys it.
@@ -35,7 +38,8 @@ public:
     KeyFrameNodePool(const KeyFrameNodePool &) = delete;
     KeyFrameNodePool &operator=(const KeyFrameNodePool &) = delete;
 
-    KeyFrameNode *Make(const KeyFrame &key);
+    /// A node with a copy of the key frame, which stands in the list of that epoch.
+    KeyFrameNode *Make(const KeyFrame &key, const std::uint32_t &epoch);
     void Destroy(KeyFrameNode *node);
 
 private:

@@ -2,6 +2,7 @@
 
 #include <marlet/animation/KeyFrameList_Impl.h>
 #include <marlet/animation/PropertyManager_Impl.h>
+#include <marlet/foundation/Arguments.h>
 #include <marlet/foundation/xml/XmlText.h>
 
 #include <algorithm>
@@ -110,6 +111,7 @@ std::shared_ptr<PropertyManager> PropertyManager::Copy(const PropertyManager &ot
 
 std::shared_ptr<PropertyManager> PropertyManager::Copy(const std::shared_ptr<PropertyManager> &other)
 {
+    Require(other, "property manager");
     return Copy(*other);
 }
 
@@ -224,9 +226,8 @@ PropertyValue PropertyManager::ValueAtTime(const char *name, int time) const
 PropertyValue PropertyManager::ValueAtTime(const PropertyID &id, int time) const
 {
     const Property &property = impl_->At(id);
-    if (property.keyFrames.IsEmpty())
-        return property.staticValue;
-    return property.keyFrames.impl_->ValueAt(time, property.isSpatial);
+    const KeyFrameList_Impl &keyFrames = property.keyFrames.impl_->InOrder();
+    return keyFrames.Size() == 0 ? property.staticValue : keyFrames.ValueAt(time, property.isSpatial);
 }
 
 bool PropertyManager::CanAnimate(const char *name) const

@@ -22,7 +22,7 @@ struct PropertyManager_Impl;
 ///
 /// It owns all of that. Times are milliseconds relative to the owner. A name is an XML name, since it is the
 /// tag of the property's element. Operations that take a name or PropertyID throw std::out_of_range, naming
-/// it, if there is no such property.
+/// it, if there is no such property; a null name is that of none.
 ///
 /// Const operations may be called from any number of threads at once; a change needs the manager for itself
 /// alone.
@@ -53,6 +53,7 @@ public:
     static std::shared_ptr<PropertyManager> CreateFromXml(const WideString &xml);
     /// A deep copy in which the key frames have new IDs.
     static std::shared_ptr<PropertyManager> Copy(const PropertyManager &other);
+    /// @throws std::invalid_argument if the pointer is null
     static std::shared_ptr<PropertyManager> Copy(const std::shared_ptr<PropertyManager> &other);
     /// Replaces all properties by those of a Copy.
     void TakeCopyOf(const PropertyManager &other);
@@ -116,11 +117,12 @@ public:
 
     WideString Serialize() const;
     /// Appends the element to a QDomElement that stands in a QDomDocument.
+    /// @throws std::invalid_argument if one of them is null
     void Serialize(void *document, void *parent) const;
     /// Replaces all properties by those of the text. A failure leaves what was read until then.
     /// @throws XmlParseException, InvalidProjectVersionException, std::runtime_error, boost::bad_lexical_cast
     void Deserialize(const WideString &xml);
-    /// The same from a QDomElement.
+    /// The same from a QDomElement. @throws std::invalid_argument if it is null
     void Deserialize(void *element);
 
     /// The form in which the element travels inside a larger text of this library.

@@ -1,9 +1,13 @@
 #include <marlet/animation/KeyFrameList_Impl.h>
 #include <marlet/animation/PropertyManager_Impl.h>
 #include <marlet/animation/PropertyValueXml.h>
+#include <marlet/foundation/Arguments.h>
+#include <marlet/foundation/Exceptions.h>
 #include <marlet/foundation/xml/DomBridge.h>
 #include <marlet/foundation/xml/XmlReader.h>
 #include <marlet/foundation/xml/XmlWriter.h>
+
+#include <algorithm>
 
 namespace marlet::project
 {
@@ -11,10 +15,24 @@ namespace marlet::project
 namespace
 {
 
+constexpr char kTag[] = "PropertyManager";
+
 void WriteValueChild(XmlWriter &writer, const char *tag, const PropertyValue &value)
 {
     const XmlElement element(writer, tag);
     WriteValue(writer, value);
+}
+
+/// The parser takes any letter beyond ASCII for part of a name. What could not be read again once it is
+/// written is no name, and the text no XML.
+/// @throws XmlParseException, as for a text that is not whole
+void RequireNames(const XmlCursor &manager)
+{
+    for (XmlCursor child = manager.FirstChild(); !child.IsNull(); child = child.Next()) {
+        const bool isAscii = std::ranges::all_of(child.Name(), [](char c) { return (c & 0x80) == 0; });
+        if (!isAscii && !IsXmlName(child.Name()))
+            throw XmlParseException(NarrowString("Wrong tag name\n") + kTag);
+    }
 }
 
 } // namespace
@@ -26,6 +44,8 @@ WideString PropertyManager::Serialize() const
 
 void PropertyManager::Serialize(void *document, void *parent) const
 {
+    Require(document, "document");
+    Require(parent, "parent element");
     AppendXmlToDom(Serialize(), document, parent);
 }
 
@@ -37,6 +57,7 @@ void PropertyManager::Deserialize(const WideString &xml)
 
 void PropertyManager::Deserialize(void *element)
 {
+    Require(element, "element");
     Deserialize(XmlFromDom(element));
 }
 
@@ -44,7 +65,7 @@ void PropertyManager::Deserialize(void *element)
 
 void PropertyManager::Serialize(XmlWriter &writer) const
 {
-    const XmlElement manager(writer, "PropertyManager", 0);
+    const XmlElement manager(writer, kTag, 0);
     for (const ValuePtr<Property> &property : impl_->properties) {
         const XmlElement element(writer, property->name);
         writer.Attribute("Type", property->type);
@@ -53,7 +74,7 @@ void PropertyManager::Serialize(XmlWriter &writer) const
         WriteValueChild(writer, "Static", property->staticValue);
         if (!property->keyFrames.IsEmpty()) {
             const XmlElement animation(writer, "Animation");
-            for (const KeyFramePlace &place : property->keyFrames.impl_->places)
+            for (const KeyFramePlace &place : property->keyFrames.impl_->InOrder().places)
                 KeyFrameList::SerializeKeyFrame(place.node->key, writer);
         }
         if (!property->expression.empty()) {
@@ -65,7 +86,8 @@ void PropertyManager::Serialize(XmlWriter &writer) const
 
 void PropertyManager::Deserialize(const XmlCursor &element)
 {
-    element.RequireHeader("PropertyManager", 0);
+    element.RequireHeader(kTag, 0);
+    RequireNames(element);
     Clear();
     for (XmlCursor child = element.FirstChild(); !child.IsNull(); child = child.Next()) {
         child.RequireAttribute("Type");
@@ -84,9 +106,8 @@ void PropertyManager::Deserialize(const XmlCursor &element)
         if (property == nullptr)
             continue; // the first one of a name counts
         property->staticValue = staticValue;
-        KeyFrameLoader keyFrames(*property->keyFrames.impl_);
         for (XmlCursor key = child.Find("Animation").Find("Key"); !key.IsNull(); key = key.Next("Key"))
-            keyFrames.Add(KeyFrameList::DeserializeKeyFrame(key));
+            property->keyFrames.Add(KeyFrameList::DeserializeKeyFrame(key));
         property->expression = child.Find("Expression").Text();
     }
 }

@@ -1,7 +1,10 @@
 #include <marlet/foundation/KyID.h>
 
+#include <atomic>
 #include <random>
 #include <stdexcept>
+
+#include <pthread.h>
 
 namespace kytl
 {
@@ -17,12 +20,38 @@ constexpr std::uint8_t kDigitPositions[kByteCount] = {0,  2,  4,  6,  9,  11, 14
                                                       19, 21, 24, 26, 28, 30, 32, 34};
 constexpr std::uint8_t kDashPositions[] = {8, 13, 18, 23};
 
-std::mt19937_64 SeededGenerator()
+/// How many forks lie between the process and the first one that made IDs.
+std::atomic<unsigned int> forks = 0;
+
+/// A generator that is seeded from the operating system: a child process has a copy of its parent's state and
+/// would make the same IDs.
+class Generator
 {
-    std::random_device system;
-    std::seed_seq seed{system(), system(), system(), system(), system(), system(), system(), system()};
-    return std::mt19937_64(seed);
-}
+public:
+    Generator() { Seed(); }
+
+    std::uint64_t operator()()
+    {
+        if (forks_ != forks.load(std::memory_order_relaxed))
+            Seed();
+        return engine_();
+    }
+
+private:
+    void Seed()
+    {
+        static const int watched =
+            pthread_atfork(nullptr, nullptr, [] { forks.fetch_add(1, std::memory_order_relaxed); });
+        static_cast<void>(watched);
+        forks_ = forks.load(std::memory_order_relaxed);
+        std::random_device system;
+        std::seed_seq seed{system(), system(), system(), system(), system(), system(), system(), system()};
+        engine_.seed(seed);
+    }
+
+    std::mt19937_64 engine_;
+    unsigned int forks_ = 0;
+};
 
 KyID FromBytes(const std::uint8_t (&bytes)[kByteCount])
 {
@@ -80,7 +109,7 @@ template <class Char> KyID Parse(std::basic_string_view<Char> text)
 
 KyID KyID::Generate()
 {
-    thread_local std::mt19937_64 generator = SeededGenerator();
+    thread_local Generator generator;
     const std::uint64_t high = generator();
     const std::uint64_t low = generator();
     KyID id;

@@ -20,7 +20,8 @@ struct MARLET_EXPORT KyID {
     std::uint16_t Data3 = 0;
     std::uint8_t Data4[8] = {};
 
-    /// A new random ID (version 4 of RFC 4122), from a generator of the calling thread.
+    /// A new random ID (version 4 of RFC 4122), from a generator of the calling thread, which a
+    /// child process seeds anew.
     static KyID Generate();
 
     /// Reads the text form; upper-case digits are taken too.

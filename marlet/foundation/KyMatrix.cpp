@@ -1,5 +1,7 @@
 #include <marlet/foundation/KyMatrix.h>
 
+#include <marlet/foundation/Singularity.h>
+
 #include <cmath>
 #include <stdexcept>
 
@@ -11,19 +13,29 @@ namespace
 
 using Matrix = KyMatrix<4, 4, float>;
 
+// What rounding may leave of a determinant that is 0, as a part of the sum of the magnitudes of its 24 terms.
+
+/// Of a matrix whose elements are what they are meant to be.
+constexpr double kExactElements = 1e-15;
+/// Of a product, whose elements were rounded to float.
+constexpr double kRoundedElements = 4e-7;
+
 /// The 2 x 2 determinants of the upper and the lower two rows, of which determinant and inverse are made.
 /// In double, which holds the product of two floats exactly.
 struct Minors {
     double upper[6];
     double lower[6];
+    /// The same with every sign a plus.
+    double upperMagnitudes[6];
+    double lowerMagnitudes[6];
 
     explicit Minors(const Matrix &m)
     {
         int i = 0;
         for (int left = 0; left < 3; ++left) {
             for (int right = left + 1; right < 4; ++right, ++i) {
-                upper[i] = Minor(m, 0, left, right);
-                lower[i] = Minor(m, 2, left, right);
+                SetMinor(m, 0, left, right, upper[i], upperMagnitudes[i]);
+                SetMinor(m, 2, left, right, lower[i], lowerMagnitudes[i]);
             }
         }
     }
@@ -35,10 +47,25 @@ struct Minors {
                upper[4] * lower[1] + upper[5] * lower[0];
     }
 
-private:
-    static double Minor(const Matrix &m, int row, int left, int right)
+    /// The sum of the magnitudes of the determinant's terms.
+    double Magnitude() const
     {
-        return double(m(row, left)) * m(row + 1, right) - double(m(row, right)) * m(row + 1, left);
+        double sum = 0;
+        for (int i = 0; i < 6; ++i)
+            sum += upperMagnitudes[i] * lowerMagnitudes[5 - i];
+        return sum;
+    }
+
+    /// Whether the determinant may be 0 but for that part.
+    bool IsSingular(double part) const { return std::abs(Determinant()) <= part * Magnitude(); }
+
+private:
+    static void SetMinor(const Matrix &m, int row, int left, int right, double &minor, double &magnitude)
+    {
+        const double falling = double(m(row, left)) * m(row + 1, right);
+        const double rising = double(m(row, right)) * m(row + 1, left);
+        minor = falling - rising;
+        magnitude = std::abs(falling) + std::abs(rising);
     }
 };
 
@@ -144,9 +171,9 @@ void Matrix::RotateVector(KyVector<3, float> &vector) const
 void Matrix::Invert()
 {
     const Minors minors(*this);
-    const double determinant = minors.Determinant();
-    if (determinant == 0)
+    if (minors.IsSingular(kExactElements))
         ThrowSingular();
+    const double determinant = minors.Determinant();
     Matrix inverse;
     bool finite = true;
     for (int row = 0; row < 4; ++row) {
@@ -164,6 +191,11 @@ void Matrix::Invert()
 float Matrix::Determinant() const
 {
     return static_cast<float>(Minors(*this).Determinant());
+}
+
+bool IsSingularProduct(const Matrix &product)
+{
+    return product.Determinant() == 0 || Minors(product).IsSingular(kRoundedElements);
 }
 
 float Dot(const KyVector<3, float> &a, const KyVector<3, float> &b)
@@ -186,6 +218,12 @@ float Length(const KyVector<2, float> &v)
 float Length(const KyVector<3, float> &v)
 {
     return static_cast<float>(std::sqrt(double(v.X) * v.X + double(v.Y) * v.Y + double(v.Z) * v.Z));
+}
+
+float Length(const KyVector<4, float> &v)
+{
+    return static_cast<float>(
+        std::sqrt(double(v.X) * v.X + double(v.Y) * v.Y + double(v.Z) * v.Z + double(v.W) * v.W));
 }
 
 } // namespace kytl::matl

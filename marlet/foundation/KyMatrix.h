@@ -37,7 +37,8 @@ public:
     /// (no component above 0.00001) stays as it is.
     void RotateVector(KyVector<3, float> &vector) const;
 
-    /// @throws std::runtime_error "Matrix is singular"; the matrix is then as it was.
+    /// A determinant that is no larger than what rounding leaves of the terms that it is the sum of counts as
+    /// 0. @throws std::runtime_error "Matrix is singular"; the matrix is then as it was.
     void Invert();
 
     float Determinant() const;
@@ -53,5 +54,6 @@ MARLET_EXPORT float Dot(const KyVector<3, float> &a, const KyVector<3, float> &b
 MARLET_EXPORT KyVector<3, float> Cross(const KyVector<3, float> &a, const KyVector<3, float> &b);
 MARLET_EXPORT float Length(const KyVector<2, float> &v);
 MARLET_EXPORT float Length(const KyVector<3, float> &v);
+MARLET_EXPORT float Length(const KyVector<4, float> &v);
 
 } // namespace kytl::matl

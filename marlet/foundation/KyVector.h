@@ -31,4 +31,18 @@ template <class T> struct KyVector<3, T> {
     }
 };
 
+/// Four components, such as those of a homogeneous point.
+template <class T> struct KyVector<4, T> {
+    T X = 0;
+    T Y = 0;
+    T Z = 0;
+    T W = 0;
+
+    bool operator==(const KyVector &other) const
+    {
+        return NearlyEqual(X, other.X, T(kPointTolerance)) && NearlyEqual(Y, other.Y, T(kPointTolerance)) &&
+               NearlyEqual(Z, other.Z, T(kPointTolerance)) && NearlyEqual(W, other.W, T(kPointTolerance));
+    }
+};
+
 } // namespace kytl::matl

@@ -1,5 +1,6 @@
 #include <marlet/foundation/TimeCode.h>
 
+#include <marlet/foundation/Arguments.h>
 #include <marlet/foundation/AudioVideoSettings.h>
 #include <marlet/foundation/Numbers.h>
 #include <marlet/foundation/Tolerance.h>
@@ -102,6 +103,7 @@ TimeCode TimeCode::FromFrame(int frame, double rate)
 
 bool TimeCode::FromString(const char16_t *text, double rate, TimeCode &result)
 {
+    Require(text, "text");
     if (rate <= 0)
         return false;
     const bool negative = *text == u'-';

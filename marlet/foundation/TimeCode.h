@@ -24,6 +24,7 @@ struct MARLET_EXPORT TimeCode {
 
     /// Reads one or two digits for each of four numbers, with ":", ";" or "|" between them and a "-" before
     /// them. False, with the result untouched, for any other text, and for a rate of 0 or below.
+    /// @throws std::invalid_argument if the text is null
     static bool FromString(const char16_t *text, double rate, TimeCode &result);
 
     int ToFrame() const;

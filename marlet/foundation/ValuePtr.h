@@ -30,6 +30,8 @@ public:
     T &operator*() { return *value_; }
     const T &operator*() const { return *value_; }
 
+    /// Leaves the pointer empty, for an owner that ends.
+    std::unique_ptr<T> Release() { return std::move(value_); }
     void Swap(ValuePtr &other) noexcept { value_.swap(other.value_); }
 
 private:

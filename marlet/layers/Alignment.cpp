@@ -1,5 +1,6 @@
 #include <marlet/layers/Alignment.h>
 
+#include <marlet/foundation/Singularity.h>
 #include <marlet/layers/LayerValues.h>
 
 #include <algorithm>
@@ -139,7 +140,7 @@ Matrix TurnTowardsTarget(AutoOrient mode, const PropertyManager &properties, int
     if (position == target)
         return {};
     Matrix result = LookAt(Minus(target, position));
-    if (result.Determinant() != 0)
+    if (!IsSingularProduct(result))
         result.Invert();
     return result;
 }

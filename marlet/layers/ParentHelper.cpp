@@ -3,6 +3,7 @@
 #include <marlet/animation/KeyFrameList.h>
 #include <marlet/foundation/Arguments.h>
 #include <marlet/foundation/Quaternion.h>
+#include <marlet/foundation/Singularity.h>
 #include <marlet/layers/Alignment.h>
 #include <marlet/layers/LayerChain.h>
 #include <marlet/layers/LayerValues.h>
@@ -31,11 +32,6 @@ struct Situation {
     Matrix world;
     Matrix frame;
 };
-
-bool IsSingular(const Matrix &matrix)
-{
-    return matrix.Determinant() == 0;
-}
 
 Vector Column(const Matrix &matrix, int index)
 {
@@ -98,7 +94,7 @@ bool ChangePosition(const Situation &s)
 {
     Matrix origin = s.layer.OriginAtTime(s.time, s.project);
     Matrix toFrame = s.frame;
-    if (IsSingular(origin) || IsSingular(toFrame))
+    if (IsSingularProduct(origin) || IsSingularProduct(toFrame))
         return false;
     origin.Invert();
     toFrame.Invert();
@@ -137,7 +133,7 @@ void ChangeScale(const Situation &s)
 void TurnInPlane(const Situation &s)
 {
     Matrix rotation = RotationOf(s.frame);
-    if (IsSingular(rotation))
+    if (IsSingularProduct(rotation))
         return;
     rotation.Invert();
     rotation *= RotationOf(s.world);
@@ -155,7 +151,7 @@ void TurnInSpace(const Situation &s, const std::shared_ptr<AbstractLayer> &paren
         own = RotationOf(parentToLeave->WorldTransformationAtTime(parentTime, s.project, false) * own);
     }
     Matrix rotation = RotationOf(s.frame);
-    if (IsSingular(rotation))
+    if (IsSingularProduct(rotation))
         return;
     rotation.Invert();
     rotation *= own;

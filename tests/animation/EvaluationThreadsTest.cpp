@@ -42,12 +42,16 @@ TEST(EvaluationThreadsTest, ReadersOfEveryKindGetOnTogether)
         list.ForEach([round](KeyFrame &key) {
             key.SetValue(Point2D{static_cast<float>(key.Time() % (7 + round)), static_cast<float>(round)});
         });
+        // Whoever asks first puts what was added late in its place.
+        list.Add(Key(round * 20 + 10, Point2D{3, 4}, {-9, 1}, {9, 1}));
         Together([&](int thread) {
             const KeyFrameList &keys = reader.KeyFrames("odd");
+            EXPECT_EQ(keys.Count(), 61u);
+            EXPECT_TRUE(keys.Exists(round * 20 + 10));
             for (int time = 1; time < 1180; time += 7) {
                 if (thread == 0) {
                     const auto copy = PropertyManager::Copy(reader);
-                    EXPECT_EQ(copy->KeyFrames("odd").Count(), 60u);
+                    EXPECT_EQ(copy->KeyFrames("odd").Count(), 61u);
                     time += 150;
                 }
                 const std::string value = Exactly(reader.ValueAtTime("odd", time));
@@ -59,6 +63,7 @@ TEST(EvaluationThreadsTest, ReadersOfEveryKindGetOnTogether)
                 EXPECT_EQ(nearest.SpatialOutgoingTangent().Z, 0);
             }
         });
+        list.Remove(round * 20 + 10);
     }
 }
 

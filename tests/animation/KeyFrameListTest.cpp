@@ -3,6 +3,7 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <map>
 #include <random>
 
@@ -40,6 +41,78 @@ TEST(KeyFrameListTest, KeyFramesOfOneTimeStayInTheOrderOfAdding)
     EXPECT_EQ(Exactly(list.At(20).Value()), Exactly(0u));
     const std::vector<KyID> ids = list.Identifiers();
     EXPECT_THAT(list.IdentifiersAt(20), ElementsAre(ids[2], ids[3], ids[4]));
+    EXPECT_THAT(list.Locations(), ElementsAre(10, 10, 20, 20, 20, 30));
+}
+
+/// Each time searched for from the beginning.
+TEST(KeyFrameListTest, KeyFramesAddedInAnyOrderFindTheirPlacesAndNeighbours)
+{
+    struct Place {
+        int time;
+        unsigned int number;
+        KeyFrameType type;
+        bool isIncomingDirty;
+        bool isOutgoingDirty;
+    };
+    std::mt19937 random(5);
+    for (int round = 0; round < 40; ++round) {
+        std::vector<Place> places;
+        KeyFrameList list;
+        const unsigned int count = round % 10 == 0 ? 1500 : 60;
+        for (unsigned int number = 0; number < count; ++number) {
+            const int time = static_cast<int>(random() % (count * 2 / 3));
+            const auto type = static_cast<KeyFrameType>(random() % 3);
+            bool before = false;
+            bool after = false;
+            for (const Place &place : places)
+                if (place.time < time)
+                    before = place.type != KeyFrameType::Linear;
+            for (auto place = places.rbegin(); place != places.rend(); ++place)
+                if (place->time > time)
+                    after = place->type != KeyFrameType::Linear;
+            const bool isCurved = type != KeyFrameType::Linear;
+            auto to = places.begin();
+            while (to != places.end() && to->time <= time)
+                ++to;
+            places.insert(to, {time, number, type, isCurved || before, isCurved || after});
+            KeyFrame key(time, number);
+            if (isCurved)
+                key.SetType(type);
+            list.Add(key);
+            // In some rounds nobody asks in between.
+            if (random() % 20 < static_cast<unsigned int>(round)) {
+                ASSERT_EQ(list.CountAt(time), std::ranges::count(places, time, &Place::time));
+                list.Set(time, list.At(time).Value());
+            }
+            ASSERT_EQ(list.Count(), number + 1);
+            ASSERT_FALSE(list.Exists(static_cast<int>(count)));
+        }
+        std::string expected;
+        for (const Place &place : places)
+            expected += std::to_string(place.time) + " " + std::to_string(place.number) +
+                        (place.isIncomingDirty ? " i" : "") + (place.isOutgoingDirty ? " o" : "") + "\n";
+        std::string actual;
+        list.ForEach([&actual](const KeyFrame &key) {
+            actual +=
+                std::to_string(key.Time()) + " " + std::to_string(boost::get<unsigned int>(key.Value())) +
+                (key.IsIncomingCurveDirty() ? " i" : "") + (key.IsOutgoingCurveDirty() ? " o" : "") + "\n";
+        });
+        ASSERT_EQ(actual, expected) << round;
+    }
+}
+
+TEST(KeyFrameListTest, ChangesTakeTheirNumberAndNotThatOfTheKeyFrames)
+{
+    // With all that is there shifted or marked at each of them, this would take minutes.
+    constexpr int kCount = 600000;
+    KeyFrameList list;
+    for (int time = kCount; time > 0; --time)
+        list.Set(time * 10, 1);
+    EXPECT_EQ(list.FirstByTime().Time(), 10);
+    const KyID id = list.At(kCount * 5).ID();
+    for (int step = 0; step < kCount; ++step)
+        list.Move(id, kCount * 5 + step % 100);
+    EXPECT_EQ(list.GetByID(id).Time(), kCount * 5 + (kCount - 1) % 100);
 }
 
 TEST(KeyFrameListTest, NeighboursAreStrictlyBeforeAndAfter)
@@ -61,6 +134,36 @@ TEST(KeyFrameListTest, NeighboursAreStrictlyBeforeAndAfter)
         EXPECT_EQ(place(before), c.before) << c.time;
         EXPECT_EQ(place(after), c.after) << c.time;
     }
+    const KeyFrame *key = nullptr;
+    EXPECT_THAT([&] { list.AdjacentKeyFrames(20, nullptr, &key); },
+                testing::ThrowsMessage<std::invalid_argument>(HasSubstr("before")));
+    EXPECT_THAT([&] { list.AdjacentKeyFrames(20, &key, nullptr); },
+                testing::ThrowsMessage<std::invalid_argument>(HasSubstr("after")));
+}
+
+TEST(KeyFrameListTest, FindStopsAtTheFirstThatIsAccepted)
+{
+    const KeyFrameList list = At({20, 10, 30, 20});
+    int time = -1;
+    std::vector<int> asked;
+    const auto isLate = [&asked](const KeyFrame &key) {
+        asked.push_back(key.Time());
+        return key.Time() >= 20;
+    };
+    EXPECT_TRUE(list.Find(time, isLate));
+    EXPECT_EQ(time, 20);
+    EXPECT_THAT(asked, ElementsAre(10, 20));
+    EXPECT_FALSE(list.Find(time, [](const KeyFrame &key) { return key.Time() > 30; }));
+    EXPECT_EQ(time, 20);
+}
+
+TEST(KeyFrameListTest, ClearingKeepsTheSpatialType)
+{
+    KeyFrameList list = At({10, 5});
+    list.SetSpatialType(KeyFrameList::SpatialDataType::Spatial3D);
+    list.Clear();
+    EXPECT_TRUE(list.IsEmpty());
+    EXPECT_EQ(list.SpatialType(), KeyFrameList::SpatialDataType::Spatial3D);
 }
 
 TEST(KeyFrameListTest, TheNearestOfTwoEquallyNearIsTheEarlierOne)
@@ -159,6 +262,41 @@ TEST(KeyFrameListTest, SettingAValueKeepsTheKeyFrame)
     EXPECT_EQ(list.At(20).OutgoingPoint(), (Handle{3, 4}));
 }
 
+TEST(KeyFrameListTest, AssigningAKeyFrameKeepsItsPlace)
+{
+    KeyFrameList list = At({100, 200, 300});
+    const std::vector<KyID> ids = list.Identifiers();
+    const KeyFrame removed = [&] {
+        KeyFrameList other = list;
+        return other.At(300);
+    }();
+    list.At(100) = Key(300, 7.5f, {1, 2}, {3, 4}, KeyFrameType::Hold);
+    std::swap(list.At(200), list.At(300));
+    list.ForEach([&](KeyFrame &key) {
+        if (key.Time() == 200)
+            key = key;
+    });
+    EXPECT_THAT(list.Locations(), ElementsAre(100, 200, 300));
+    EXPECT_EQ(list.Identifiers(), ids);
+    for (const int time : {100, 200, 300}) {
+        EXPECT_EQ(list.At(time).Time(), time);
+        EXPECT_TRUE(list.At(time).IsIncomingCurveDirty() && list.At(time).IsOutgoingCurveDirty()) << time;
+    }
+    EXPECT_EQ(Exactly(list.At(100).Value()), Exactly(7.5f));
+    EXPECT_EQ(list.At(100).Type(), KeyFrameType::Hold);
+    EXPECT_EQ(list.At(100).IncomingPoint(), (Handle{1, 2}));
+    EXPECT_EQ(list.At(100).OutgoingPoint(), (Handle{3, 4}));
+    EXPECT_EQ(Exactly(list.At(200).Value()), Exactly(2u));
+
+    KeyFrame free(1, 1);
+    free = list.At(300);
+    EXPECT_EQ(free.Time(), 300);
+    EXPECT_EQ(free.ID(), ids[2]);
+    free = removed;
+    EXPECT_EQ(free.IsSpatialCurveDirty(), removed.IsSpatialCurveDirty());
+    EXPECT_FALSE(free.IsIncomingCurveDirty());
+}
+
 TEST(KeyFrameListTest, ACallbackMayChangeTheListItIsCalledFrom)
 {
     for (const bool reverse : {false, true}) {
@@ -180,6 +318,59 @@ TEST(KeyFrameListTest, ACallbackMayChangeTheListItIsCalledFrom)
         reverse ? list.ForEachReverse(change) : list.ForEach(change);
         EXPECT_EQ(seen, reverse ? (std::vector{50, 40, 30, 20}) : (std::vector{10, 20, 30, 40}));
         EXPECT_THAT(list.Locations(), ElementsAre(5, 20, 45));
+    }
+}
+
+TEST(KeyFrameListTest, ACallbackMayEndTheListItIsCalledFrom)
+{
+    const auto make = [] {
+        auto manager = PropertyManager::Create();
+        manager->CreateProperty("p", 0u, PropertyManager::Type::Animatable, nullptr);
+        manager->KeyFrames("p") = At({10, 20, 30});
+        return manager;
+    };
+    const WideString text = make()->Serialize();
+    using Manager = std::shared_ptr<PropertyManager>;
+    const std::pair<const char *, std::function<void(Manager &)>> ends[] = {
+        {"assigns",
+         [](Manager &m) {
+             m->KeyFrames("p") = At({1, 2});
+         }},
+        {"clears the list", [](Manager &m) { m->KeyFrames("p").Clear(); }},
+        {"walks, then clears",
+         [](Manager &m) {
+             m->KeyFrames("p").ForEach([](KeyFrame &key) { key.SetValue(5u); });
+             m->Clear();
+         }},
+        {"takes a copy", [&](Manager &m) { m->TakeCopyOf(*make()); }},
+        {"reads", [&](Manager &m) { m->Deserialize(text); }},
+        {"drops the manager", [](Manager &m) { m.reset(); }}};
+    using Walk = std::function<void(KeyFrameList &, const std::function<void(const KeyFrame &)> &)>;
+    const std::pair<const char *, Walk> walks[] = {
+        {"in place", [](auto &list, auto &call) { list.ForEach([&](KeyFrame &key) { call(key); }); }},
+        {"in place, back",
+         [](auto &list, auto &call) { list.ForEachReverse([&](KeyFrame &key) { call(key); }); }},
+        {"of copies", [](auto &list, auto &call) { std::as_const(list).ForEach(call); }},
+        {"of copies, back", [](auto &list, auto &call) { std::as_const(list).ForEachReverse(call); }},
+        {"search", [](auto &list, auto &call) {
+             int time = 0;
+             list.Find(time, [&](const KeyFrame &key) {
+                 call(key);
+                 return false;
+             });
+         }}};
+    for (const auto &[end, change] : ends) {
+        for (const auto &[name, walk] : walks) {
+            Manager manager = make();
+            std::vector<int> seen;
+            walk(manager->KeyFrames("p"), [&](const KeyFrame &key) {
+                seen.push_back(key.Time());
+                if (seen.size() == 2)
+                    change(manager);
+                EXPECT_EQ(key.Time(), seen.back()) << end << " in a walk " << name;
+            });
+            EXPECT_EQ(seen.size(), 2u) << end << " in a walk " << name;
+        }
     }
 }
 

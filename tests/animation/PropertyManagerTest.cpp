@@ -125,6 +125,7 @@ TEST(PropertyManagerTest, ACopyHasEverythingButTheIDs)
     EXPECT_NE(taker.KeyFrames("a").Identifiers(), originals);
     taker.TakeCopyOf(taker);
     EXPECT_EQ(taker.Serialize(), manager->Serialize());
+    EXPECT_THROW(PropertyManager::Copy(std::shared_ptr<PropertyManager>()), std::invalid_argument);
 }
 
 TEST(PropertyManagerTest, AStaticValueStaysWhereItIsInMemory)

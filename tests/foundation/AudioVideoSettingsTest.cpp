@@ -5,6 +5,7 @@
 
 #include <climits>
 #include <cmath>
+#include <tuple>
 #include <utility>
 
 namespace
@@ -43,11 +44,24 @@ WideString With(const WideString &part, const WideString &replacement)
 
 TEST(AudioVideoSettingsTest, APresetLeavesTheFrameCountAndAnUnknownOneEverything)
 {
-    AudioVideoSettings settings = Sample();
-    settings.Configure(Preset::Pal);
-    EXPECT_EQ(settings.Height(), 576);
-    EXPECT_EQ(settings.AudioSampleRate(), AudioSamplingRate::Hz48000);
-    EXPECT_EQ(settings.FrameCount(), 123);
+    // Width, height, fields, pixel aspect ratio and rate of each from the first one on.
+    const std::tuple<int, int, int, int, double> formats[] = {
+        {720, 576, 1, 3, 25.0},   {720, 576, 1, 4, 25.0},    {720, 480, 1, 1, 29.97},
+        {720, 480, 1, 2, 29.97},  {1280, 720, 0, 0, 23.976}, {1280, 720, 0, 0, 25.0},
+        {1280, 720, 0, 0, 29.97}, {1440, 1080, 2, 5, 25.0},  {1440, 1080, 2, 5, 29.97},
+        {960, 720, 0, 5, 23.976}, {960, 720, 0, 5, 25.0},    {960, 720, 0, 5, 29.97},
+        {1440, 1080, 2, 5, 25.0}, {1280, 1080, 2, 6, 29.97}};
+    int number = 0;
+    for (const auto &format : formats) {
+        AudioVideoSettings settings = Sample();
+        settings.Configure(static_cast<Preset>(++number));
+        EXPECT_EQ(std::tuple(settings.Width(), settings.Height(), static_cast<int>(settings.Fields()),
+                             static_cast<int>(settings.PixelAspectRatio()), settings.FrameRate()),
+                  format)
+            << number;
+        EXPECT_EQ(settings.AudioSampleRate(), AudioSamplingRate::Hz48000);
+        EXPECT_EQ(settings.FrameCount(), 123);
+    }
     for (const int preset : {0, -1, 15, INT_MAX}) {
         AudioVideoSettings same = Sample();
         same.Configure(static_cast<Preset>(preset));
@@ -121,15 +135,22 @@ TEST(AudioVideoSettingsTest, RatesAndRatiosThatAreNotListedConvertToo)
         {23.976, 24}, {29.5, 30}, {-0.5, -1}, {-0.4, 0}, {1e300, INT_MAX}};
     for (const auto &[rate, integer] : integerRates)
         EXPECT_EQ(AudioVideoSettings::IntegerFrameRate(rate), integer) << rate;
-    EXPECT_EQ(AudioVideoSettings::FrameRateFromEnum(static_cast<VideoFrameRate>(9)), 0);
-    for (int i = 0; i < 9; ++i)
-        EXPECT_EQ(AudioVideoSettings::PARFromValue(AudioVideoSettings::PARValue(static_cast<PAR>(i))),
-                  static_cast<PAR>(i));
+    const double rates[] = {15, 23.976, 24, 25, 29.97, 30, 50, 59.94, 60, 0};
+    for (int i = 0; i < 10; ++i)
+        EXPECT_EQ(AudioVideoSettings::FrameRateFromEnum(static_cast<VideoFrameRate>(i)), rates[i]) << i;
+    const double ratios[] = {1, 10 / 11.0, 40 / 33.0, 12 / 11.0, 16 / 11.0, 4 / 3.0, 1.5, 2, 0};
+    for (int i = 0; i < 9; ++i) {
+        EXPECT_EQ(AudioVideoSettings::PARValue(static_cast<PAR>(i)), ratios[i]) << i;
+        EXPECT_EQ(AudioVideoSettings::PARFromValue(ratios[i]), static_cast<PAR>(i));
+    }
     EXPECT_EQ(AudioVideoSettings::PARValue(static_cast<PAR>(-1)), 0);
     EXPECT_EQ(AudioVideoSettings::PARFromValue(1.0909090909), PAR::Custom);
     EXPECT_EQ(AudioVideoSettings::PARFromValue(NAN), PAR::Custom);
     EXPECT_EQ(Sample().PixelAspectRatioValue(), 1.1);
-    EXPECT_EQ(AudioVideoSettings::AudioSampleRateFromValue(44100), AudioSamplingRate::Hz44100);
+    for (const int rate : {8000, 12000, 16000, 24000, 32000, 44100, 48000, 88200, 96000})
+        EXPECT_EQ(
+            AudioVideoSettings::AudioSampleRateValue(AudioVideoSettings::AudioSampleRateFromValue(rate)),
+            rate);
     EXPECT_EQ(AudioVideoSettings::AudioSampleRateFromValue(11025), AudioSamplingRate::Hz48000);
 }
 

@@ -6,6 +6,9 @@
 #include <stdexcept>
 #include <thread>
 
+#include <sys/wait.h>
+#include <unistd.h>
+
 namespace
 {
 
@@ -86,6 +89,28 @@ TEST(KyIDTest, GeneratedIDsAreRandomOnesThatDifferAmongThreads)
         EXPECT_EQ(digits[i].size(), kSampleText[i] == '-' || i == 14 ? 1u : i == 19 ? 4u : 16u) << i;
     EXPECT_EQ(digits[14], "4");
     EXPECT_EQ(digits[19].find_first_not_of("89ab"), std::string::npos);
+}
+
+TEST(KyIDTest, AChildProcessMakesIDsOfItsOwn)
+{
+    KyID::Generate(); // so that the child is left a generator that has begun
+    int ends[2];
+    ASSERT_EQ(pipe(ends), 0);
+    const pid_t child = fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        fork(); // as does a child's child
+        const KyID id = KyID::Generate();
+        _exit(write(ends[1], &id, sizeof id) == sizeof id ? 0 : 1);
+    }
+    close(ends[1]);
+    std::set<std::string> texts = {KyID::Generate().ToNarrowString()};
+    KyID id;
+    while (read(ends[0], &id, sizeof id) == sizeof id)
+        texts.insert(id.ToNarrowString());
+    close(ends[0]);
+    waitpid(child, nullptr, 0);
+    EXPECT_EQ(texts.size(), 3u);
 }
 
 } // namespace

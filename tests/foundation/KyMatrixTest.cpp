@@ -1,6 +1,6 @@
 #include <tests/support/MatrixMatchers.h>
 
-#include <marlet/foundation/KyMatrix.h>
+#include <marlet/foundation/Singularity.h>
 
 #include <gmock/gmock.h>
 
@@ -95,6 +95,48 @@ TEST(KyMatrixTest, ASingularMatrixThrowsAndStays)
         EXPECT_THAT([&] { m.Invert(); }, testing::ThrowsMessage<std::runtime_error>("Matrix is singular"));
         EXPECT_EQ(m(1, 1), 2);
     }
+    // Rows of integers, one of them the sum of others: the determinant is 0, but rarely as it is rounded.
+    std::mt19937 generator(5);
+    for (int i = 0; i < 100; ++i) {
+        Matrix m;
+        for (int element = 0; element < 12; ++element)
+            m[element] = static_cast<float>(generator() % (1 << 22));
+        for (int column = 0; column < 4; ++column)
+            m(3, column) = m(0, column) + m(1, column) + m(2, column);
+        EXPECT_THROW(m.Invert(), std::runtime_error) << i;
+    }
+    // The least determinant that two rows of floats can have beside their terms.
+    Matrix least;
+    least(0, 0) = 16777214;
+    least(0, 1) = least(1, 0) = 16777215;
+    least(1, 1) = 16777216;
+    least.Invert();
+    EXPECT_EQ(least, Of({-16777216, 16777215, 0, 0, 16777215, -16777214, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1}));
+}
+
+TEST(KyMatrixTest, AProductIsSingularIfRoundingMayBeAllThatKeepsItFromThat)
+{
+    // About axes that are no axis of the coordinates, with rounded cosines and sines.
+    const Matrix turn = Of({0.36f, 0.48f, -0.8f, 7, -0.8f, 0.6f, 0, -3, 0.48f, 0.64f, 0.6f, 11, 0, 0, 0, 1});
+    int zeros = 0;
+    for (int i = 1; i <= 50; ++i) {
+        const float size = 0.1f * static_cast<float>(i);
+        const Matrix flat = turn * Matrix::Scaling(size, 1, 0) * turn * Matrix::Scaling(0.3f, 7, size);
+        zeros += flat.Determinant() == 0 ? 1 : 0;
+        EXPECT_TRUE(IsSingularProduct(flat)) << i;
+        const Matrix thin = turn * Matrix::Scaling(size, 1, 1e-5f) * turn * Matrix::Scaling(0.3f, 7, size);
+        EXPECT_FALSE(IsSingularProduct(thin)) << i;
+    }
+    EXPECT_LT(zeros, 50);
+    EXPECT_FALSE(IsSingularProduct(Matrix::Scaling(1e-9f, 1, 1e-9f))) << "small beside nothing";
+    EXPECT_TRUE(IsSingularProduct(Matrix::Scaling(1e-20f, 1e-20f, 1e-20f))) << "0 as a float";
+}
+
+TEST(KyMatrixTest, LengthsAreOfTwoThreeOrFourComponents)
+{
+    EXPECT_EQ(Length(KyVector<2, float>{3e30f, 4e30f}), 5e30f);
+    EXPECT_EQ(Length(KyVector<3, float>{1e-30f, 2e-30f, 2e-30f}), 3e-30f);
+    EXPECT_EQ(Length(KyVector<4, float>{2, -4, 5, 6}), 9);
 }
 
 } // namespace

@@ -95,6 +95,7 @@ TEST(TimeCodeTest, TypedTextIsReadAndOtherTextLeavesTheResultAlone)
                                 u"1.2.3.4",  u"1:-2:3:4",  u"\u0661:2:3:4"};
     for (const char16_t *text : others)
         EXPECT_EQ(read(text, 25), "not: -05:06:07:08") << marlet::project::ToUtf8(text);
+    EXPECT_THROW(read(nullptr, 25), std::invalid_argument);
 }
 
 } // namespace

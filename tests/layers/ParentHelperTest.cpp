@@ -155,6 +155,22 @@ TEST(ParentHelper, ChangesNothingButTheLinkInAFrameThatCannotBeInverted)
     EXPECT_EQ(Get<Scale3D>(*f.layer, "scale"), Scale3D{});
 }
 
+TEST(ParentHelper, TakesAFrameForOneThatCannotBeInvertedIfRoundingMayBeAllThatIsLeftOfIt)
+{
+    // Each flattens what the other one turns.
+    Family f;
+    const auto grandparent = f.AddPoint();
+    f.parent->SetParentLayer(grandparent);
+    for (const auto &layer : {f.parent, grandparent}) {
+        Set(*layer, "scale", Scale3D{1e-6, 100, 100});
+        Set(*layer, "rotationZ", 35.f);
+    }
+    Set(*f.layer, "position", Point{10, 20, 0});
+    f.Parent();
+    EXPECT_EQ(f.layer->ParentLayer(f.Assets()), f.parent);
+    EXPECT_EQ(Get<Point>(*f.layer, "position"), (Point{10, 20, 0}));
+}
+
 TEST(ParentHelper, CannotTakeAParentFromALayerInSpaceThatHasNone)
 {
     Family f;
