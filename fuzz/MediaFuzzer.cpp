@@ -2,6 +2,7 @@
 // in and out of order: none is written beyond its buffer.
 
 #include "support/FuzzInput.h"
+#include "support/MemoryFile.h"
 
 #include <marlet/platform/media/KyAbstractAudioStream.h>
 #include <marlet/platform/media/KyAbstractMediaFile.h>
@@ -17,11 +18,11 @@
 #include <string>
 #include <vector>
 
-#include <sys/mman.h>
 #include <unistd.h>
 
 using namespace kyh::media;
 using marlet::project::Fail;
+using marlet::project::MemoryFile;
 
 namespace
 {
@@ -30,31 +31,6 @@ using Bytes = std::vector<unsigned char>;
 
 /// Pictures above this size only take time.
 constexpr int kLargestFrame = 1 << 20;
-
-/// A file of the operating system without a name in any folder.
-class MemoryFile
-{
-public:
-    MemoryFile() : descriptor_(::memfd_create("media", MFD_CLOEXEC)) {}
-    MemoryFile(const MemoryFile &) = delete;
-    MemoryFile &operator=(const MemoryFile &) = delete;
-    ~MemoryFile() { ::close(descriptor_); }
-
-    void Fill(const std::string &bytes)
-    {
-        const auto size = static_cast<ssize_t>(bytes.size());
-        if (::ftruncate(descriptor_, 0) != 0 || ::pwrite(descriptor_, bytes.data(), bytes.size(), 0) != size)
-            Fail("the input cannot be written");
-    }
-
-    std::u16string Path() const
-    {
-        return marlet::project::FromUtf8("/proc/self/fd/" + std::to_string(descriptor_));
-    }
-
-private:
-    int descriptor_;
-};
 
 std::string MakeClip(const std::string &ending)
 {
@@ -78,19 +54,6 @@ std::string MakeClip(const std::string &ending)
     std::string bytes{std::istreambuf_iterator<char>(file), {}};
     ::unlink(path.c_str());
     return bytes;
-}
-
-/// The last byte says what the others are: a file, or changes to a whole clip, as two bytes for the place and
-/// one to put there.
-std::string FileOfInput(const std::uint8_t *bytes, std::size_t size)
-{
-    static const std::string clips[] = {MakeClip(".mov"), MakeClip(".avi"), MakeClip(".mkv")};
-    if (size == 0 || bytes[size - 1] % 4 == 0)
-        return {reinterpret_cast<const char *>(bytes), size};
-    std::string file = clips[bytes[size - 1] % 4 - 1];
-    for (std::size_t i = 0; i + 3 < size; i += 3)
-        file[(bytes[i] | bytes[i + 1] << 8) % file.size()] = static_cast<char>(bytes[i + 2]);
-    return file;
 }
 
 /// The code, and the frame in a buffer of just its size.
@@ -134,8 +97,9 @@ void AskAudio(KyAbstractAudioStream &audio)
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *bytes, std::size_t size)
 {
+    static const std::string clips[] = {MakeClip(".mov"), MakeClip(".avi"), MakeClip(".mkv")};
     static MemoryFile memory;
-    memory.Fill(FileOfInput(bytes, size));
+    memory.Fill(marlet::project::FileOfInput(bytes, size, clips));
     KyAbstractMediaFile *file = nullptr;
     if (KyMediaFileCreate(memory.Path().c_str(), &file) != kSuccess) {
         if (file)

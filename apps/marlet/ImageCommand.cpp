@@ -58,6 +58,8 @@ std::string AnswersText(const std::string &file, const ImageAsset &image, const 
         texture.LoadSuccessful() ? "loaded, " + SizeText(texture.Width(), texture.Height()) : "not loaded";
     if (pixels)
         text += "\n  pixels   " + SizeText(pixels->width, pixels->height);
+    else if (image.Status() == ImageAsset::FileStatus::Usable)
+        text += "\n  pixels   none";
     return text;
 }
 
@@ -86,6 +88,8 @@ std::string AnswersJson(const std::string &file, const ImageAsset &image, const 
             .Member("width", pixels->width)
             .Member("height", pixels->height)
             .EndObject();
+    else if (image.Status() == ImageAsset::FileStatus::Usable)
+        json.Key("pixels").Null();
     return json.EndObject().Text();
 }
 
@@ -101,8 +105,8 @@ void Run(const Arguments &arguments, Output &output)
     const bool writes = arguments.Has("-o");
     if (writes && arguments.Operands().size() != 1)
         throw UsageError("-o takes one FILE alone");
-    const bool limited = arguments.Has("--size");
-    const PixelSize within = limited ? arguments.Size("--size") : PixelSize{kNoLimit, kNoLimit};
+    const PixelSize within =
+        arguments.Has("--size") ? arguments.Size("--size") : PixelSize{kNoLimit, kNoLimit};
 
     for (const std::string &file : arguments.Operands()) {
         const auto image = ImageAsset::Create(FromUtf8(file));
@@ -112,8 +116,7 @@ void Run(const Arguments &arguments, Output &output)
             const QuietStandardError quiet;
             TextureImage texture;
             texture.Load(FromUtf8(file));
-            if (writes || limited)
-                pixels = ReadPixels(*image, within);
+            pixels = ReadPixels(*image, within);
             answers = (arguments.Has("--json") ? AnswersJson : AnswersText)(file, *image, texture, pixels);
         }
         if (writes && !pixels)

@@ -65,8 +65,11 @@ public:
     WideString Filename() const;
     /// Forgets what is known of the old file, and the pixel aspect ratio.
     void SetFilename(const WideString &filename);
+    /// Usable if the header can be read, whether or not the pixels can.
     FileStatus Status() const;
-    int PixelBitCount() const; ///< 32 with alpha, 24 without, 0 if the file cannot be read
+    /// 32 if the decoded picture has an alpha channel, 24 if it has none, 0 if the file cannot be read. A
+    /// picture with a colour table, and one of a format whose header does not tell, is decoded to learn it.
+    int PixelBitCount() const;
     KyChannelOrder PixelChannelOrder() const;
     PAR PixelAspectRatio() const;
     void SetPixelAspectRatio(PAR par);

@@ -38,7 +38,7 @@ bool AreAlike(const TrackingImage &first, const TrackingImage &second)
 /// Such a feature is in no region, and the flow's memory would grow with it.
 bool IsLargerThanTheFrame(const Point &featureSize, const TrackingImage &frame)
 {
-    return std::max(featureSize.X, featureSize.Y) > static_cast<float>(std::max(frame.width, frame.height));
+    return Truncate<int>(std::max(featureSize.X, featureSize.Y)) > std::max(frame.width, frame.height);
 }
 
 /// First and last of the pixels of an axis that are looked at, the last exclusive.
@@ -103,6 +103,8 @@ FeatureMatch MatchFeature(const TrackingImage &previous, const TrackingImage &ne
     const float top = static_cast<float>(rows.first);
     const SearchRegion region = {.previous = RegionOf(previous, columns, rows),
                                  .next = RegionOf(next, columns, rows),
+                                 .left = columns.first,
+                                 .top = rows.first,
                                  .x = x - left,
                                  .y = y - top,
                                  .featureWidth = rectangles.featureSize.X,

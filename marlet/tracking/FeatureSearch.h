@@ -11,7 +11,9 @@ namespace marlet::project
 struct SearchRegion {
     platform::PixelRegion previous;
     platform::PixelRegion next; ///< the same place in the next frame
-    float x = 0;                ///< middle of the feature in the previous frame
+    int left = 0;               ///< pixels of the frames before the region
+    int top = 0;
+    float x = 0; ///< middle of the feature in the previous frame
     float y = 0;
     float featureWidth = 0;
     float featureHeight = 0;

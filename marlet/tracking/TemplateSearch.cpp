@@ -22,15 +22,16 @@ TemplateMeasure MeasureOf(int matchMethod)
     return matchMethod >= 0 && matchMethod <= static_cast<int>(last) ? TemplateMeasure{matchMethod} : last;
 }
 
-/// The first column (or row) of a patch whose corner is asked to be at `corner`, so that it lies inside.
-int LimitCorner(float corner, int regionSize, float featureSize)
+/// The first column (or row) of a patch whose corner is asked to be at `corner`, so that it lies in the
+/// frame, of which there are `before` pixels before the region.
+int LimitCorner(float corner, int regionSize, float featureSize, int before)
 {
     const float size = static_cast<float>(regionSize);
     if (!(corner >= 0))
         return 0;
     if (corner > size - featureSize) {
         // Below 0 where the feature fits by its whole pixels only.
-        return std::max(Truncate<int>((size - 1) - featureSize), 0);
+        return std::max(Truncate<int>((size - 1) - featureSize), -before);
     }
     return Truncate<int>(corner);
 }
@@ -38,8 +39,8 @@ int LimitCorner(float corner, int regionSize, float featureSize)
 platform::PixelRegion PatchAt(const platform::PixelRegion &picture, float cornerX, float cornerY,
                               const SearchRegion &region)
 {
-    return picture.Crop(LimitCorner(std::floor(cornerX), picture.width, region.featureWidth),
-                        LimitCorner(std::floor(cornerY), picture.height, region.featureHeight),
+    return picture.Crop(LimitCorner(std::floor(cornerX), picture.width, region.featureWidth, region.left),
+                        LimitCorner(std::floor(cornerY), picture.height, region.featureHeight, region.top),
                         Truncate<int>(region.featureWidth), Truncate<int>(region.featureHeight));
 }
 

@@ -30,10 +30,11 @@ TEST_F(ImageTest, TellsWhatBothClassesAnswer)
     const std::vector<std::string> lines =
         Run({"image", "alpha.png", "text.png", "gone.png", "--json"}).OutLines();
     ASSERT_EQ(lines.size(), 3u);
-    EXPECT_EQ(lines[0],
-              "{\"file\":\"alpha.png\",\"image\":{\"name\":\"alpha.png\",\"status\":\"usable\",\"offline\":"
-              "false,\"width\":5,\"height\":3,\"bits\":32,\"channels\":\"BGRA\",\"pixel_aspect_ratio\":1},"
-              "\"texture\":{\"loaded\":true,\"width\":5,\"height\":3}}");
+    EXPECT_EQ(
+        lines[0],
+        "{\"file\":\"alpha.png\",\"image\":{\"name\":\"alpha.png\",\"status\":\"usable\",\"offline\":"
+        "false,\"width\":5,\"height\":3,\"bits\":32,\"channels\":\"BGRA\",\"pixel_aspect_ratio\":1},"
+        "\"texture\":{\"loaded\":true,\"width\":5,\"height\":3},\"pixels\":{\"width\":5,\"height\":3}}");
     EXPECT_THAT(lines[1], testing::HasSubstr("\"status\":\"unreadable\",\"offline\":false,\"width\":0"));
     EXPECT_THAT(lines[2], testing::HasSubstr("\"status\":\"missing\",\"offline\":true,\"width\":0"));
 }
@@ -67,6 +68,9 @@ TEST_F(ImageTest, APictureThatCannotBeReadIsAFailure)
     Write("in.png", bytes);
     EXPECT_EQ(Run({"image", "in.png", "-o", "out.png"}).err,
               "marlet: in.png: Not an image that can be read\n");
+    EXPECT_THAT(Run({"image", "in.png"}).out,
+                testing::AllOf(testing::HasSubstr("usable, 5x3"), testing::HasSubstr("\n  pixels   none\n")));
+    EXPECT_THAT(Run({"image", "in.png", "--json"}).out, testing::HasSubstr(",\"pixels\":null}"));
     EXPECT_EQ(FileNames().size(), 1u);
 }
 

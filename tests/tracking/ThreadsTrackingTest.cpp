@@ -7,13 +7,17 @@
 #include <marlet/project/SolidAsset.h>
 #include <marlet/tracking/Tracker.h>
 #include <marlet/tracking/TrackingActiveObject.h>
+#include <marlet/tracking/TrackingFrame.h>
 #include <marlet/tracking/TrackingPoint.h>
 
 #include <gmock/gmock.h>
 #include <opencv2/core/utility.hpp>
 
+#include <algorithm>
+#include <array>
 #include <atomic>
 #include <chrono>
+#include <cmath>
 #include <random>
 #include <thread>
 
@@ -43,6 +47,23 @@ struct MovingVideo : FakeVideo {
             const bool isInside = std::abs(x) <= 6 && std::abs(y) <= 6;
             std::fill_n(buffer + 4 * place, 4,
                         static_cast<unsigned char>(isInside ? x * x * 31 + x * 7 + y * 57 : 90));
+        }
+        return 0;
+    }
+};
+
+/// The same by colour alone: in gray the frames are plain.
+struct MovingColours : MovingVideo {
+    int GetFrame(int frame, media::KyImageChannels channels, unsigned char *buffer, int size, int *out,
+                 int flags) override
+    {
+        MovingVideo::GetFrame(frame, channels, buffer, size, out, flags);
+        for (unsigned char *pixel = buffer; pixel < buffer + 4 * width * height; pixel += 4) {
+            const double colour = pixel[0] - 90;
+            pixel[0] = static_cast<unsigned char>(std::lround(128 + 0.587 * colour));
+            pixel[1] = static_cast<unsigned char>(std::lround(128 - 0.299 * colour));
+            pixel[2] = 128;
+            pixel[3] = 255;
         }
         return 0;
     }
@@ -164,6 +185,50 @@ TEST_F(Threads, RunsReportEachPositionAndWhyTheyEnd)
                 EXPECT_NEAR(reports[i].primary.X, Truth(seen).X, 0.1);
             }
         }
+    }
+}
+
+TEST_F(Threads, RunsMatchInColourWhereTemplatesAreToAndElseInGray)
+{
+    const auto colours = std::make_shared<MovingColours>();
+    file.video = colours;
+    asset->Wake();
+    using Method = Tracker::TrackerMethod;
+    const std::tuple<Method, int, bool> cases[] = {{Method::TemplateMatching, 1, true},
+                                                   {Method::TemplateMatching, 0, false},
+                                                   {Method::TemplateMatching, 2, false},
+                                                   {Method::OpticalFlow, 1, false}};
+    for (const auto &[method, colourMatching, isSeen] : cases) {
+        tracker->SetMethod(method);
+        options.colourMatching = colourMatching;
+        ASSERT_EQ(Start(5, Direction::Forwards, Duration::OneFrame), StartResult::Started);
+        Finish();
+        ASSERT_EQ(reports.size(), 2u);
+        EXPECT_EQ(std::abs(reports.back().primary.X - Truth(6).X) < 0.3, isSeen)
+            << static_cast<int>(method) << " " << colourMatching;
+    }
+
+    // What is gray is weighed by the order of the bytes.
+    struct PlainVideo : FakeVideo {
+        std::array<unsigned char, 4> pixel{};
+        int GetFrame(int, media::KyImageChannels, unsigned char *buffer, int, int *, int) override
+        {
+            for (int i = 0; i < width * height; ++i)
+                std::ranges::copy(pixel, buffer + 4 * i);
+            return 0;
+        }
+    };
+    const auto plain = std::make_shared<PlainVideo>();
+    file.video = plain;
+    asset->Wake();
+    const std::pair<std::array<unsigned char, 4>, int> levels[] = {
+        {{200, 0, 0, 9}, 60}, {{0, 200, 0, 9}, 117}, {{0, 0, 200, 9}, 23}, {{255, 255, 255, 9}, 255}};
+    const auto stream = asset->VideoStream();
+    TrackingFrame gray(*stream, false);
+    for (const auto &[pixel, level] : levels) {
+        plain->pixel = pixel;
+        ASSERT_TRUE(gray.Read(*stream, plain->FrameRate(), 0));
+        EXPECT_EQ(gray.Image().pixels[5], level);
     }
 }
 

@@ -15,7 +15,7 @@ struct PixelRegion {
     {
         return pixels + static_cast<long long>(row) * bytesPerRow + column * bytesPerPixel;
     }
-    /// A part of the region, which must lie inside it.
+    /// Another rectangle of the same frame, in which it must lie; it may reach beyond the region.
     PixelRegion Crop(int column, int row, int partWidth, int partHeight) const
     {
         return {At(column, row), partWidth, partHeight, bytesPerRow, bytesPerPixel};

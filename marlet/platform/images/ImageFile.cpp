@@ -1,5 +1,9 @@
 #include <marlet/platform/images/ImageFile.h>
 
+#include <marlet/platform/media/KyAbstractMediaFile.h>
+#include <marlet/platform/media/KyAbstractVideoStream.h>
+#include <marlet/platform/media/KyMedia.h>
+
 #include <QFile>
 #include <QFileInfo>
 #include <QImage>
@@ -7,6 +11,7 @@
 #include <QPixelFormat>
 
 #include <algorithm>
+#include <memory>
 #include <new>
 
 namespace marlet::project::platform
@@ -55,10 +60,73 @@ private:
     QImageReader reader_;
 };
 
-bool HasAlpha(QImage::Format format)
+/// Nothing where the number of a format does not tell: each entry of a colour table has an alpha of its own,
+/// many readers do not say a format, and one that fails may say a number that is none.
+std::optional<bool> AlphaByFormat(int number)
 {
-    return format != QImage::Format_Invalid &&
-           QImage::toPixelFormat(format).alphaUsage() == QPixelFormat::UsesAlpha;
+    if (number <= QImage::Format_Invalid || number >= QImage::NImageFormats)
+        return std::nullopt;
+    const QPixelFormat format = QImage::toPixelFormat(static_cast<QImage::Format>(number));
+    if (format.colorModel() == QPixelFormat::Indexed)
+        return std::nullopt;
+    return format.alphaUsage() == QPixelFormat::UsesAlpha;
+}
+
+/// Of more than 8 bits a channel, in more than one channel.
+bool IsDeep(const QImage &image)
+{
+    return image.depth() > 32;
+}
+
+/// Qt's readers leave parts of some pictures as the memory was: of deep PNG and TIFF, and what is missing of
+/// a BMP.
+bool MayBeReadInPart(const QImage &image, const QByteArray &fileFormat)
+{
+    return IsDeep(image) || fileFormat == "bmp";
+}
+
+/// A second picture is read over the opposite of the first: what is alike in both was read.
+bool IsReadWhole(const WideString &path, const QImage &image)
+{
+    QImage second = image.copy();
+    std::transform(second.constBits(), second.constBits() + second.sizeInBytes(), second.bits(),
+                   [](unsigned char byte) { return static_cast<unsigned char>(~byte); });
+    return !second.isNull() && ImageFile(path).Reader().read(&second) && second == image;
+}
+
+/// The same picture by the decoders of media. Null if they know it as none, or as one of another size.
+QImage ReadByMedia(const WideString &path, const QSize &size)
+{
+    namespace media = kyh::media;
+    media::KyAbstractMediaFile *opened = nullptr;
+    if (media::KyMediaFileCreate(path.c_str(), &opened) != media::kSuccess)
+        return {};
+    const std::unique_ptr<media::KyAbstractMediaFile, int (*)(media::KyAbstractMediaFile *)> file(
+        opened, media::KyMediaFileRelease);
+    const auto video =
+        std::static_pointer_cast<media::KyAbstractVideoStream>(file->Stream(media::kVideoStream));
+    if (!video || QSize(video->Width(), video->Height()) != size)
+        return {};
+    // Rows of four bytes a pixel have no padding in either.
+    QImage image(size, QImage::Format_ARGB32);
+    const int code = image.isNull() ? media::kFailed
+                                    : video->GetFrame(0, media::KyImageChannels::Four, image.bits(),
+                                                      static_cast<int>(image.sizeInBytes()), nullptr, 0);
+    return code == media::kSuccess ? image : QImage();
+}
+
+/// Null if it cannot be decoded.
+QImage ReadPicture(const WideString &path)
+{
+    ImageFile file(path);
+    if (!file.CanRead())
+        return {};
+    // Asked before the reader is at the end of its file, where it has none.
+    const QByteArray format = file.Reader().format();
+    const QImage image = file.Reader().read();
+    if (!MayBeReadInPart(image, format) || IsReadWhole(path, image))
+        return image;
+    return IsDeep(image) ? ReadByMedia(path, image.size()) : QImage();
 }
 
 QImage ScaledToFit(const QImage &image, const QSize &limit)
@@ -86,13 +154,20 @@ std::optional<ImageHeader> ReadImageHeader(const WideString &path)
     ImageFile file(path);
     if (!file.CanRead())
         return std::nullopt;
-    const bool hasAlpha = HasAlpha(file.Reader().imageFormat());
+    // The size first: asked for it, a reader looks at the header, without which its format is any number.
     QSize size = file.Reader().size();
-    if (!size.isValid())
-        size = file.Reader().read().size();
+    std::optional<bool> hasAlpha;
+    if (!size.isEmpty())
+        hasAlpha = AlphaByFormat(file.Reader().imageFormat());
+    if (!hasAlpha) {
+        const QImage image = file.Reader().read();
+        hasAlpha = image.hasAlphaChannel();
+        if (size.isEmpty())
+            size = image.size();
+    }
     if (size.isEmpty())
         return std::nullopt;
-    return ImageHeader{.width = size.width(), .height = size.height(), .hasAlpha = hasAlpha};
+    return ImageHeader{.width = size.width(), .height = size.height(), .hasAlpha = *hasAlpha};
 }
 
 std::optional<ImagePixels> ReadImagePixels(const WideString &path, int maxWidth, int maxHeight,
@@ -100,10 +175,7 @@ std::optional<ImagePixels> ReadImagePixels(const WideString &path, int maxWidth,
 {
     if (maxWidth <= 0 || maxHeight <= 0)
         return std::nullopt;
-    ImageFile file(path);
-    if (!file.CanRead())
-        return std::nullopt;
-    QImage image = file.Reader().read();
+    QImage image = ReadPicture(path);
     if (image.isNull())
         return std::nullopt;
     image = ScaledToFit(image, QSize(maxWidth, maxHeight));
