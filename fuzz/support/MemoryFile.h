@@ -34,8 +34,8 @@ private:
     int descriptor_;
 };
 
-/// A file of the input. The last byte says what the others are: 0, in steps of the count of whole files, a
-/// file themselves; else changes to one of those, as two bytes for the place and one to put there.
+/// A file of the input. The last byte says what the others are: 0, in steps of one more than the whole files,
+/// a file themselves; else changes to one of those, as two bytes for the place and one to put there.
 template <class Files>
 std::string FileOfInput(const std::uint8_t *bytes, std::size_t size, const Files &wholeFiles)
 {

@@ -171,8 +171,8 @@ const KeyFrame &KeyFrameList::NearestToTime(int time) const
 
 void KeyFrameList::AdjacentKeyFrames(int time, const KeyFrame **before, const KeyFrame **after) const
 {
-    Require(before, "pointer to the key frame before");
-    Require(after, "pointer to the key frame after");
+    Require(before, "before");
+    Require(after, "after");
     const KeyFrameList_Impl &list = impl_->InOrder();
     const std::size_t from = list.FirstFrom(time);
     const std::size_t next = list.FirstAfter(time);

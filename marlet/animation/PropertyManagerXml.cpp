@@ -45,7 +45,7 @@ WideString PropertyManager::Serialize() const
 void PropertyManager::Serialize(void *document, void *parent) const
 {
     Require(document, "document");
-    Require(parent, "parent element");
+    Require(parent, "parent");
     AppendXmlToDom(Serialize(), document, parent);
 }
 

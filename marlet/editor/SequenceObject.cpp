@@ -5,8 +5,7 @@
 #include <marlet/editor/Transition.h>
 #include <marlet/foundation/Arguments.h>
 #include <marlet/foundation/Numbers.h>
-#include <marlet/foundation/xml/XmlReader.h>
-#include <marlet/foundation/xml/XmlWriter.h>
+#include <marlet/foundation/xml/RelaxedXml.h>
 #include <marlet/layers/LayerHelper.h>
 #include <marlet/plugins/EffectsHelper.h>
 #include <marlet/project/AssetList.h>
@@ -30,9 +29,7 @@ template <class Xml, class Data> void SequenceObjectFields(Xml &xml, Data &data)
     xml.Child("SequenceID", data.parentSequenceID);
     xml.Child("Name", data.name);
     xml.Child("AssetID", data.assetID);
-    AssetType assetType = data.assetType.Load();
-    xml.Child("AssetType", assetType);
-    data.assetType.Store(assetType);
+    Child(xml, "AssetType", data.assetType);
     xml.Child("AssetInstanceStart", data.assetInstanceStart);
     xml.Child("StartFrame", data.startFrame);
     xml.Child("EndFrame", data.endFrame);

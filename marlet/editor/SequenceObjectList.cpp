@@ -53,16 +53,18 @@ SequenceObjectList::Object &SequenceObjectList::operator[](unsigned int index)
 
 const SequenceObjectList::Object &SequenceObjectList::FirstByTime() const
 {
-    if (IsEmpty())
-        throw std::logic_error("The track has no first object");
-    return impl_->At(0);
+    for (std::size_t i = 0; i < impl_->Count(); ++i)
+        if (const Object &object = impl_->At(i))
+            return object;
+    throw std::logic_error("The track has no first object");
 }
 
 const SequenceObjectList::Object &SequenceObjectList::LastByTime() const
 {
-    if (IsEmpty())
-        throw std::logic_error("The track has no last object");
-    return impl_->At(impl_->Count() - 1);
+    for (std::size_t i = impl_->Count(); i > 0; --i)
+        if (const Object &object = impl_->At(i - 1))
+            return object;
+    throw std::logic_error("The track has no last object");
 }
 
 SequenceObjectList::Object SequenceObjectList::GetByStartFrame(int frame) const

@@ -2,8 +2,7 @@
 
 #include <marlet/layers/AssetLayer.h>
 
-#include <marlet/foundation/xml/XmlReader.h>
-#include <marlet/foundation/xml/XmlWriter.h>
+#include <marlet/foundation/xml/RelaxedXml.h>
 #include <marlet/layers/AssetLayerImpl.h>
 #include <marlet/layers/LayerHelper.h>
 #include <marlet/layers/LayerMaker.h>
@@ -21,18 +20,6 @@ constexpr char kTrackersTag[] = "Trackers";
 constexpr unsigned int kVersion = 2;
 /// The first version that tells what the asset once had from what it has.
 constexpr unsigned int kVersionOfHad = 2;
-
-template <class T> void Child(XmlWriter &writer, const char *name, const Relaxed<T> &value)
-{
-    writer.Child(name, value.Load());
-}
-
-template <class T> void Child(const XmlCursor &element, const char *name, Relaxed<T> &value)
-{
-    T read{};
-    element.Child(name, read);
-    value.Store(read);
-}
 
 // What the asset had stands in the middle of the file but is looked for last, being younger than the rest.
 

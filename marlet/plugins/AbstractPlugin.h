@@ -67,7 +67,8 @@ public:
     /// element its root, a QDomElement that holds all that the library writes of the instance,
     /// "PropertyManager" and "UIState" too. A plug-in with private data calls SerializeInstanceDataBytes on
     /// the instance with the two. Whatever else it adds, wherever it puts it, also attributes, is saved:
-    /// children of the element stand behind the library's own.
+    /// children of the element stand behind the library's own, and what stands in "PropertyManager" has to be
+    /// a property, since that is read as one.
     virtual void SerializeInstance(AbstractPluginInstance *instance, void *document, void *element) = 0;
     /// Last when an instance with private data is read or copied. InstanceData may be null then. The bytes
     /// are the library's, and stay for the length of the call.

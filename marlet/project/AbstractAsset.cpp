@@ -17,7 +17,8 @@ double AbstractAsset::AspectRatio(const std::shared_ptr<AbstractAsset> &asset)
 std::shared_ptr<AbstractAsset>
 FindAssetByID(const kytl::KyList<std::shared_ptr<AbstractAsset>, std::vector> &assets, const kytl::KyID &id)
 {
-    return assets.FindFirst([&id](const std::shared_ptr<AbstractAsset> &asset) { return asset && asset->ID() == id; });
+    return assets.FindFirst(
+        [&id](const std::shared_ptr<AbstractAsset> &asset) { return asset && asset->ID() == id; });
 }
 
 } // namespace marlet::project

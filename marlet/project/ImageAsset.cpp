@@ -1,5 +1,6 @@
 #include <marlet/project/ImageAsset.h>
 
+#include <marlet/foundation/Arguments.h>
 #include <marlet/foundation/KyCriticalSection.h>
 #include <marlet/foundation/xml/XmlReader.h>
 #include <marlet/foundation/xml/XmlWriter.h>
@@ -85,6 +86,7 @@ std::shared_ptr<ImageAsset> ImageAsset::CreateFromXml(const WideString &xml)
 
 std::shared_ptr<ImageAsset> ImageAsset::Copy(std::shared_ptr<ImageAsset> other)
 {
+    Require(other, "asset");
     return std::static_pointer_cast<ImageAsset>(other->Clone());
 }
 
@@ -206,6 +208,8 @@ void ImageAsset::Wake()
 unsigned int ImageAsset::ReadPixelData(int maxWidth, int maxHeight,
                                        boost::shared_array<unsigned char> &pixels, int *width, int *height)
 {
+    Require(width, "width");
+    Require(height, "height");
     const KyScopedLock hold(*impl_->lock);
     if (Status() != FileStatus::Usable)
         return kFailed;

@@ -34,6 +34,7 @@ public:
     static std::shared_ptr<ImageAsset> Create(const WideString &filename);
     /// @throws XmlParseException, InvalidProjectVersionException, std::runtime_error
     static std::shared_ptr<ImageAsset> CreateFromXml(const WideString &xml);
+    /// @throws std::invalid_argument for a null pointer
     static std::shared_ptr<ImageAsset> Copy(std::shared_ptr<ImageAsset> other);
     ~ImageAsset() override;
 
@@ -83,6 +84,7 @@ public:
     /// The picture, scaled down to fit into a size if it is larger: 4 bytes a pixel (B, G, R, A) if
     /// PixelBitCount is 32, else 3 (R, G, B); rows are padded to a multiple of 4 bytes. Returns 0, or another
     /// value if the file cannot be used; the arguments are then untouched.
+    /// @throws std::invalid_argument for a null pointer
     unsigned int ReadPixelData(int maxWidth, int maxHeight, boost::shared_array<unsigned char> &pixels,
                                int *width, int *height);
 

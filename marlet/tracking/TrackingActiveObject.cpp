@@ -2,6 +2,7 @@
 
 #include <marlet/animation/PropertyManager.h>
 #include <marlet/animation/PropertyValue.h>
+#include <marlet/foundation/Arguments.h>
 #include <marlet/layers/AssetLayer.h>
 #include <marlet/project/AssetList.h>
 #include <marlet/project/CompositionAsset.h>
@@ -71,6 +72,9 @@ TrackingActiveObject::Start(Direction direction, Duration duration, const std::s
                             const std::shared_ptr<Tracker> &tracker, const TrackingOptions &options)
 {
     Stop();
+    Require(project, "project");
+    Require(layer, "layer");
+    Require(tracker, "tracker");
     const int length = layer->Length();
     if (time < 0 || time >= length)
         return StartResult::TimeOutOfRange;

@@ -54,6 +54,7 @@ public:
 
     /// Stops a run that there is, also if this one cannot start. `time` is a frame number; the rectangles are
     /// those at the composition's playhead.
+    /// @throws std::invalid_argument for a null pointer
     /// @throws boost::bad_get if a property of the tracker holds another type
     /// @throws std::logic_error if a point of the tracker is missing
     /// @throws std::runtime_error if the layer's composition is not in the project

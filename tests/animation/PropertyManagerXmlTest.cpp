@@ -121,7 +121,7 @@ TEST(PropertyManagerXmlTest, WhatIsMissingOrMalformedFailsWithItsWords)
         {Property("Type='0'", "<Default/>"), "Missing element\nStatic"},
         {"<PropertyManager Version='1'/>",
          "The project file was saved by a newer version of the application than this one."},
-        // Letters that XML does not allow, and bytes that are none.
+        // Letters that XML does not allow.
         {"<PropertyManager Version='0'><a\u00D7 Type='0'>" + kValues + "</a\u00D7></PropertyManager>",
          "Wrong tag name\nPropertyManager"},
         {"<PropertyManager Version='0'><\u2192 Type='0'>" + kValues + "</\u2192></PropertyManager>",

@@ -110,6 +110,8 @@ TEST_F(NullArguments, InPlacesOfAListGoWithItsNextChange)
     const auto first = insert(0, 10), second = insert(20, 30), third = insert(20, 40), last = insert(50, 60);
     for (const unsigned int emptied : {0u, 1u})
         list[emptied] = nullptr;
+    EXPECT_EQ(list.FirstByTime(), third);
+    EXPECT_EQ(list.LastByTime(), last);
     EXPECT_EQ(list.FindOnFrame(5), nullptr);
     EXPECT_EQ(list.FindOnFrame(25), third);
     EXPECT_EQ(list.GetByStartFrame(20), third);
@@ -126,6 +128,9 @@ TEST_F(NullArguments, InPlacesOfAListGoWithItsNextChange)
     EXPECT_EQ(list.Count(), 2u);
     EXPECT_EQ(list[0], third);
     list[1] = nullptr;
+    EXPECT_EQ(list.LastByTime(), third);
+    list[0] = nullptr;
+    EXPECT_THROW(list.LastByTime(), std::logic_error);
     list.Clear();
     EXPECT_TRUE(list.IsEmpty());
 }

@@ -45,8 +45,14 @@ TEST(SequenceThreads, LearnFromColdObjectsWhatOneThreadLearns)
                 EXPECT_EQ(sound->AudioFrameRate(project->Assets()), 25);
                 EXPECT_EQ(sound->AssetType(), AssetType::Composition);
             });
+        // Saving is reading too.
+        threads.emplace_back([&] {
+            EXPECT_NE(picture->Serialize(), u"");
+            EXPECT_NE(sound->Serialize(), u"");
+        });
         for (std::thread &thread : threads)
             thread.join();
+        EXPECT_EQ(picture->AssetType(), AssetType::Solid);
     }
 }
 

@@ -5,9 +5,11 @@
 #include <marlet/layers/CameraLayer.h>
 #include <marlet/layers/PointLayer.h>
 #include <marlet/project/BinFolder.h>
+#include <marlet/project/ImageAsset.h>
 #include <marlet/project/ProjectTextureImageCache.h>
 #include <marlet/project/SolidAsset.h>
 
+#include <boost/smart_ptr/shared_array.hpp>
 #include <gmock/gmock.h>
 
 using namespace marlet::project;
@@ -100,6 +102,12 @@ TEST(NoPointers, AreRefusedByTheNamesOfTheArguments)
 {
     EXPECT_TRUE(Refuses("composition", [] { CompositionAsset::Copy(nullptr); }));
     EXPECT_TRUE(Refuses("asset", [] { SolidAsset::Copy(nullptr); }));
+    EXPECT_TRUE(Refuses("asset", [] { ImageAsset::Copy(nullptr); }));
     EXPECT_TRUE(Refuses("asset", [] { AbstractAsset::AspectRatio(nullptr); }));
     EXPECT_TRUE(Refuses("folder", [] { BinFolder::Copy(nullptr); }));
+    boost::shared_array<unsigned char> pixels;
+    int size = 1;
+    const auto image = ImageAsset::Create(u"");
+    EXPECT_TRUE(Refuses("width", [&] { image->ReadPixelData(1, 1, pixels, nullptr, &size); }));
+    EXPECT_TRUE(Refuses("height", [&] { image->ReadPixelData(1, 1, pixels, &size, nullptr); }));
 }

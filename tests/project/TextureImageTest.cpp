@@ -22,6 +22,23 @@ TEST(TextureImage, KnowsTheSizeOfAFileThatOpens)
     EXPECT_EQ(image.Width(), 0);
 }
 
+TEST(TextureImage, TellsItsCopiesApartByTheirIDs)
+{
+    const ImageFiles files;
+    TextureImage source;
+    source.Load(files.Write("a.png", files.Plain(5, 4)));
+    const TextureImage copy(source);
+    TextureImage assigned;
+    assigned = source;
+    for (const TextureImage *image : {&copy, static_cast<const TextureImage *>(&assigned)}) {
+        EXPECT_EQ(image->FilePath(), source.FilePath());
+        EXPECT_EQ(image->Width(), 5);
+        EXPECT_EQ(image->Height(), 4);
+        EXPECT_NE(image->ID(), source.ID());
+    }
+    EXPECT_NE(copy.ID(), assigned.ID());
+}
+
 TEST(ProjectTextureImageCache, SharesAnImageWhileSomebodyHoldsIt)
 {
     const ImageFiles files;

@@ -3,7 +3,7 @@
 
 cmake_minimum_required(VERSION 3.25)
 find_program(READELF readelf REQUIRED)
-file(GLOB_RECURSE files LIST_DIRECTORIES false ${FOLDER}/bin/* ${FOLDER}/lib/*)
+file(GLOB_RECURSE files LIST_DIRECTORIES false ${FOLDER}/bin/* ${FOLDER}/lib*/*)
 set(count 0)
 
 foreach(file IN LISTS files)

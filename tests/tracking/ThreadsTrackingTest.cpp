@@ -268,6 +268,13 @@ TEST_F(Threads, RunsStartOnlyWhereThereIsSomethingToFollowAndEndTheOneBefore)
     }
     Show(SolidAsset::Create(u"", {}, 10, 10, PAR{}));
     EXPECT_EQ(Start(1), StartResult::NoVideo);
+
+    const auto startWith = [&](const auto &project, const auto &shown, const auto &followed) {
+        run.Start(Direction::Forwards, Duration::UntilEnd, project, shown, 1, followed, options);
+    };
+    EXPECT_THROW(startWith(nullptr, layer, tracker), std::invalid_argument);
+    EXPECT_THROW(startWith(stage->project, nullptr, tracker), std::invalid_argument);
+    EXPECT_THROW(startWith(stage->project, layer, nullptr), std::invalid_argument);
 }
 
 TEST_F(Threads, RunsFinishOnceEachHoweverTheyAreDisturbed)
