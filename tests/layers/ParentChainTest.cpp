@@ -4,8 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <ctime>
 #include <functional>
+#include <limits>
 #include <stdexcept>
 
 namespace marlet::test
@@ -81,21 +83,25 @@ TEST(ParentChain, MayBeAMillionLayersDeep)
 
 TEST(ParentChain, FindsParentsThatStandFarDownALongList)
 {
-    const LayerStage stage;
-    const auto parent = std::make_shared<FixedLayer>();
-    for (int i = 1; i < 20'000; ++i)
-        stage.Add(std::make_shared<FixedLayer>())->SetParentLayer(parent->ID());
-    stage.Add(parent);
-    std::clock_t passes[2];
-    for (std::clock_t &pass : passes) {
-        const std::clock_t start = std::clock();
-        for (const auto &layer : std::as_const(*stage.composition).Layers())
-            layer->WorldTransformationAtTime(0, stage.project, false);
-        pass = std::clock() - start;
+    // Of the processor's time, since others use it as well, and the least of some rounds, since the heap may
+    // tidy up in one of them after what came before.
+    std::clock_t least[2] = {std::numeric_limits<std::clock_t>::max(),
+                             std::numeric_limits<std::clock_t>::max()};
+    for (int round = 0; round < 4; ++round) {
+        const LayerStage stage;
+        const auto parent = std::make_shared<FixedLayer>();
+        for (int i = 1; i < 20'000; ++i)
+            stage.Add(std::make_shared<FixedLayer>())->SetParentLayer(parent->ID());
+        stage.Add(parent);
+        for (std::clock_t &time : least) {
+            const std::clock_t start = std::clock();
+            for (const auto &layer : std::as_const(*stage.composition).Layers())
+                layer->WorldTransformationAtTime(0, stage.project, false);
+            time = std::min(time, std::clock() - start);
+        }
     }
-    // Walking the list for each of them takes a thousand times as long. Of the processor's time, since others
-    // use it as well.
-    EXPECT_LT(passes[0], 50 * passes[1]);
+    // Walking the list for each of them takes a thousand times as long.
+    EXPECT_LT(least[0], 50 * least[1]);
 }
 
 TEST(ParentChain, FailsWhereParentsRunInACircle)
