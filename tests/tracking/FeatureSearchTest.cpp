@@ -259,8 +259,9 @@ TEST(FeatureSearch, ByFlowTakesWindowLevelsAndIterationsFromFeatureRegionAndOpti
         EXPECT_EQ(place, follow(0, 0, 0));
         EXPECT_NE(place, follow(1, 0, 0));
         // From the fifth level on, the coarsest leaves nothing to find.
-        if (row.region < 128)
+        if (row.region < 128) {
             EXPECT_NE(place, follow(0, 1, 0));
+        }
         EXPECT_NE(place, follow(0, 0, 1));
     }
 }
