@@ -91,7 +91,7 @@ TEST(PropertyManagerXmlTest, TheFormsForADocumentOfQtSayTheSame)
 
     const std::pair<std::function<void()>, const char *> withNothing[] = {
         {[&] { manager->Serialize(nullptr, &root); }, "document"},
-        {[&] { manager->Serialize(&document, nullptr); }, "parent element"},
+        {[&] { manager->Serialize(&document, nullptr); }, "parent"},
         {[&] { read.Deserialize(nullptr); }, "element"}};
     for (const auto &[call, name] : withNothing)
         EXPECT_THAT(call, testing::ThrowsMessage<std::invalid_argument>(testing::HasSubstr(name)));
