@@ -273,8 +273,9 @@ TEST(KeyFrameListTest, AssigningAKeyFrameKeepsItsPlace)
     list.At(100) = Key(300, 7.5f, {1, 2}, {3, 4}, KeyFrameType::Hold);
     std::swap(list.At(200), list.At(300));
     list.ForEach([&](KeyFrame &key) {
+        const KeyFrame &same = key;
         if (key.Time() == 200)
-            key = key;
+            key = same;
     });
     EXPECT_THAT(list.Locations(), ElementsAre(100, 200, 300));
     EXPECT_EQ(list.Identifiers(), ids);
@@ -361,15 +362,16 @@ TEST(KeyFrameListTest, ACallbackMayEndTheListItIsCalledFrom)
          }}};
     for (const auto &[end, change] : ends) {
         for (const auto &[name, walk] : walks) {
+            SCOPED_TRACE(std::string(end) + " in a walk " + name);
             Manager manager = make();
             std::vector<int> seen;
-            walk(manager->KeyFrames("p"), [&](const KeyFrame &key) {
+            walk(manager->KeyFrames("p"), [&, &apply = change](const KeyFrame &key) {
                 seen.push_back(key.Time());
                 if (seen.size() == 2)
-                    change(manager);
-                EXPECT_EQ(key.Time(), seen.back()) << end << " in a walk " << name;
+                    apply(manager);
+                EXPECT_EQ(key.Time(), seen.back());
             });
-            EXPECT_EQ(seen.size(), 2u) << end << " in a walk " << name;
+            EXPECT_EQ(seen.size(), 2u);
         }
     }
 }

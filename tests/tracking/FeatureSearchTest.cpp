@@ -176,6 +176,8 @@ Slow SlowMatch(const Picture &previous, const Picture &next, const TrackingRecta
     const float py = static_cast<float>(next.height / 2) - r.featurePosition.Y;
     const Axis x(next.width, px, r.featureSize.X, px + r.searchPosition.X, r.searchSize.X);
     const Axis y(next.height, py, r.featureSize.Y, py - r.searchPosition.Y, r.searchSize.Y);
+    if (x.last - x.first < x.patternSize || y.last - y.first < y.patternSize)
+        return {};
     const auto score = [&](int column, int row) {
         return SquaredDifference(previous, next, x, y, column, row);
     };
