@@ -9,6 +9,7 @@
 #include <QImage>
 #include <QImageReader>
 #include <QPixelFormat>
+#include <QtEndian>
 
 #include <algorithm>
 #include <memory>
@@ -39,6 +40,44 @@ void RaiseAllocationLimit()
     }();
 }
 
+// A block of an ICNS begins with four letters and its length, and so does the file.
+constexpr int kIcnsHead = 8;
+constexpr int kIcnsLetters = 4;
+
+/// The length that a head gives, 0 if it cannot be read or does not fit before the end.
+qint64 IcnsLength(const QByteArray &head, qint64 room)
+{
+    if (head.size() < kIcnsHead)
+        return 0;
+    const qint64 length = qFromBigEndian<quint32>(head.constData() + kIcnsLetters);
+    return length >= kIcnsHead && length <= room ? length : 0;
+}
+
+QByteArray ReadAt(QFile &file, qint64 place, qint64 size)
+{
+    return file.seek(place) ? file.read(size) : QByteArray();
+}
+
+/// Whether the file is no ICNS, or one whose blocks lie in it, also by its table of contents. Qt's reader
+/// asks for as much memory as is said there, which may be 4 GB in a file of a few bytes.
+bool AreIcnsBlocksInside(QFile &file)
+{
+    if (!file.peek(kIcnsHead).startsWith("icns"))
+        return true;
+    const qint64 size = file.size();
+    bool areInside = true;
+    for (qint64 place = kIcnsHead; areInside && place < size;) {
+        const QByteArray head = ReadAt(file, place, kIcnsHead);
+        const qint64 length = IcnsLength(head, size - place);
+        areInside = length > 0;
+        if (head.startsWith("TOC "))
+            for (qint64 entry = kIcnsHead; areInside && entry < length; entry += kIcnsHead)
+                areInside = IcnsLength(ReadAt(file, place + entry, kIcnsHead), size) > 0;
+        place += length;
+    }
+    return file.seek(0) && areInside;
+}
+
 /// An image file opened for reading. Reading from a device rather than by name keeps the reader from trying
 /// other names with an extension behind a name that does not exist.
 class ImageFile
@@ -48,7 +87,7 @@ public:
     {
         RaiseAllocationLimit();
         // Opening a pipe would wait for somebody to write into it.
-        if (QFileInfo(file_).isFile() && file_.open(QIODevice::ReadOnly))
+        if (QFileInfo(file_).isFile() && file_.open(QIODevice::ReadOnly) && AreIcnsBlocksInside(file_))
             reader_.setDevice(&file_);
     }
 
