@@ -1,5 +1,6 @@
 // Any bytes either open as media or are refused with a code. Of what opens, frames and samples are asked for
-// in and out of order: none is written beyond its buffer.
+// in and out of order: none is written beyond its buffer. A file that sleeps and wakes, and one that opens by
+// the index that is kept of it, is what it was. Any bytes as a kept index are refused or can be read by.
 
 #include "support/FuzzInput.h"
 #include "support/MemoryFile.h"
@@ -8,10 +9,13 @@
 #include <marlet/platform/media/KyAbstractMediaFile.h>
 #include <marlet/platform/media/KyAbstractVideoStream.h>
 #include <marlet/platform/media/KyMedia.h>
+#include <marlet/platform/media/MediaResources.h>
+#include <marlet/platform/media/contents/ContentsForm.h>
 
 #include <encode/Encoder.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <memory>
@@ -93,28 +97,91 @@ void AskAudio(KyAbstractAudioStream &audio)
     }
 }
 
+/// Resources whose folder goes with the process.
+const MediaResourcesPtr &KeepingResources()
+{
+    struct Keeping {
+        std::string folder = "/tmp/marlet-fuzz-kept-" + std::to_string(::getpid());
+        MediaResourcesPtr resources = std::make_shared<MediaResources>();
+
+        Keeping() { resources->Index().SetPath(folder); }
+        ~Keeping() { std::filesystem::remove_all(folder); }
+    };
+    static const Keeping keeping;
+    return keeping.resources;
+}
+
+/// An open file with its streams.
+struct Opened {
+    KyAbstractMediaFile *file = nullptr;
+    int code;
+    std::shared_ptr<KyAbstractVideoStream> video;
+    std::shared_ptr<KyAbstractAudioStream> audio;
+
+    explicit Opened(const std::u16string &path)
+        : code(CreateMediaFile(path.c_str(), KeepingResources(), &file))
+    {
+        if (code != kSuccess)
+            return;
+        video = std::static_pointer_cast<KyAbstractVideoStream>(file->Stream(kVideoStream));
+        audio = std::static_pointer_cast<KyAbstractAudioStream>(file->Stream(kAudioStream));
+    }
+    Opened(const Opened &) = delete;
+    Opened &operator=(const Opened &) = delete;
+    ~Opened() { KyMediaFileRelease(file); }
+};
+
+void ExpectSame(const Opened &first, const Opened &second)
+{
+    if (second.code != kSuccess || !first.video != !second.video || !first.audio != !second.audio)
+        Fail("a kept index tells of other streams");
+    if (first.audio && first.audio->SampleCount() != second.audio->SampleCount())
+        Fail("a kept index tells of other sound");
+    if (!first.video)
+        return;
+    if (first.video->FrameCount() != second.video->FrameCount() ||
+        first.video->FrameBufferSize(KyImageChannels::Four) !=
+            second.video->FrameBufferSize(KyImageChannels::Four))
+        Fail("a kept index tells of another clip");
+    if (first.video->FrameBufferSize(KyImageChannels::Four) > kLargestFrame)
+        return;
+    Bytes frame;
+    Bytes again;
+    if (GetFrame(*first.video, 0, frame) != GetFrame(*second.video, 0, again))
+        Fail("a frame comes by one index alone");
+}
+
+/// The bytes as what stands in an index, which is signed so that it is read.
+void ReadAsIndex(const std::uint8_t *bytes, std::size_t size)
+{
+    const ContentsOrigin origin{"/clip", {}};
+    const std::string_view content(reinterpret_cast<const char *>(bytes), size);
+    if (const auto contents = ContentsFromBytes(origin, SignedContents(origin, content));
+        contents && ContentsFromBytes(origin, ContentsToBytes(origin, *contents)) != contents)
+        Fail("an index is not read back as it was written");
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *bytes, std::size_t size)
 {
     static const std::string clips[] = {MakeClip(".mov"), MakeClip(".avi"), MakeClip(".mkv")};
     static MemoryFile memory;
+    ReadAsIndex(bytes, size);
     memory.Fill(marlet::project::FileOfInput(bytes, size, clips));
-    KyAbstractMediaFile *file = nullptr;
-    if (KyMediaFileCreate(memory.Path().c_str(), &file) != kSuccess) {
-        if (file)
+    const Opened opened(memory.Path());
+    if (opened.code != kSuccess) {
+        if (opened.file)
             Fail("a file that is refused is handed out");
         return 0;
     }
-    const auto video = std::static_pointer_cast<KyAbstractVideoStream>(file->Stream(kVideoStream));
-    const auto audio = std::static_pointer_cast<KyAbstractAudioStream>(file->Stream(kAudioStream));
-    if (video)
-        AskVideo(*video);
-    if (audio)
-        AskAudio(*audio);
-    file->Sleep();
-    if (file->Wake() != kSuccess)
+    if (opened.video)
+        AskVideo(*opened.video);
+    if (opened.audio)
+        AskAudio(*opened.audio);
+    opened.file->Sleep();
+    if (opened.file->Wake() != kSuccess)
         Fail("a file is not what it was");
-    KyMediaFileRelease(file);
+    ExpectSame(opened, Opened(memory.Path()));
     return 0;
 }

@@ -4,6 +4,7 @@
 #include <marlet/platform/media/KyAbstractMediaFile.h>
 #include <marlet/platform/media/KyAbstractVideoStream.h>
 #include <marlet/platform/media/KyMedia.h>
+#include <marlet/platform/media/MediaResources.h>
 
 #include <encode/Encoder.h>
 
@@ -60,19 +61,25 @@ struct Media {
     std::shared_ptr<KyAbstractVideoStream> video;
     std::shared_ptr<KyAbstractAudioStream> audio;
 
-    explicit Media(const std::string &path, std::optional<double> sequenceRate = std::nullopt)
+    explicit Media(const std::string &path, std::optional<double> sequenceRate = std::nullopt,
+                   const MediaResourcesPtr &resources = CommonResources())
     {
         const auto wide = std::filesystem::path(path).u16string();
-        code = sequenceRate ? KyImageSequenceCreate(wide.c_str(), *sequenceRate, &file)
-                            : KyMediaFileCreate(wide.c_str(), &file);
-        if (code != kSuccess)
-            return;
-        video = std::static_pointer_cast<KyAbstractVideoStream>(file->Stream(kVideoStream));
-        audio = std::static_pointer_cast<KyAbstractAudioStream>(file->Stream(kAudioStream));
+        code = sequenceRate ? CreateImageSequence(wide.c_str(), *sequenceRate, resources, &file)
+                            : CreateMediaFile(wide.c_str(), resources, &file);
+        if (code == kSuccess)
+            TakeStreams();
     }
     Media(const Media &) = delete;
     Media &operator=(const Media &) = delete;
     ~Media() { KyMediaFileRelease(file); }
+
+    /// Those that the file has by now.
+    void TakeStreams()
+    {
+        video = std::static_pointer_cast<KyAbstractVideoStream>(file->Stream(kVideoStream));
+        audio = std::static_pointer_cast<KyAbstractAudioStream>(file->Stream(kAudioStream));
+    }
 
     /// The frame in B, G, R, A, or nothing if it is not handed out.
     Bytes Frame(int number) const

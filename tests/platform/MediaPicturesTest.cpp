@@ -96,3 +96,26 @@ TEST(MediaPictures, APictureIsAClipOfOneFrameWithStraightAlpha)
     EXPECT_EQ(media.video->PixelChannelOrder(), KyChannelOrder::BGRA);
     EXPECT_EQ(media.Frame(0), (Bytes{0x30, 0x20, 0x10, 0x40, 0x02, 0x01, 0xFF, 0x00}));
 }
+
+TEST(MediaPictures, OpenByAnyName)
+{
+    const std::string colour = "P6\n2 1\n255\n" + std::string(6, '\x40');
+    const std::string bits = "P4\n8 1\n" + std::string(1, '\0');
+    struct {
+        const char *ending;
+        std::string bytes;
+        int shade;
+    } const kPictures[] = {{".pgm", Pgm(0x40), 0x40}, {".ppm", colour, 0x40}, {".pbm", bits, 255}};
+    for (const auto &picture : kPictures)
+        for (const char *name :
+             {"a*1", "a?1", "a{1", "a{x,y}1", "a%03d1", "a%1", "a b.c1", "*", "a[1]1", "a#:1"}) {
+            SCOPED_TRACE(name + std::string(picture.ending));
+            const Folder folder;
+            const std::string path = folder.Write(name + std::string(picture.ending), picture.bytes);
+            for (const std::optional<double> rate : {std::optional<double>(), std::optional<double>(25)}) {
+                const Media media(path, rate);
+                ASSERT_EQ(media.code, kSuccess);
+                EXPECT_EQ(ShadesOf(media, {0}), std::vector<int>{picture.shade});
+            }
+        }
+}

@@ -38,6 +38,13 @@ void AudioStream::Wake(std::unique_ptr<SoundReader> reader)
     isAsleep_ = false;
 }
 
+void AudioStream::Retire()
+{
+    const KyScopedLock lock(lock_);
+    reader_->Close();
+    isRetired_ = true;
+}
+
 unsigned int AudioStream::SampleRate() const
 {
     return static_cast<unsigned int>(facts_.sampleRate);
@@ -107,6 +114,8 @@ int AudioStream::GetSamples(long long start, int count, unsigned char *buffer, i
         if (!buffer || size < 0 || size / (facts_.bytesPerSample * facts_.channels) < count)
             throw MediaFailure{kBufferTooSmall};
         const KyScopedLock lock(lock_);
+        if (isRetired_)
+            throw MediaFailure{kDamaged};
         if (isAsleep_)
             throw MediaFailure{kAsleep};
         const int inside = Read(start, count, buffer);

@@ -32,6 +32,8 @@ public:
     void Wake();
     /// Wakes it with another, of the same facts.
     void Wake(std::unique_ptr<SoundReader> reader);
+    /// The file holds another stream by now. From here on, reading fails with kDamaged.
+    void Retire();
 
     unsigned int SampleRate() const override;
     unsigned char BitsPerSample() const override;
@@ -49,6 +51,7 @@ private:
     kytl::thread::KyCriticalSection lock_; ///< of what follows
     std::unique_ptr<SoundReader> reader_;
     bool isAsleep_ = false;
+    bool isRetired_ = false;
 };
 
 } // namespace kyh::media

@@ -9,10 +9,29 @@ namespace kyh::media
 
 using kytl::thread::KyScopedLock;
 
+namespace
+{
+
+/// A stream that is handed out keeps its facts: one with others is of no use, and another takes its place.
+template <class Stream, class Facts, class Source>
+std::shared_ptr<Stream> Renewed(const std::shared_ptr<Stream> &stream, const Facts &facts,
+                                std::unique_ptr<Source> source)
+{
+    if (stream && source && stream->Facts() == facts) {
+        stream->Wake(std::move(source));
+        return stream;
+    }
+    if (stream)
+        stream->Retire();
+    return source ? std::make_shared<Stream>(facts, std::move(source)) : nullptr;
+}
+
+} // namespace
+
 MediaFile::MediaFile(std::string path, MediaResourcesPtr resources, std::optional<double> sequenceRate)
     : path_(std::move(path)), resources_(std::move(resources)), sequenceRate_(sequenceRate)
 {
-    MakeStreams(Open());
+    Take(Open());
 }
 
 MediaFile::MediaFile(Unopened, std::string path, MediaResourcesPtr resources,
@@ -23,15 +42,6 @@ MediaFile::MediaFile(Unopened, std::string path, MediaResourcesPtr resources,
       isAsleep_(true),
       state_(kAsleep)
 {
-}
-
-void MediaFile::MakeStreams(OpenedMedia media)
-{
-    source_ = std::move(media.source);
-    if (media.frames)
-        video_ = std::make_shared<VideoStream>(media.videoFacts, std::move(media.frames));
-    if (media.sound)
-        audio_ = std::make_shared<AudioStream>(media.soundFacts, std::move(media.sound));
 }
 
 OpenedMedia MediaFile::Open() const
@@ -60,7 +70,7 @@ void MediaFile::NotifyRelinked()
 
 int MediaFile::Sleep()
 {
-    const KyScopedLock lock(lock_);
+    const KyScopedLock sleeping(sleeping_);
     if (isAsleep_)
         return kNothingToReport;
     if (video_)
@@ -69,31 +79,44 @@ int MediaFile::Sleep()
         audio_->Sleep();
     if (source_)
         source_->Close();
+    const KyScopedLock lock(lock_);
     isAsleep_ = true;
     return kSuccess;
 }
 
 int MediaFile::Wake()
 {
-    const KyScopedLock lock(lock_);
-    if (!isAsleep_)
+    const KyScopedLock sleeping(sleeping_);
+    if (IsUsable())
         return kNothingToReport;
-    state_ = CodeOf([&] {
-        if (!video_ && !audio_)
-            MakeStreams(Open());
-        else if (source_ && source_->Reopen())
+    const int code = CodeOf([this] {
+        if (IsUnchanged())
             WakeStreams();
         else
-            WakeWith(Open());
-        isAsleep_ = false;
+            Take(Open());
     });
-    return state_;
+    const KyScopedLock lock(lock_);
+    isAsleep_ = isAsleep_ && code != kSuccess;
+    return state_ = code;
 }
 
 int MediaFile::State() const
 {
     const KyScopedLock lock(lock_);
-    return state_;
+    return state_ == kSuccess && source_ ? source_->State() : state_;
+}
+
+bool MediaFile::IsUsable() const
+{
+    return !isAsleep_ && State() == kSuccess;
+}
+
+bool MediaFile::IsUnchanged() const
+{
+    if (!source_ || source_->Look() != kSuccess)
+        return false;
+    source_->Close();
+    return true;
 }
 
 void MediaFile::WakeStreams()
@@ -104,19 +127,14 @@ void MediaFile::WakeStreams()
         audio_->Wake();
 }
 
-/// Streams that are handed out keep their facts, so another file in the place of the old one is of no use.
-void MediaFile::WakeWith(OpenedMedia media)
+void MediaFile::Take(OpenedMedia media)
 {
-    const bool isSame = !media.frames == !video_ && !media.sound == !audio_ &&
-                        (!video_ || media.videoFacts == video_->Facts()) &&
-                        (!audio_ || media.soundFacts == audio_->Facts());
-    if (!isSame)
-        throw MediaFailure{kDamaged};
+    auto video = Renewed(video_, media.videoFacts, std::move(media.frames));
+    auto audio = Renewed(audio_, media.soundFacts, std::move(media.sound));
+    const KyScopedLock lock(lock_);
     source_ = std::move(media.source);
-    if (video_)
-        video_->Wake(std::move(media.frames));
-    if (audio_)
-        audio_->Wake(std::move(media.sound));
+    video_ = std::move(video);
+    audio_ = std::move(audio);
 }
 
 } // namespace kyh::media

@@ -33,14 +33,16 @@ public:
 
 private:
     OpenedMedia Open() const;
-    void MakeStreams(OpenedMedia media);
+    bool IsUsable() const;
+    bool IsUnchanged() const;
     void WakeStreams();
-    void WakeWith(OpenedMedia media);
+    void Take(OpenedMedia media);
 
     const std::string path_;
     const MediaResourcesPtr resources_;
     const std::optional<double> sequenceRate_;
-    mutable kytl::thread::KyCriticalSection lock_; ///< of what follows
+    kytl::thread::KyCriticalSection sleeping_;     ///< held while the file falls asleep or wakes
+    mutable kytl::thread::KyCriticalSection lock_; ///< of what follows, never held while a file is read
     FileSourcePtr source_;
     std::shared_ptr<VideoStream> video_;
     std::shared_ptr<AudioStream> audio_;

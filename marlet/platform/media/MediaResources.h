@@ -21,14 +21,14 @@ class MediaResources
 public:
     FrameCache &Frames() { return frames_; }
     LiveDecoders &Decoders() { return decoders_; }
-    OpenFiles &Files() { return files_; }
+    const OpenFilesPtr &Files() { return files_; }
     IndexFolder &Index() { return index_; }
 
 private:
     // Frames go last: what decodes and what is open lets go of them.
     FrameCache frames_;
     LiveDecoders decoders_;
-    OpenFiles files_;
+    OpenFilesPtr files_ = std::make_shared<OpenFiles>(); // which each source of a file holds on to
     IndexFolder index_;
 };
 

@@ -36,6 +36,14 @@ void VideoStream::Wake(std::unique_ptr<FrameSource> frames)
     isAsleep_ = false;
 }
 
+void VideoStream::Retire()
+{
+    const KyScopedLock lock(lock_);
+    frames_->Close();
+    converter_.Close();
+    isRetired_ = true;
+}
+
 int VideoStream::Width() const
 {
     return facts_.turn.isTransposed ? facts_.height : facts_.width;
@@ -103,6 +111,8 @@ int VideoStream::GetFrame(int frame, KyImageChannels channels, unsigned char *bu
         if (!buffer || size < bytes)
             throw MediaFailure{kBufferTooSmall};
         const KyScopedLock lock(lock_);
+        if (isRetired_)
+            throw MediaFailure{kDamaged};
         if (isAsleep_)
             throw MediaFailure{kAsleep};
         converter_.Convert(frames_->Frame(frame), channels, buffer);

@@ -22,6 +22,8 @@ public:
     void Wake();
     /// Wakes it with others, of the same facts.
     void Wake(std::unique_ptr<FrameSource> frames);
+    /// The file holds another stream by now. From here on, reading fails with kDamaged.
+    void Retire();
 
     int Width() const override;
     int Height() const override;
@@ -43,6 +45,7 @@ private:
     std::unique_ptr<FrameSource> frames_;
     FrameConverter converter_;
     bool isAsleep_ = false;
+    bool isRetired_ = false;
 };
 
 } // namespace kyh::media

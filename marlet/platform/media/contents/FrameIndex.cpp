@@ -28,28 +28,43 @@ bool IsDrawnOver(AVCodecID codec)
 
 } // namespace
 
-/// Whether the packet may decode to another count of frames than one.
+FrameIndex::FrameIndex(AVCodecID codec, std::vector<PacketMark> packets, std::vector<int> frames,
+                       std::vector<Start> starts)
+    : codec_(codec), packets_(std::move(packets)), frames_(std::move(frames)), starts_(std::move(starts))
+{
+    NumberFrames();
+}
+
+/// Whether a packet of that size may decode to another count of frames than one.
+bool FrameIndex::IsOdd(int size) const
+{
+    return size <= (codec_ == AV_CODEC_ID_MPEG4 ? kLargestEmptyPacket : 0);
+}
+
 bool FrameIndex::IsOdd(const AVPacket &packet, const AVCodecParserContext *parser) const
 {
-    if (packet.size == 0)
+    if (IsOdd(packet.size) || (codec_ == AV_CODEC_ID_VP8 && IsHiddenVp8(packet)))
         return true;
-    switch (codec_) {
-    case AV_CODEC_ID_MPEG4:
-        return packet.size <= kLargestEmptyPacket;
-    case AV_CODEC_ID_VP8:
-        return IsHiddenVp8(packet);
-    default:
-        return parser && (parser->picture_structure == AV_PICTURE_STRUCTURE_TOP_FIELD ||
-                          parser->picture_structure == AV_PICTURE_STRUCTURE_BOTTOM_FIELD);
-    }
+    return parser && (parser->picture_structure == AV_PICTURE_STRUCTURE_TOP_FIELD ||
+                      parser->picture_structure == AV_PICTURE_STRUCTURE_BOTTOM_FIELD);
+}
+
+void FrameIndex::Add(const PacketMark &mark, bool isHidden, bool isOdd)
+{
+    packets_.push_back(mark);
+    isHidden_.push_back(isHidden);
+    if (isOdd || mark.pts == AV_NOPTS_VALUE)
+        areTimesEnough_ = false;
 }
 
 void FrameIndex::Add(const AVPacket &packet, const AVCodecParserContext *parser)
 {
-    packets_.push_back(MarkOf(packet));
-    isHidden_.push_back((packet.flags & AV_PKT_FLAG_DISCARD) != 0);
-    if (IsOdd(packet, parser) || packet.pts == AV_NOPTS_VALUE)
-        areTimesEnough_ = false;
+    Add(MarkOf(packet), (packet.flags & AV_PKT_FLAG_DISCARD) != 0, IsOdd(packet, parser));
+}
+
+void FrameIndex::Add(const ListedPacket &packet)
+{
+    Add(packet.mark, packet.isDiscarded, IsOdd(packet.mark.size));
 }
 
 bool FrameIndex::OrderByTimes()
@@ -113,15 +128,28 @@ void FrameIndex::OrderStarts()
         starts_[i].frame = std::max(starts_[i].frame, starts_[i - 1].frame);
 }
 
-void FrameIndex::Trim(int first, int end)
+bool FrameIndex::IsFirstSure() const
 {
-    frames_.erase(frames_.begin() + end, frames_.end());
+    return !frames_.empty() && packets_.front().isKey &&
+           packets_[frames_.front()].pts >= packets_.front().pts;
+}
+
+void FrameIndex::TrimTo(int first)
+{
     frames_.erase(frames_.begin(), frames_.begin() + first);
-    std::erase_if(starts_, [&](const Start &start) { return start.frame >= end; });
     for (Start &start : starts_)
         start.frame = std::max(start.frame - first, 0);
     NumberFrames();
     OrderStarts();
+}
+
+void FrameIndex::Tighten()
+{
+    packets_.shrink_to_fit();
+    isHidden_ = {};
+    areTimesEnough_ = true;
+    frames_.shrink_to_fit();
+    starts_.shrink_to_fit();
 }
 
 int FrameIndex::StartFor(int frame) const

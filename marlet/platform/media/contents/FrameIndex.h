@@ -1,6 +1,6 @@
 #pragma once
 
-#include <marlet/platform/media/files/PacketReader.h>
+#include <marlet/platform/media/contents/PacketTable.h>
 
 #include <vector>
 
@@ -16,20 +16,33 @@ public:
     struct Start {
         int packet;
         int frame; ///< the first that comes out as it should
+
+        bool operator==(const Start &) const = default;
     };
 
     explicit FrameIndex(AVCodecID codec) : codec_(codec) {}
+    /// One that is complete. `frames` are the packets of the frames.
+    FrameIndex(AVCodecID codec, std::vector<PacketMark> packets, std::vector<int> frames,
+               std::vector<Start> starts);
 
+    AVCodecID Codec() const { return codec_; }
     /// Takes in the next packet of the file. `parser`, which may be null, has seen it.
     void Add(const AVPacket &packet, const AVCodecParserContext *parser);
+    /// The same of a packet that was not read.
+    void Add(const ListedPacket &packet);
     /// Orders the frames by their times. False if times do not tell which there are: SetFrames must then.
     bool OrderByTimes();
     /// Takes over the packets of the frames as they come out of a decode from the start.
     void SetFrames(std::vector<int> packets);
-    /// Leaves out the frames before `first` and those from `end` on.
-    void Trim(int first, int end);
+    /// Whether the first packet leads to the first frame, as all of the container's key frames should.
+    bool IsFirstSure() const;
+    /// Leaves out the frames before `first`.
+    void TrimTo(int first);
+    /// Nothing is added any more: lets go of memory kept for that.
+    void Tighten();
 
     const std::vector<PacketMark> &Packets() const { return packets_; }
+    const std::vector<int> &Frames() const { return frames_; } ///< their packets
     int Count() const { return static_cast<int>(frames_.size()); }
     /// The number of the frame that a packet decodes to, or -1.
     int FrameOf(int packet) const { return packet < 0 ? -1 : frameOfPacket_[packet]; }
@@ -44,7 +57,11 @@ public:
     /// The frame that is seen as number `frame`.
     int Shown(int frame) const;
 
+    bool operator==(const FrameIndex &) const = default;
+
 private:
+    void Add(const PacketMark &mark, bool isHidden, bool isOdd);
+    bool IsOdd(int size) const;
     bool IsOdd(const AVPacket &packet, const AVCodecParserContext *parser) const;
     bool IsStart(int packet) const;
     void NumberFrames();

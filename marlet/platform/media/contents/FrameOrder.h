@@ -6,9 +6,15 @@
 namespace kyh::media
 {
 
-/// Makes sure which frames come of the packets of an index, by decoding where their times do not tell: both
-/// ends of the clip, or all of it.
+/// Makes sure which frames come of the packets of an index, by decoding where their times do not tell: the
+/// beginning of the clip, or all of it. Whether the last frames come is left open. Returns the first frame if
+/// it was decoded, or null.
 /// @throws MediaFailure if nothing decodes
-void OrderFrames(const FileSourcePtr &source, int stream, FrameIndex &index);
+FramePtr OrderFrames(const FileSourcePtr &source, int stream, FrameIndex &index);
+
+/// Decodes the frame of a packet at which decoding may begin. Null if it does not come.
+FramePtr DecodeFirst(const AVCodecParameters &parameters, AVPacket &packet);
+/// Decodes the first frame that comes and leaves out those before it. @throws MediaFailure if none does
+FramePtr TrimToFirst(const FileSourcePtr &source, int stream, FrameIndex &index);
 
 } // namespace kyh::media

@@ -13,7 +13,6 @@ namespace kyh::media
 
 /// What was found in a file: at least one stream.
 struct OpenedMedia {
-    MediaResourcesPtr resources;
     FileSourcePtr source; ///< of the streams; null where pictures are opened one by one
     VideoFacts videoFacts;
     std::unique_ptr<FrameSource> frames; ///< null without a video stream

@@ -1,6 +1,7 @@
 #include <marlet/platform/media/contents/VideoFacts.h>
 
 #include <marlet/platform/media/MediaFailure.h>
+#include <marlet/platform/media/contents/NalUnits.h>
 
 extern "C" {
 #include <libavutil/pixdesc.h>
@@ -95,6 +96,26 @@ int FieldOrder(AVFieldOrder order, const AVFrame &first)
     }
 }
 
+bool CanBeInterlaced(AVCodecID codec)
+{
+    switch (codec) {
+    case AV_CODEC_ID_AV1:
+    case AV_CODEC_ID_GIF:
+    case AV_CODEC_ID_PNG:
+    case AV_CODEC_ID_THEORA:
+    case AV_CODEC_ID_VP8:
+    case AV_CODEC_ID_VP9:
+        return false;
+    default:
+        return true;
+    }
+}
+
+bool MayBeTurnedByPackets(AVCodecID codec)
+{
+    return codec == AV_CODEC_ID_H264 || codec == AV_CODEC_ID_HEVC;
+}
+
 /// A declared rate counts if it agrees with the times of the frames to within half a frame. Otherwise the
 /// rate varies or the container has guessed, and the times tell the average.
 double FrameRate(const AVStream &stream, const FrameIndex &index)
@@ -131,6 +152,26 @@ VideoFacts FactsOfFrame(const AVFrame &frame)
 }
 
 } // namespace
+
+bool AreFactsKnown(const AVStream &stream, const AVPacket &packet)
+{
+    const AVCodecParameters &parameters = *stream.codecpar;
+    if (parameters.format == AV_PIX_FMT_NONE || parameters.width <= 0 || parameters.height <= 0)
+        return false;
+    if (parameters.field_order == AV_FIELD_UNKNOWN && CanBeInterlaced(parameters.codec_id))
+        return false;
+    return !MayBeTurnedByPackets(parameters.codec_id) || !HasOrientation(parameters, packet);
+}
+
+FramePtr DescribedFrame(const AVCodecParameters &parameters)
+{
+    FramePtr frame = NewFrame();
+    frame->width = parameters.width;
+    frame->height = parameters.height;
+    frame->format = parameters.format;
+    frame->sample_aspect_ratio = parameters.sample_aspect_ratio;
+    return frame;
+}
 
 VideoFacts FactsOfClip(AVFormatContext &format, AVStream &stream, const FrameIndex &index,
                        const AVFrame &first)

@@ -34,6 +34,10 @@ struct VideoFacts {
     bool operator==(const VideoFacts &) const = default;
 };
 
+/// Whether the headers tell all facts of a stream. If not, its first frame does, which comes of `packet`.
+bool AreFactsKnown(const AVStream &stream, const AVPacket &packet);
+/// The first frame of such a stream, without its pixels.
+FramePtr DescribedFrame(const AVCodecParameters &parameters);
 /// The facts of a stream of a container, by its first frame where the container says nothing.
 /// @throws MediaFailure if the pictures are none that could be shown
 VideoFacts FactsOfClip(AVFormatContext &format, AVStream &stream, const FrameIndex &index,

@@ -36,11 +36,14 @@ bool IsPicture(std::string_view container)
     return container == "image2" || container.ends_with("_pipe");
 }
 
-/// The name without its folder, since some containers are known by the ending alone.
-const char *NameOf(const std::string &path)
+/// Some containers are known by their ending alone. The rest of a name libav may take for a pattern.
+std::string NameFor(const std::string &path)
 {
-    const std::size_t slash = path.rfind('/');
-    return path.c_str() + (slash == std::string::npos ? 0 : slash + 1);
+    const std::size_t end = path.find_last_of("./");
+    const std::string ending =
+        end != std::string::npos && path[end] == '.' ? path.substr(end) : std::string();
+    const bool isPlain = ending.find_first_of("*?{%") == std::string::npos;
+    return "media" + (isPlain ? ending : std::string());
 }
 
 } // namespace
@@ -48,9 +51,10 @@ const char *NameOf(const std::string &path)
 int Demuxer::ReadBytes(void *self, unsigned char *bytes, int size)
 {
     Demuxer &demuxer = *static_cast<Demuxer *>(self);
-    const std::int64_t count =
-        demuxer.source_->Read(demuxer.position_, bytes, static_cast<std::size_t>(size));
-    if (count < 0)
+    std::int64_t count = 0;
+    demuxer.failure_ = CodeOf(
+        [&] { count = demuxer.source_->Read(demuxer.position_, bytes, static_cast<std::size_t>(size)); });
+    if (demuxer.failure_ != kSuccess || count < 0)
         return AVERROR(EIO);
     demuxer.position_ += count;
     return count == 0 ? AVERROR_EOF : static_cast<int>(count);
@@ -61,7 +65,7 @@ std::int64_t Demuxer::SeekBytes(void *self, std::int64_t offset, int whence)
     Demuxer &demuxer = *static_cast<Demuxer *>(self);
     const std::int64_t size = demuxer.source_->Size();
     if (whence & AVSEEK_SIZE)
-        return size < 0 ? AVERROR(EIO) : size;
+        return size;
     switch (whence & ~AVSEEK_FORCE) {
     case SEEK_SET:
         break;
@@ -79,7 +83,7 @@ std::int64_t Demuxer::SeekBytes(void *self, std::int64_t offset, int whence)
     return demuxer.position_ = offset;
 }
 
-Demuxer::Demuxer(FileSourcePtr source) : source_(std::move(source))
+Demuxer::Demuxer(FileSourcePtr source) : source_(std::move(source)), name_(NameFor(source_->Path()))
 {
     Quieten();
     auto *buffer = static_cast<unsigned char *>(av_malloc(kInputBuffer));
@@ -91,8 +95,8 @@ Demuxer::Demuxer(FileSourcePtr source) : source_(std::move(source))
         throw std::bad_alloc();
     }
     if (source_->Size() == 0 ||
-        av_probe_input_buffer2(input_.get(), &container_, NameOf(source_->Path()), nullptr, 0, 0) < 0)
-        throw MediaFailure{kUnknownFormat};
+        av_probe_input_buffer2(input_.get(), &container_, name_.c_str(), nullptr, 0, 0) < 0)
+        Fail(kUnknownFormat);
     const std::string_view name = container_->name;
     // By its ending, any text passes for what a terminal would show.
     if (name == "tty")
@@ -100,14 +104,18 @@ Demuxer::Demuxer(FileSourcePtr source) : source_(std::move(source))
     isStill_ = IsPicture(name);
 }
 
+void Demuxer::Fail(int code) const
+{
+    throw MediaFailure{failure_ != kSuccess ? failure_ : code};
+}
+
 AVCodecID Demuxer::StillCodec() const
 {
     // Only the endings tell what the general container of pictures holds.
     if (std::string_view(container_->name) == "image2") {
         const AVOutputFormat *pictures = av_guess_format("image2", nullptr, nullptr);
-        return pictures
-                   ? av_guess_codec(pictures, nullptr, NameOf(source_->Path()), nullptr, AVMEDIA_TYPE_VIDEO)
-                   : AV_CODEC_ID_NONE;
+        return pictures ? av_guess_codec(pictures, nullptr, name_.c_str(), nullptr, AVMEDIA_TYPE_VIDEO)
+                        : AV_CODEC_ID_NONE;
     }
     return format_ && format_->nb_streams > 0 ? format_->streams[0]->codecpar->codec_id : AV_CODEC_ID_NONE;
 }
@@ -122,7 +130,8 @@ void Demuxer::OpenFormat()
     format->io_open = RefuseOtherFile;
     format->protocol_whitelist = av_strdup("");
     // A format that does not open is freed.
-    RequireContent(avformat_open_input(&format, NameOf(source_->Path()), container_, nullptr));
+    if (avformat_open_input(&format, name_.c_str(), container_, nullptr) < 0)
+        Fail(kDamaged);
     format_.reset(format);
 }
 
@@ -134,7 +143,8 @@ void Demuxer::OpenStreams()
         return;
     }
     OpenFormat();
-    RequireContent(avformat_find_stream_info(format_.get(), nullptr));
+    if (avformat_find_stream_info(format_.get(), nullptr) < 0)
+        Fail(kDamaged);
 }
 
 void Demuxer::Select(std::initializer_list<int> streams)
@@ -148,12 +158,20 @@ void Demuxer::Select(std::initializer_list<int> streams)
 bool Demuxer::Read(AVPacket &packet)
 {
     av_packet_unref(&packet);
-    return av_read_frame(format_.get(), &packet) >= 0;
+    const bool isRead = av_read_frame(format_.get(), &packet) >= 0;
+    if (!isRead && failure_ != kSuccess)
+        Fail(failure_);
+    return isRead;
 }
 
 bool Demuxer::Seek(int stream, std::int64_t time)
 {
     return av_seek_frame(format_.get(), stream, time, AVSEEK_FLAG_BACKWARD) >= 0;
+}
+
+bool Demuxer::SeekToPacket(int stream, std::int64_t time)
+{
+    return av_seek_frame(format_.get(), stream, time, AVSEEK_FLAG_BACKWARD | AVSEEK_FLAG_ANY) >= 0;
 }
 
 } // namespace kyh::media

@@ -2,7 +2,6 @@
 
 #include <marlet/platform/media/MediaFailure.h>
 
-#include <fcntl.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -14,100 +13,29 @@ namespace kyh::media
 namespace
 {
 
-[[noreturn]] void FailBySystem(int error)
+FileIdentity CurrentIdentity(const OpenFile &file)
 {
-    switch (error) {
-    case ENOENT:
-    case ENOTDIR:
-    case ENAMETOOLONG:
-    case ELOOP:
-        throw MediaFailure{kNotFound};
-    case EACCES:
-    case EPERM:
-        throw MediaFailure{kNoPermission};
-    default:
+    struct stat status {
+    };
+    if (::fstat(file.Descriptor(), &status) != 0)
         throw MediaFailure{kFailed};
-    }
-}
-
-struct stat StatusOf(const std::string &path)
-{
-    struct stat status {
-    };
-    if (::stat(path.c_str(), &status) != 0)
-        FailBySystem(errno);
-    return status;
-}
-
-bool IsSameTime(const timespec &first, const timespec &second)
-{
-    return first.tv_sec == second.tv_sec && first.tv_nsec == second.tv_nsec;
-}
-
-bool IsSameFile(const struct stat &first, const struct stat &second)
-{
-    return first.st_dev == second.st_dev && first.st_ino == second.st_ino &&
-           first.st_size == second.st_size && IsSameTime(first.st_mtim, second.st_mtim) &&
-           IsSameTime(first.st_ctim, second.st_ctim);
-}
-
-} // namespace
-
-FileSource::FileSource(std::string path) : path_(std::move(path))
-{
-    Open();
-}
-
-FileSource::~FileSource()
-{
-    Close();
-}
-
-void FileSource::Close()
-{
-    if (descriptor_ >= 0)
-        ::close(descriptor_);
-    descriptor_ = -1;
-}
-
-void FileSource::Open()
-{
-    // Opening a device can set something off, so it is not even tried.
-    if (!S_ISREG(StatusOf(path_).st_mode))
+    if (!S_ISREG(status.st_mode))
         throw MediaFailure{kNotAFile};
-    descriptor_ = ::open(path_.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
-    if (descriptor_ < 0)
-        FailBySystem(errno);
-    if (::fstat(descriptor_, &opened_) != 0 || !S_ISREG(opened_.st_mode)) {
-        Close();
-        throw MediaFailure{kNotAFile};
-    }
+    return IdentityOf(status);
 }
 
-bool FileSource::Reopen()
+/// An open file that is renamed or deleted keeps its content.
+bool HasSameContent(const FileIdentity &first, const FileIdentity &second)
 {
-    const struct stat before = opened_;
-    Open();
-    if (IsSameFile(before, opened_))
-        return true;
-    Close();
-    opened_ = before;
-    return false;
+    return first.size == second.size && first.writtenAt == second.writtenAt;
 }
 
-std::int64_t FileSource::Size() const
-{
-    struct stat status {
-    };
-    return ::fstat(descriptor_, &status) == 0 ? status.st_size : -1;
-}
-
-std::int64_t FileSource::Read(std::int64_t position, unsigned char *bytes, std::size_t size) const
+std::int64_t ReadAt(int descriptor, std::int64_t position, unsigned char *bytes, std::size_t size)
 {
     std::size_t done = 0;
     while (done < size) {
         const ssize_t part =
-            ::pread(descriptor_, bytes + done, size - done, position + static_cast<std::int64_t>(done));
+            ::pread(descriptor, bytes + done, size - done, position + static_cast<std::int64_t>(done));
         if (part < 0 && errno == EINTR)
             continue;
         if (part < 0 && done == 0)
@@ -117,6 +45,74 @@ std::int64_t FileSource::Read(std::int64_t position, unsigned char *bytes, std::
         done += static_cast<std::size_t>(part);
     }
     return static_cast<std::int64_t>(done);
+}
+
+} // namespace
+
+FileSource::FileSource(std::string path, OpenFilesPtr files)
+    : path_(std::move(path)), files_(std::move(files))
+{
+    const OpenFilePtr file = files_->Open(path_);
+    file_ = file;
+    try {
+        identity_ = CurrentIdentity(*file);
+    } catch (...) {
+        Close();
+        throw;
+    }
+}
+
+void FileSource::Close()
+{
+    const std::lock_guard hold(lock_);
+    files_->Close(file_);
+    file_.reset();
+}
+
+void FileSource::Fail(int code) const
+{
+    state_ = code;
+    throw MediaFailure{code};
+}
+
+OpenFilePtr FileSource::OpenAgain() const
+{
+    OpenFilePtr file = files_->Open(path_);
+    if (CurrentIdentity(*file) == identity_)
+        return file;
+    files_->Close(file);
+    throw MediaFailure{kDamaged};
+}
+
+OpenFilePtr FileSource::Use() const
+{
+    const std::lock_guard hold(lock_);
+    OpenFilePtr file = files_->Find(file_);
+    if (file)
+        return file;
+    try {
+        file = OpenAgain();
+    } catch (const MediaFailure &failure) {
+        Fail(failure.code);
+    }
+    file_ = file;
+    state_ = kSuccess;
+    return file;
+}
+
+std::int64_t FileSource::Read(std::int64_t position, unsigned char *bytes, std::size_t size) const
+{
+    const OpenFilePtr file = Use();
+    const std::int64_t count = ReadAt(file->Descriptor(), position, bytes, size);
+    // Behind the reading, so that what was read is known to be of the file as it was.
+    if (!HasSameContent(CurrentIdentity(*file), identity_))
+        Fail(kDamaged);
+    return count;
+}
+
+int FileSource::Look() const
+{
+    return CodeOf([this] { Use(); });
 }
 
 } // namespace kyh::media

@@ -1,43 +1,53 @@
 #pragma once
 
-#include <sys/stat.h>
+#include <marlet/platform/media/files/OpenFiles.h>
 
 #include <cstdint>
 #include <memory>
+#include <mutex>
 #include <string>
 
 namespace kyh::media
 {
 
-/// A regular file that is open for reading, at any place by any thread. Nobody may be reading while it is
-/// closed and opened again.
+/// A regular file, as it was when it was opened first, for reading at any place by any thread. It is open
+/// while it is read and as long as there is room for it among the open files. What another file has in its
+/// place is never read.
 class FileSource
 {
 public:
-    /// Never waits, as opening a pipe would.
+    /// Without others that are open, the file does not count.
     /// @throws MediaFailure
-    explicit FileSource(std::string path);
+    explicit FileSource(std::string path, OpenFilesPtr files = std::make_shared<OpenFiles>());
     FileSource(const FileSource &) = delete;
     FileSource &operator=(const FileSource &) = delete;
-    ~FileSource();
+    ~FileSource() { Close(); }
 
     const std::string &Path() const { return path_; }
-    /// Bytes, as of now; below 0 if that cannot be told.
-    std::int64_t Size() const;
+    const FileIdentity &Identity() const { return identity_; }
+    std::int64_t Size() const { return identity_.size; } ///< bytes
     /// As many bytes as there are, up to `size`; below 0 if reading fails.
+    /// @throws MediaFailure if the file is not there any more, or no longer what it was
     std::int64_t Read(std::int64_t position, unsigned char *bytes, std::size_t size) const;
+    /// Closes the file, which waits for nobody. It is opened again when it is read.
     void Close();
-    /// Opens a closed file again, if it is still the same as far as its dates say; false if not.
-    /// @throws MediaFailure
-    bool Reopen();
+    /// Whether the file is there, and what it was: 0, or the code that reading fails with, as the last try
+    /// has shown.
+    int State() const { return state_; }
+    /// Looks whether reading would go well. The same answers as those of State.
+    int Look() const;
 
 private:
-    void Open();
+    OpenFilePtr Use() const;
+    OpenFilePtr OpenAgain() const;
+    [[noreturn]] void Fail(int code) const;
 
     std::string path_;
-    int descriptor_ = -1;
-    struct stat opened_ {
-    };
+    OpenFilesPtr files_;
+    FileIdentity identity_;
+    mutable std::atomic<int> state_ = 0;
+    mutable std::mutex lock_; ///< of what follows
+    mutable std::weak_ptr<OpenFile> file_;
 };
 
 using FileSourcePtr = std::shared_ptr<FileSource>;

@@ -16,6 +16,8 @@ struct PacketMark {
     std::int64_t dts;      ///< when it is decoded, or AV_NOPTS_VALUE
     int size;
     bool isKey;
+
+    bool operator==(const PacketMark &) const = default;
 };
 
 PacketMark MarkOf(const AVPacket &packet);

@@ -1,0 +1,230 @@
+#include <marlet/platform/media/contents/NalUnits.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+namespace kyh::media
+{
+
+namespace
+{
+
+using Bytes = std::span<const std::uint8_t>;
+
+/// The number of big-endian bytes in front, which are taken off, or all that is left if there are fewer.
+std::size_t TakeNumber(Bytes &bytes, std::size_t count)
+{
+    std::size_t number = 0;
+    for (count = std::min(count, bytes.size()); count > 0; --count) {
+        number = number << 8 | bytes.front();
+        bytes = bytes.subspan(1);
+    }
+    return number;
+}
+
+Bytes TakeUnit(Bytes &bytes, std::size_t size)
+{
+    const Bytes unit = bytes.first(std::min(size, bytes.size()));
+    bytes = bytes.subspan(unit.size());
+    return unit;
+}
+
+/// The units behind start codes.
+std::vector<Bytes> SplitAtStartCodes(Bytes bytes)
+{
+    constexpr std::uint8_t kStartCode[] = {0, 0, 1};
+    std::vector<Bytes> units;
+    for (auto begin = std::ranges::search(bytes, kStartCode); !begin.empty();) {
+        const auto next = std::ranges::search(Bytes(begin.end(), bytes.end()), kStartCode);
+        units.emplace_back(begin.end(), next.empty() ? bytes.end() : next.begin());
+        begin = next;
+    }
+    return units;
+}
+
+bool HasConfiguration(Bytes header)
+{
+    return !header.empty() && header.front() == 1;
+}
+
+/// The units of a packet, with their lengths before them where the header of the stream says of how many
+/// bytes.
+std::vector<Bytes> UnitsOf(const AVCodecParameters &parameters, Bytes packet)
+{
+    const Bytes header(parameters.extradata, static_cast<std::size_t>(parameters.extradata_size));
+    const std::size_t lengthAt = parameters.codec_id == AV_CODEC_ID_H264 ? 4 : 21;
+    if (!HasConfiguration(header) || header.size() <= lengthAt)
+        return SplitAtStartCodes(packet);
+    const std::size_t lengthSize = (header[lengthAt] & 3) + 1u;
+    std::vector<Bytes> units;
+    while (!packet.empty())
+        units.push_back(TakeUnit(packet, TakeNumber(packet, lengthSize)));
+    return units;
+}
+
+/// The sequence headers of H.264 that stand in the header of the stream.
+std::vector<Bytes> SequenceHeaders(const AVCodecParameters &parameters)
+{
+    constexpr std::uint8_t kSequenceHeader = 7;
+    Bytes header(parameters.extradata, static_cast<std::size_t>(parameters.extradata_size));
+    std::vector<Bytes> headers;
+    if (!HasConfiguration(header)) {
+        headers = SplitAtStartCodes(header);
+    } else {
+        TakeUnit(header, 5);
+        for (std::size_t count = TakeNumber(header, 1) & 31; count > 0; --count)
+            headers.push_back(TakeUnit(header, TakeNumber(header, 2)));
+    }
+    std::erase_if(headers, [](Bytes unit) { return unit.empty() || (unit[0] & 31) != kSequenceHeader; });
+    return headers;
+}
+
+/// The bits of a unit. Behind its end all are 0.
+class Bits
+{
+public:
+    explicit Bits(Bytes unit)
+    {
+        int zeros = 0;
+        for (const std::uint8_t byte : unit) {
+            // Keeps start codes from coming about by chance.
+            const bool isInserted = zeros >= 2 && byte == 3;
+            zeros = byte == 0 ? zeros + 1 : 0;
+            if (!isInserted)
+                bytes_.push_back(byte);
+        }
+    }
+
+    unsigned int Take(int count)
+    {
+        unsigned int number = 0;
+        for (; count > 0; --count, ++place_) {
+            const bool isInside = place_ / 8 < bytes_.size();
+            number = number << 1 | (isInside ? bytes_[place_ / 8] >> (7 - place_ % 8) & 1u : 0u);
+        }
+        return number;
+    }
+    /// Of as many bits as zeros stand before it.
+    unsigned int TakeNumber()
+    {
+        constexpr int kMostZeros = 31;
+        int zeros = 0;
+        while (zeros < kMostZeros && Take(1) == 0)
+            ++zeros;
+        return (1u << zeros) - 1 + Take(zeros);
+    }
+    int TakeSigned()
+    {
+        const unsigned int number = TakeNumber();
+        const int half = static_cast<int>((number >> 1) + (number & 1));
+        return number & 1 ? half : -half;
+    }
+
+private:
+    std::vector<std::uint8_t> bytes_;
+    std::size_t place_ = 0;
+};
+
+void PassScalingList(Bits &bits, int size)
+{
+    int next = 8;
+    for (int i = 0; i < size && next != 0; ++i)
+        next = (next + (bits.TakeSigned() & 255)) & 255;
+}
+
+void PassColourFormat(Bits &bits)
+{
+    constexpr unsigned int kFullColour = 3;
+    const unsigned int format = bits.TakeNumber();
+    if (format == kFullColour)
+        bits.Take(1);
+    bits.TakeNumber();
+    bits.TakeNumber();
+    bits.Take(1);
+    if (bits.Take(1) == 0)
+        return;
+    for (int list = 0; list < (format == kFullColour ? 12 : 8); ++list)
+        if (bits.Take(1) != 0)
+            PassScalingList(bits, list < 6 ? 16 : 64);
+}
+
+void PassPictureOrder(Bits &bits)
+{
+    const unsigned int type = bits.TakeNumber();
+    if (type == 0)
+        bits.TakeNumber();
+    if (type != 1)
+        return;
+    constexpr unsigned int kMost = 255;
+    bits.Take(1);
+    bits.TakeSigned();
+    bits.TakeSigned();
+    for (unsigned int count = std::min(bits.TakeNumber(), kMost); count > 0; --count)
+        bits.TakeSigned();
+}
+
+bool IsFramesOnly(Bytes header)
+{
+    constexpr unsigned int kWithColourFormat[] = {100, 110, 122, 244, 44,  83, 86,
+                                                  118, 128, 138, 139, 134, 135};
+    Bits bits(header.subspan(1));
+    const unsigned int profile = bits.Take(8);
+    bits.Take(16);
+    bits.TakeNumber();
+    if (std::ranges::count(kWithColourFormat, profile) > 0)
+        PassColourFormat(bits);
+    bits.TakeNumber();
+    PassPictureOrder(bits);
+    bits.TakeNumber();
+    bits.Take(1);
+    bits.TakeNumber();
+    bits.TakeNumber();
+    return bits.Take(1) != 0;
+}
+
+/// The messages of a unit whose first byte is behind its own header.
+bool HasMessage(Bytes unit, unsigned int wanted)
+{
+    constexpr unsigned int kMore = 255;
+    Bits bits(unit);
+    for (std::size_t left = unit.size(); left > 2;) {
+        unsigned int type = 0;
+        unsigned int size = 0;
+        for (unsigned int *number : {&type, &size})
+            for (unsigned int byte = kMore; byte == kMore && left > 0; --left)
+                *number += byte = bits.Take(8);
+        if (type == wanted)
+            return true;
+        for (; size > 0 && left > 0; --size, --left)
+            bits.Take(8);
+    }
+    return false;
+}
+
+} // namespace
+
+bool HasFramesOnly(const AVCodecParameters &parameters)
+{
+    const std::vector<Bytes> headers = SequenceHeaders(parameters);
+    return !headers.empty() && std::ranges::all_of(headers, IsFramesOnly);
+}
+
+bool HasOrientation(const AVCodecParameters &parameters, const AVPacket &packet)
+{
+    constexpr unsigned int kDisplayOrientation = 47;
+    const bool isHevc = parameters.codec_id == AV_CODEC_ID_HEVC;
+    const auto saysIt = [isHevc](Bytes unit) {
+        if (unit.size() < 2)
+            return false;
+        // In HEVC, messages that come before the picture, and that come behind it.
+        const int type = isHevc ? unit[0] >> 1 & 63 : unit[0] & 31;
+        const bool isMessage = isHevc ? type == 39 || type == 40 : type == 6;
+        return isMessage && HasMessage(unit.subspan(isHevc ? 2 : 1), kDisplayOrientation);
+    };
+    return std::ranges::any_of(UnitsOf(parameters, Bytes(packet.data, static_cast<std::size_t>(packet.size))),
+                               saysIt);
+}
+
+} // namespace kyh::media

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <marlet/platform/media/contents/PacketSamples.h>
+#include <marlet/platform/media/contents/PacketTable.h>
+#include <marlet/platform/media/contents/SoundIndex.h>
+#include <marlet/platform/media/decoding/Decoder.h>
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+namespace kyh::media
+{
+
+/// Learns the index of an audio stream from its packets, and decodes as few of them as it takes.
+class SoundCounter
+{
+public:
+    /// `parameters` must stay as long as the counter.
+    /// @throws MediaFailure if there is no decoder
+    explicit SoundCounter(AVCodecParameters &parameters);
+
+    /// Takes in the next packet of the file, whose times are lost.
+    void Add(AVPacket &packet);
+    /// The same of a packet that was not read. Only if they tell by their sizes.
+    void Add(const ListedPacket &packet);
+    /// Whether the sizes of packets tell what they hold, as the first have shown.
+    bool IsBySize() const { return rule_ == Rule::AsTold && told_.AreToldBySize(); }
+    /// Whether that is still to be seen.
+    bool IsUndecided() const { return rule_ == Rule::Undecided; }
+    std::size_t Count() const { return packets_.size(); } ///< packets
+    const PacketMark &First() const { return packets_.front(); }
+    /// Nothing is added behind. @throws MediaFailure if nothing decodes
+    SoundIndex Finish();
+
+private:
+    /// How many samples a packet holds is as it says, or shown by decoding it.
+    enum class Rule { AsTold, ByDecoding, Undecided };
+
+    void AddPacket(const PacketMark &mark);
+    void Decode(AVPacket *packet);
+    void TakeFrame();
+    void Append(int number, int samples, int skip, int cut, bool isDiscarded);
+
+    PacketSamples told_;
+    std::vector<int> toldBefore_;          ///< of the packets that were decoded
+    std::unique_ptr<DecoderFeed> decoder_; ///< until nothing more needs to be decoded
+    FramePtr frame_ = NewFrame();
+    Rule rule_;
+    int lastNumber_ = 0; ///< of the packet that the last frame came of
+    std::vector<PacketMark> packets_;
+    std::vector<SoundIndex::Content> contents_;
+    std::int64_t toSkip_ = 0;
+    std::int64_t count_ = 0;
+    SoundForm form_;
+};
+
+} // namespace kyh::media
