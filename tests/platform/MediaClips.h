@@ -4,6 +4,7 @@
 #include <marlet/platform/media/KyAbstractMediaFile.h>
 #include <marlet/platform/media/KyAbstractVideoStream.h>
 #include <marlet/platform/media/KyMedia.h>
+#include <marlet/platform/media/MediaResources.h>
 
 #include <encode/Encoder.h>
 
@@ -60,11 +61,12 @@ struct Media {
     std::shared_ptr<KyAbstractVideoStream> video;
     std::shared_ptr<KyAbstractAudioStream> audio;
 
-    explicit Media(const std::string &path, std::optional<double> sequenceRate = std::nullopt)
+    explicit Media(const std::string &path, std::optional<double> sequenceRate = std::nullopt,
+                   const MediaResourcesPtr &resources = CommonResources())
     {
         const auto wide = std::filesystem::path(path).u16string();
-        code = sequenceRate ? KyImageSequenceCreate(wide.c_str(), *sequenceRate, &file)
-                            : KyMediaFileCreate(wide.c_str(), &file);
+        code = sequenceRate ? CreateImageSequence(wide.c_str(), *sequenceRate, resources, &file)
+                            : CreateMediaFile(wide.c_str(), resources, &file);
         if (code != kSuccess)
             return;
         video = std::static_pointer_cast<KyAbstractVideoStream>(file->Stream(kVideoStream));
@@ -94,6 +96,26 @@ struct Media {
         return samples;
     }
 };
+
+/// Bytes that this process has read from files.
+inline std::size_t BytesRead()
+{
+    std::ifstream counts("/proc/self/io");
+    std::string name;
+    std::size_t bytes = 0;
+    counts >> name >> bytes;
+    return name == "rchar:" ? bytes : 0;
+}
+
+template <class Operation> std::size_t BytesReadBy(Operation &&operation)
+{
+    const std::size_t before = BytesRead();
+    operation();
+    // Asking reads a little as well.
+    constexpr std::size_t kByAsking = 1000;
+    const std::size_t bytes = BytesRead() - before;
+    return bytes - std::min(bytes, kByAsking);
+}
 
 constexpr int kBlock = 8;
 constexpr int kBits = 8;

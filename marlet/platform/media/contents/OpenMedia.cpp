@@ -70,7 +70,7 @@ void TakeVideo(OpenedMedia &media, Demuxer &demuxer, Scan &scan)
     auto frames =
         std::make_unique<ClipFrames>(media.source, scan.video, std::move(*scan.frames), media.resources);
     media.videoFacts =
-        FactsOfClip(demuxer.Format(), demuxer.Stream(scan.video), frames->Index(), frames->Frame(0));
+        FactsOfClip(demuxer.Format(), demuxer.Stream(scan.video), frames->Index(), *frames->Frame(0));
     media.frames = std::move(frames);
 }
 
@@ -96,8 +96,8 @@ OpenedMedia OpenPictures(ImageSequence sequence, double frameRate, const MediaRe
     OpenedMedia media;
     media.resources = resources;
     auto frames = std::make_unique<StillFrames>(std::move(sequence), resources);
-    const AVFrame &first = frames->Frame(0);
-    media.videoFacts = FactsOfStills(frames->Codec(), frames->Profile(), frames->Count(), frameRate, first);
+    const FramePtr first = frames->Frame(0);
+    media.videoFacts = FactsOfStills(frames->Codec(), frames->Profile(), frames->Count(), frameRate, *first);
     media.frames = std::move(frames);
     return media;
 }
