@@ -7,7 +7,6 @@
 #include <cstdint>
 #include <list>
 #include <unordered_map>
-#include <vector>
 
 namespace kyh::media
 {
