@@ -36,7 +36,6 @@ public:
     int PacketOf(int frame) const { return frames_[frame]; }
     /// The first is the start of the file.
     const std::vector<Start> &Starts() const { return starts_; }
-    bool IsEachAStart() const { return starts_.size() == packets_.size(); }
     /// Which of the starts is the last that leads to a frame.
     int StartFor(int frame) const;
     /// From the first frame to the last, in the stream's units of time; 0 if times do not tell.

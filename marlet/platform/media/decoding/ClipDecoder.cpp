@@ -57,7 +57,7 @@ void ClipDecoder::StartAt(int start)
     const FrameIndex::Start &place = index_.Starts()[start];
     reader_.StartAt(place.packet);
     start_ = start;
-    isInStep_ = start == 0 || index_.IsEachAStart();
+    isInStep_ = start == 0 || !PredictsFrames(reader_.Context());
     number_ = isInStep_ ? place.frame - 1 : kUnknown;
     nextNumber_ = kUnknown;
     av_frame_unref(frame_.get());
