@@ -102,6 +102,26 @@ struct Media {
     }
 };
 
+/// Bytes that this process has read from files.
+inline std::size_t BytesRead()
+{
+    std::ifstream counts("/proc/self/io");
+    std::string name;
+    std::size_t bytes = 0;
+    counts >> name >> bytes;
+    return name == "rchar:" ? bytes : 0;
+}
+
+template <class Operation> std::size_t BytesReadBy(Operation &&operation)
+{
+    const std::size_t before = BytesRead();
+    operation();
+    // Asking reads a little as well.
+    constexpr std::size_t kByAsking = 1000;
+    const std::size_t bytes = BytesRead() - before;
+    return bytes - std::min(bytes, kByAsking);
+}
+
 constexpr int kBlock = 8;
 constexpr int kBits = 8;
 

@@ -4,6 +4,9 @@
 
 #include <encode/EncoderOutput.h>
 
+#include <marlet/platform/media/LibavHandles.h>
+#include <marlet/platform/media/decoding/SampleFormat.h>
+
 #include <algorithm>
 #include <cstring>
 #include <limits>
@@ -75,7 +78,129 @@ std::string MakeNoise(const std::string &path, int packets)
     return path;
 }
 
+/// Tones and noise in whatever form the encoder takes. False if there is no such encoder.
+bool MakeSoundOf(AVCodecID codec, const std::string &path, int samples)
+{
+    const AVCodec *found = avcodec_find_encoder(codec);
+    if (!found)
+        return false;
+    marlet::tool::EncoderOutput output(path);
+    const marlet::tool::CodecPtr encoder = output.NewEncoder(codec);
+    encoder->sample_fmt = found->sample_fmts[0];
+    encoder->sample_rate = 48000;
+    encoder->time_base = {1, 48000};
+    encoder->bit_rate = 64000;
+    encoder->strict_std_compliance = FF_COMPLIANCE_EXPERIMENTAL;
+    av_channel_layout_default(&encoder->ch_layout, 2);
+    output.Check(avcodec_open2(encoder.get(), nullptr, nullptr));
+    AVStream *stream = output.AddStream(*encoder);
+    output.WriteHeader();
+    const int length = encoder->frame_size > 0 ? encoder->frame_size : 1024;
+    const bool isPlanar = av_sample_fmt_is_planar(encoder->sample_fmt);
+    const bool isReal = av_get_packed_sample_fmt(encoder->sample_fmt) == AV_SAMPLE_FMT_FLT;
+    std::mt19937 random(9);
+    for (int first = 0; first < samples; first += length) {
+        const marlet::tool::FramePtr frame(av_frame_alloc());
+        frame->nb_samples = length;
+        frame->format = encoder->sample_fmt;
+        output.Check(av_channel_layout_copy(&frame->ch_layout, &encoder->ch_layout));
+        output.Check(av_frame_get_buffer(frame.get(), 0));
+        for (int i = 0; i < 2 * length; ++i) {
+            const int sample = Sine(first + i / 2, i % 2) / 2 + static_cast<int>(random() % 4000);
+            unsigned char *plane = frame->data[isPlanar ? i % 2 : 0];
+            const int place = isPlanar ? i / 2 : i;
+            if (isReal)
+                reinterpret_cast<float *>(plane)[place] = static_cast<float>(sample) / 32768;
+            else
+                reinterpret_cast<std::int16_t *>(plane)[place] = static_cast<std::int16_t>(sample);
+        }
+        frame->pts = first;
+        output.Encode(*encoder, *stream, frame.get());
+    }
+    output.Encode(*encoder, *stream, nullptr);
+    output.Finish();
+    return true;
+}
+
+/// All samples as a bare decoder gives them from the start of the file on.
+Bytes DecodeSoundBare(const std::string &path, int bytesPerSample)
+{
+    AVFormatContext *opened = nullptr;
+    EXPECT_GE(avformat_open_input(&opened, path.c_str(), nullptr, nullptr), 0);
+    const FormatPtr format(opened);
+    avformat_find_stream_info(opened, nullptr);
+    const AVCodecParameters *parameters = opened->streams[0]->codecpar;
+    const AVCodec *decoder = avcodec_find_decoder(parameters->codec_id);
+    const CodecPtr context(avcodec_alloc_context3(decoder));
+    avcodec_parameters_to_context(context.get(), parameters);
+    context->pkt_timebase = opened->streams[0]->time_base;
+    EXPECT_GE(avcodec_open2(context.get(), decoder, nullptr), 0);
+    const PacketPtr packet = NewPacket();
+    const FramePtr frame = NewFrame();
+    Bytes samples;
+    for (bool isMore = true; isMore;) {
+        isMore = av_read_frame(opened, packet.get()) >= 0;
+        avcodec_send_packet(context.get(), isMore ? packet.get() : nullptr);
+        av_packet_unref(packet.get());
+        while (avcodec_receive_frame(context.get(), frame.get()) >= 0) {
+            const std::size_t before = samples.size();
+            samples.resize(before + static_cast<std::size_t>(frame->nb_samples * 2 * bytesPerSample));
+            CopySamples(*frame, 0, frame->nb_samples, 2, bytesPerSample, samples.data() + before);
+        }
+    }
+    return samples;
+}
+
 } // namespace
+
+TEST(MediaSound, InAnyOrderItIsThatOfABareDecoder)
+{
+    struct {
+        AVCodecID codec;
+        const char *ending;
+        bool isShort; ///< whether a piece costs no more than itself
+    } const kSounds[] = {{AV_CODEC_ID_PCM_S16LE, ".wav", true}, {AV_CODEC_ID_FLAC, ".mkv", true},
+                         {AV_CODEC_ID_ALAC, ".mov", true},      {AV_CODEC_ID_MP2, ".mkv", false},
+                         {AV_CODEC_ID_MP3, ".mkv", true},       {AV_CODEC_ID_VORBIS, ".mkv", true},
+                         {AV_CODEC_ID_AAC, ".mp4", false},      {AV_CODEC_ID_AC3, ".mkv", false},
+                         {AV_CODEC_ID_OPUS, ".mkv", false}};
+    constexpr int kSamples = 900'000; // that fit the first stretch of any codec
+    for (const auto &sound : kSounds) {
+        SCOPED_TRACE(avcodec_get_name(sound.codec));
+        const Folder folder;
+        const std::string path = folder.Path(std::string("sound") + sound.ending);
+        if (!MakeSoundOf(sound.codec, path, kSamples))
+            continue;
+        for (const std::size_t budget : {FrameCache::kUsualBudget, std::size_t{0}}) {
+            const auto resources = std::make_shared<MediaResources>();
+            resources->Frames().SetBudget(budget);
+            const Media media(path, std::nullopt, resources);
+            ASSERT_EQ(media.code, kSuccess);
+            const int bytesPerSample = media.audio->BitsPerSample() / 8;
+            const std::size_t frameBytes = static_cast<std::size_t>(2 * bytesPerSample);
+            const Bytes expected = DecodeSoundBare(path, bytesPerSample);
+            const auto count = static_cast<int>(media.audio->SampleCount());
+            ASSERT_EQ(static_cast<std::size_t>(count) * frameBytes, expected.size());
+            std::mt19937 random(4);
+            for (int i = 0; i < 40; ++i) {
+                // At random, and a little in order.
+                const int length = 3000;
+                const int start = i < 30 ? static_cast<int>(random() % (count - length)) : i * length;
+                Bytes piece(static_cast<std::size_t>(length) * frameBytes);
+                const std::size_t bytes = BytesReadBy([&] {
+                    media.audio->GetSamples(start, length, piece.data(), static_cast<int>(piece.size()),
+                                            nullptr);
+                });
+                const auto place = expected.begin() + static_cast<std::ptrdiff_t>(start * frameBytes);
+                const auto wrong = std::mismatch(piece.begin(), piece.end(), place).first - piece.begin();
+                EXPECT_EQ(wrong, std::ssize(piece)) << start;
+                if (wrong != std::ssize(piece))
+                    break;
+                EXPECT_LE(bytes, sound.isShort ? 1'200'000u : 8'000'000u);
+            }
+        }
+    }
+}
 
 TEST(MediaSound, SamplesAreExactInAnyOrderOfAsking)
 {

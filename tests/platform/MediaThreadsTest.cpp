@@ -57,3 +57,45 @@ TEST(MediaThreads, ReadWhileTheFileSleepsAndWakes)
     EXPECT_EQ(wrong, 0);
     EXPECT_GT(right, 0);
 }
+
+TEST(MediaThreads, ReadSideBySideOutOfOneCacheThatIsTooSmall)
+{
+    constexpr int kFrames = 24;
+    constexpr int kFiles = 4;
+    constexpr std::size_t kFrameBytes = 80 * 48 * 3 / 2;
+    const Folder folder;
+    const auto resources = std::make_shared<MediaResources>();
+    resources->Frames().SetBudget(20 * kFrameBytes);
+    EncoderOptions options = SmallClip();
+    options.bFrames = 1;
+    options.sampleRate = 8000;
+    std::vector<std::unique_ptr<Media>> files;
+    for (int i = 0; i < kFiles; ++i) {
+        const std::string path =
+            MakeClip(folder.Path("clip" + std::to_string(i) + ".mov"), options, kFrames, 8000);
+        files.push_back(std::make_unique<Media>(path, std::nullopt, resources));
+        ASSERT_EQ(files.back()->code, kSuccess);
+    }
+    std::atomic<int> wrong = 0;
+    std::vector<std::thread> threads;
+    for (unsigned int seed = 1; seed <= 3; ++seed)
+        threads.emplace_back([&, seed] {
+            std::mt19937 random(seed);
+            for (int i = 0; i < 60; ++i) {
+                // Two threads have a file of their own, and all share the others.
+                const Media &media = *files[random() % 2 ? seed % kFiles : random() % kFiles];
+                const int number = static_cast<int>(random() % kFrames);
+                wrong += NumberIn(media.Frame(number), 80) != number;
+                const int place = static_cast<int>(random() % 7000);
+                wrong += media.Samples<std::int16_t>(place, 10)[3] != Sine(place + 1, 1);
+                wrong += media.video->FrameCount() != kFrames;
+                if (i % 20 == 7)
+                    resources->Frames().SetBudget((i / 20) * 10 * kFrameBytes);
+            }
+        });
+    for (std::thread &thread : threads)
+        thread.join();
+    EXPECT_EQ(wrong, 0);
+    files.clear();
+    EXPECT_EQ(resources->Frames().Used(), 0u);
+}

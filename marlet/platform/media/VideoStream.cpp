@@ -2,7 +2,9 @@
 
 #include <marlet/platform/media/CodecInfo.h>
 #include <marlet/platform/media/MediaFailure.h>
+#include <marlet/platform/media/decoding/StreamCache.h>
 
+#include <cstring>
 #include <utility>
 
 namespace kyh::media
@@ -11,7 +13,7 @@ namespace kyh::media
 using kytl::thread::KyScopedLock;
 
 VideoStream::VideoStream(const VideoFacts &facts, std::unique_ptr<FrameSource> frames)
-    : facts_(facts), frames_(std::move(frames)), converter_(facts)
+    : facts_(facts), frames_(std::move(frames)), converter_(facts, frames_->Cache().Frames())
 {
 }
 
@@ -99,6 +101,23 @@ int VideoStream::FrameBufferSize(KyImageChannels channels) const
     return facts_.width * facts_.height * (channels == KyImageChannels::Four ? 4 : 3);
 }
 
+/// A picture that is asked for again is kept as it is handed out. Keeping the others too would cost each a
+/// copy.
+void VideoStream::FillPicture(int frame, KyImageChannels channels, unsigned char *buffer, std::size_t bytes)
+{
+    constexpr std::int64_t kForms = 2;
+    StreamCache &cache = frames_->Cache();
+    const std::int64_t picture = frame * kForms + (channels == KyImageChannels::Four);
+    const FramePtr kept = NewFrame();
+    if (cache.Find(FrameCache::Kind::Picture, picture, *kept)) {
+        std::memcpy(buffer, kept->buf[0]->data, bytes);
+        return;
+    }
+    converter_.Convert(*frames_->Frame(frame), channels, buffer);
+    if (std::exchange(lastPicture_, picture) == picture)
+        cache.PutBytes(FrameCache::Kind::Picture, picture, buffer, bytes);
+}
+
 int VideoStream::GetFrame(int frame, KyImageChannels channels, unsigned char *buffer, int size, int *out,
                           [[maybe_unused]] int flags)
 {
@@ -115,7 +134,7 @@ int VideoStream::GetFrame(int frame, KyImageChannels channels, unsigned char *bu
             throw MediaFailure{kDamaged};
         if (isAsleep_)
             throw MediaFailure{kAsleep};
-        converter_.Convert(frames_->Frame(frame), channels, buffer);
+        FillPicture(frame, channels, buffer, static_cast<std::size_t>(bytes));
         if (out)
             *out = bytes;
     });

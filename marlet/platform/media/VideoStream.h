@@ -6,6 +6,8 @@
 #include <marlet/platform/media/decoding/FrameConverter.h>
 #include <marlet/platform/media/decoding/FrameSource.h>
 
+#include <cstddef>
+#include <cstdint>
 #include <memory>
 
 namespace kyh::media
@@ -40,10 +42,13 @@ public:
                  int flags) override;
 
 private:
+    void FillPicture(int frame, KyImageChannels channels, unsigned char *buffer, std::size_t bytes);
+
     const VideoFacts facts_;
     kytl::thread::KyCriticalSection lock_; ///< of what follows
     std::unique_ptr<FrameSource> frames_;
     FrameConverter converter_;
+    std::int64_t lastPicture_ = -1; ///< that was asked for, by frame and channels
     bool isAsleep_ = false;
     bool isRetired_ = false;
 };

@@ -111,7 +111,6 @@ void FrameIndex::SetFrames(std::vector<int> packets)
 
 void FrameIndex::NumberFrames()
 {
-    isMissing_.assign(frames_.size(), false);
     frameOfPacket_.assign(packets_.size(), -1);
     for (int frame = 0; frame < Count(); ++frame)
         frameOfPacket_[frames_[frame]] = frame;
@@ -168,13 +167,6 @@ std::int64_t FrameIndex::Span() const
     std::int64_t span = 0;
     const bool isKnown = first != AV_NOPTS_VALUE && last != AV_NOPTS_VALUE;
     return isKnown && !__builtin_sub_overflow(last, first, &span) ? std::max<std::int64_t>(span, 0) : 0;
-}
-
-int FrameIndex::Shown(int frame) const
-{
-    while (frame > 0 && isMissing_[frame])
-        --frame;
-    return frame;
 }
 
 } // namespace kyh::media

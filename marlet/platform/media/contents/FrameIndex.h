@@ -8,7 +8,7 @@ namespace kyh::media
 {
 
 /// The frames of a video stream by number: in the order in which they are shown, those left out that are not
-/// meant to be seen or do not decode.
+/// meant to be seen or are known not to decode.
 class FrameIndex
 {
 public:
@@ -46,16 +46,13 @@ public:
     int Count() const { return static_cast<int>(frames_.size()); }
     /// The number of the frame that a packet decodes to, or -1.
     int FrameOf(int packet) const { return packet < 0 ? -1 : frameOfPacket_[packet]; }
+    int PacketOf(int frame) const { return frames_[frame]; }
+    /// The first is the start of the file.
     const std::vector<Start> &Starts() const { return starts_; }
     /// Which of the starts is the last that leads to a frame.
     int StartFor(int frame) const;
     /// From the first frame to the last, in the stream's units of time; 0 if times do not tell.
     std::int64_t Span() const;
-
-    /// Notes that a frame turned out not to decode: the one before it stands in.
-    void SetMissing(int frame) { isMissing_[frame] = true; }
-    /// The frame that is seen as number `frame`.
-    int Shown(int frame) const;
 
     bool operator==(const FrameIndex &) const = default;
 
@@ -74,7 +71,6 @@ private:
     std::vector<int> frames_; ///< the packets of the frames
     std::vector<int> frameOfPacket_;
     std::vector<Start> starts_;
-    std::vector<bool> isMissing_;
 };
 
 } // namespace kyh::media

@@ -35,8 +35,8 @@ OpenedMedia OpenPictures(ImageSequence sequence, double frameRate, const MediaRe
 {
     OpenedMedia media;
     auto frames = std::make_unique<StillFrames>(std::move(sequence), resources);
-    const AVFrame &first = frames->Frame(0);
-    media.videoFacts = FactsOfStills(frames->Codec(), frames->Profile(), frames->Count(), frameRate, first);
+    const FramePtr first = frames->Frame(0);
+    media.videoFacts = FactsOfStills(frames->Codec(), frames->Profile(), frames->Count(), frameRate, *first);
     // Whoever opens many pictures reads few of them.
     frames->Close();
     media.frames = std::move(frames);

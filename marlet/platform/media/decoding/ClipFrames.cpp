@@ -8,91 +8,128 @@
 namespace kyh::media
 {
 
+namespace
+{
+
+/// Frames to decode at a time at most for one who goes backwards, where groups are shorter.
+constexpr int kMostStepsBack = 16;
+
+} // namespace
+
 ClipFrames::ClipFrames(FileSourcePtr source, int stream, FrameIndex index, MediaResourcesPtr resources)
-    : resources_(std::move(resources)), source_(std::move(source)), stream_(stream), index_(std::move(index))
+    : source_(std::move(source)),
+      stream_(stream),
+      index_(std::move(index)),
+      isMissing_(static_cast<std::size_t>(index_.Count())),
+      isBadStart_(index_.Starts().size()),
+      cache_(std::move(resources))
 {
 }
 
-FrameReader &ClipFrames::Reader()
+/// The frame that is seen as a number: one that does not come is stood in for by the one before.
+int ClipFrames::Shown(int number) const
 {
-    if (!reader_)
-        reader_ = std::make_unique<FrameReader>(source_, stream_, index_.Packets(), DecoderThreads::All);
-    return *reader_;
+    while (number >= 0 && isMissing_[number])
+        --number;
+    if (number < 0)
+        throw MediaFailure{kDamaged};
+    return number;
 }
 
-void ClipFrames::Close()
+void ClipFrames::SetMissing(int first, int end)
 {
-    reader_.reset();
-    av_frame_unref(frame_.get());
-    av_frame_unref(behind_.get());
-    number_ = -1;
-    behindNumber_ = -1;
+    std::fill(isMissing_.begin() + first, isMissing_.begin() + end, true);
 }
 
-void ClipFrames::StartAt(int start)
+/// One who goes backwards will want the frames before as well.
+void ClipFrames::CountStepsBack(int number)
 {
-    Reader().StartAt(index_.Packets().empty() || start == 0 ? 0 : index_.Starts()[start].packet);
-    start_ = start;
-    number_ = -1;
-    behindNumber_ = -1;
+    if (number == asked_ - 1)
+        ++stepsBack_;
+    else if (number != asked_)
+        stepsBack_ = 0;
+    asked_ = number;
 }
 
-/// Decoding on is the shorter way unless a key frame lies between.
-bool ClipFrames::CanReadOnTo(int number)
+/// More of what is decoded on the way to a frame would push out what others have in the cache, and they in
+/// turn this, when several are read backwards at once.
+int ClipFrames::FramesToKeep(const ClipDecoder &decoder) const
 {
-    return reader_ && number_ >= 0 && number > number_ &&
-           index_.Starts()[index_.StartFor(number)].packet <= reader_->Position();
+    const std::size_t frames = share_ / std::max<std::size_t>(decoder.FrameBytes(), 1);
+    return static_cast<int>(std::min<std::size_t>(frames, index_.Count()));
 }
 
-/// False if the frame does not come. The last one before it is kept then.
-bool ClipFrames::ReadOnTo(int number)
+/// The last start that leads to a frame, and to those that will be wanted with it.
+int ClipFrames::StartFor(int number, const ClipDecoder &decoder) const
 {
-    for (;;) {
-        if (behindNumber_ < 0) {
-            if (!Reader().Next(*behind_))
-                return false;
-            behindNumber_ = index_.FrameOf(PacketOf(*behind_));
-        }
-        if (behindNumber_ > number)
+    const int back = std::min({stepsBack_, kMostStepsBack, FramesToKeep(decoder) / 2, number});
+    return GoodStart(index_.StartFor(number - back));
+}
+
+int ClipFrames::GoodStart(int start) const
+{
+    while (start > 0 && isBadStart_[start])
+        --start;
+    return start;
+}
+
+/// Reads on to a frame. False if it turns out to be missing, or where the start does not lead to it.
+bool ClipFrames::ReadOnTo(ClipDecoder &decoder, int number)
+{
+    const int firstToKeep = number - FramesToKeep(decoder);
+    while (decoder.Number() < number) {
+        const int next = decoder.NextUpTo(number);
+        if (!decoder.IsInStep())
             return false;
-        if (behindNumber_ > number_) {
-            std::swap(frame_, behind_);
-            number_ = behindNumber_;
-        }
-        behindNumber_ = -1;
-        if (number_ == number)
-            return true;
+        if (decoder.Number() != ClipDecoder::kUnknown)
+            SetMissing(decoder.Number() + 1, next);
+        if (next > number)
+            return false;
+        decoder.Advance();
+        if (next > firstToKeep)
+            cache_.Put(FrameCache::Kind::Frame, next, *decoder.FrameOf(next));
     }
+    return true;
 }
 
-void ClipFrames::FindFrame(int number)
+/// Where nothing has come as it should, decoding begins earlier, at last at the start of the file.
+bool ClipFrames::Find(ClipDecoder &decoder, int number)
 {
-    if (!CanReadOnTo(number))
-        StartAt(index_.StartFor(number));
-    while (!ReadOnTo(number)) {
-        if (start_ == 0) {
-            if (number == 0)
-                throw MediaFailure{kDamaged};
-            index_.SetMissing(number);
-            return;
-        }
-        // A decoder may need more to recover from than a container takes for a key frame: it begins one
-        // earlier, and at last where nothing can be missing.
-        const int before = index_.StartFor(number) - 1;
-        StartAt(start_ > before && before > 0 ? before : 0);
+    if (decoder.FrameOf(number))
+        return true;
+    if (!decoder.LeadsTo(number))
+        decoder.StartAt(StartFor(number, decoder));
+    for (int back = 1; !ReadOnTo(decoder, number); back *= 2) {
+        if (isMissing_[number])
+            return false;
+        isBadStart_[decoder.Start()] = !decoder.IsInStep();
+        decoder.StartAt(GoodStart(std::max(decoder.Start() - back, 0)));
     }
+    return true;
 }
 
-const AVFrame &ClipFrames::Frame(int number)
+bool ClipFrames::Decode(int number, AVFrame &frame)
 {
-    try {
-        while (number_ != index_.Shown(number))
-            FindFrame(index_.Shown(number));
-    } catch (...) {
-        Close();
-        throw;
+    auto decoder = cache_.TakeDecoder<ClipDecoder>();
+    if (!decoder)
+        decoder = std::make_unique<ClipDecoder>(source_, stream_, index_, cache_.Frames());
+    const bool isFound = Find(*decoder, number);
+    if (isFound && av_frame_ref(&frame, decoder->FrameOf(number)) < 0)
+        throw std::bad_alloc();
+    cache_.KeepDecoder(std::move(decoder));
+    return isFound;
+}
+
+FramePtr ClipFrames::Frame(int number)
+{
+    CountStepsBack(number);
+    share_ = cache_.Share();
+    FramePtr frame = NewFrame();
+    for (;;) {
+        const int shown = Shown(number);
+        if (cache_.Find(FrameCache::Kind::Frame, shown, *frame) || Decode(shown, *frame))
+            return frame;
     }
-    return *frame_;
 }
 
 } // namespace kyh::media

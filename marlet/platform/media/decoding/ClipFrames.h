@@ -1,17 +1,18 @@
 #pragma once
 
-#include <marlet/platform/media/MediaResources.h>
 #include <marlet/platform/media/contents/FrameIndex.h>
-#include <marlet/platform/media/decoding/FrameReader.h>
+#include <marlet/platform/media/decoding/ClipDecoder.h>
 #include <marlet/platform/media/decoding/FrameSource.h>
+#include <marlet/platform/media/decoding/StreamCache.h>
 
 #include <memory>
+#include <vector>
 
 namespace kyh::media
 {
 
 /// The frames of a video file. A frame is decoded from where its index says that decoding may begin, or by
-/// reading on from the last one, and is the same either way.
+/// reading on from the last one, and is the same either way. What is decoded on the way is kept as well.
 class ClipFrames final : public FrameSource
 {
 public:
@@ -20,26 +21,30 @@ public:
 
     const FrameIndex &Index() const { return index_; }
     int Count() const override { return index_.Count(); }
-    const AVFrame &Frame(int number) override;
-    void Close() override;
+    FramePtr Frame(int number) override;
+    StreamCache &Cache() override { return cache_; }
+    void Close() override { cache_.Clear(); }
 
 private:
-    FrameReader &Reader();
-    void StartAt(int start);
-    bool CanReadOnTo(int number);
-    bool ReadOnTo(int number);
-    void FindFrame(int number);
+    int Shown(int number) const;
+    void SetMissing(int first, int end);
+    void CountStepsBack(int number);
+    int FramesToKeep(const ClipDecoder &decoder) const;
+    int StartFor(int number, const ClipDecoder &decoder) const;
+    int GoodStart(int start) const;
+    bool Decode(int number, AVFrame &frame);
+    bool Find(ClipDecoder &decoder, int number);
+    bool ReadOnTo(ClipDecoder &decoder, int number);
 
-    MediaResourcesPtr resources_;
     FileSourcePtr source_;
     int stream_;
     FrameIndex index_;
-    std::unique_ptr<FrameReader> reader_;
-    int start_ = 0;                ///< where decoding began, by its number in the index
-    FramePtr frame_ = NewFrame();  ///< the last that was asked for
-    int number_ = -1;              ///< its number, or -1
-    FramePtr behind_ = NewFrame(); ///< decoded already while looking for one that is missing
-    int behindNumber_ = -1;
+    std::vector<bool> isMissing_;  ///< of the frames: they were seen not to come
+    std::vector<bool> isBadStart_; ///< of the starts: what comes behind them is not what it should be
+    int asked_ = 0;                ///< the frame that was asked for last
+    int stepsBack_ = 0;            ///< so often in turn, the frame before was asked for
+    std::size_t share_ = 0;        ///< of the budget, in bytes
+    StreamCache cache_;            // goes first: its decoder reads the index
 };
 
 } // namespace kyh::media

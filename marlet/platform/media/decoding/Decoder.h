@@ -10,9 +10,13 @@ namespace kyh::media
 /// How many threads a decoder may use beside the caller's.
 enum class DecoderThreads { One, Slices, All };
 
-/// Opens the decoder of a stream. Sound is not trimmed, since that depends on where decoding began.
+class FrameCache;
+
+/// Opens the decoder of a stream. Sound is not trimmed, since that depends on where decoding began. Pictures
+/// are decoded into memory of the cache, if there is one, which must outlive them.
 /// @throws MediaFailure
-CodecPtr OpenDecoder(const AVCodecParameters &parameters, DecoderThreads threads);
+CodecPtr OpenDecoder(const AVCodecParameters &parameters, DecoderThreads threads,
+                     FrameCache *cache = nullptr);
 
 /// Feeds a decoder. Packets that it refuses are passed over: what they hold is missing from what comes out.
 class DecoderFeed

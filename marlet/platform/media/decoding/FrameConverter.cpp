@@ -99,23 +99,25 @@ void FrameConverter::Convert(const AVFrame &frame, KyImageChannels channels, uns
     const int rowBytes = width_ * BytesPerPixel(channels);
     const bool isDirect = turn_ == Turn() && rowBytes % kRowBlock == 0;
     const int paddedBytes = (rowBytes + kRowBlock - 1) / kRowBlock * kRowBlock;
+    BufferPtr picture;
     if (!isDirect)
-        scratch_.resize(static_cast<std::size_t>(paddedBytes) * height_);
-    unsigned char *planes[] = {isDirect ? buffer : scratch_.data(), nullptr, nullptr, nullptr};
+        picture = Allocated(cache_.NewBuffer(static_cast<std::size_t>(paddedBytes) * height_));
+    unsigned char *planes[] = {isDirect ? buffer : picture->data, nullptr, nullptr, nullptr};
     const int strides[] = {paddedBytes, 0, 0, 0};
     if (sws_scale(scaler, frame.data, frame.linesize, 0, frame.height, planes, strides) < 0)
         throw MediaFailure{kDamaged};
     if (!isDirect)
-        CopyTurned(BytesPerPixel(channels), paddedBytes, buffer);
+        CopyTurned(picture->data, BytesPerPixel(channels), paddedBytes, buffer);
 }
 
-void FrameConverter::CopyTurned(int bytesPerPixel, int rowBytes, unsigned char *buffer) const
+void FrameConverter::CopyTurned(const unsigned char *picture, int bytesPerPixel, int rowBytes,
+                                unsigned char *buffer) const
 {
     const int width = turn_.isTransposed ? height_ : width_;
     const int height = turn_.isTransposed ? width_ : height_;
     std::ptrdiff_t across = turn_.isTransposed ? rowBytes : bytesPerPixel;
     std::ptrdiff_t down = turn_.isTransposed ? bytesPerPixel : rowBytes;
-    const unsigned char *corner = scratch_.data();
+    const unsigned char *corner = picture;
     if (turn_.isMirroredAcross) {
         corner += across * (width - 1);
         across = -across;
@@ -139,7 +141,6 @@ void FrameConverter::Close()
 {
     for (Scaler &scaler : scalers_)
         scaler.context.reset();
-    scratch_ = {};
 }
 
 } // namespace kyh::media

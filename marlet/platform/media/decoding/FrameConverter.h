@@ -1,8 +1,7 @@
 #pragma once
 
 #include <marlet/platform/media/contents/VideoFacts.h>
-
-#include <vector>
+#include <marlet/platform/media/decoding/FrameCache.h>
 
 namespace kyh::media
 {
@@ -12,8 +11,9 @@ namespace kyh::media
 class FrameConverter
 {
 public:
-    explicit FrameConverter(const VideoFacts &facts)
-        : width_(facts.width), height_(facts.height), turn_(facts.turn)
+    /// Uses memory of the cache, which must outlive it.
+    FrameConverter(const VideoFacts &facts, FrameCache &cache)
+        : width_(facts.width), height_(facts.height), turn_(facts.turn), cache_(cache)
     {
     }
 
@@ -40,13 +40,14 @@ private:
 
     static Input InputOf(const AVFrame &frame);
     SwsContext *ScalerFor(const AVFrame &frame, KyImageChannels channels);
-    void CopyTurned(int bytesPerPixel, int rowBytes, unsigned char *buffer) const;
+    void CopyTurned(const unsigned char *picture, int bytesPerPixel, int rowBytes,
+                    unsigned char *buffer) const;
 
     int width_; ///< as stored
     int height_;
     Turn turn_;
+    FrameCache &cache_;
     Scaler scalers_[2];
-    std::vector<unsigned char> scratch_;
 };
 
 } // namespace kyh::media

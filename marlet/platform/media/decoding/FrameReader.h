@@ -3,6 +3,8 @@
 #include <marlet/platform/media/decoding/Decoder.h>
 #include <marlet/platform/media/files/PacketReader.h>
 
+#include <limits>
+
 namespace kyh::media
 {
 
@@ -10,13 +12,17 @@ namespace kyh::media
 class FrameReader
 {
 public:
+    /// With a cache, frames are decoded into its memory.
     FrameReader(FileSourcePtr source, int stream, const std::vector<PacketMark> &marks,
-                DecoderThreads threads)
+                DecoderThreads threads, FrameCache *cache = nullptr)
         : packets_(static_cast<FileSourcePtr &&>(source), stream, marks),
           threads_(threads),
+          cache_(cache),
           feed_(NewDecoder())
     {
     }
+
+    const AVCodecContext &Context() const { return feed_.Context(); }
 
     /// The number of the packet that is decoded next.
     int Position() const { return packets_.Position(); }
@@ -39,20 +45,24 @@ public:
         packets_.GoTo(packet);
     }
 
-    /// The next frame that decodes; false behind the last. @throws MediaFailure if the file has changed
-    bool Next(AVFrame &frame)
+    /// The next frame that decodes; false behind the last, or if it does not come of the packets before
+    /// `end`.
+    /// @throws MediaFailure if the file has changed
+    bool Next(AVFrame &frame, int end = std::numeric_limits<int>::max())
     {
         while (!feed_.Receive(frame)) {
-            if (feed_.IsAtEnd())
-                return false;
             const int number = packets_.Position();
+            if (feed_.IsAtEnd() || number >= end)
+                return false;
             feed_.Send(packets_.Read(), number);
         }
         return true;
     }
+    /// Whether nothing more comes.
+    bool IsAtEnd() const { return feed_.IsAtEnd(); }
 
 private:
-    CodecPtr NewDecoder() { return OpenDecoder(*packets_.Stream().codecpar, threads_); }
+    CodecPtr NewDecoder() { return OpenDecoder(*packets_.Stream().codecpar, threads_, cache_); }
 
     /// What an encoder says of itself in the first packet alone, decoders go by to the end of the stream.
     void SeeFirst()
@@ -63,6 +73,7 @@ private:
 
     PacketReader packets_;
     DecoderThreads threads_;
+    FrameCache *cache_;
     DecoderFeed feed_;
     bool hasSeenFirst_ = false;
 };

@@ -1,9 +1,11 @@
 #pragma once
 
-struct AVFrame;
+#include <marlet/platform/media/LibavHandles.h>
 
 namespace kyh::media
 {
+
+class StreamCache;
 
 /// Where a video stream has its decoded frames from. Not for several threads at once.
 class FrameSource
@@ -12,9 +14,10 @@ public:
     virtual ~FrameSource() = default;
 
     virtual int Count() const = 0;
-    /// A frame from 0 on, which stays until the next call. @throws MediaFailure
-    virtual const AVFrame &Frame(int number) = 0;
-    /// Lets go of the decoder, until the next frame is asked for.
+    /// A frame from 0 on, of which others may have references as well. @throws MediaFailure
+    virtual FramePtr Frame(int number) = 0;
+    virtual StreamCache &Cache() = 0;
+    /// Lets go of the decoder and of all that is kept, until the next frame is asked for.
     virtual void Close() = 0;
 };
 

@@ -13,98 +13,129 @@ namespace kyh::media
 namespace
 {
 
-constexpr std::int64_t kStretchBytes = 8 << 20;
-/// Packets to decode in front of a stretch, until what comes out no longer depends on where decoding began.
-constexpr int kPreroll = 16;
+constexpr std::int64_t kStretchBytes = 1 << 18;
+// Where codecs carry something on, the beginning is what a decode from the start of the file gives.
+constexpr std::int64_t kFirstCarriedBytes = 8 << 20;
+constexpr std::int64_t kCarriedBytes = 1 << 20;
+
+bool IsPcm(AVCodecID codec)
+{
+    return codec >= AV_CODEC_ID_FIRST_AUDIO && codec < AV_CODEC_ID_ADPCM_IMA_QT;
+}
 
 } // namespace
 
 SoundReader::SoundReader(FileSourcePtr source, int stream, SoundIndex index, MediaResourcesPtr resources)
-    : resources_(std::move(resources)),
-      source_(std::move(source)),
-      stream_(stream),
-      index_(std::move(index)),
-      bytesPerSample_(BytesPerSample(index_.Format())),
-      stretchLength_(kStretchBytes / (std::int64_t{bytesPerSample_} * index_.Channels()))
+    : source_(std::move(source)), stream_(stream), index_(std::move(index)), cache_(std::move(resources))
 {
 }
 
-std::size_t SoundReader::BytesOf(std::int64_t samples) const
+int SoundReader::BytesOfSample() const
 {
-    return static_cast<std::size_t>(samples) * bytesPerSample_ * index_.Channels();
+    return BytesPerSample(index_.Format());
 }
 
-void SoundReader::Close()
+std::int64_t SoundReader::FrameBytes() const
 {
-    reader_.reset();
-    av_frame_unref(frame_.get());
-    samples_ = {};
-    stretch_ = -1;
+    return std::int64_t{BytesOfSample()} * index_.Channels();
 }
 
-void SoundReader::Begin(std::int64_t stretch)
+SoundReader::Dependence SoundReader::DependenceOf(AVCodecID codec)
 {
-    if (!reader_)
-        reader_ = std::make_unique<FrameReader>(source_, stream_, index_.Packets(), DecoderThreads::One);
-    const std::int64_t first = stretch * stretchLength_;
-    reader_->StartAfreshAt(std::max(index_.PacketAt(first) - kPreroll, 0));
-    samples_.assign(BytesOf(std::min(stretchLength_, index_.Count() - first)), 0);
-    stretch_ = stretch;
-    decodedTo_ = first;
-    packet_ = -1;
-    offset_ = 0;
-}
-
-void SoundReader::DecodeTo(std::int64_t end)
-{
-    while (decodedTo_ < end && reader_->Next(*frame_))
-        TakeFrame();
-    // What does not decode is silent.
-    decodedTo_ = std::max(decodedTo_, end);
-}
-
-void SoundReader::TakeFrame()
-{
-    const AVFrame &frame = *frame_;
-    if (const int packet = PacketOf(frame); packet >= 0 && packet != packet_) {
-        packet_ = packet;
-        offset_ = 0;
+    switch (codec) {
+    case AV_CODEC_ID_FLAC:
+    case AV_CODEC_ID_ALAC:
+        return {0, false};
+    case AV_CODEC_ID_VORBIS:
+        return {2, false};
+    case AV_CODEC_ID_MP3:
+        // Packets borrow bytes of those before them.
+        return {16, false};
+    default:
+        // Even the decoder of MP2 carries the rounding of one sample on to the next.
+        return IsPcm(codec) ? Dependence{0, false} : Dependence{16, true};
     }
-    if (packet_ < 0)
-        return;
-    const SoundIndex::Content &content = index_.ContentOf(packet_);
-    // By the numbers of samples in the stream.
-    const std::int64_t frameBegin = content.first + offset_ - content.skipped;
-    const std::int64_t stretchBegin = stretch_ * stretchLength_;
-    const std::int64_t begin = std::max({frameBegin, content.first, stretchBegin});
-    const std::int64_t end = std::min({frameBegin + frame.nb_samples, content.first + content.length,
-                                       stretchBegin + stretchLength_, index_.Count()});
-    offset_ += frame.nb_samples;
-    if (begin >= end)
-        return;
-    CopySamples(frame, static_cast<int>(begin - frameBegin), static_cast<int>(end - begin), index_.Channels(),
-                bytesPerSample_, samples_.data() + BytesOf(begin - stretchBegin));
-    decodedTo_ = std::max(decodedTo_, end);
+}
+
+std::unique_ptr<SoundDecoder> SoundReader::TakeDecoder()
+{
+    auto decoder = cache_.TakeDecoder<SoundDecoder>();
+    if (!decoder)
+        decoder = std::make_unique<SoundDecoder>(source_, stream_, index_);
+    if (!dependence_)
+        dependence_ = DependenceOf(decoder->Codec());
+    return decoder;
+}
+
+SoundStretch SoundReader::StretchAt(std::int64_t sample) const
+{
+    const bool isCarried = dependence_->isCarried;
+    const std::int64_t firstEnd = (isCarried ? kFirstCarriedBytes : kStretchBytes) / FrameBytes();
+    const std::int64_t length = (isCarried ? kCarriedBytes : kStretchBytes) / FrameBytes();
+    SoundStretch stretch;
+    stretch.number = sample < firstEnd ? 0 : 1 + (sample - firstEnd) / length;
+    stretch.begin = stretch.number == 0 ? 0 : firstEnd + (stretch.number - 1) * length;
+    stretch.end = std::min(firstEnd + stretch.number * length, index_.Count());
+    stretch.decodedTo = stretch.begin;
+    return stretch;
+}
+
+/// Whether a stretch is kept up to a sample.
+bool SoundReader::FindStretch(SoundStretch &stretch, std::int64_t end)
+{
+    if (!cache_.Find(FrameCache::Kind::Sound, stretch.number, *stretch.bytes))
+        return false;
+    stretch.decodedTo = stretch.begin + stretch.bytes->nb_samples;
+    return stretch.decodedTo >= end;
+}
+
+void SoundReader::Begin(SoundDecoder &decoder, const SoundStretch &stretch)
+{
+    const auto size = static_cast<std::size_t>((stretch.end - stretch.begin) * FrameBytes());
+    SoundStretch &begun = decoder.Stretch();
+    begun = SoundStretch();
+    begun.number = stretch.number;
+    begun.begin = stretch.begin;
+    begun.end = stretch.end;
+    begun.decodedTo = stretch.begin;
+    begun.bytes->buf[0] = cache_.Frames().NewBuffer(size).release();
+    if (!begun.bytes->buf[0])
+        throw std::bad_alloc();
+    std::memset(begun.bytes->buf[0]->data, 0, size);
+    if (dependence_->isCarried || !decoder.IsAt(stretch.begin))
+        decoder.StartAt(stretch.begin, dependence_->preroll);
+}
+
+/// The bytes behind what is decoded are written later, to where the cache refers as well: only this stream
+/// reads them, and only up to where they were decoded.
+void SoundReader::Decode(SoundStretch &stretch, std::int64_t end)
+{
+    std::unique_ptr<SoundDecoder> decoder = TakeDecoder();
+    if (decoder->Stretch().number != stretch.number)
+        Begin(*decoder, stretch);
+    SoundStretch &decoded = decoder->Stretch();
+    decoder->DecodeTo(end);
+    decoded.bytes->nb_samples = static_cast<int>(decoded.decodedTo - decoded.begin);
+    cache_.Put(FrameCache::Kind::Sound, decoded.number, *decoded.bytes);
+    av_frame_unref(stretch.bytes.get());
+    if (av_frame_ref(stretch.bytes.get(), decoded.bytes.get()) < 0)
+        throw std::bad_alloc();
+    cache_.KeepDecoder(std::move(decoder));
 }
 
 void SoundReader::Read(std::int64_t start, int count, unsigned char *buffer)
 {
-    try {
-        for (const std::int64_t end = start + count; start < end;) {
-            const std::int64_t stretch = start / stretchLength_;
-            const std::int64_t stretchBegin = stretch * stretchLength_;
-            const std::int64_t partEnd = std::min(end, stretchBegin + stretchLength_);
-            if (stretch != stretch_)
-                Begin(stretch);
-            DecodeTo(partEnd);
-            const std::size_t bytes = BytesOf(partEnd - start);
-            std::memcpy(buffer, samples_.data() + BytesOf(start - stretchBegin), bytes);
-            buffer += bytes;
-            start = partEnd;
-        }
-    } catch (...) {
-        Close();
-        throw;
+    if (!dependence_)
+        cache_.KeepDecoder(TakeDecoder());
+    for (const std::int64_t end = start + count; start < end;) {
+        SoundStretch stretch = StretchAt(start);
+        const std::int64_t partEnd = std::min(end, stretch.end);
+        if (!FindStretch(stretch, partEnd))
+            Decode(stretch, partEnd);
+        const auto bytes = static_cast<std::size_t>((partEnd - start) * FrameBytes());
+        std::memcpy(buffer, stretch.bytes->buf[0]->data + (start - stretch.begin) * FrameBytes(), bytes);
+        buffer += bytes;
+        start = partEnd;
     }
 }
 

@@ -1,50 +1,51 @@
 #pragma once
 
-#include <marlet/platform/media/MediaResources.h>
 #include <marlet/platform/media/contents/SoundIndex.h>
-#include <marlet/platform/media/decoding/FrameReader.h>
+#include <marlet/platform/media/decoding/SoundDecoder.h>
+#include <marlet/platform/media/decoding/StreamCache.h>
 
 #include <cstdint>
 #include <memory>
-#include <vector>
+#include <optional>
 
 namespace kyh::media
 {
 
-/// The samples of an audio stream. They are decoded in stretches that always begin at the same place, so that
-/// a sample is the same whatever was asked for before, even of a codec that carries something on from packet
-/// to packet. Not for several threads at once.
+/// The samples of an audio stream. They are decoded in stretches, so that a sample is the same whatever was
+/// asked for before: where a codec carries something on from packet to packet, decoding always begins at the
+/// same place in front of a stretch. Not for several threads at once.
 class SoundReader
 {
 public:
     SoundReader(FileSourcePtr source, int stream, SoundIndex index, MediaResourcesPtr resources);
 
     const SoundIndex &Index() const { return index_; }
-    int BytesOfSample() const { return bytesPerSample_; } ///< of one channel
+    int BytesOfSample() const; ///< of one channel
     /// Samples that all lie inside. @throws MediaFailure
     void Read(std::int64_t start, int count, unsigned char *buffer);
-    /// Lets go of the file and the decoder, until samples are asked for.
-    void Close();
+    /// Lets go of the decoder and of all that is kept, until samples are asked for.
+    void Close() { cache_.Clear(); }
 
 private:
-    std::size_t BytesOf(std::int64_t samples) const;
-    void Begin(std::int64_t stretch);
-    void DecodeTo(std::int64_t end);
-    void TakeFrame();
+    /// How the samples of a codec depend on where decoding began.
+    struct Dependence {
+        int preroll;    ///< packets to decode in front, until they no longer do
+        bool isCarried; ///< they always do, if only by a noise that is made up
+    };
 
-    MediaResourcesPtr resources_;
+    static Dependence DependenceOf(AVCodecID codec);
+    std::int64_t FrameBytes() const;
+    std::unique_ptr<SoundDecoder> TakeDecoder();
+    SoundStretch StretchAt(std::int64_t sample) const;
+    bool FindStretch(SoundStretch &stretch, std::int64_t end);
+    void Decode(SoundStretch &stretch, std::int64_t end);
+    void Begin(SoundDecoder &decoder, const SoundStretch &stretch);
+
     FileSourcePtr source_;
     int stream_;
     SoundIndex index_;
-    int bytesPerSample_;
-    std::int64_t stretchLength_; ///< samples
-    std::unique_ptr<FrameReader> reader_;
-    FramePtr frame_ = NewFrame();
-    std::int64_t stretch_ = -1;          ///< the number of the stretch at hand, or -1
-    std::vector<unsigned char> samples_; ///< of that stretch
-    std::int64_t decodedTo_ = 0;         ///< the sample behind the last one at hand
-    int packet_ = -1;                    ///< that the last frame came of
-    int offset_ = 0;                     ///< samples that came of it
+    std::optional<Dependence> dependence_; ///< once a decoder was there
+    StreamCache cache_;                    // goes first: its decoder reads the index
 };
 
 } // namespace kyh::media

@@ -1,6 +1,7 @@
 #include <marlet/platform/media/decoding/StillFrames.h>
 
 #include <marlet/platform/media/MediaFailure.h>
+#include <marlet/platform/media/decoding/Decoder.h>
 #include <marlet/platform/media/files/Demuxer.h>
 
 #include <limits>
@@ -21,14 +22,14 @@ AVCodecID CodecOfPicture(const std::string &path)
     return demuxer.StillCodec();
 }
 
-std::unique_ptr<DecoderFeed> NewPictureDecoder(AVCodecID codec)
+DecoderFeed NewPictureDecoder(AVCodecID codec, FrameCache &cache)
 {
     const std::unique_ptr<AVCodecParameters, FreeByAddress<avcodec_parameters_free>> parameters =
         Allocated(std::unique_ptr<AVCodecParameters, FreeByAddress<avcodec_parameters_free>>(
             avcodec_parameters_alloc()));
     parameters->codec_type = AVMEDIA_TYPE_VIDEO;
     parameters->codec_id = codec;
-    return std::make_unique<DecoderFeed>(OpenDecoder(*parameters, DecoderThreads::Slices));
+    return DecoderFeed(OpenDecoder(*parameters, DecoderThreads::Slices, &cache));
 }
 
 /// The whole file as one packet.
@@ -49,42 +50,36 @@ PacketPtr ReadPicture(const std::string &path)
 } // namespace
 
 StillFrames::StillFrames(ImageSequence sequence, MediaResourcesPtr resources)
-    : resources_(std::move(resources)),
-      sequence_(std::move(sequence)),
-      codec_(CodecOfPicture(sequence_.members.front().path))
+    : sequence_(std::move(sequence)),
+      codec_(CodecOfPicture(sequence_.members.front().path)),
+      cache_(std::move(resources))
 {
 }
 
-void StillFrames::Decode(const std::string &path)
+FramePtr StillFrames::Decode(const std::string &path)
 {
     const PacketPtr packet = ReadPicture(path);
-    if (!decoder_)
-        decoder_ = NewPictureDecoder(codec_);
-    decoder_->Flush();
-    decoder_->Send(packet.get(), 0);
-    if (decoder_->Receive(*frame_))
-        return;
-    decoder_->Send(nullptr, 0);
-    if (!decoder_->Receive(*frame_))
-        throw MediaFailure{kDamaged};
+    DecoderFeed decoder = NewPictureDecoder(codec_, cache_.Frames());
+    FramePtr frame = NewFrame();
+    decoder.Send(packet.get(), 0);
+    if (!decoder.Receive(*frame)) {
+        decoder.Send(nullptr, 0);
+        if (!decoder.Receive(*frame))
+            throw MediaFailure{kDamaged};
+    }
+    profile_ = decoder.Context().profile;
+    return frame;
 }
 
-const AVFrame &StillFrames::Frame(int number)
+FramePtr StillFrames::Frame(int number)
 {
     const ImageSequence::Member &member = sequence_.MemberAt(number);
-    if (shown_ != &member) {
-        shown_ = nullptr;
-        Decode(member.path);
-        shown_ = &member;
-    }
-    return *frame_;
-}
-
-void StillFrames::Close()
-{
-    decoder_.reset();
-    av_frame_unref(frame_.get());
-    shown_ = nullptr;
+    FramePtr frame = NewFrame();
+    if (cache_.Find(FrameCache::Kind::Frame, member.frame, *frame))
+        return frame;
+    frame = Decode(member.path);
+    cache_.Put(FrameCache::Kind::Frame, member.frame, *frame);
+    return frame;
 }
 
 } // namespace kyh::media

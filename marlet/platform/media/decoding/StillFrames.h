@@ -1,8 +1,7 @@
 #pragma once
 
-#include <marlet/platform/media/MediaResources.h>
-#include <marlet/platform/media/decoding/Decoder.h>
 #include <marlet/platform/media/decoding/FrameSource.h>
+#include <marlet/platform/media/decoding/StreamCache.h>
 #include <marlet/platform/media/files/FileSource.h>
 #include <marlet/platform/media/files/ImageSequence.h>
 
@@ -17,20 +16,19 @@ public:
     StillFrames(ImageSequence sequence, MediaResourcesPtr resources);
 
     AVCodecID Codec() const { return codec_; }
-    int Profile() const { return decoder_ ? decoder_->Context().profile : FF_PROFILE_UNKNOWN; }
+    int Profile() const { return profile_; } ///< of the last picture that was decoded
     int Count() const override { return sequence_.count; }
-    const AVFrame &Frame(int number) override;
-    void Close() override;
+    FramePtr Frame(int number) override;
+    StreamCache &Cache() override { return cache_; }
+    void Close() override { cache_.Clear(); }
 
 private:
-    void Decode(const std::string &path);
+    FramePtr Decode(const std::string &path);
 
-    MediaResourcesPtr resources_;
     ImageSequence sequence_;
     AVCodecID codec_;
-    std::unique_ptr<DecoderFeed> decoder_;
-    FramePtr frame_ = NewFrame();
-    const ImageSequence::Member *shown_ = nullptr;
+    int profile_ = FF_PROFILE_UNKNOWN;
+    StreamCache cache_;
 };
 
 } // namespace kyh::media

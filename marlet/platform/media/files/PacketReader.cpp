@@ -90,7 +90,7 @@ void PacketReader::GoTo(int number)
 bool PacketReader::SeekTo(int number)
 {
     const PacketMark &mark = marks_[static_cast<std::size_t>(number)];
-    if (number == 0 || failedSeeks_ == kMostFailedSeeks || !mark.isKey || !IsKnown(TimeOf(mark)))
+    if (failedSeeks_ == kMostFailedSeeks || !mark.isKey || !IsKnown(TimeOf(mark)))
         return false;
     hasSought_ = true;
     isPlaceKnown_ = false;
