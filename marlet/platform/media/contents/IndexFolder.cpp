@@ -17,4 +17,9 @@ void IndexFolder::SetPath(std::string path)
     path_ = std::move(path);
 }
 
+std::optional<KeptIndex> IndexFolder::Describe(const std::string &) const
+{
+    return std::nullopt;
+}
+
 } // namespace kyh::media
