@@ -50,9 +50,10 @@ bool MediaOpening::OnFile(const WideString &, int number, int count)
         bar_.emplace(count, "files");
     if (std::chrono::steady_clock::now() - start_ > kPatience)
         bar_->Show(number);
-    if (number == count)
+    const bool goesOn = !interruption_.Requested();
+    if (number == count || !goesOn)
         bar_->Hide();
-    return !interruption_.Requested();
+    return goesOn;
 }
 
 void MediaOpening::RequireNotInterrupted() const
