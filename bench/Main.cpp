@@ -1,6 +1,7 @@
 // Runs the benchmarks and prints the figures that the library is to reach, each a ratio within this one run.
 
 #include <bench/support/Machine.h>
+#include <bench/support/MediaInProcess.h>
 #include <bench/support/PeakOfLoad.h>
 #include <bench/support/Report.h>
 
@@ -12,6 +13,16 @@
 
 namespace
 {
+
+/// What is measured in a process of its own.
+struct InProcess {
+    const char *argument;
+    int (*run)(const char *file);
+};
+
+constexpr InProcess kInProcess[] = {{bench::kPeakOfLoadArgument, bench::RunPeakOfLoad},
+                                    {bench::kOpeningArgument, bench::RunOpening},
+                                    {bench::kRandomReadingArgument, bench::RunRandomReading}};
 
 /// Lets the heap keep what is freed. Otherwise it would give memory back between rounds, and what is timed
 /// would be in part the kernel, clearing the same pages again for every round.
@@ -28,8 +39,10 @@ void KeepHeapWarm()
 
 int main(int argc, char **argv)
 {
-    if (argc == 3 && std::strcmp(argv[1], bench::kPeakOfLoadArgument) == 0)
-        return bench::RunPeakOfLoad(argv[2]); // with the heap as a host has it
+    // With the heap as a host has it.
+    for (const InProcess &measure : kInProcess)
+        if (argc == 3 && std::strcmp(argv[1], measure.argument) == 0)
+            return measure.run(argv[2]);
 
     KeepHeapWarm();
     // The least of three rounds, far apart from one another, counts. What the caller says stands behind and

@@ -1,6 +1,8 @@
-// A 1080p clip read frame by frame, as the library hands it out and by a bare loop of the same decoder and
-// scaler.
+// A 1080p clip with few key frames as the library hands it out, in any order, and by bare loops of the same
+// decoder and scaler.
 
+#include <bench/support/BareMedia.h>
+#include <bench/support/MediaClips.h>
 #include <bench/support/Stopwatch.h>
 
 #include <marlet/platform/media/KyMedia.h>
@@ -8,175 +10,225 @@
 #include <marlet/project/MediaManager.h>
 #include <marlet/project/MediaVideoStream.h>
 
-#include <encode/Encoder.h>
+#include <QImage>
+#include <boost/smart_ptr/shared_array.hpp>
 
-extern "C" {
-#include <libavcodec/avcodec.h>
-#include <libavformat/avformat.h>
-#include <libswscale/swscale.h>
-}
-
-#include <algorithm>
+#include <cstring>
 #include <filesystem>
 #include <memory>
-#include <stdexcept>
-#include <string>
-#include <thread>
-
-#include <unistd.h>
+#include <random>
 
 using namespace kyh::media;
 
 namespace
 {
 
-constexpr int kWidth = 1920;
-constexpr int kHeight = 1080;
-constexpr int kFrames = 90;
+using bench::Bytes;
+using bench::Require;
 
-using Bytes = std::vector<unsigned char>;
+constexpr std::size_t kFrameBytes = std::size_t{bench::kHdWidth} * bench::kHdHeight * 4;
+/// Holds a group of the clip as it is decoded, 778 MB.
+constexpr int kRoomForGroup = 900;
+constexpr int kUsualRoom = 256;
 
-/// Shades that move, with some noise.
-void FillFrame(Bytes &frame, int number)
-{
-    unsigned int noise = static_cast<unsigned int>(number) * 2654435761u;
-    for (int y = 0; y < kHeight; ++y)
-        for (int x = 0; x < kWidth; ++x) {
-            noise = noise * 1664525u + 1013904223u;
-            unsigned char *pixel = &frame[static_cast<std::size_t>(y * kWidth + x) * 4];
-            const int shade = (x + number * 3) / 2 + y / 3 + static_cast<int>(noise >> 28);
-            pixel[0] = static_cast<unsigned char>(shade);
-            pixel[1] = static_cast<unsigned char>(shade / 2 + 60);
-            pixel[2] = static_cast<unsigned char>(255 - shade % 256);
-        }
-}
-
-/// A clip that is there until the program ends.
-class Clip
+/// The clip in a manager of its own, so that nothing of it is kept from before.
+class Reader
 {
 public:
-    Clip()
-        : path_(std::filesystem::temp_directory_path() /
-                ("marlet-bench-" + std::to_string(::getpid()) + ".mov"))
+    explicit Reader(int megabytes)
     {
-        marlet::tool::EncoderOptions options;
-        options.width = kWidth;
-        options.height = kHeight;
-        options.quantiser = 4;
-        marlet::tool::Encoder encoder(path_, options);
-        Bytes frame(std::size_t{kWidth} * kHeight * 4, 255);
-        for (int i = 0; i < kFrames; ++i) {
-            FillFrame(frame, i);
-            encoder.AddFrame(frame.data(), kWidth * 4);
-        }
-        encoder.Finish();
-    }
-    Clip(const Clip &) = delete;
-    Clip &operator=(const Clip &) = delete;
-    ~Clip() { std::filesystem::remove(path_); }
-
-    const std::string &Path() const { return path_; }
-
-private:
-    std::string path_;
-};
-
-const std::string &ClipPath()
-{
-    static const Clip clip;
-    return clip.Path();
-}
-
-void Require(bool condition)
-{
-    if (!condition)
-        throw std::runtime_error("the clip cannot be read");
-}
-
-/// The least program that decodes the first stream of a file and converts it.
-class BareLoop
-{
-public:
-    explicit BareLoop(const std::string &path)
-    {
-        Require(avformat_open_input(&format_, path.c_str(), nullptr, nullptr) >= 0);
-        Require(avformat_find_stream_info(format_, nullptr) >= 0);
-        const AVCodecParameters *parameters = format_->streams[0]->codecpar;
-        const AVCodec *codec = avcodec_find_decoder(parameters->codec_id);
-        decoder_ = avcodec_alloc_context3(codec);
-        avcodec_parameters_to_context(decoder_, parameters);
-        decoder_->thread_count = static_cast<int>(std::clamp(std::thread::hardware_concurrency(), 1u, 8u));
-        Require(avcodec_open2(decoder_, codec, nullptr) >= 0);
-        scaler_ = sws_getContext(kWidth, kHeight, decoder_->pix_fmt, kWidth, kHeight, AV_PIX_FMT_BGRA,
-                                 SWS_BILINEAR | SWS_ACCURATE_RND, nullptr, nullptr, nullptr);
-    }
-    BareLoop(const BareLoop &) = delete;
-    BareLoop &operator=(const BareLoop &) = delete;
-    ~BareLoop()
-    {
-        sws_freeContext(scaler_);
-        av_frame_free(&frame_);
-        av_packet_free(&packet_);
-        avcodec_free_context(&decoder_);
-        avformat_close_input(&format_);
+        manager_.SetCacheBudget(static_cast<std::size_t>(megabytes) << 20);
+        asset_ = manager_.CreateMediaAsset(std::filesystem::path(bench::HdClip()).u16string());
+        video_ = asset_->VideoStream();
+        Require(video_ && video_->FrameCount() == bench::kHdFrames);
     }
 
-    int ReadAll(Bytes &buffer)
+    void Read(int frame, KyImageChannels channels = KyImageChannels::Four)
     {
-        int frames = 0;
-        bool isMore = true;
-        while (isMore) {
-            isMore = av_read_frame(format_, packet_) >= 0;
-            avcodec_send_packet(decoder_, isMore ? packet_ : nullptr);
-            av_packet_unref(packet_);
-            for (; avcodec_receive_frame(decoder_, frame_) >= 0; ++frames) {
-                unsigned char *planes[] = {buffer.data()};
-                const int strides[] = {kWidth * 4};
-                sws_scale(scaler_, frame_->data, frame_->linesize, 0, kHeight, planes, strides);
-            }
-        }
-        return frames;
+        Require(video_->GetFrame(frame, channels, buffer_.data(), static_cast<int>(buffer_.size()), nullptr,
+                                 0) == kSuccess);
+    }
+
+    void ReadScaled(int frame, int width, int height)
+    {
+        Require(video_->GetFrame(video_->FrameRate(), frame, width, height, scratch_, scratchSize_,
+                                 destination_, kFrameBytes, &width, &height, 0) == kSuccess);
     }
 
 private:
-    AVFormatContext *format_ = nullptr;
-    AVCodecContext *decoder_ = nullptr;
-    SwsContext *scaler_ = nullptr;
-    AVPacket *packet_ = av_packet_alloc();
-    AVFrame *frame_ = av_frame_alloc();
+    marlet::project::MediaManager manager_;
+    std::shared_ptr<marlet::project::MediaAsset> asset_;
+    std::shared_ptr<marlet::project::MediaVideoStream> video_;
+    Bytes buffer_ = Bytes(kFrameBytes);
+    boost::shared_array<unsigned char> scratch_;
+    unsigned int scratchSize_ = 0;
+    boost::shared_array<unsigned char> destination_{new unsigned char[kFrameBytes]()};
 };
 
-void ReadClipBare(benchmark::State &state)
+/// The first frames of the clip as they are decoded.
+class DecodedFrames
 {
-    Bytes buffer(std::size_t{kWidth} * kHeight * 4);
+public:
+    explicit DecodedFrames(int count) : loop_(bench::HdClip()), frames_(loop_.Decode(count)) {}
+    DecodedFrames(const DecodedFrames &) = delete;
+    DecodedFrames &operator=(const DecodedFrames &) = delete;
+    ~DecodedFrames()
+    {
+        for (AVFrame *frame : frames_)
+            av_frame_free(&frame);
+    }
+
+    void Convert(int frame, bool hasAlpha = true) { loop_.Convert(*frames_.at(frame), buffer_, hasAlpha); }
+    const Bytes &Converted() const { return buffer_; }
+
+private:
+    bench::BareLoop loop_;
+    std::vector<AVFrame *> frames_;
+    Bytes buffer_ = Bytes(kFrameBytes);
+};
+
+/// The same numbers below a count each time.
+class RandomFrames
+{
+public:
+    explicit RandomFrames(int count) : distribution_(0, count - 1) {}
+    int Next() { return distribution_(engine_); }
+
+private:
+    std::mt19937 engine_;
+    std::uniform_int_distribution<int> distribution_;
+};
+
+// The time of reading a whole clip is that of a frame.
+
+void ReadForwardsBare(benchmark::State &state)
+{
+    Bytes buffer(kFrameBytes);
     for (auto _ : state) {
-        BareLoop loop(ClipPath());
+        bench::BareLoop loop(bench::HdClip());
         const bench::Clock::time_point start = bench::Clock::now();
-        Require(loop.ReadAll(buffer) == kFrames);
-        state.SetIterationTime(bench::SecondsSince(start) / kFrames);
+        Require(loop.ReadAll(buffer) == bench::kHdFrames);
+        state.SetIterationTime(bench::SecondsSince(start) / bench::kHdFrames);
     }
 }
 
-void ReadClip(benchmark::State &state)
+void ReadAll(benchmark::State &state, int first, int step)
 {
-    marlet::project::MediaManager media;
-    const auto asset = media.CreateMediaAsset(std::filesystem::path(ClipPath()).u16string());
-    const auto video = asset->VideoStream();
-    Require(video != nullptr);
-    Bytes buffer(static_cast<std::size_t>(video->FrameBufferSize(KyImageChannels::Four)));
-    Require(video->FrameCount() == kFrames);
     for (auto _ : state) {
+        Reader reader(static_cast<int>(state.range(0)));
         const bench::Clock::time_point start = bench::Clock::now();
-        for (int i = 0; i < kFrames; ++i)
-            Require(video->GetFrame(i, KyImageChannels::Four, buffer.data(), static_cast<int>(buffer.size()),
-                                    nullptr, 0) == kSuccess);
-        state.SetIterationTime(bench::SecondsSince(start) / kFrames);
+        for (int i = 0; i < bench::kHdFrames; ++i)
+            reader.Read(first + i * step);
+        state.SetIterationTime(bench::SecondsSince(start) / bench::kHdFrames);
     }
 }
 
-// The time is that of a frame, so that the benchmark would read the clip a hundred times to fill half a
-// second.
-BENCHMARK(ReadClipBare)->UseManualTime()->Iterations(2)->Unit(benchmark::kMillisecond);
-BENCHMARK(ReadClip)->UseManualTime()->Iterations(2)->Unit(benchmark::kMillisecond);
+void ReadForwards(benchmark::State &state)
+{
+    ReadAll(state, 0, 1);
+}
+
+void ReadBackwards(benchmark::State &state)
+{
+    ReadAll(state, bench::kHdFrames - 1, -1);
+}
+
+constexpr int kSameFrame = 100;
+
+void ReadSameFrame(benchmark::State &state)
+{
+    Reader reader(kUsualRoom);
+    reader.Read(kSameFrame);
+    for (auto _ : state)
+        reader.Read(kSameFrame);
+}
+
+void CopyFrame(benchmark::State &state)
+{
+    const Bytes source(kFrameBytes, 1);
+    Bytes target(kFrameBytes);
+    for (auto _ : state) {
+        std::memcpy(target.data(), source.data(), kFrameBytes);
+        benchmark::DoNotOptimize(target.data());
+        benchmark::ClobberMemory();
+    }
+}
+
+void ReadSameFrameOtherChannels(benchmark::State &state)
+{
+    Reader reader(kUsualRoom);
+    for (auto _ : state) {
+        reader.Read(kSameFrame, KyImageChannels::Three);
+        reader.Read(kSameFrame, KyImageChannels::Four);
+    }
+}
+
+void ConvertToBothChannels(benchmark::State &state)
+{
+    DecodedFrames frames(1);
+    for (auto _ : state) {
+        frames.Convert(0, false);
+        frames.Convert(0, true);
+    }
+}
+
+constexpr int kSizes[][2] = {{960, 540}, {640, 360}};
+
+void ReadSameFrameOtherSize(benchmark::State &state)
+{
+    Reader reader(kUsualRoom);
+    for (auto _ : state)
+        for (const auto &[width, height] : kSizes)
+            reader.ReadScaled(kSameFrame, width, height);
+}
+
+void ConvertToBothSizes(benchmark::State &state)
+{
+    DecodedFrames frames(1);
+    for (auto _ : state)
+        for (const auto &[width, height] : kSizes) {
+            frames.Convert(0);
+            const QImage picture(frames.Converted().data(), bench::kHdWidth, bench::kHdHeight,
+                                 QImage::Format_ARGB32);
+            const QImage scaled =
+                picture.scaled(width, height, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+            benchmark::DoNotOptimize(scaled.constBits());
+        }
+}
+
+void ReadRandomInGroup(benchmark::State &state)
+{
+    Reader reader(kRoomForGroup);
+    for (int frame = 0; frame < bench::kHdGroup; ++frame)
+        reader.Read(frame);
+    RandomFrames random(bench::kHdGroup);
+    for (auto _ : state)
+        reader.Read(random.Next());
+}
+
+void ConvertRandom(benchmark::State &state)
+{
+    DecodedFrames frames(bench::kHdGroup);
+    RandomFrames random(bench::kHdGroup);
+    for (auto _ : state)
+        frames.Convert(random.Next());
+}
+
+BENCHMARK(ReadForwardsBare)->UseManualTime()->Iterations(1)->Unit(benchmark::kMillisecond);
+BENCHMARK(ReadForwards)->UseManualTime()->Iterations(1)->Unit(benchmark::kMillisecond)->Arg(kUsualRoom);
+BENCHMARK(ReadBackwards)
+    ->UseManualTime()
+    ->Iterations(1)
+    ->Unit(benchmark::kMillisecond)
+    ->Arg(kUsualRoom)
+    ->Arg(kRoomForGroup);
+BENCHMARK(ReadSameFrame)->Unit(benchmark::kMillisecond);
+BENCHMARK(CopyFrame)->Unit(benchmark::kMillisecond);
+BENCHMARK(ReadSameFrameOtherChannels)->Unit(benchmark::kMillisecond);
+BENCHMARK(ConvertToBothChannels)->Unit(benchmark::kMillisecond);
+BENCHMARK(ReadSameFrameOtherSize)->Unit(benchmark::kMillisecond);
+BENCHMARK(ConvertToBothSizes)->Unit(benchmark::kMillisecond);
+BENCHMARK(ReadRandomInGroup)->Unit(benchmark::kMillisecond);
+BENCHMARK(ConvertRandom)->Unit(benchmark::kMillisecond);
 
 } // namespace

@@ -92,9 +92,11 @@ set(MARLET_PUBLIC_HEADERS
     project/CompositionAsset.h
     project/CompositionRenderSettings.h
     project/ImageAsset.h
+    project/LoadOptions.h
     project/MediaAsset.h
     project/MediaAudioStream.h
     project/MediaManager.h
+    project/MediaProgress.h
     project/MediaVideoStream.h
     project/PanelRenderState.h
     project/Project.h

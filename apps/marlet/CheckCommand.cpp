@@ -58,8 +58,9 @@ void TellOfChange(const WideString &file, const WideString &saved, bool json, Ou
 std::vector<Finding> CheckSaving(const ProjectPointer &project)
 {
     const WideString first = project->Serialize();
+    const WideString &textures = std::as_const(*project).TextureImageCache().TexturesFolderPath();
     const WideString second =
-        ParseProject(first, std::as_const(*project).TextureImageCache().TexturesFolderPath())->Serialize();
+        ParseProject(first, textures, PluginUse::With, project->SharedMedia())->Serialize();
     if (first == second)
         return {};
     return {

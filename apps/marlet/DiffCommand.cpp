@@ -68,7 +68,7 @@ void Run(const Arguments &arguments, Output &output)
     const ProjectPointer before = ReadProject(arguments.Operand(0));
     ProjectPointer after;
     try {
-        after = ReadProject(arguments.Operand(1));
+        after = ReadProject(arguments.Operand(1), PluginUse::With, before->SharedMedia());
     } catch (const Failure &) {
         throw;
     } catch (const std::exception &failure) {

@@ -1,6 +1,7 @@
 #include "Document.h"
 
 #include "FindByIdOrName.h"
+#include "MediaOpening.h"
 #include "TextFile.h"
 #include "Timeline.h"
 #include "plugins/PluginManager.h"
@@ -10,6 +11,7 @@
 #include <marlet/layers/AssetLayer.h>
 #include <marlet/project/AssetList.h>
 #include <marlet/project/CompositionAsset.h>
+#include <marlet/project/LoadOptions.h>
 #include <marlet/project/MediaAsset.h>
 #include <marlet/project/Project.h>
 #include <marlet/tracking/Tracker.h>
@@ -33,10 +35,14 @@ template <class Asset> std::vector<std::shared_ptr<Asset>> AssetsOf(const Projec
 
 } // namespace
 
-ProjectPointer ParseProject(const WideString &text, const WideString &texturesFolder, PluginUse plugins)
+ProjectPointer ParseProject(const WideString &text, const WideString &texturesFolder, PluginUse plugins,
+                            const std::shared_ptr<MediaManager> &media)
 {
     const auto manager = plugins == PluginUse::With ? Plugins() : nullptr;
-    ProjectPointer project = Project::CreateFromXml(text, texturesFolder, manager, EffectFactory());
+    MediaOpening opening;
+    const LoadOptions options{.media = media ? media : NewMediaManager(), .progress = &opening};
+    ProjectPointer project = Project::CreateFromXml(text, texturesFolder, manager, EffectFactory(), options);
+    opening.RequireNotInterrupted();
     FillInstances(*project);
     return project;
 }
@@ -64,9 +70,10 @@ WideString FolderOf(const std::string &path)
     return separator == std::string::npos ? WideString() : FromUtf8(path.substr(0, separator + 1));
 }
 
-ProjectPointer ReadProject(const std::string &path, PluginUse plugins)
+ProjectPointer ReadProject(const std::string &path, PluginUse plugins,
+                           const std::shared_ptr<MediaManager> &media)
 {
-    ProjectPointer project = ParseProject(ReadTextFile(path), FolderOf(path), plugins);
+    ProjectPointer project = ParseProject(ReadTextFile(path), FolderOf(path), plugins, media);
     project->SetFilename(FromUtf8(path));
     return project;
 }

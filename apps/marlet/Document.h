@@ -14,6 +14,7 @@ class AbstractLayer;
 class AssetLayer;
 class CompositionAsset;
 class MediaAsset;
+class MediaManager;
 class Project;
 class Tracker;
 } // namespace marlet::project
@@ -31,13 +32,16 @@ using TrackerPointer = std::shared_ptr<project::Tracker>;
 /// Without plug-ins a project has no effects, whatever its text says.
 enum class PluginUse { With, Without };
 
-/// A project from its text, with the tool's own plug-ins and the assets' lists of instances filled.
-/// @throws as Project::CreateFromXml
+/// A project from its text, with the tool's own plug-ins and the assets' lists of instances filled. Shows how
+/// the opening of media proceeds. Media may be those of another project, whose files are not opened again.
+/// @throws as Project::CreateFromXml; Failure if the user interrupts it
 ProjectPointer ParseProject(const project::WideString &text, const project::WideString &texturesFolder,
-                            PluginUse plugins = PluginUse::With);
+                            PluginUse plugins = PluginUse::With,
+                            const std::shared_ptr<project::MediaManager> &media = nullptr);
 
 /// Textures are named relative to the folder of the file. @throws as ReadTextFile and ParseProject
-ProjectPointer ReadProject(const std::string &path, PluginUse plugins = PluginUse::With);
+ProjectPointer ReadProject(const std::string &path, PluginUse plugins = PluginUse::With,
+                           const std::shared_ptr<project::MediaManager> &media = nullptr);
 
 /// With its trailing separator; empty for a file of the current folder.
 project::WideString FolderOf(const std::string &path);

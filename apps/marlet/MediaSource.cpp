@@ -2,6 +2,7 @@
 
 #include "Arguments.h"
 #include "Failure.h"
+#include "MediaOpening.h"
 
 #include <marlet/platform/media/KyMedia.h>
 #include <marlet/project/MediaAsset.h>
@@ -112,7 +113,7 @@ MediaSource OpenMediaSource(const Arguments &arguments)
 
 MediaSource OpenMediaFile(const std::string &path, bool isSequence)
 {
-    MediaSource source{Project::Create(nullptr), {}};
+    MediaSource source{Project::Create(nullptr, NewMediaManager()), {}};
     source.media = OpenMedia(source.project->Media(), path, isSequence);
     RequireUsable(*source.media);
     return source;

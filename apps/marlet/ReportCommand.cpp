@@ -2,6 +2,7 @@
 #include "CurvePicture.h"
 #include "Document.h"
 #include "Failure.h"
+#include "Interruption.h"
 #include "Output.h"
 #include "PngFile.h"
 #include "ProgressBar.h"
@@ -32,7 +33,7 @@ namespace
 constexpr int kThumbnailWidth = 608; ///< twice the place on the page
 constexpr std::size_t kMostCurves = 200;
 
-/// The folder that a report is written to, file by file.
+/// The folder that a report is written to, file by file. Ctrl-C ends that between two of them.
 class ReportFolder
 {
 public:
@@ -46,6 +47,8 @@ public:
     /// Names beginning alike are numbered. Returns the file's name.
     std::string Add(const std::string &stem, const std::string &ending, const std::string &bytes)
     {
+        if (interruption_.Requested())
+            throw Failure(path_, "Interrupted");
         char number[16];
         std::snprintf(number, sizeof number, "-%03d", ++count_);
         const std::string name = stem + number + ending;
@@ -60,6 +63,7 @@ public:
 
 private:
     std::string path_;
+    const Interruption interruption_;
     int count_ = 0;
 };
 

@@ -3,10 +3,10 @@
 #include <bench/support/Documents.h>
 #include <bench/support/HeapCounter.h>
 #include <bench/support/Machine.h>
+#include <bench/support/OwnProcess.h>
 
 #include <marlet/project/Project.h>
 
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <stdexcept>
@@ -58,14 +58,8 @@ PeakOfLoad MeasurePeakOfLoad(int megabytes)
 {
     const TemporaryFile file;
     WriteText(file.path, TextOfMegabytes(megabytes));
-    const std::string command = "'" + fs::read_symlink("/proc/self/exe").string() + "' " +
-                                kPeakOfLoadArgument + " '" + file.path.string() + "'";
-    std::FILE *child = popen(command.c_str(), "r");
-    PeakOfLoad result;
-    const bool answered = child && std::fscanf(child, "%lf %lf", &result.heap, &result.resident) == 2;
-    if (!child || pclose(child) != 0 || !answered)
-        throw std::runtime_error("cannot measure in a process of its own");
-    return result;
+    const std::vector<double> figures = FiguresOf(kPeakOfLoadArgument, file.path.string(), 2);
+    return {.heap = figures[0], .resident = figures[1]};
 }
 
 int RunPeakOfLoad(const char *path)
@@ -78,7 +72,7 @@ int RunPeakOfLoad(const char *path)
     const auto project = Load(text);
     const double heap = static_cast<double>(counter.PeakBytes());
     const double resident = 1024.0 * static_cast<double>(StatusKilobytes("VmHWM") - residentBefore);
-    std::printf("%.9g %.9g\n", heap / bytes, resident / bytes);
+    PrintFigures({heap / bytes, resident / bytes});
     return 0;
 }
 

@@ -5,6 +5,7 @@
 #include "Files.h"
 #include "Instances.h"
 #include "Media.h"
+#include "SharedMedia.h"
 #include "Sphere.h"
 #include "Timeline.h"
 #include "TrackingJob.h"
@@ -186,6 +187,26 @@ void CheckMedia(const std::string &folder)
     Expect(asset->IsOffline() && PictureAt(*asset, 25, 0).pixels.empty(), "an offline asset has no picture");
 }
 
+void CheckSharedMedia(const std::string &folder)
+{
+    const auto media = MediaOfProgram(FromUtf8(folder + "/cache"), std::size_t{64} << 20);
+    WideString text;
+    {
+        const auto project = Project::Create(nullptr, media);
+        project->Assets().All().Add(media->CreateImageSequence(FromUtf8(folder + "/clip0.ppm"), 25));
+        text = project->Serialize();
+    }
+    OpeningDialog dialog;
+    OpenText(text, nullptr, media, dialog);
+    Expect(dialog.text.empty(), "a shared manager opens nothing again");
+
+    dialog.isCancelled = true;
+    const auto alone = std::make_shared<MediaManager>();
+    const auto project = OpenText(text, nullptr, alone, dialog);
+    Expect(dialog.text.ends_with("clip0.ppm, 1 of 1"), "a load tells of the files that it opens");
+    Expect(!project->Assets().All().front()->IsOffline(), "what was opened before a cancel stays");
+}
+
 void CheckTracking(const std::string &folder)
 {
     const auto project = Project::Create(nullptr);
@@ -229,6 +250,7 @@ try {
     guide::CheckSphere();
     guide::CheckExpression();
     guide::CheckMedia(folder);
+    guide::CheckSharedMedia(folder);
     guide::CheckTracking(folder);
     std::cout << "all as the guide says\n";
 } catch (const std::exception &error) {

@@ -8,6 +8,7 @@
 #include <marlet/project/CompositionAsset.h>
 #include <marlet/project/ImageAsset.h>
 #include <marlet/project/MediaAsset.h>
+#include <marlet/project/MediaLoad.h>
 #include <marlet/project/MediaManager.h>
 #include <marlet/project/SolidAsset.h>
 
@@ -85,14 +86,16 @@ void AssetList::Serialize(XmlWriter &writer, const ProjectTextureImageCache &tex
     impl_->bin.Serialize(writer);
 }
 
-void AssetList::Deserialize(const XmlCursor &element, MediaManager &media,
+void AssetList::Deserialize(const XmlCursor &element, MediaManager &media, MediaProgress *progress,
                             const std::shared_ptr<AbstractPluginManager> &pluginManager,
                             const Abstract3DEffectFactory &effectFactory, ProjectTextureImageCache &textures)
 {
     element.RequireHeader("AssetList", 0);
     Assets &assets = All();
     assets.Clear();
-    for (XmlCursor child = element.Find("Assets").FirstChild(); !child.IsNull(); child = child.Next()) {
+    const XmlCursor list = element.Find("Assets");
+    const std::unique_ptr<MediaLoad> load = media.BeginLoad(list, progress);
+    for (XmlCursor child = list.FirstChild(); !child.IsNull(); child = child.Next()) {
         if (child.Is("SolidAsset"))
             assets.Add(std::shared_ptr<SolidAsset>(new SolidAsset(child)));
         else if (child.Is("ImageAsset"))
@@ -101,7 +104,7 @@ void AssetList::Deserialize(const XmlCursor &element, MediaManager &media,
             assets.Add(std::shared_ptr<CompositionAsset>(
                 new CompositionAsset(child, pluginManager, effectFactory, textures)));
         else if (child.Is("MediaAsset"))
-            assets.Add(media.CreateMediaAsset(child));
+            assets.Add(media.CreateMediaAsset(child, *load));
     }
     // The folders name assets by ID, so they are read once all assets are there.
     impl_->bin.Deserialize(element.Find("BinFolder"), AssetsByID(assets));

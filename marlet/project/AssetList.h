@@ -10,6 +10,7 @@ namespace marlet::project
 
 class BinFolder;
 class MediaManager;
+class MediaProgress;
 class XmlCursor;
 class XmlWriter;
 struct AssetList_Impl;
@@ -43,7 +44,7 @@ private:
 
     AssetList();
     void Serialize(XmlWriter &writer, const ProjectTextureImageCache &textures) const;
-    void Deserialize(const XmlCursor &element, MediaManager &media,
+    void Deserialize(const XmlCursor &element, MediaManager &media, MediaProgress *progress,
                      const std::shared_ptr<AbstractPluginManager> &pluginManager,
                      const Abstract3DEffectFactory &effectFactory, ProjectTextureImageCache &textures);
 

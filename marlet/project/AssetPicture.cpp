@@ -26,8 +26,6 @@ AssetPicture OfflinePicture()
 
 AssetPicture MediaPicture(const MediaAsset &media)
 {
-    // Status and stream must belong to the same file.
-    const kytl::thread::KyScopedLock hold(media.Mutex());
     if (media.MediaFileStatus() != MediaAsset::Status::Usable)
         return OfflinePicture();
     const auto video = media.VideoStream();
@@ -42,8 +40,11 @@ AssetPicture PictureOf(const AbstractAsset &asset)
         return Picture(asset, AudioVideoSettings::PARValue(solid->PixelAspectRatio()));
     if (const auto *composition = dynamic_cast<const CompositionAsset *>(&asset))
         return Picture(asset, composition->Settings().PixelAspectRatioValue());
-    if (const auto *media = dynamic_cast<const MediaAsset *>(&asset))
+    if (const auto *media = dynamic_cast<const MediaAsset *>(&asset)) {
+        // Status and stream must belong to the same file.
+        const kytl::thread::KyScopedLock hold(media->ShortLock());
         return MediaPicture(*media);
+    }
     const auto *image = dynamic_cast<const ImageAsset *>(&asset);
     if (!image)
         return Picture(asset, 1.0);

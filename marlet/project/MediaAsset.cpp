@@ -13,11 +13,14 @@
 #include <marlet/project/MediaVideoStream.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace marlet::project
 {
 
+using kyh::media::KyAbstractAudioStream;
 using kyh::media::KyAbstractMediaFile;
+using kyh::media::KyAbstractVideoStream;
 using kytl::thread::KyCriticalSection;
 using kytl::thread::KyScopedLock;
 
@@ -53,9 +56,11 @@ struct MediaAsset_Impl {
     bool isDirty = false;
     Uncopied<AbstractAsset::InstanceList> instances;
     kytl::KyID parentFolderID;
-    // The lock guards the status, the file and the streams. The file is not touched when an asset ends: its
-    // manager may have released it by then.
-    MediaAsset::Status status = MediaAsset::Status::Failed;
+    // The path, the status, the file and the streams change under both locks, and are asked under the short
+    // one alone, which nobody holds while a frame is decoded or a file is opened. The file is not touched
+    // when an asset ends: its manager may have released it by then.
+    mutable MediaAsset::Status status = MediaAsset::Status::Failed;
+    mutable int fileState = kyh::media::kSuccess; ///< that the status has taken in
     KyAbstractMediaFile *mediaFile = nullptr;
     mutable Uncopied<std::shared_ptr<MediaVideoStream>> videoStream;
     mutable Uncopied<std::shared_ptr<MediaAudioStream>> audioStream;
@@ -63,11 +68,31 @@ struct MediaAsset_Impl {
     mutable int trimmerInPoint = kNotSet;
     mutable int trimmerOutPoint = kNotSet;
     mutable Uncopied<KyCriticalSection> lock;
+    mutable Uncopied<KyCriticalSection> shortLock; ///< taken after the other one
 
-    bool HasStream(int kind) const
+    // Under the short lock:
+
+    int FileState() const { return mediaFile ? mediaFile->State() : kyh::media::kSuccess; }
+
+    void SetStatus(int code)
     {
-        const KyScopedLock hold(*lock);
-        return mediaFile && mediaFile->Stream(kind);
+        status = StatusOf(code);
+        // What was told of a file stands until the file tells of something else; no file is usable that says
+        // it is not.
+        fileState = status == MediaAsset::Status::Usable ? kyh::media::kSuccess : FileState();
+    }
+
+    MediaAsset::Status FollowFile() const
+    {
+        const int state = FileState();
+        if (std::exchange(fileState, state) != state)
+            status = StatusOf(state);
+        return status;
+    }
+
+    template <class Stream> std::shared_ptr<Stream> StreamOfFile(int kind) const
+    {
+        return mediaFile ? std::static_pointer_cast<Stream>(mediaFile->Stream(kind)) : nullptr;
     }
 
     void DropStreams()
@@ -120,8 +145,8 @@ MediaAsset::MediaAsset(const WideString &path, KyAbstractMediaFile *file, int co
     impl_->name = platform::FileName(path);
     impl_->filename = path;
     impl_->isImageSequence = isImageSequence;
-    impl_->status = StatusOf(code);
     impl_->mediaFile = file;
+    impl_->SetStatus(code);
 }
 
 MediaAsset::MediaAsset(const XmlCursor &element, const Deserializer &) : MediaAsset()
@@ -146,7 +171,7 @@ std::shared_ptr<MediaAsset> MediaAsset::Copy(std::shared_ptr<MediaAsset> other)
 
 std::shared_ptr<AbstractAsset> MediaAsset::Clone() const
 {
-    const KyScopedLock hold(Mutex());
+    const KyScopedLock hold(ShortLock());
     std::shared_ptr<MediaAsset> clone(new MediaAsset(*this));
     clone->impl_->id = kytl::KyID::Generate();
     return clone;
@@ -166,8 +191,9 @@ WideString MediaAsset::Serialize(const ProjectTextureImageCache &textures) const
 
 void MediaAsset::Deserialize(const XmlCursor &element)
 {
-    // A thread that reads frames looks at the overrides.
+    // A thread that reads frames looks at the overrides, one that opens files at the path.
     const KyScopedLock hold(Mutex());
+    const KyScopedLock holdShortly(ShortLock());
     element.RequireHeader("MediaAsset", 0);
     MediaAssetFields(element, *impl_);
 }
@@ -181,12 +207,14 @@ void MediaAsset::Deserialize(const WideString &xml, const std::shared_ptr<Abstra
 
 bool MediaAsset::HasAudio() const
 {
-    return impl_->HasStream(kyh::media::kAudioStream);
+    const KyScopedLock hold(ShortLock());
+    return impl_->StreamOfFile<KyAbstractAudioStream>(kyh::media::kAudioStream) != nullptr;
 }
 
 bool MediaAsset::HasVideo() const
 {
-    return impl_->HasStream(kyh::media::kVideoStream);
+    const KyScopedLock hold(ShortLock());
+    return impl_->StreamOfFile<KyAbstractVideoStream>(kyh::media::kVideoStream) != nullptr;
 }
 
 bool MediaAsset::IsOffline() const
@@ -208,37 +236,37 @@ int MediaAsset::Height() const
 
 KyAbstractMediaFile *MediaAsset::MediaFile() const
 {
-    const KyScopedLock hold(Mutex());
+    const KyScopedLock hold(ShortLock());
     return impl_->mediaFile;
 }
 
 MediaAsset::Status MediaAsset::MediaFileStatus() const
 {
-    const KyScopedLock hold(Mutex());
-    return impl_->status;
+    const KyScopedLock hold(ShortLock());
+    return impl_->FollowFile();
 }
 
 std::shared_ptr<MediaAudioStream> MediaAsset::AudioStream() const
 {
-    const KyScopedLock hold(Mutex());
+    const KyScopedLock hold(ShortLock());
     std::shared_ptr<MediaAudioStream> &cached = *impl_->audioStream;
-    if (cached || !impl_->mediaFile)
-        return cached;
-    if (const auto stream = impl_->mediaFile->Stream(kyh::media::kAudioStream))
-        cached.reset(
-            new MediaAudioStream(std::static_pointer_cast<kyh::media::KyAbstractAudioStream>(stream)));
+    const auto stream = impl_->StreamOfFile<KyAbstractAudioStream>(kyh::media::kAudioStream);
+    if (!stream)
+        cached.reset();
+    else if (!cached || cached->SourceAudioStream() != stream)
+        cached.reset(new MediaAudioStream(stream));
     return cached;
 }
 
 std::shared_ptr<MediaVideoStream> MediaAsset::VideoStream() const
 {
-    const KyScopedLock hold(Mutex());
+    const KyScopedLock hold(ShortLock());
     std::shared_ptr<MediaVideoStream> &cached = *impl_->videoStream;
-    if (cached || !impl_->mediaFile)
-        return cached;
-    if (const auto stream = impl_->mediaFile->Stream(kyh::media::kVideoStream))
-        cached.reset(
-            new MediaVideoStream(std::static_pointer_cast<kyh::media::KyAbstractVideoStream>(stream), this));
+    const auto stream = impl_->StreamOfFile<KyAbstractVideoStream>(kyh::media::kVideoStream);
+    if (!stream)
+        cached.reset();
+    else if (!cached || cached->stream_ != stream)
+        cached.reset(new MediaVideoStream(stream, this));
     return cached;
 }
 
@@ -254,32 +282,38 @@ void MediaAsset::Wake()
     const KyScopedLock hold(Mutex());
     if (!impl_->mediaFile)
         return;
-    impl_->DropStreams();
     const int code = impl_->mediaFile->Wake();
+    const KyScopedLock holdShortly(ShortLock());
+    impl_->DropStreams();
     if (code != kyh::media::kNothingToReport)
-        impl_->status = StatusOf(code);
+        impl_->SetStatus(code);
 }
 
 void MediaAsset::SetMediaFile(KyAbstractMediaFile *file)
 {
     const KyScopedLock hold(Mutex());
+    const KyScopedLock holdShortly(ShortLock());
     impl_->mediaFile = file;
 }
 
 void MediaAsset::SetMediaFileStatus(int code)
 {
     const KyScopedLock hold(Mutex());
-    impl_->status = StatusOf(code);
+    const KyScopedLock holdShortly(ShortLock());
+    impl_->SetStatus(code);
 }
 
 void MediaAsset::Relink(const WideString &path, KyAbstractMediaFile *file, int code)
 {
     const KyScopedLock hold(Mutex());
-    impl_->DropStreams();
-    impl_->filename = path;
-    impl_->mediaFile = file;
-    impl_->status = StatusOf(code);
-    if (file && impl_->status == Status::Usable)
+    {
+        const KyScopedLock holdShortly(ShortLock());
+        impl_->DropStreams();
+        impl_->filename = path;
+        impl_->mediaFile = file;
+        impl_->SetStatus(code);
+    }
+    if (file && StatusOf(code) == Status::Usable)
         file->NotifyRelinked();
 }
 
@@ -350,6 +384,7 @@ void MediaAsset::ClearParentBinFolder()
 
 WideString MediaAsset::Filename() const
 {
+    const KyScopedLock hold(ShortLock());
     return impl_->filename;
 }
 
@@ -371,6 +406,11 @@ const MediaAsset::OverrideOptions &MediaAsset::Override() const
 KyCriticalSection &MediaAsset::Mutex() const
 {
     return *impl_->lock;
+}
+
+KyCriticalSection &MediaAsset::ShortLock() const
+{
+    return *impl_->shortLock;
 }
 
 bool MediaAsset::IsDirty() const

@@ -21,6 +21,7 @@ namespace marlet::project
 class MediaAudioStream;
 class MediaVideoStream;
 class XmlCursor;
+struct AssetPicture;
 struct MediaAsset_Impl;
 
 /// A video file, an audio file or an image sequence. MediaManager makes media assets and owns the open files
@@ -28,7 +29,8 @@ struct MediaAsset_Impl;
 /// opened is offline: it keeps its path and has no streams.
 ///
 /// What asks for the file, its status or its streams may be called from any thread, also while the asset is
-/// relinked: it holds the asset's lock. Everything else belongs to the thread that edits the project.
+/// relinked, and never waits for a frame that is being decoded. Everything else belongs to the thread that
+/// edits the project.
 class MARLET_EXPORT MediaAsset : public AbstractAsset
 {
 public:
@@ -74,12 +76,16 @@ public:
     bool IsImageSequence() const;
     /// Null while no file could be opened. Owned by the manager.
     kyh::media::KyAbstractMediaFile *MediaFile() const;
+    /// Follows the file: one that turns out to have changed or vanished is not usable any more.
     Status MediaFileStatus() const;
-    /// Made on first use and kept until the asset is relinked or woken; empty if there is none.
+    /// Made on first use and kept until the asset is relinked or woken, or its file has another stream; empty
+    /// if there is none.
     std::shared_ptr<MediaAudioStream> AudioStream() const;
     std::shared_ptr<MediaVideoStream> VideoStream() const;
     OverrideOptions &Override();
     const OverrideOptions &Override() const;
+    /// Held while a frame is decoded and while the asset is relinked, slept or woken. Who holds it can ask
+    /// several things of one file.
     kytl::thread::KyCriticalSection &Mutex() const;
     void Sleep();
     /// Drops the streams; the status follows what the file reports, if it reports anything.
@@ -98,6 +104,7 @@ public:
 private:
     friend class AssetList;
     friend class MediaManager;
+    friend AssetPicture PictureOf(const AbstractAsset &asset);
 
     MediaAsset();
     MediaAsset(const WideString &path, kyh::media::KyAbstractMediaFile *file, int code, bool isImageSequence);
@@ -105,6 +112,8 @@ private:
     MediaAsset(const WideString &xml, const Deserializer &);
     MediaAsset(const MediaAsset &other);
 
+    /// Held for moments while something is asked that Mutex keeps from changing.
+    kytl::thread::KyCriticalSection &ShortLock() const;
     void SetMediaFile(kyh::media::KyAbstractMediaFile *file);
     void SetMediaFileStatus(int code);
     void Relink(const WideString &path, kyh::media::KyAbstractMediaFile *file, int code);

@@ -5,6 +5,7 @@
 #include <marlet/foundation/xml/XmlWriter.h>
 #include <marlet/plugins/AbstractPluginManager.h>
 #include <marlet/project/AssetList.h>
+#include <marlet/project/LoadOptions.h>
 #include <marlet/project/MediaManager.h>
 #include <marlet/project/ProjectMetadata.h>
 #include <marlet/project/ProjectSettings.h>
@@ -19,7 +20,7 @@ struct Project_Impl {
     WideString filename;
     ProjectSettings settings;
     AssetList assets;
-    MediaManager media;
+    std::shared_ptr<MediaManager> media = std::make_shared<MediaManager>();
     std::shared_ptr<AbstractPluginManager> pluginManager;
     std::shared_ptr<AbstractExpressionEngine> expressionEngine;
     ProjectMetadata metadata;
@@ -53,8 +54,16 @@ Project::~Project() = default;
 
 std::shared_ptr<Project> Project::Create(const std::shared_ptr<AbstractPluginManager> &pluginManager)
 {
+    return Create(pluginManager, nullptr);
+}
+
+std::shared_ptr<Project> Project::Create(const std::shared_ptr<AbstractPluginManager> &pluginManager,
+                                         const std::shared_ptr<MediaManager> &media)
+{
     auto project = std::make_shared<Project>();
     project->SetPluginManager(pluginManager);
+    if (media)
+        project->impl_->media = media;
     return Complete(std::move(project));
 }
 
@@ -62,13 +71,23 @@ std::shared_ptr<Project> Project::CreateFromXml(const WideString &xml, const Wid
                                                 const std::shared_ptr<AbstractPluginManager> &pluginManager,
                                                 const Abstract3DEffectFactory &effectFactory)
 {
+    return CreateFromXml(xml, texturesFolder, pluginManager, effectFactory, {});
+}
+
+std::shared_ptr<Project> Project::CreateFromXml(const WideString &xml, const WideString &texturesFolder,
+                                                const std::shared_ptr<AbstractPluginManager> &pluginManager,
+                                                const Abstract3DEffectFactory &effectFactory,
+                                                const LoadOptions &options)
+{
     auto project = std::make_shared<Project>();
-    // Both are in use while effects are read.
+    // All of them are in use while assets are read.
     project->SetPluginManager(pluginManager);
     project->TextureImageCache().SetTexturesFolderPath(texturesFolder);
+    if (options.media)
+        project->impl_->media = options.media;
     {
         const XmlDocument document(xml);
-        project->Deserialize(document.Root(), effectFactory);
+        project->Deserialize(document.Root(), effectFactory, options.progress);
     }
     return Complete(std::move(project));
 }
@@ -88,7 +107,8 @@ WideString Project::Serialize() const
     return writer.Take();
 }
 
-void Project::Deserialize(const XmlCursor &element, const Abstract3DEffectFactory &effectFactory)
+void Project::Deserialize(const XmlCursor &element, const Abstract3DEffectFactory &effectFactory,
+                          MediaProgress *progress)
 {
     // Any version will do: each element below has one of its own.
     element.RequireTag("Project");
@@ -97,7 +117,7 @@ void Project::Deserialize(const XmlCursor &element, const Abstract3DEffectFactor
     if (const XmlCursor settings = element.Find("ProjectSettings"); !settings.IsNull())
         impl_->settings.Deserialize(settings);
     if (const XmlCursor assets = element.Find("AssetList"); !assets.IsNull())
-        impl_->assets.Deserialize(assets, impl_->media, impl_->pluginManager, effectFactory,
+        impl_->assets.Deserialize(assets, *impl_->media, progress, impl_->pluginManager, effectFactory,
                                   impl_->textureImages);
     if (const XmlCursor sequence = element.Find("EditorSequence"); !sequence.IsNull())
         impl_->sequence.reset(new EditorSequence(sequence, impl_->pluginManager));
@@ -142,10 +162,15 @@ const AssetList &Project::Assets() const
 
 MediaManager &Project::Media()
 {
-    return impl_->media;
+    return *impl_->media;
 }
 
 const MediaManager &Project::Media() const
+{
+    return *impl_->media;
+}
+
+const std::shared_ptr<MediaManager> &Project::SharedMedia() const
 {
     return impl_->media;
 }

@@ -14,15 +14,17 @@ class AbstractPluginManager;
 class AssetList;
 class EditorSequence;
 class MediaManager;
+class MediaProgress;
 class ProjectMetadata;
 class ProjectSettings;
 class ProjectTextureImageCache;
 class XmlCursor;
+struct LoadOptions;
 struct Project_Impl;
 
-/// The root of a document: everything that a user's project consists of. It owns its assets, media files,
-/// settings, metadata, texture cache and editor sequence, and shares the plug-in manager and the expression
-/// engine with the host.
+/// The root of a document: everything that a user's project consists of. It owns its assets, settings,
+/// metadata, texture cache and editor sequence, and shares the plug-in manager and the expression engine with
+/// the host, the media manager with other projects if the host likes.
 ///
 /// A project belongs to the thread that edits it. While nothing changes it, any number of threads may read it
 /// at once: values at a time, matrices, lookups by ID.
@@ -37,6 +39,9 @@ public:
 
     /// An empty project. The manager may be null; otherwise its AttachProject is called last.
     static std::shared_ptr<Project> Create(const std::shared_ptr<AbstractPluginManager> &pluginManager);
+    /// The same with a media manager that other projects may use too; null for one of its own.
+    static std::shared_ptr<Project> Create(const std::shared_ptr<AbstractPluginManager> &pluginManager,
+                                           const std::shared_ptr<MediaManager> &media);
 
     /// Reads the text of a whole project. The textures folder is given with its trailing separator.
     /// Any failure is an exception, and there is no project then:
@@ -49,6 +54,11 @@ public:
     static std::shared_ptr<Project> CreateFromXml(const WideString &xml, const WideString &texturesFolder,
                                                   const std::shared_ptr<AbstractPluginManager> &pluginManager,
                                                   const Abstract3DEffectFactory &effectFactory);
+    /// The same. Media files are opened on all cores while the text is read.
+    static std::shared_ptr<Project> CreateFromXml(const WideString &xml, const WideString &texturesFolder,
+                                                  const std::shared_ptr<AbstractPluginManager> &pluginManager,
+                                                  const Abstract3DEffectFactory &effectFactory,
+                                                  const LoadOptions &options);
 
     /// The text of the whole project. Changes nothing.
     WideString Serialize() const;
@@ -64,6 +74,8 @@ public:
     const AssetList &Assets() const;
     MediaManager &Media();
     const MediaManager &Media() const;
+    /// The same, for another project to share.
+    const std::shared_ptr<MediaManager> &SharedMedia() const;
     ProjectSettings &Settings();
     const ProjectSettings &Settings() const;
     ProjectMetadata &Metadata();
@@ -82,7 +94,8 @@ public:
     void SetExpressionEngine(const std::shared_ptr<AbstractExpressionEngine> &engine);
 
 private:
-    void Deserialize(const XmlCursor &element, const Abstract3DEffectFactory &effectFactory);
+    void Deserialize(const XmlCursor &element, const Abstract3DEffectFactory &effectFactory,
+                     MediaProgress *progress);
 
     std::unique_ptr<Project_Impl> impl_;
 };

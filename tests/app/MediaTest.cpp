@@ -128,6 +128,35 @@ TEST_F(MediaTest, ShowsHowFarEffectsReach)
               "frame 5: 64x32 of \"Red\" become 90x58, and lie at 13,13 in them\n");
 }
 
+TEST_F(MediaTest, EndsInGoodOrderWhileAProjectLoads)
+{
+    // So many names for one clip that the signal comes before they are opened.
+    std::string text = Read("a.xml");
+    const std::size_t start = text.find("<MediaAsset");
+    const std::size_t end = text.find("<", text.find("</MediaAsset>") + 1);
+    const std::string element = text.substr(start, end - start);
+    std::string elements;
+    for (int i = 0; i < 3000; ++i) {
+        const std::string name = "link" + std::to_string(i) + ".mov";
+        std::filesystem::create_hard_link(Path("a.mov"), Path(name));
+        std::string other = element;
+        other.replace(other.find(Path("a.mov")), Path("a.mov").size(), Path(name));
+        elements += other;
+    }
+    Write("many.xml", text.insert(end, elements));
+    for (const char *words :
+         {"info many.xml", "check many.xml", "timeline many.xml", "report many.xml -o page"}) {
+        // Before it has begun to take note of it, a signal would end the tool.
+        const std::string isReady = "grep -q 'SigCgt:.*[4-7c-f][0-9a-f]\\{3\\}$' /proc/$!/status";
+        const ToolRun run = Shell("\"$MARLET\" " + std::string(words) + " & i=0; until " + isReady +
+                                  " || [ $i -eq 3000 ]; do i=$((i+1)); done; kill -TERM $!; wait $!");
+        EXPECT_EQ(run.exitCode, 1) << words;
+        EXPECT_EQ(run.out, "");
+        EXPECT_EQ(run.err, "marlet: many.xml: Interrupted\n");
+    }
+    EXPECT_FALSE(std::filesystem::exists(Path("page")));
+}
+
 TEST_F(MediaTest, WhatCannotBeReadIsAFailureOfOneLine)
 {
     Write("text.mov", "no clip");

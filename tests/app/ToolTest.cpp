@@ -59,8 +59,9 @@ ToolRun ToolTest::Shell(const std::string &line) const
 {
     const std::string out = folder_ + "/out";
     const std::string err = folder_ + "/err";
-    const std::string script =
-        "cd " + Path("") + "; MARLET='" MARLET_TOOL "'; exec >" + out + " 2>" + err + "; " + line;
+    const std::string script = "cd " + Path("") +
+                               "; MARLET='" MARLET_TOOL "'; export XDG_CACHE_HOME=" + folder_ +
+                               "/cache; exec >" + out + " 2>" + err + "; " + line;
     const int status = std::system(script.c_str());
     return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, ReadAll(out), ReadAll(err)};
 }

@@ -12,6 +12,12 @@
 #include <QDomDocument>
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <functional>
+#include <future>
+#include <optional>
+#include <tuple>
+
 using namespace marlet::project;
 using marlet::test::FakeMedia;
 using Status = MediaAsset::Status;
@@ -108,6 +114,76 @@ TEST(MediaManager, RelinksAnAssetAndLeavesTheOldFileToItsUsers)
     EXPECT_EQ(OpenDescriptors(), descriptors);
 }
 
+TEST(MediaManager, WakesTheFileThatAnAssetIsPointedAt)
+{
+    const ClipFiles clips;
+    const WideString path = clips.Write("bright.mov", 200);
+    MediaManager manager;
+    const auto sleeping = manager.CreateMediaAsset(path);
+    auto asset = manager.CreateMediaAsset(clips.Write("dark.mov", 40));
+    manager.SleepAll();
+    manager.RelinkMediaFile(asset, path);
+    EXPECT_NEAR(GreyOf(asset->VideoStream()), 200, 4);
+    EXPECT_NEAR(GreyOf(sleeping->VideoStream()), 200, 4);
+}
+
+TEST(MediaManager, RelinksAndReloadsSequencesAtTheRateOfTheirAsset)
+{
+    const ClipFiles clips;
+    const auto members = [&clips](const char *format, int count) {
+        for (int number = 1; number <= count; ++number)
+            clips.WritePicture(QString::asprintf(format, number).toStdString().c_str(), 60);
+        return clips.Path(QString::asprintf(format, 1).toStdString().c_str());
+    };
+    const auto facts = [](const MediaAsset &asset) {
+        const auto stream = asset.VideoStream();
+        return std::tuple(stream->FrameCount(), stream->OriginalFrameRate(), asset.IsImageSequence());
+    };
+    MediaManager manager;
+    auto asset = manager.CreateImageSequence(members("a.%02d.png", 2), 12.5);
+    ASSERT_EQ(facts(*asset), std::tuple(2, 12.5, true));
+    asset->Override().frameRate = 24;
+    manager.RelinkImageSequence(asset, members("b.%02d.png", 3));
+    EXPECT_EQ(facts(*asset), std::tuple(3, 24.0, true));
+    EXPECT_EQ(asset->Name(), u"a.01.png");
+    members("b.%02d.png", 5);
+    asset->Override().frameRate = 50;
+    manager.TryReload(asset);
+    EXPECT_EQ(facts(*asset), std::tuple(5, 50.0, true));
+    const auto loaded = manager.CreateMediaAssetFromXml(asset->Serialize(kNoTextures));
+    EXPECT_EQ(loaded->MediaFile(), asset->MediaFile());
+}
+
+TEST(MediaManager, NeverCallsAFileUsableThatGivesNoFrames)
+{
+    const ClipFiles clips;
+    struct Change {
+        const char *name;
+        std::function<void(const char *file)> change;
+        std::optional<Status> status;
+    };
+    const auto overwrite = [&clips](const char *file, const std::string &bytes) {
+        std::ofstream(std::filesystem::path(clips.Path(file)), std::ios::binary) << bytes;
+    };
+    const Change changes[] = {
+        {"none", [](const char *) {}, Status::Usable},
+        {"another clip", [&](const char *file) { clips.Write(file, 200, 25); }, std::nullopt},
+        {"no clip", [&](const char *file) { overwrite(file, "no clip"); }, Status::Unreadable},
+        {"no file", [&](const char *file) { std::filesystem::remove(clips.Path(file)); }, Status::Missing},
+    };
+    for (const Change &change : changes) {
+        MediaManager manager;
+        const auto asset = manager.CreateMediaAsset(clips.Write("clip.mov", 90));
+        const auto held = asset->VideoStream();
+        manager.SleepAll();
+        change.change("clip.mov");
+        manager.WakeAll();
+        EXPECT_EQ(asset->MediaFileStatus(), change.status.value_or(asset->MediaFileStatus())) << change.name;
+        EXPECT_TRUE(asset->IsOffline() || GreyOf(asset->VideoStream()) >= 0) << change.name;
+        EXPECT_EQ(GreyOf(held) >= 0, change.status == Status::Usable) << change.name;
+    }
+}
+
 TEST(MediaManager, OpensTheFilesOfAProjectAsItLoads)
 {
     const ClipFiles clips;
@@ -143,6 +219,73 @@ TEST(MediaAsset, TakesItsStatusFromCodesAndDropsItsStreamsOnWaking)
         EXPECT_EQ(media.asset->MediaFileStatus(), expected) << code;
         EXPECT_NE(stream, media.asset->VideoStream());
     }
+}
+
+TEST(MediaAsset, IsToldOfByItsNewFileIfThatIsUsable)
+{
+    FakeMedia media;
+    for (const int code : {0, 9, 13, 17}) {
+        const auto stream = media.asset->VideoStream();
+        const int before = media.file.relinks;
+        Relink(*media.asset, &media.file, code);
+        EXPECT_EQ(media.file.relinks - before, code == 0 ? 1 : 0) << code;
+        EXPECT_EQ(media.asset->IsOffline(), code != 0);
+        EXPECT_NE(media.asset->VideoStream(), stream);
+        EXPECT_EQ(media.asset->Filename(), u"/no/such/other.mov");
+    }
+}
+
+TEST(MediaAsset, FollowsWhatBecomesOfItsFile)
+{
+    FakeMedia media;
+    const auto video = media.asset->VideoStream();
+    const auto audio = media.asset->AudioStream();
+    const std::pair<int, Status> states[] = {{0, Status::Usable},
+                                             {9, Status::Missing},
+                                             {13, Status::Unreadable},
+                                             {17, Status::Failed},
+                                             {0, Status::Usable}};
+    for (const auto &[state, status] : states) {
+        media.file.state = state;
+        EXPECT_EQ(media.asset->MediaFileStatus(), status) << state;
+        EXPECT_EQ(std::static_pointer_cast<MediaAsset>(media.asset->Clone())->MediaFileStatus(), status);
+    }
+    EXPECT_EQ(media.asset->VideoStream(), video);
+    EXPECT_EQ(media.asset->AudioStream(), audio);
+
+    media.file.video = std::make_shared<marlet::test::FakeVideo>();
+    media.file.video->width = 100;
+    EXPECT_EQ(media.asset->Width(), 100);
+    EXPECT_NE(media.asset->VideoStream(), video);
+    media.file.audio.reset();
+    EXPECT_EQ(media.asset->AudioStream(), nullptr);
+
+    // What opening or waking gave counts until the file says something else, but no file is usable that is
+    // not.
+    Hand(*media.asset, &media.file, 13);
+    EXPECT_TRUE(media.asset->IsOffline());
+    media.file.state = 9;
+    Hand(*media.asset, &media.file, 0);
+    EXPECT_EQ(media.asset->MediaFileStatus(), Status::Missing);
+}
+
+TEST(MediaAsset, TellsFactsWhileAFrameIsDecoded)
+{
+    FakeMedia media;
+    std::future<int> facts;
+    bool isTold = false;
+    media.file.video->onFrame = [&] {
+        facts = std::async(std::launch::async, [&asset = *media.asset] {
+            asset.Clone();
+            return asset.HasVideo() + asset.HasAudio() + asset.IsOffline() + asset.Width() + asset.Height() +
+                   asset.AudioStream()->ChannelCount() + asset.VideoStream()->PixelBitCount() +
+                   (asset.MediaFile() != nullptr) + PictureOf(asset).width;
+        });
+        isTold = facts.wait_for(std::chrono::seconds(20)) == std::future_status::ready;
+    };
+    EXPECT_EQ(GreyOf(media.asset->VideoStream()), 128);
+    EXPECT_TRUE(isTold);
+    EXPECT_EQ(facts.get(), 1 + 1 + 0 + 64 + 32 + 2 + 32 + 1 + 64);
 }
 
 TEST(MediaAsset, KeepsTrimmerPointsWithinItsFrames)

@@ -10,6 +10,7 @@
 
 #include <atomic>
 #include <thread>
+#include <vector>
 
 using namespace marlet::project;
 
@@ -56,5 +57,35 @@ TEST(Threads, ReadFramesWhileTheHostRelinksAndSleeps)
     }
     stop = true;
     reader.join();
+    EXPECT_EQ(faults, 0);
+}
+
+TEST(Threads, RelinkOneAssetWhileAThirdReads)
+{
+    const ClipFiles clips;
+    const WideString paths[] = {clips.Write("dark.mov", 40), clips.Write("bright.mov", 200),
+                                clips.Path("gone.mov")};
+    MediaManager manager;
+    const auto asset = manager.CreateMediaAsset(paths[0]);
+    std::atomic<int> relinking = 2;
+    const auto relink = [&, asset](std::size_t first) {
+        auto own = asset;
+        for (std::size_t round = first; round < first + 60; ++round)
+            manager.RelinkMediaFile(own, paths[round % 3]);
+        --relinking;
+    };
+    std::thread relinkers[] = {std::thread(relink, 0), std::thread(relink, 1)};
+    int faults = 0;
+    int reads = 0;
+    for (; relinking > 0 || reads == 0; ++reads) {
+        std::vector<unsigned char> picture(ClipFiles::kWidth * ClipFiles::kHeight * 4);
+        if (const auto stream = asset->VideoStream()) {
+            const int code = stream->GetFrame(reads % ClipFiles::kFrames, kyh::media::KyImageChannels::Four,
+                                              picture.data(), static_cast<int>(picture.size()), nullptr, 0);
+            faults += code != 0 || (std::abs(picture[0] - 40) > 4 && std::abs(picture[0] - 200) > 4);
+        }
+    }
+    for (std::thread &thread : relinkers)
+        thread.join();
     EXPECT_EQ(faults, 0);
 }

@@ -7,6 +7,7 @@
 #include <marlet/project/MediaManager.h>
 
 #include <algorithm>
+#include <functional>
 
 namespace marlet::test
 {
@@ -22,6 +23,7 @@ struct FakeVideo : media::KyAbstractVideoStream {
     int fieldOrder = 0;
     media::KyVideoCodec codec = media::KyVideoCodec::Unknown;
     int code = 0;
+    std::function<void()> onFrame = [] {}; ///< runs while a frame is decoded
 
     int calls = 0;
     int lastFrame = -1;
@@ -46,6 +48,7 @@ struct FakeVideo : media::KyAbstractVideoStream {
         lastFrame = frame;
         lastFlags = flags;
         lastBuffer = buffer;
+        onFrame();
         if (code == 0)
             std::fill_n(buffer, std::min(size, width * height * 4), static_cast<unsigned char>(128));
         return code;
@@ -70,6 +73,8 @@ struct FakeFile : media::KyAbstractMediaFile {
     std::shared_ptr<FakeVideo> video = std::make_shared<FakeVideo>();
     std::shared_ptr<FakeAudio> audio = std::make_shared<FakeAudio>();
     int wakeCode = 0;
+    int state = 0;
+    int relinks = 0;
 
     std::shared_ptr<media::KyAbstractMediaStream> Stream(int kind) override
     {
@@ -77,24 +82,32 @@ struct FakeFile : media::KyAbstractMediaFile {
             return video;
         return audio;
     }
-    void NotifyRelinked() override {}
+    void NotifyRelinked() override { ++relinks; }
     int Wake() override { return wakeCode; }
     int Sleep() override { return 0; }
-    int State() const override { return 0; }
+    int State() const override { return state; }
 };
 
 /// Hands an asset a file that no manager opened, with the code of its opening.
 void Hand(project::MediaAsset &asset, media::KyAbstractMediaFile *file, int code);
 
-/// What an explicit instantiation names may be private, which is all that makes Hand possible.
-template <auto SetFile, auto SetStatus> struct Handing {
+/// Points an asset at such a file, as a manager relinks it.
+void Relink(project::MediaAsset &asset, media::KyAbstractMediaFile *file, int code);
+
+/// What an explicit instantiation names may be private, which is all that makes these possible.
+template <auto SetFile, auto SetStatus, auto RelinkTo> struct Handing {
     friend void Hand(project::MediaAsset &asset, media::KyAbstractMediaFile *file, int code)
     {
         (asset.*SetFile)(file);
         (asset.*SetStatus)(code);
     }
+    friend void Relink(project::MediaAsset &asset, media::KyAbstractMediaFile *file, int code)
+    {
+        (asset.*RelinkTo)(u"/no/such/other.mov", file, code);
+    }
 };
-template struct Handing<&project::MediaAsset::SetMediaFile, &project::MediaAsset::SetMediaFileStatus>;
+template struct Handing<&project::MediaAsset::SetMediaFile, &project::MediaAsset::SetMediaFileStatus,
+                        &project::MediaAsset::Relink>;
 
 /// An asset of a fake file.
 struct FakeMedia {

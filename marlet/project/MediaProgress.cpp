@@ -1,0 +1,8 @@
+#include <marlet/project/MediaProgress.h>
+
+namespace marlet::project
+{
+
+MediaProgress::~MediaProgress() = default;
+
+} // namespace marlet::project
