@@ -27,6 +27,7 @@ set(MARLET_PUBLIC_HEADERS
     foundation/KyMatrix.h
     foundation/KyPoint.h
     foundation/KyVector.h
+    foundation/LoadReport.h
     foundation/Orientation3D.h
     foundation/Relaxed.h
     foundation/Scale3D.h

@@ -44,7 +44,8 @@ int Create(PropertyManager_Impl &impl, const char *name, const PropertyValue &va
 
 } // namespace
 
-PropertyManager_Impl::PropertyManager_Impl(const PropertyManager_Impl &other) : properties(other.properties)
+PropertyManager_Impl::PropertyManager_Impl(const PropertyManager_Impl &other)
+    : properties(other.properties), kept(other.kept)
 {
     for (std::size_t i = 0; i < properties.size(); ++i)
         positions.emplace(properties[i]->name, i);
@@ -124,6 +125,7 @@ void PropertyManager::Clear()
 {
     impl_->positions.clear();
     impl_->properties.clear();
+    impl_->kept = {};
 }
 
 void PropertyManager::Reset()

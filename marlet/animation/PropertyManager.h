@@ -128,6 +128,8 @@ public:
     /// The form in which the element travels inside a larger text of this library.
     void Serialize(XmlWriter &writer) const;
     void Deserialize(const XmlCursor &element);
+    /// Keeps what nobody knows in an element, if the load that goes on does.
+    void Keep(const XmlCursor &element);
 
 private:
     PropertyManager(const PropertyManager &other);

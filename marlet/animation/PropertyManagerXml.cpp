@@ -65,7 +65,7 @@ void PropertyManager::Deserialize(void *element)
 
 void PropertyManager::Serialize(XmlWriter &writer) const
 {
-    const XmlElement manager(writer, kTag, 0);
+    const XmlElement manager(writer, kTag, 0, impl_->kept);
     for (const ValuePtr<Property> &property : impl_->properties) {
         const XmlElement element(writer, property->name);
         writer.Attribute("Type", property->type);
@@ -105,11 +105,19 @@ void PropertyManager::Deserialize(const XmlCursor &element)
         Property *property = impl_->Create(child.Name(), defaultValue, type, spatial == 1);
         if (property == nullptr)
             continue; // the first one of a name counts
+        child.MarkKnown();
         property->staticValue = staticValue;
         for (XmlCursor key = child.Find("Animation").Find("Key"); !key.IsNull(); key = key.Next("Key"))
             property->keyFrames.Add(KeyFrameList::DeserializeKeyFrame(key));
         property->expression = child.Find("Expression").Text();
     }
+    Keep(element);
+    element.MarkKnown(); // what is found missing in the manager is found here
+}
+
+void PropertyManager::Keep(const XmlCursor &element)
+{
+    impl_->kept = KeptXml(element);
 }
 
 } // namespace marlet::project

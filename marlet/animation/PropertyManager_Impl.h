@@ -1,6 +1,7 @@
 #pragma once
 
 #include <marlet/animation/PropertyManager.h>
+#include <marlet/foundation/xml/KeptXml.h>
 
 #include <unordered_map>
 
@@ -37,6 +38,7 @@ struct PropertyManager_Impl {
 
     std::vector<ValuePtr<Property>> properties;
     std::unordered_map<std::string_view, std::size_t> positions;
+    KeptXml kept;
 
 private:
     std::size_t Check(PropertyManager::PropertyID id) const;

@@ -1,6 +1,7 @@
 #include <marlet/animation/PropertyValueXml.h>
 
 #include <marlet/animation/PropertyValueTraits.h>
+#include <marlet/foundation/xml/LoadContext.h>
 #include <marlet/foundation/xml/XmlReader.h>
 #include <marlet/foundation/xml/XmlWriter.h>
 
@@ -50,6 +51,7 @@ template <class T> bool ReadIfNamed(const XmlCursor &element, std::string_view n
 {
     if (name != ValueTraits<T>::kTag)
         return false;
+    element.MarkKnown();
     value = Read<T>(element);
     return true;
 }
@@ -57,7 +59,11 @@ template <class T> bool ReadIfNamed(const XmlCursor &element, std::string_view n
 template <class... T> void ReadAlternative(const XmlCursor &element, boost::variant<T...> &value)
 {
     const std::string_view name = element.Name();
-    static_cast<void>((ReadIfNamed<T>(element, name, value) || ...));
+    if ((ReadIfNamed<T>(element, name, value) || ...))
+        return;
+    TellLoad(LoadEntry::Severity::Loss, element,
+             "no value is of the type " + NarrowString(name) + "; another stands in for it");
+    PassOver(element);
 }
 
 } // namespace

@@ -35,6 +35,7 @@ struct EditorSequence_Impl {
     EditorSequence::VideoTrackList videoTracks;
     EditorSequence::AudioTrackList audioTracks;
     PanelRenderState viewerPanelState = PanelRenderState::Create();
+    KeptXml kept;
 
     /// The video tracks, then the audio tracks.
     template <class Visit> void ForEachTrack(Visit &&visit) const
@@ -111,6 +112,7 @@ EditorSequence::EditorSequence(const XmlCursor &element,
         impl_->audioTracks.Add(std::shared_ptr<AudioTrack>(new AudioTrack(this, track, pluginManager)));
     if (const XmlCursor viewer = element.Find("ViewerState"); !viewer.IsNull())
         impl_->viewerPanelState = PanelRenderState(viewer);
+    impl_->kept = KeptXml(element);
 }
 
 EditorSequence::~EditorSequence() = default;
@@ -130,7 +132,7 @@ std::shared_ptr<EditorSequence> EditorSequence::Create(AudioVideoSettings::Prese
 
 void EditorSequence::Serialize(XmlWriter &writer) const
 {
-    const XmlElement element(writer, kTag, kVersion);
+    const XmlElement element(writer, kTag, kVersion, impl_->kept);
     EditorSequenceFields(writer, *impl_);
     impl_->settings.Serialize(writer);
     const auto writeTracks = [&writer](const char *tag, const auto &tracks) {

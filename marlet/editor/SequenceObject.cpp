@@ -77,6 +77,7 @@ SequenceObject::SequenceObject(const SequenceObjectKind &kind, const XmlCursor &
                                              objects);
     }
     RequireProperties(*impl_->properties, kind.properties, version);
+    impl_->kept = KeptXml(element);
 }
 
 SequenceObject::SequenceObject(const SequenceObject &other) = default;
@@ -122,7 +123,7 @@ WideString SequenceObject::Serialize() const
 
 void SequenceObject::Serialize(XmlWriter &writer) const
 {
-    const XmlElement element(writer, impl_->kind->tag, kVersion);
+    const XmlElement element(writer, impl_->kind->tag, kVersion, impl_->kept);
     SequenceObjectFields(writer, *impl_);
     impl_->properties->Serialize(writer);
     EffectsHelper::SerializeEffects(writer, impl_->effects);

@@ -3,6 +3,7 @@
 #include <marlet/animation/PropertyTable.h>
 #include <marlet/editor/SequenceObject.h>
 #include <marlet/foundation/Relaxed.h>
+#include <marlet/foundation/xml/KeptXml.h>
 #include <marlet/layers/CachedLink.h>
 #include <marlet/project/AbstractAsset.h>
 
@@ -39,6 +40,7 @@ struct SequenceObject_Impl {
     std::shared_ptr<Transition> incomingTransition;
     std::shared_ptr<Transition> outgoingTransition;
     AbstractSequenceObject::EffectList effects;
+    KeptXml kept;
 
     void Remember(const std::shared_ptr<AbstractAsset> &found) const
     {

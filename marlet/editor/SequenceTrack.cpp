@@ -48,6 +48,7 @@ SequenceTrack::SequenceTrack(const SequenceTrackKind &kind, EditorSequence *sequ
         const SequenceObjectList::Object object = kind.readObject(next, pluginManager, &impl_->objects);
         impl_->objects.Insert(object, object->StartFrame());
     }
+    impl_->kept = KeptXml(element);
 }
 
 SequenceTrack::~SequenceTrack() = default;
@@ -56,7 +57,7 @@ SequenceTrack::~SequenceTrack() = default;
 /// take it.
 void SequenceTrack::Serialize(XmlWriter &writer) const
 {
-    const XmlElement element(writer, impl_->kind->tag, kVersion);
+    const XmlElement element(writer, impl_->kind->tag, kVersion, impl_->kept);
     SequenceTrackFields(writer, *impl_);
     const XmlElement list(writer, "Objects");
     Objects().ForEach([&](const std::shared_ptr<const AbstractSequenceObject> &object) {

@@ -2,6 +2,7 @@
 
 #include <marlet/editor/SequenceObjectList.h>
 #include <marlet/editor/SequenceTrack.h>
+#include <marlet/foundation/xml/KeptXml.h>
 
 namespace marlet::project
 {
@@ -30,6 +31,7 @@ struct SequenceTrack_Impl {
     bool muted = false;
     float level = 0;
     SequenceObjectList objects;
+    KeptXml kept;
 };
 
 } // namespace marlet::project

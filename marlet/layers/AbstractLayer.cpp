@@ -80,6 +80,16 @@ void AbstractLayer::Deserialize(const XmlCursor &element)
         impl_->properties->Deserialize(properties);
 }
 
+const KeptXml &AbstractLayer::Kept() const
+{
+    return impl_->kept;
+}
+
+void AbstractLayer::Keep(const XmlCursor &element)
+{
+    impl_->kept = KeptXml(element);
+}
+
 const kytl::KyID &AbstractLayer::ID() const
 {
     return impl_->id;

@@ -21,6 +21,7 @@ class CompositionAsset;
 class Project;
 class ProjectTextureImageCache;
 class PropertyManager;
+class KeptXml;
 class XmlCursor;
 class XmlWriter;
 struct AbstractLayer_Impl;
@@ -190,6 +191,9 @@ protected:
     void SetPropertyManager(const std::shared_ptr<PropertyManager> &properties);
     /// Reads the element "LayerBase".
     void Deserialize(const XmlCursor &element);
+    /// What is kept of the element of its class, which Keep takes out of it at the end of its reading.
+    const KeptXml &Kept() const;
+    void Keep(const XmlCursor &element);
     /// WorldTransformationAtTime without AlignToMotion.
     Matrix WorldTransformationAtTimeHelper(int time, const std::shared_ptr<Project> &project,
                                            bool avoidZeroScale) const;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <marlet/animation/PropertyManager.h>
+#include <marlet/foundation/xml/KeptXml.h>
 #include <marlet/layers/AbstractLayer.h>
 #include <marlet/layers/CachedLink.h>
 #include <marlet/project/CompositionAsset.h>
@@ -25,6 +26,7 @@ struct AbstractLayer_Impl {
     bool muted = false;
     bool locked = false;
     bool motionBlur = false;
+    KeptXml kept; ///< of the element of its class
 };
 
 } // namespace marlet::project

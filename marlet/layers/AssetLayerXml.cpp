@@ -72,11 +72,12 @@ AssetLayer::AssetLayer(const XmlCursor &element, const std::shared_ptr<AbstractP
     LayerHelper::DeserializeMasks(element, impl_->masks);
     Deserialize(element.Find("LayerBase"));
     RequireProperties(Animation(), AssetLayerProperties(), version);
+    Keep(element);
 }
 
 void AssetLayer::Serialize(XmlWriter &writer, const ProjectTextureImageCache &textures) const
 {
-    const XmlElement element(writer, kTag, kVersion);
+    const XmlElement element(writer, kTag, kVersion, Kept());
     AssetFields(writer, *impl_);
     AssetHadFields(writer, *impl_);
     AssetLayerFields(writer, *impl_);

@@ -61,6 +61,7 @@ CameraLayer::CameraLayer(const XmlCursor &element) : CameraLayer()
     CameraLayerFields(element, *impl_);
     Deserialize(element.Find("LayerBase"));
     RequireProperties(Animation(), required, version);
+    Keep(element);
 }
 
 CameraLayer::CameraLayer(const CameraLayer &other) = default;
@@ -80,7 +81,7 @@ std::shared_ptr<CameraLayer> CameraLayer::CreateFromXml(const WideString &xml)
 
 void CameraLayer::Serialize(XmlWriter &writer, const ProjectTextureImageCache &textures) const
 {
-    const XmlElement element(writer, kTag, kVersion);
+    const XmlElement element(writer, kTag, kVersion, Kept());
     CameraLayerFields(writer, *impl_);
     AbstractLayer::Serialize(writer, textures);
 }

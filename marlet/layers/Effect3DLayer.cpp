@@ -82,6 +82,7 @@ Effect3DLayer::Effect3DLayer(const XmlCursor &element, const Abstract3DEffectFac
     Deserialize(element.Find("LayerBase"));
     impl_->effect = ReadEffect(element.Find(kEffectTag), effectFactory, textures);
     RequireProperties(Animation(), Properties(), version);
+    Keep(element);
 }
 
 Effect3DLayer::Effect3DLayer(const Effect3DLayer &other) = default;
@@ -103,7 +104,7 @@ std::shared_ptr<Effect3DLayer> Effect3DLayer::CreateFromXml(const WideString &xm
 
 void Effect3DLayer::Serialize(XmlWriter &writer, const ProjectTextureImageCache &textures) const
 {
-    const XmlElement element(writer, kTag, kVersion);
+    const XmlElement element(writer, kTag, kVersion, Kept());
     AbstractLayer::Serialize(writer, textures);
     WriteEffect(writer, *impl_->effect, textures);
 }

@@ -58,6 +58,7 @@ GradeLayer::GradeLayer(const XmlCursor &element, const std::shared_ptr<AbstractP
     LayerHelper::DeserializeMasks(element, impl_->masks);
     Deserialize(element.Find("LayerBase"));
     RequireProperties(Animation(), Properties(), version);
+    Keep(element);
 }
 
 GradeLayer::GradeLayer(const GradeLayer &other) = default;
@@ -77,7 +78,7 @@ GradeLayer::CreateFromXml(const WideString &xml, const std::shared_ptr<AbstractP
 
 void GradeLayer::Serialize(XmlWriter &writer, const ProjectTextureImageCache &textures) const
 {
-    const XmlElement element(writer, kTag, kVersion);
+    const XmlElement element(writer, kTag, kVersion, Kept());
     GradeLayerFields(writer, *impl_);
     EffectsHelper::SerializeEffects(writer, impl_->effects);
     LayerHelper::SerializeMasks(writer, impl_->masks);

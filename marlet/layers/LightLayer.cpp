@@ -63,6 +63,7 @@ LightLayer::LightLayer(const XmlCursor &element) : LightLayer()
     LightLayerFields(element, *impl_);
     Deserialize(element.Find("LayerBase"));
     RequireProperties(Animation(), required, version);
+    Keep(element);
 }
 
 LightLayer::LightLayer(const LightLayer &other) = default;
@@ -81,7 +82,7 @@ std::shared_ptr<LightLayer> LightLayer::CreateFromXml(const WideString &xml)
 
 void LightLayer::Serialize(XmlWriter &writer, const ProjectTextureImageCache &textures) const
 {
-    const XmlElement element(writer, kTag, kVersion);
+    const XmlElement element(writer, kTag, kVersion, Kept());
     LightLayerFields(writer, *impl_);
     AbstractLayer::Serialize(writer, textures);
 }

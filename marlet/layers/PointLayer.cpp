@@ -45,6 +45,7 @@ PointLayer::PointLayer(const XmlCursor &element, const Deserializer &) : PointLa
     PointLayerFields(element, *impl_);
     Deserialize(element.Find("LayerBase"));
     RequireProperties(Animation(), Properties(), version);
+    Keep(element);
 }
 
 PointLayer::PointLayer(const PointLayer &other) = default;
@@ -63,7 +64,7 @@ std::shared_ptr<PointLayer> PointLayer::CreateFromXml(const WideString &xml)
 
 void PointLayer::Serialize(XmlWriter &writer, const ProjectTextureImageCache &textures) const
 {
-    const XmlElement element(writer, kTag, kVersion);
+    const XmlElement element(writer, kTag, kVersion, Kept());
     PointLayerFields(writer, *impl_);
     AbstractLayer::Serialize(writer, textures);
 }

@@ -94,6 +94,7 @@ TextLayer::TextLayer(const XmlCursor &element, const std::shared_ptr<AbstractPlu
     LayerHelper::DeserializeMasks(element, impl_->masks);
     Deserialize(element.Find("LayerBase"));
     RequireProperties(Animation(), Properties(), version);
+    Keep(element);
 }
 
 TextLayer::TextLayer(const TextLayer &other) = default;
@@ -113,7 +114,7 @@ TextLayer::CreateFromXml(const WideString &xml, const std::shared_ptr<AbstractPl
 
 void TextLayer::Serialize(XmlWriter &writer, const ProjectTextureImageCache &textures) const
 {
-    const XmlElement element(writer, kTag, kVersion);
+    const XmlElement element(writer, kTag, kVersion, Kept());
     TextLayerFields(writer, *impl_);
     WriteStyledText(writer, TokenChain(impl_->text.tokens.first), nullptr, impl_->text.formats);
     EffectsHelper::SerializeEffects(writer, impl_->effects);

@@ -16,6 +16,7 @@ struct Mask_Impl {
     bool visible = true;
     MotionPath path;
     kytl::KyID parentLayerID;
+    KeptXml kept;
 };
 
 namespace
@@ -100,7 +101,7 @@ void Mask::Deserialize(const WideString &xml)
 
 void Mask::Serialize(XmlWriter &writer) const
 {
-    const XmlElement element(writer, kTag, kVersion);
+    const XmlElement element(writer, kTag, kVersion, impl_->kept);
     MaskFields(writer, *impl_);
     impl_->path.Serialize(writer);
     impl_->animation->Serialize(writer);
@@ -116,6 +117,7 @@ void Mask::Deserialize(const XmlCursor &element)
     if (const XmlCursor properties = element.Find("PropertyManager"); !properties.IsNull())
         impl_->animation->Deserialize(properties);
     RequireProperties(*impl_->animation, Properties(), version);
+    impl_->kept = KeptXml(element);
 }
 
 const kytl::KyID &Mask::ID() const

@@ -24,6 +24,8 @@ class MARLET_EXPORT AbstractPlugin
 public:
     /// The kind of an AbstractPlugin2D; the library tests for no other.
     static constexpr int kFilter2D = 0;
+    /// The kind of the library's own plug-in that takes the place of one that is missing. Hosts have none.
+    static constexpr int kStandIn = -1;
 
     /// Compared field by field, in this order.
     struct VersionInfo {

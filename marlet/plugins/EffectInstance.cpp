@@ -202,6 +202,9 @@ bool EffectInstance::IsLayerReferenced(const kytl::KyID &layerID) const
 
 void EffectInstance::ClearInvalidLayerReferences(const std::unordered_map<NarrowString, bool> &validIDs)
 {
+    // Which IDs are those of layers, only the plug-in knows.
+    if (IsStandIn())
+        return;
     for (kytl::KyID *id : LayerReferences<kytl::KyID>(*this, Properties()))
         if (!validIDs.contains(id->ToNarrowString()))
             *id = {};

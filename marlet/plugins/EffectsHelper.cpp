@@ -97,10 +97,10 @@ void EffectsHelper::DeserializeEffects(const XmlCursor &parent, Effects &effects
 {
     Effects read;
     XmlCursor instance;
-    if (pluginManager)
+    if (CanReadInstances(pluginManager.get(), parent.Find("Effects")))
         instance = parent.Find("Effects").Find("Instance");
     for (; !instance.IsNull(); instance = instance.Next("Instance")) {
-        const std::shared_ptr<AbstractPlugin> plugin = FindPlugin(*pluginManager, instance);
+        const std::shared_ptr<AbstractPlugin> plugin = FindPlugin(pluginManager.get(), instance);
         read.Add(EffectInstance::Create(plugin));
         read.back()->Deserialize(instance);
     }

@@ -83,9 +83,9 @@ void EffectsHelper::DeserializeTransition(const XmlCursor &parent, const char *t
                                           const SequenceObjectList *objects)
 {
     transition = nullptr;
-    if (!pluginManager)
-        return;
     const XmlCursor slot = parent.Find(tag);
+    if (!CanReadInstances(pluginManager.get(), slot))
+        return;
     if (slot.HasAttribute(kReference)) {
         transition = FindReferred(slot, objects);
         return;
@@ -93,7 +93,7 @@ void EffectsHelper::DeserializeTransition(const XmlCursor &parent, const char *t
     const XmlCursor element = slot.Find("Transition");
     if (element.IsNull())
         return;
-    const std::shared_ptr<AbstractPlugin> plugin = FindPlugin(*pluginManager, element);
+    const std::shared_ptr<AbstractPlugin> plugin = FindPlugin(pluginManager.get(), element);
     const std::shared_ptr<Transition> read = Transition::Create(plugin);
     read->Deserialize(element);
     transition = read;

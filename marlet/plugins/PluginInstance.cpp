@@ -72,6 +72,11 @@ std::shared_ptr<AbstractPlugin> PluginInstance::Plugin() const
     return impl_->plugin.lock();
 }
 
+bool PluginInstance::IsStandIn() const
+{
+    return impl_->standIn != nullptr;
+}
+
 PropertyManager &PluginInstance::Properties()
 {
     return *impl_->properties;

@@ -41,6 +41,10 @@ public:
     WideString Serialize() const override;
     void SerializeInstanceDataBytes(unsigned char *bytes, int size, void *document, void *element) override;
 
+    /// Whether the plug-in is one of the library's own, which takes the place of one that the host does not
+    /// have, or only in an older version. The instance is saved as it was read then, with what was changed.
+    bool IsStandIn() const;
+
     /// The same as Properties.
     PropertyManager &Animation();
     const PropertyManager &Animation() const;

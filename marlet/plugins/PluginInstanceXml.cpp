@@ -1,10 +1,12 @@
 #include <marlet/foundation/Arguments.h>
 #include <marlet/foundation/Exceptions.h>
 #include <marlet/foundation/xml/DomBridge.h>
+#include <marlet/foundation/xml/LoadContext.h>
 #include <marlet/foundation/xml/XmlReader.h>
 #include <marlet/foundation/xml/XmlWriter.h>
 #include <marlet/plugins/AbstractPluginManager.h>
 #include <marlet/plugins/PluginInstance_Impl.h>
+#include <marlet/plugins/StandInPlugin.h>
 
 #include <QByteArray>
 #include <QDomDocument>
@@ -36,6 +38,14 @@ constexpr struct {
                       {"Re", &AbstractPlugin::VersionInfo::revision},
                       {"Bu", &AbstractPlugin::VersionInfo::build}};
 
+NarrowString VersionText(const AbstractPlugin::VersionInfo &version)
+{
+    NarrowString text;
+    for (const auto &field : kPluginVersion)
+        (text += text.empty() ? "" : ".") += std::to_string(version.*field.number);
+    return text;
+}
+
 AbstractPlugin::VersionInfo ReadPluginVersion(const XmlCursor &element)
 {
     AbstractPlugin::VersionInfo version;
@@ -46,9 +56,14 @@ AbstractPlugin::VersionInfo ReadPluginVersion(const XmlCursor &element)
     return version;
 }
 
+bool IsOlder(const AbstractPlugin &plugin, const AbstractPlugin::VersionInfo &than)
+{
+    return EffectsHelper::ComparePluginVersions(than, plugin.Version()) > 0;
+}
+
 void RequireVersion(const AbstractPlugin &plugin, const AbstractPlugin::VersionInfo &saved)
 {
-    if (EffectsHelper::ComparePluginVersions(saved, plugin.Version()) > 0)
+    if (IsOlder(plugin, saved))
         throw InvalidPluginVersionException("The project file was saved with a newer version of the " +
                                             ToUtf8(plugin.Name()) + " plugin than what is currently loaded.");
 }
@@ -150,6 +165,26 @@ private:
     std::vector<Own> own_;
 };
 
+/// A plug-in that is there writes all of an instance again but the properties that it no longer has.
+void LeaveToPlugin(const XmlCursor &element, const XmlCursor &saved, PropertyManager &properties)
+{
+    LoadContext *const context = LoadContext::Current();
+    if (!context)
+        return;
+    context->MarkAllKnown(element);
+    for (XmlCursor child = saved.FirstChild(); !child.IsNull(); child = child.Next())
+        if (!properties.HasProperty(child.Name().data()))
+            context->MarkUnknown(child);
+    properties.Keep(saved);
+}
+
+void ReadStates(const XmlCursor &element, EffectsHelper::UIStates &states)
+{
+    for (XmlCursor property = element.Find("UIState").Find("Property"); !property.IsNull();
+         property = property.Next("Property"))
+        states[NarrowString(property.AttributeText("name"))];
+}
+
 void HandOver(AbstractPlugin &plugin, AbstractPluginInstance *instance, const QByteArray &base64)
 {
     QByteArray bytes = QByteArray::fromBase64(base64);
@@ -157,11 +192,30 @@ void HandOver(AbstractPlugin &plugin, AbstractPluginInstance *instance, const QB
                                static_cast<int>(bytes.size()));
 }
 
+std::shared_ptr<AbstractPlugin> StandIn(LoadContext &context, const XmlCursor &instance,
+                                        const AbstractPlugin *older)
+{
+    auto standIn = std::make_shared<StandInPlugin>(instance);
+    const NarrowString version = VersionText(standIn->Version());
+    const NarrowString plugin = "the plug-in \"" + ToUtf8(standIn->Name()) + "\" " + version;
+    context.Add(LoadEntry::Severity::Warning, instance,
+                older ? plugin + " is there as " + VersionText(older->Version()) +
+                            " only; it is kept as it stands"
+                      : plugin + " is missing; it is kept as it stands");
+    context.AddUse({standIn->ID(), standIn->Name(), version, older != nullptr, 1});
+    return standIn;
+}
+
 } // namespace
 
 void PluginInstance_Impl::Write(XmlWriter &writer, const AbstractPluginInstance &instance) const
 {
     const std::shared_ptr<AbstractPlugin> locked = RequirePlugin();
+    if (standIn) {
+        const XmlElement element(writer, Tag(), kVersion, kept);
+        WriteChildren(writer, *locked);
+        return;
+    }
     const PluginElement plugins(*this, *locked, const_cast<AbstractPluginInstance *>(&instance));
     const XmlElement element(writer, Tag(), kVersion);
     plugins.WriteAttributes(writer);
@@ -186,15 +240,23 @@ void PluginInstance_Impl::Read(const XmlCursor &element, AbstractPluginInstance 
     ReadHead(element);
     if (locked->ID() != pluginID)
         throw std::runtime_error("Supplied plugin does not match deserialized PluginID");
-    if (const XmlCursor saved = element.Find("PropertyManager"); !saved.IsNull()) {
+    const XmlCursor saved = element.Find("PropertyManager");
+    if (!saved.IsNull() && !standIn) { // whose properties are those of the element
         PropertyManager fromFile;
         fromFile.Deserialize(saved);
         EffectsHelper::SynchronizeSourceWithDest(*properties, fromFile);
     }
     if (version >= kFirstWithPluginVersion)
         RequireVersion(*locked, ReadPluginVersion(element.Require(kPluginVersionTag)));
+    if (standIn)
+        ReadStates(element, uiStates);
     if (version >= kFirstWithUIState)
         EffectsHelper::SynchronizeUIState(element, uiStates);
+    if (standIn) {
+        kept = KeptXml(element);
+        return;
+    }
+    LeaveToPlugin(element, saved, *properties);
     if (const XmlCursor bytes = element.Find(kBytesTag); !bytes.IsNull()) {
         const std::string_view base64 = bytes.AttributeText(kBytesAttribute);
         HandOver(*locked, instance, QByteArray(base64.data(), static_cast<qsizetype>(base64.size())));
@@ -204,6 +266,8 @@ void PluginInstance_Impl::Read(const XmlCursor &element, AbstractPluginInstance 
 void PluginInstance_Impl::CopyPrivateData(AbstractPluginInstance *instance,
                                           AbstractPluginInstance *copy) const
 {
+    if (standIn)
+        return; // the copy shares what is kept
     const std::shared_ptr<AbstractPlugin> locked = RequirePlugin();
     const PluginElement saved(*this, *locked, instance);
     if (const QDomElement bytes = saved.Bytes(); !bytes.isNull())
@@ -230,11 +294,39 @@ void AppendInstanceBytes(const unsigned char *bytes, int size, void *document, v
     static_cast<QDomElement *>(element)->appendChild(child);
 }
 
-std::shared_ptr<AbstractPlugin> FindPlugin(AbstractPluginManager &manager, const XmlCursor &instance)
+std::optional<AbstractPlugin::VersionInfo> SavedPluginVersion(const XmlCursor &instance)
+{
+    unsigned int version = 0;
+    instance.Attribute(kVersionAttribute, version);
+    if (version < kFirstWithPluginVersion)
+        return std::nullopt;
+    return ReadPluginVersion(instance.Require(kPluginVersionTag));
+}
+
+bool CanReadInstances(const AbstractPluginManager *manager, const XmlCursor &element)
+{
+    LoadContext *const context = LoadContext::Current();
+    if (manager || (context && context->KeepsUnknown()))
+        return true;
+    if (context && !element.FirstChild().IsNull()) {
+        context->Add(LoadEntry::Severity::Loss, element, "what plug-ins made is dropped, as there are none");
+        context->MarkAllKnown(element);
+    }
+    return false;
+}
+
+std::shared_ptr<AbstractPlugin> FindPlugin(AbstractPluginManager *manager, const XmlCursor &instance)
 {
     kytl::KyID id;
     instance.Child("PluginID", id);
-    if (std::shared_ptr<AbstractPlugin> plugin = manager.FindPlugin(id))
+    std::shared_ptr<AbstractPlugin> plugin = manager ? manager->FindPlugin(id) : nullptr;
+    LoadContext *const context = LoadContext::Current();
+    if (context && context->KeepsUnknown()) {
+        const std::optional<AbstractPlugin::VersionInfo> saved = SavedPluginVersion(instance);
+        if (!plugin || (saved && IsOlder(*plugin, *saved)))
+            return StandIn(*context, instance, plugin.get());
+    }
+    if (plugin)
         return plugin;
     throw MissingPluginException("This project uses the " + instance.Require("PluginName").Text() +
                                  " plugin but it cannot be found.");

@@ -21,6 +21,7 @@ const std::shared_ptr<AbstractPlugin> &Required(const std::shared_ptr<AbstractPl
 PluginInstance_Impl::PluginInstance_Impl(const std::shared_ptr<AbstractPlugin> &ofPlugin)
     : pluginID(Required(ofPlugin)->ID()),
       plugin(ofPlugin),
+      standIn(ofPlugin->Kind() == AbstractPlugin::kStandIn ? ofPlugin : nullptr),
       properties(PropertyManager::Copy(ofPlugin->Properties())),
       uiStates(EffectsHelper::CreateUIState(ofPlugin))
 {

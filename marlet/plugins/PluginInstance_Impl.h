@@ -1,9 +1,12 @@
 #pragma once
 
 #include <marlet/animation/PropertyManager.h>
+#include <marlet/foundation/xml/KeptXml.h>
 #include <marlet/plugins/AbstractPlugin.h>
 #include <marlet/plugins/AbstractPluginInstance.h>
 #include <marlet/plugins/EffectsHelper.h>
+
+#include <optional>
 
 namespace marlet::project
 {
@@ -44,6 +47,8 @@ struct PluginInstance_Impl {
     kytl::KyID id = kytl::KyID::Generate();
     kytl::KyID pluginID;
     std::weak_ptr<AbstractPlugin> plugin;
+    std::shared_ptr<AbstractPlugin> standIn; ///< the plug-in, if it is one, which nobody else owns
+    KeptXml kept;                            ///< of the element, if the plug-in is a stand-in
     std::shared_ptr<PropertyManager> properties;
     EffectsHelper::UIStates uiStates;
     void *instanceData = nullptr;
@@ -56,8 +61,17 @@ void WritePluginNameAndVersion(XmlWriter &writer, const AbstractPlugin &plugin);
 /// The child "InstanceBytes" of an element of Qt's DOM.
 void AppendInstanceBytes(const unsigned char *bytes, int size, void *document, void *element);
 
-/// The plug-in of the instance in an element.
+/// The version of the plug-in that saved an element, which the oldest elements do not tell.
+/// @throws XmlParseException
+std::optional<AbstractPlugin::VersionInfo> SavedPluginVersion(const XmlCursor &instance);
+
+/// Whether what an element holds of plug-ins can be read. Without a manager it is dropped, unless the load
+/// that goes on keeps what is unknown.
+bool CanReadInstances(const AbstractPluginManager *manager, const XmlCursor &element);
+
+/// The plug-in of the instance in an element, or, if the manager does not have it or there is none, and the
+/// load that goes on keeps what is unknown, one that stands in for it.
 /// @throws MissingPluginException; XmlParseException, std::runtime_error if the element does not name one
-std::shared_ptr<AbstractPlugin> FindPlugin(AbstractPluginManager &manager, const XmlCursor &instance);
+std::shared_ptr<AbstractPlugin> FindPlugin(AbstractPluginManager *manager, const XmlCursor &instance);
 
 } // namespace marlet::project

@@ -1,6 +1,7 @@
 #include <marlet/project/BinFolder.h>
 
 #include <marlet/foundation/Arguments.h>
+#include <marlet/foundation/xml/LoadContext.h>
 #include <marlet/foundation/xml/XmlReader.h>
 #include <marlet/foundation/xml/XmlWriter.h>
 #include <marlet/project/AbstractAsset.h>
@@ -21,6 +22,7 @@ struct BinFolder_Impl {
     BinFolder::AssetReferences assets;
     Uncopied<BinFolder::SubFolders> folders;
     kytl::KyID parentFolderID;
+    KeptXml kept;
 };
 
 namespace
@@ -184,7 +186,7 @@ std::shared_ptr<BinFolder> BinFolder::Copy(const std::shared_ptr<BinFolder> &oth
 
 void BinFolder::Serialize(XmlWriter &writer) const
 {
-    const XmlElement element(writer, "BinFolder", 0);
+    const XmlElement element(writer, "BinFolder", 0, impl_->kept);
     BinFolderFields(writer, *impl_);
     {
         const XmlElement assets(writer, "Assets");
@@ -209,12 +211,15 @@ void BinFolder::Deserialize(const XmlCursor &element, const AssetsByID &assets)
         child.Get(id);
         if (const std::shared_ptr<AbstractAsset> asset = assets.Find(id))
             impl_->assets.Add(asset);
+        else
+            TellLoad(LoadEntry::Severity::Loss, child, "the folder names an asset that is not there", {id});
     }
 
     Folders().Clear();
     for (XmlCursor child = element.Find("SubFolders").Find("BinFolder"); !child.IsNull();
          child = child.Next("BinFolder"))
         Folders().Add(std::shared_ptr<BinFolder>(new BinFolder(child, assets)));
+    impl_->kept = KeptXml(element);
 }
 
 const kytl::KyID &BinFolder::ID() const

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <marlet/foundation/xml/KeptXml.h>
 #include <marlet/project/CompositionAsset.h>
 #include <marlet/project/CompositionRenderSettings.h>
 #include <marlet/project/LayerIndex.h>
@@ -22,6 +23,7 @@ struct CompositionFields {
     int splitterPosition = 440;
     TimeFormat timelineTimeFormat{1000};
     SnapMode timelineSnapMode{1000};
+    KeptXml kept;
 };
 
 struct CompositionAsset_Impl : CompositionFields {

@@ -1,3 +1,4 @@
+#include <marlet/foundation/xml/LoadContext.h>
 #include <marlet/foundation/xml/XmlReader.h>
 #include <marlet/foundation/xml/XmlWriter.h>
 #include <marlet/layers/AbstractLayer.h>
@@ -47,7 +48,7 @@ std::shared_ptr<CompositionAsset> CompositionAsset::CreateFromXml(
 
 void CompositionAsset::Serialize(XmlWriter &writer, const ProjectTextureImageCache &textures) const
 {
-    const XmlElement element(writer, "CompositionAsset", 0);
+    const XmlElement element(writer, "CompositionAsset", 0, impl_->kept);
     CompositionChildren(writer, *impl_);
     impl_->settings.Serialize(writer);
     impl_->renderSettings.Serialize(writer);
@@ -85,6 +86,8 @@ void CompositionAsset::Deserialize(const XmlCursor &element,
             layers.Add(layer);
     if (const XmlCursor viewer = element.Find("ViewerState"); !viewer.IsNull())
         impl_->viewerPanelState = PanelRenderState(viewer);
+    PassOver(element.Find("Instances"));
+    read.kept = KeptXml(element);
     static_cast<CompositionFields &>(*impl_) = std::move(read);
     Layers().swap(layers);
 }

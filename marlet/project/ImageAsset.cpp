@@ -2,6 +2,7 @@
 
 #include <marlet/foundation/Arguments.h>
 #include <marlet/foundation/KyCriticalSection.h>
+#include <marlet/foundation/xml/LoadContext.h>
 #include <marlet/foundation/xml/XmlReader.h>
 #include <marlet/foundation/xml/XmlWriter.h>
 #include <marlet/platform/images/ImageFile.h>
@@ -18,6 +19,7 @@ struct ImageAsset_Impl {
     WideString name;
     Uncopied<AbstractAsset::InstanceList> instances;
     kytl::KyID parentFolderID;
+    KeptXml kept;
     PAR pixelAspectRatio = PAR::Square;
     bool isDirty = false;
 
@@ -110,7 +112,7 @@ std::shared_ptr<AbstractAsset> ImageAsset::Clone() const
 
 void ImageAsset::Serialize(XmlWriter &writer, const ProjectTextureImageCache &) const
 {
-    const XmlElement element(writer, "ImageAsset", 0);
+    const XmlElement element(writer, "ImageAsset", 0, impl_->kept);
     ImageAssetFields(writer, *impl_);
     WriteInstances(writer, *impl_->instances);
 }
@@ -126,6 +128,8 @@ void ImageAsset::Deserialize(const XmlCursor &element)
     element.RequireHeader("ImageAsset", 0);
     impl_->header.reset();
     ImageAssetFields(element, *impl_);
+    PassOver(element.Find("Instances"));
+    impl_->kept = KeptXml(element);
 }
 
 void ImageAsset::Deserialize(const WideString &xml, const std::shared_ptr<AbstractPluginManager> &,

@@ -7,6 +7,7 @@ namespace marlet::project
 
 class MediaManager;
 class MediaProgress;
+class LoadReport;
 
 /// How a project is loaded, beside its text.
 struct LoadOptions {
@@ -16,6 +17,13 @@ struct LoadOptions {
     /// Hears of each media file that is opened; not owned. If it cancels, the load goes on: the assets of the
     /// files behind are offline until they are woken or reloaded. Null for none.
     MediaProgress *progress = nullptr;
+    /// Is filled with what the load finds, also when it throws; not owned. Null for none.
+    LoadReport *report = nullptr;
+    /// Keeps what this library does not know or the host does not have, and writes it again as it stood:
+    /// elements and attributes beside their neighbours, and, in place of an effect or a transition whose
+    /// plug-in is missing or older than the text, one that holds on to all of it. Without it such elements
+    /// are passed over, and such a plug-in ends the load.
+    bool keepUnknown = false;
 };
 
 } // namespace marlet::project

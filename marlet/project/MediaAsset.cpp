@@ -1,6 +1,7 @@
 #include <marlet/project/MediaAsset.h>
 
 #include <marlet/foundation/KyCriticalSection.h>
+#include <marlet/foundation/xml/LoadContext.h>
 #include <marlet/foundation/xml/XmlReader.h>
 #include <marlet/foundation/xml/XmlWriter.h>
 #include <marlet/platform/images/ImageFile.h>
@@ -56,6 +57,7 @@ struct MediaAsset_Impl {
     bool isDirty = false;
     Uncopied<AbstractAsset::InstanceList> instances;
     kytl::KyID parentFolderID;
+    KeptXml kept;
     // The path, the status, the file and the streams change under both locks, and are asked under the short
     // one alone, which nobody holds while a frame is decoded or a file is opened. The file is not touched
     // when an asset ends: its manager may have released it by then.
@@ -179,7 +181,7 @@ std::shared_ptr<AbstractAsset> MediaAsset::Clone() const
 
 void MediaAsset::Serialize(XmlWriter &writer, const ProjectTextureImageCache &) const
 {
-    const XmlElement element(writer, "MediaAsset", 0);
+    const XmlElement element(writer, "MediaAsset", 0, impl_->kept);
     MediaAssetFields(writer, *impl_);
     WriteInstances(writer, *impl_->instances);
 }
@@ -196,6 +198,8 @@ void MediaAsset::Deserialize(const XmlCursor &element)
     const KyScopedLock holdShortly(ShortLock());
     element.RequireHeader("MediaAsset", 0);
     MediaAssetFields(element, *impl_);
+    PassOver(element.Find("Instances"));
+    impl_->kept = KeptXml(element);
 }
 
 void MediaAsset::Deserialize(const WideString &xml, const std::shared_ptr<AbstractPluginManager> &,

@@ -1,6 +1,7 @@
 #include <marlet/project/Project.h>
 
 #include <marlet/editor/EditorSequence.h>
+#include <marlet/foundation/xml/LoadContext.h>
 #include <marlet/foundation/xml/XmlReader.h>
 #include <marlet/foundation/xml/XmlWriter.h>
 #include <marlet/plugins/AbstractPluginManager.h>
@@ -26,6 +27,7 @@ struct Project_Impl {
     ProjectMetadata metadata;
     std::shared_ptr<EditorSequence> sequence;
     ProjectTextureImageCache textureImages;
+    KeptXml kept;
 };
 
 namespace
@@ -85,18 +87,31 @@ std::shared_ptr<Project> Project::CreateFromXml(const WideString &xml, const Wid
     project->TextureImageCache().SetTexturesFolderPath(texturesFolder);
     if (options.media)
         project->impl_->media = options.media;
-    {
-        const XmlDocument document(xml);
-        project->Deserialize(document.Root(), effectFactory, options.progress);
-    }
+    project->Read(xml, effectFactory, options);
     return Complete(std::move(project));
+}
+
+void Project::Read(const WideString &xml, const Abstract3DEffectFactory &effectFactory,
+                   const LoadOptions &options)
+{
+    LoadContext context(xml, options.report, options.keepUnknown);
+    const XmlDocument document(xml, &context);
+    try {
+        Deserialize(document.Root(), effectFactory, options.progress);
+    } catch (const std::exception &error) {
+        context.AddError(error);
+        context.Finish();
+        throw;
+    }
+    context.AddUnknown(document.Root());
+    context.Finish();
 }
 
 WideString Project::Serialize() const
 {
     XmlWriter writer;
     {
-        const XmlElement element(writer, "Project", 0);
+        const XmlElement element(writer, "Project", 0, impl_->kept);
         ProjectFields(writer, *impl_);
         impl_->settings.Serialize(writer);
         impl_->assets.Serialize(writer, impl_->textureImages);
@@ -123,6 +138,7 @@ void Project::Deserialize(const XmlCursor &element, const Abstract3DEffectFactor
         impl_->sequence.reset(new EditorSequence(sequence, impl_->pluginManager));
     if (const XmlCursor metadata = element.Find("Metadata"); !metadata.IsNull())
         impl_->metadata.Deserialize(metadata);
+    impl_->kept = KeptXml(element);
 }
 
 const kytl::KyID &Project::ID() const

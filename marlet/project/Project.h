@@ -94,6 +94,8 @@ public:
     void SetExpressionEngine(const std::shared_ptr<AbstractExpressionEngine> &engine);
 
 private:
+    void Read(const WideString &xml, const Abstract3DEffectFactory &effectFactory,
+              const LoadOptions &options);
     void Deserialize(const XmlCursor &element, const Abstract3DEffectFactory &effectFactory,
                      MediaProgress *progress);
 

@@ -1,6 +1,7 @@
 #include <marlet/project/SolidAsset.h>
 
 #include <marlet/foundation/Arguments.h>
+#include <marlet/foundation/xml/LoadContext.h>
 #include <marlet/foundation/xml/XmlReader.h>
 #include <marlet/foundation/xml/XmlWriter.h>
 #include <marlet/project/InstancesXml.h>
@@ -13,6 +14,7 @@ struct SolidAsset_Impl {
     WideString name;
     Uncopied<AbstractAsset::InstanceList> instances;
     kytl::KyID parentFolderID;
+    KeptXml kept;
     kytl::KyColorRGBA_32f color;
     int width = 0;
     int height = 0;
@@ -80,7 +82,7 @@ std::shared_ptr<AbstractAsset> SolidAsset::Clone() const
 
 void SolidAsset::Serialize(XmlWriter &writer, const ProjectTextureImageCache &) const
 {
-    const XmlElement element(writer, "SolidAsset", 0);
+    const XmlElement element(writer, "SolidAsset", 0, impl_->kept);
     SolidAssetFields(writer, *impl_);
     WriteInstances(writer, *impl_->instances);
 }
@@ -94,6 +96,8 @@ void SolidAsset::Deserialize(const XmlCursor &element)
 {
     element.RequireHeader("SolidAsset", 0);
     SolidAssetFields(element, *impl_);
+    PassOver(element.Find("Instances"));
+    impl_->kept = KeptXml(element);
 }
 
 void SolidAsset::Deserialize(const WideString &xml, const std::shared_ptr<AbstractPluginManager> &,

@@ -19,6 +19,7 @@ struct Tracker_Impl {
     kytl::KyID destinationLayerID;
     std::shared_ptr<TrackingPoint> primary;
     std::shared_ptr<TrackingPoint> secondary;
+    KeptXml kept;
 };
 
 namespace
@@ -55,6 +56,7 @@ Tracker::Tracker(const XmlCursor &element, const Deserializer &) : Tracker()
         impl_->primary.reset(new TrackingPoint(point, kPrimaryTag));
     if (const XmlCursor point = element.Find(kSecondaryTag); !point.IsNull())
         impl_->secondary.reset(new TrackingPoint(point, kSecondaryTag));
+    impl_->kept = KeptXml(element);
 }
 
 Tracker::Tracker(const Tracker &other) = default;
@@ -91,7 +93,7 @@ std::shared_ptr<Tracker> Tracker::Copy(const std::shared_ptr<Tracker> &tracker)
 
 void Tracker::Serialize(XmlWriter &writer) const
 {
-    const XmlElement element(writer, kTag, kVersion);
+    const XmlElement element(writer, kTag, kVersion, impl_->kept);
     TrackerFields(writer, *impl_);
     if (impl_->primary)
         impl_->primary->Serialize(writer, kPrimaryTag);

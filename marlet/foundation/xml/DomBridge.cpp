@@ -1,5 +1,6 @@
 #include <marlet/foundation/xml/DomBridge.h>
 
+#include <marlet/foundation/xml/LoadContext.h>
 #include <marlet/foundation/xml/XmlReader.h>
 #include <marlet/foundation/xml/XmlWriter.h>
 
@@ -92,6 +93,7 @@ WideString XmlFromDom(const void *element)
 void AppendXmlToDom(const XmlCursor &element, void *document, void *parent)
 {
     // A document and an element both are nodes at the same address.
+    PassOver(element);
     if (!element.IsNull())
         Append(pugi::xml_node(element.Node()), *static_cast<QDomDocument *>(document),
                *static_cast<QDomNode *>(parent));

@@ -1,6 +1,7 @@
 #include <marlet/foundation/xml/XmlReader.h>
 
 #include <marlet/foundation/Exceptions.h>
+#include <marlet/foundation/xml/LoadContext.h>
 
 #include <pugixml.hpp>
 
@@ -162,6 +163,71 @@ template <class Read> auto ReadText(pugi::xml_node node, const Read &read)
     return read(std::string_view(text));
 }
 
+/// The text of an element, which who asks for it knows.
+template <class Read> auto ReadText(const XmlCursor &element, const Read &read)
+{
+    if (LoadContext *const context = LoadContext::Current()) {
+        context->MarkText(element);
+        for (XmlCursor child = element.FirstChild(); !child.IsNull(); child = child.Next())
+            context->Add(LoadEntry::Severity::Loss, child, "an element inside a value is read as its text");
+        for (XmlCursor child = element.FirstChild(); !child.IsNull(); child = child.Next())
+            context->MarkAllKnown(child);
+    }
+    return ReadText(pugi::xml_node(element.Node()), read);
+}
+
+/// How a number of a kind is read, and what is none.
+template <class T> struct NumberForm {
+    T (*parse)(std::string_view);
+    bool (*isNumber)(std::string_view);
+
+    T Read(const XmlCursor &element, std::string_view text, const char *attribute) const
+    {
+        if (LoadContext *const context = LoadContext::Current(); context && !isNumber(text))
+            context->Add(LoadEntry::Severity::Loss, element,
+                         NarrowString(attribute ? attribute : element.Name()) + " is no number: \"" +
+                             NarrowString(text.substr(0, kLongestQuote)) + "\"; 0 is read");
+        return parse(text);
+    }
+    T Attribute(const XmlCursor &element, const char *name) const
+    {
+        const std::string_view text = element.AttributeText(name);
+        return text.empty() && !element.HasAttribute(name) ? T{} : Read(element, text, name);
+    }
+    T Text(const XmlCursor &element) const
+    {
+        return ReadText(element, [&](std::string_view text) { return Read(element, text, nullptr); });
+    }
+
+    static constexpr std::size_t kLongestQuote = 40;
+};
+
+constexpr NumberForm<std::int32_t> kInt{ParseInt, IsInt};
+constexpr NumberForm<std::uint32_t> kUInt{ParseUInt, IsUInt};
+constexpr NumberForm<std::uint64_t> kUInt64{ParseUInt64, IsUInt64};
+constexpr NumberForm<float> kFloat{ParseFloat, IsReal};
+constexpr NumberForm<double> kDouble{ParseDouble, IsReal};
+
+XmlCursor Known(pugi::xml_node node)
+{
+    const XmlCursor element(node.internal_object());
+    if (node)
+        element.MarkKnown();
+    return element;
+}
+
+void MarkAttribute(pugi::xml_attribute attribute)
+{
+    if (LoadContext *const context = LoadContext::Current(); context && attribute)
+        context->MarkAttribute(attribute.name());
+}
+
+void FailAt(const XmlCursor &element)
+{
+    if (LoadContext *const context = LoadContext::Current())
+        context->FailAt(element);
+}
+
 pugi::xml_node NextElement(pugi::xml_node node)
 {
     while (node && !IsElement(node))
@@ -183,10 +249,12 @@ struct XmlDocument::Tree {
     pugi::xml_node root;
 };
 
-XmlDocument::XmlDocument(std::u16string_view text) : tree_(std::make_unique<Tree>())
+XmlDocument::XmlDocument(std::u16string_view text, LoadContext *context) : tree_(std::make_unique<Tree>())
 {
     NarrowString &utf8 = tree_->text;
     utf8 = ToUtf8(text);
+    if (context)
+        context->Follow(utf8);
     if (ContainsNul(utf8))
         return;
     // The text's own terminator goes along, since the parser takes the last character for one.
@@ -212,16 +280,32 @@ std::string_view XmlCursor::Name() const
     return pugi::xml_node(node_).name();
 }
 
+bool XmlCursor::Is(std::string_view tag) const
+{
+    if (Name() != tag)
+        return false;
+    MarkKnown();
+    return true;
+}
+
+void XmlCursor::MarkKnown() const
+{
+    if (LoadContext *const context = LoadContext::Current())
+        context->MarkKnown(*this);
+}
+
 XmlCursor XmlCursor::Find(const char *name) const
 {
-    return XmlCursor(pugi::xml_node(node_).child(name).internal_object());
+    return Known(pugi::xml_node(node_).child(name));
 }
 
 XmlCursor XmlCursor::Require(const char *name) const
 {
     const XmlCursor child = Find(name);
-    if (child.IsNull())
+    if (child.IsNull()) {
+        FailAt(*this);
         throw XmlParseException(NarrowString("Missing element\n") + name);
+    }
     return child;
 }
 
@@ -237,13 +321,16 @@ XmlCursor XmlCursor::Next() const
 
 XmlCursor XmlCursor::Next(const char *name) const
 {
-    return XmlCursor(pugi::xml_node(node_).next_sibling(name).internal_object());
+    return Known(pugi::xml_node(node_).next_sibling(name));
 }
 
 void XmlCursor::RequireTag(const char *tag) const
 {
-    if (!EqualIgnoringCase(Name(), tag))
+    if (!EqualIgnoringCase(Name(), tag)) {
+        FailAt(*this);
         throw XmlParseException(NarrowString("Wrong tag name\n") + tag);
+    }
+    MarkKnown();
 }
 
 unsigned int XmlCursor::RequireHeader(const char *tag, unsigned int highestVersion) const
@@ -252,55 +339,67 @@ unsigned int XmlCursor::RequireHeader(const char *tag, unsigned int highestVersi
     RequireAttribute("Version");
     unsigned int version = 0;
     Attribute("Version", version);
-    if (version > highestVersion)
+    if (version > highestVersion) {
+        FailAt(*this);
         throw InvalidProjectVersionException();
+    }
+    if (version < highestVersion)
+        TellLoad(LoadEntry::Severity::Note, *this,
+                 "version " + std::to_string(version) + " is read; it is saved as version " +
+                     std::to_string(highestVersion));
     return version;
 }
 
 void XmlCursor::RequireAttribute(const char *name) const
 {
-    if (!HasAttribute(name))
+    if (!HasAttribute(name)) {
+        FailAt(*this);
         throw XmlParseException(NarrowString(Name()) + " is missing attribute " + name + "\n");
+    }
 }
 
 bool XmlCursor::HasAttribute(const char *name) const
 {
-    return !pugi::xml_node(node_).attribute(name).empty();
+    const pugi::xml_attribute attribute = pugi::xml_node(node_).attribute(name);
+    MarkAttribute(attribute);
+    return !attribute.empty();
 }
 
 std::string_view XmlCursor::AttributeText(const char *name) const
 {
-    return pugi::xml_node(node_).attribute(name).value();
+    const pugi::xml_attribute attribute = pugi::xml_node(node_).attribute(name);
+    MarkAttribute(attribute);
+    return attribute.value();
 }
 
 void XmlCursor::Attribute(const char *name, bool &value) const
 {
-    value = ParseInt(AttributeText(name)) != 0;
+    value = kInt.Attribute(*this, name) != 0;
 }
 
 void XmlCursor::Attribute(const char *name, int &value) const
 {
-    value = ParseInt(AttributeText(name));
+    value = kInt.Attribute(*this, name);
 }
 
 void XmlCursor::Attribute(const char *name, unsigned int &value) const
 {
-    value = ParseUInt(AttributeText(name));
+    value = kUInt.Attribute(*this, name);
 }
 
 void XmlCursor::Attribute(const char *name, std::uint64_t &value) const
 {
-    value = ParseUInt64(AttributeText(name));
+    value = kUInt64.Attribute(*this, name);
 }
 
 void XmlCursor::Attribute(const char *name, float &value) const
 {
-    value = ParseFloat(AttributeText(name));
+    value = kFloat.Attribute(*this, name);
 }
 
 void XmlCursor::Attribute(const char *name, double &value) const
 {
-    value = ParseDouble(AttributeText(name));
+    value = kDouble.Attribute(*this, name);
 }
 
 void XmlCursor::Attribute(const char *name, kytl::KyID &value) const
@@ -315,43 +414,42 @@ void XmlCursor::Attribute(const char *name, WideString &value) const
 
 NarrowString XmlCursor::Text() const
 {
-    return ReadText(pugi::xml_node(node_), [](std::string_view text) { return NarrowString(text); });
+    return ReadText(*this, [](std::string_view text) { return NarrowString(text); });
 }
 
 void XmlCursor::Get(int &value) const
 {
-    value = ReadText(pugi::xml_node(node_), ParseInt);
+    value = kInt.Text(*this);
 }
 
 void XmlCursor::Get(unsigned int &value) const
 {
-    value = ReadText(pugi::xml_node(node_), ParseUInt);
+    value = kUInt.Text(*this);
 }
 
 void XmlCursor::Get(float &value) const
 {
-    value = ReadText(pugi::xml_node(node_), ParseFloat);
+    value = kFloat.Text(*this);
 }
 
 void XmlCursor::Get(double &value) const
 {
-    value = ReadText(pugi::xml_node(node_), ParseDouble);
+    value = kDouble.Text(*this);
 }
 
 void XmlCursor::Get(bool &value) const
 {
-    value = ReadText(pugi::xml_node(node_), ParseBool);
+    value = ReadText(*this, ParseBool);
 }
 
 void XmlCursor::Get(kytl::KyID &value) const
 {
-    value =
-        ReadText(pugi::xml_node(node_), [](std::string_view text) { return kytl::KyID::FromString(text); });
+    value = ReadText(*this, [](std::string_view text) { return kytl::KyID::FromString(text); });
 }
 
 void XmlCursor::Get(WideString &value) const
 {
-    value = ReadText(pugi::xml_node(node_), FromUtf8);
+    value = ReadText(*this, FromUtf8);
 }
 
 void XmlCursor::Get(kytl::KyColorRGBA_32f &value) const

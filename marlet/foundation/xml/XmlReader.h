@@ -16,6 +16,8 @@ struct xml_node_struct;
 namespace marlet::project
 {
 
+class LoadContext;
+
 /// One element of a parsed document, or no element at all. As light as a pointer; valid while its XmlDocument
 /// lives. Reading a null cursor gives what an element without children and attributes gives.
 class XmlCursor
@@ -26,16 +28,19 @@ public:
 
     bool IsNull() const { return node_ == nullptr; }
     std::string_view Name() const;
-    bool Is(std::string_view tag) const { return Name() == tag; }
+    /// Whoever asks for a tag knows the element if it has it.
+    bool Is(std::string_view tag) const;
 
     /// The first child element with that name, or null. Case counts.
     XmlCursor Find(const char *name) const;
     /// The same. @throws XmlParseException "Missing element".
     XmlCursor Require(const char *name) const;
-    /// Child elements only: text, comments and instructions are passed over.
+    /// Child elements only: text, comments and instructions are passed over. Whoever knows what to do with
+    /// one says so by Is or MarkKnown.
     XmlCursor FirstChild() const;
     XmlCursor Next() const;
     XmlCursor Next(const char *name) const;
+    void MarkKnown() const;
 
     /// Ignores case. @throws XmlParseException "Wrong tag name".
     void RequireTag(const char *tag) const;
@@ -108,7 +113,9 @@ class XmlDocument
 {
 public:
     /// @throws XmlParseException "Nesting too deep" if elements are nested deeper than kDeepestNesting.
-    explicit XmlDocument(std::u16string_view text);
+    explicit XmlDocument(std::u16string_view text) : XmlDocument(text, nullptr) {}
+    /// One whose reading a load follows, if there is one. It must outlive the load then.
+    XmlDocument(std::u16string_view text, LoadContext *context);
     XmlDocument(const XmlDocument &) = delete;
     XmlDocument &operator=(const XmlDocument &) = delete;
     ~XmlDocument();

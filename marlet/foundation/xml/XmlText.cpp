@@ -36,7 +36,7 @@ std::string_view Trimmed(std::string_view text)
     return text;
 }
 
-template <class Integer> Integer ParseInteger(std::string_view text)
+template <class Integer> std::optional<Integer> FindInteger(std::string_view text)
 {
     text = Trimmed(text);
     if (text.size() > 1 && text.front() == '+' && IsDigit(text[1]))
@@ -44,7 +44,7 @@ template <class Integer> Integer ParseInteger(std::string_view text)
     Integer value = 0;
     const char *const end = text.data() + text.size();
     const auto [stop, error] = std::from_chars(text.data(), end, value);
-    return error == std::errc() && stop == end ? value : 0;
+    return error == std::errc() && stop == end ? std::optional(value) : std::nullopt;
 }
 
 bool IsAscii(std::string_view text)
@@ -127,6 +127,12 @@ std::optional<double> ParseReal(std::string_view text)
         text.remove_prefix(1);
     const std::optional<double> magnitude = ParseMagnitude(text);
     return negative && magnitude ? -*magnitude : magnitude;
+}
+
+std::optional<double> FindReal(std::string_view text)
+{
+    const std::optional<double> value = ParseReal(text);
+    return value || IsAscii(text) ? value : ParseReal(WithPlainBlanksAndSigns(text));
 }
 
 struct Range {
@@ -287,17 +293,17 @@ bool IsXmlName(std::string_view utf8)
 
 std::int32_t ParseInt(std::string_view text)
 {
-    return ParseInteger<std::int32_t>(text);
+    return FindInteger<std::int32_t>(text).value_or(0);
 }
 
 std::uint32_t ParseUInt(std::string_view text)
 {
-    return ParseInteger<std::uint32_t>(text);
+    return FindInteger<std::uint32_t>(text).value_or(0);
 }
 
 std::uint64_t ParseUInt64(std::string_view text)
 {
-    return ParseInteger<std::uint64_t>(text);
+    return FindInteger<std::uint64_t>(text).value_or(0);
 }
 
 float ParseFloat(std::string_view text)
@@ -312,10 +318,27 @@ float ParseFloat(std::string_view text)
 
 double ParseDouble(std::string_view text)
 {
-    std::optional<double> value = ParseReal(text);
-    if (!value && !IsAscii(text))
-        value = ParseReal(WithPlainBlanksAndSigns(text));
-    return value.value_or(0);
+    return FindReal(text).value_or(0);
+}
+
+bool IsInt(std::string_view text)
+{
+    return FindInteger<std::int32_t>(text).has_value();
+}
+
+bool IsUInt(std::string_view text)
+{
+    return FindInteger<std::uint32_t>(text).has_value();
+}
+
+bool IsUInt64(std::string_view text)
+{
+    return FindInteger<std::uint64_t>(text).has_value();
+}
+
+bool IsReal(std::string_view text)
+{
+    return FindReal(text).has_value();
 }
 
 bool ParseBool(std::string_view text)

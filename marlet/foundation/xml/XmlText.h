@@ -22,6 +22,12 @@ double ParseDouble(std::string_view text);
 /// @throws boost::bad_lexical_cast on anything but a number that is 0 or 1.
 bool ParseBool(std::string_view text);
 
+/// Whether a text is a number that the function of its kind takes, and no 0 in place of another.
+bool IsInt(std::string_view text);
+bool IsUInt(std::string_view text);
+bool IsUInt64(std::string_view text);
+bool IsReal(std::string_view text);
+
 /// Room for any number, and where its text ends up.
 struct NumberText {
     char characters[32];

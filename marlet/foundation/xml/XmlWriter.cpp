@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <limits>
 #include <utility>
 
 namespace marlet::project
@@ -129,17 +130,70 @@ void XmlWriter::StartTag(std::string_view tag)
     if (open_.size() >= std::size_t(kDeepestNesting))
         throw XmlParseException("Nesting too deep");
     StartBlockIfFull();
-    if (!open_.empty()) {
-        State &parent = open_.back().state;
-        if (parent == State::OpenTag)
-            block_ += ">\n";
-        // Behind a text a blank would belong to it.
-        if (parent != State::Text)
-            block_.append(open_.size(), ' ');
-        parent = State::Children;
-    }
+    keptOfChild_ = open_.empty() || open_.back().kept < 0 ? nullptr : PassKept(tag);
+    StartLine();
     block_ += '<';
     block_ += tag;
+}
+
+void XmlWriter::StartLine()
+{
+    if (open_.empty())
+        return;
+    CloseStartTag();
+    State &parent = open_.back().state;
+    if (parent == State::OpenTag)
+        block_ += '\n';
+    // Behind a text a blank would belong to it.
+    if (parent != State::Text)
+        block_.append(open_.size(), ' ');
+    parent = State::Children;
+}
+
+void XmlWriter::CloseStartTag()
+{
+    const Open &element = open_.back();
+    if (element.state != State::OpenTag)
+        return;
+    if (element.kept >= 0)
+        AppendAttributesKept(kept_[static_cast<std::size_t>(element.kept)].place);
+    block_ += '>';
+}
+
+void XmlWriter::AppendAttributesKept(const KeptPlace *kept)
+{
+    if (kept)
+        block_ += kept->attributes;
+}
+
+void XmlWriter::Push(std::string_view tag, const KeptPlace *kept)
+{
+    open_.push_back({tag, State::OpenTag, -1});
+    if (!kept)
+        return;
+    open_.back().kept = static_cast<int>(kept_.size());
+    kept_.push_back({kept, 0, 0, {}});
+}
+
+/// Writes what stands in front of the next child of the open element, and finds what is kept for that child.
+const KeptPlace *XmlWriter::PassKept(std::string_view tag)
+{
+    Kept &parent = kept_.back();
+    WriteKeptUpTo(parent.children);
+    ++parent.children;
+    const auto found = parent.place->children.find({NarrowString(tag), parent.ofTag[tag]++});
+    return found == parent.place->children.end() ? nullptr : &found->second;
+}
+
+void XmlWriter::WriteKeptUpTo(unsigned int children)
+{
+    Kept &parent = kept_.back();
+    const auto &elements = parent.place->elements;
+    for (; parent.written < elements.size() && elements[parent.written].first <= children; ++parent.written) {
+        StartLine();
+        block_ += elements[parent.written].second;
+        block_ += '\n';
+    }
 }
 
 void XmlWriter::EndTag(std::string_view tag)
@@ -152,13 +206,26 @@ void XmlWriter::EndTag(std::string_view tag)
 void XmlWriter::Begin(std::string_view tag)
 {
     StartTag(tag);
-    open_.push_back({tag, State::OpenTag});
+    Push(tag, keptOfChild_);
+}
+
+void XmlWriter::Begin(std::string_view tag, const KeptXml &kept)
+{
+    StartTag(tag);
+    Push(tag, kept.Root());
 }
 
 void XmlWriter::End()
 {
+    if (open_.back().kept >= 0)
+        WriteKeptUpTo(std::numeric_limits<unsigned int>::max());
     const Open element = open_.back();
     open_.pop_back();
+    if (element.kept >= 0) {
+        if (element.state == State::OpenTag)
+            AppendAttributesKept(kept_.back().place);
+        kept_.pop_back();
+    }
     if (element.state == State::OpenTag) {
         block_ += "/>\n";
         return;
@@ -185,6 +252,7 @@ void XmlWriter::AppendAttribute(std::string_view name, std::string_view ascii)
 void XmlWriter::AppendChild(std::string_view name, std::string_view ascii)
 {
     StartTag(name);
+    AppendAttributesKept(keptOfChild_);
     block_ += ">";
     block_ += ascii;
     EndTag(name);
@@ -248,8 +316,7 @@ void XmlWriter::Attribute(std::string_view name, std::string_view utf8)
 void XmlWriter::StartText()
 {
     State &state = open_.back().state;
-    if (state == State::OpenTag)
-        block_ += ">";
+    CloseStartTag();
     // The line feed behind the element before would belong to the text.
     if (state == State::Children)
         block_.pop_back();
@@ -302,6 +369,7 @@ void XmlWriter::Child(std::string_view name, const kytl::KyID &value)
 void XmlWriter::Child(std::string_view name, const WideString &value)
 {
     StartTag(name);
+    AppendAttributesKept(keptOfChild_);
     block_ += ">";
     AppendContent(value, false);
     EndTag(name);
@@ -314,6 +382,7 @@ void XmlWriter::Child(std::string_view name, const kytl::KyColorRGBA_32f &value)
     AppendAttribute("G", FormatFloatAttribute(value.G).View());
     AppendAttribute("B", FormatFloatAttribute(value.B).View());
     AppendAttribute("A", FormatFloatAttribute(value.A).View());
+    AppendAttributesKept(keptOfChild_);
     block_ += "/>\n";
 }
 

@@ -3,8 +3,10 @@
 #include <marlet/foundation/KyColorRGBA.h>
 #include <marlet/foundation/KyID.h>
 #include <marlet/foundation/Strings.h>
+#include <marlet/foundation/xml/KeptXml.h>
 #include <marlet/foundation/xml/XmlText.h>
 
+#include <map>
 #include <type_traits>
 #include <vector>
 
@@ -21,6 +23,8 @@ public:
     /// Names must be XML names, and tags outlive the element (the closing tag is written from them).
     /// @throws XmlParseException "Nesting too deep"
     void Begin(std::string_view tag);
+    /// With what is kept for the element. It is written in its place, and must outlive the element.
+    void Begin(std::string_view tag, const KeptXml &kept);
     void End();
 
     /// Attributes come directly after Begin.
@@ -69,6 +73,14 @@ private:
     struct Open {
         std::string_view tag;
         State state;
+        int kept; ///< its number in kept_, or -1
+    };
+    /// What is kept for an open element, and how far its writing has come.
+    struct Kept {
+        const KeptPlace *place;
+        std::size_t written = 0;   ///< elements
+        unsigned int children = 0; ///< that were written by themselves
+        std::map<std::string_view, unsigned int> ofTag;
     };
 
     void AppendEscaped(std::string_view utf8, bool attribute);
@@ -76,6 +88,12 @@ private:
     void AppendContent(std::string_view utf8, bool attribute);
     void StartBlockIfFull();
     void StartTag(std::string_view tag);
+    void StartLine();
+    void CloseStartTag();
+    void Push(std::string_view tag, const KeptPlace *kept);
+    const KeptPlace *PassKept(std::string_view tag);
+    void WriteKeptUpTo(unsigned int children);
+    void AppendAttributesKept(const KeptPlace *kept);
     void EndTag(std::string_view tag);
     void StartAttribute(std::string_view name);
     void StartText();
@@ -86,6 +104,8 @@ private:
     std::vector<NarrowString> fullBlocks_;
     NarrowString block_;
     std::vector<Open> open_;
+    std::vector<Kept> kept_; ///< of the open elements that have something
+    const KeptPlace *keptOfChild_ = nullptr;
 };
 
 /// An element that ends with its scope.
@@ -96,6 +116,13 @@ public:
     /// With the attribute "Version".
     XmlElement(XmlWriter &writer, std::string_view tag, unsigned int version) : XmlElement(writer, tag)
     {
+        writer_.Attribute("Version", version);
+    }
+    /// With what is kept of the object, too.
+    XmlElement(XmlWriter &writer, std::string_view tag, unsigned int version, const KeptXml &kept)
+        : writer_(writer)
+    {
+        writer_.Begin(tag, kept);
         writer_.Attribute("Version", version);
     }
     XmlElement(const XmlElement &) = delete;

@@ -1,0 +1,83 @@
+#include <marlet/foundation/xml/ElementPath.h>
+
+#include <pugixml.hpp>
+
+#include <algorithm>
+
+namespace marlet::project
+{
+
+namespace
+{
+
+/// A child of an object's element, or of the element that holds what all objects of its kind have.
+pugi::xml_node Field(pugi::xml_node object, const char *name)
+{
+    if (const pugi::xml_node own = object.child(name))
+        return own;
+    for (const pugi::xml_node child : object.children())
+        if (std::string_view(child.name()).ends_with("Base"))
+            return child.child(name);
+    return {};
+}
+
+NarrowString Quoted(std::string_view name)
+{
+    constexpr std::size_t kLongest = 60;
+    NarrowString text(name);
+    std::ranges::replace_if(
+        text, [](char c) { return c == '"' || static_cast<unsigned char>(c) < ' '; }, ' ');
+    if (text.size() > kLongest) {
+        std::size_t end = kLongest;
+        while ((text[end] & 0xC0) == 0x80)
+            --end;
+        text.erase(end);
+        text += "...";
+    }
+    return " \"" + text + '"';
+}
+
+NarrowString PlaceAmongEqual(pugi::xml_node element)
+{
+    const char *const tag = element.name();
+    const pugi::xml_node before = element.previous_sibling(tag);
+    if (!before && !element.next_sibling(tag))
+        return {};
+    int place = 1;
+    for (pugi::xml_node node = before; node; node = node.previous_sibling(tag))
+        ++place;
+    return "[" + std::to_string(place) + "]";
+}
+
+} // namespace
+
+NarrowString ElementPath(const XmlCursor &element)
+{
+    NarrowString path;
+    for (pugi::xml_node node(element.Node()); node.type() == pugi::node_element; node = node.parent()) {
+        NarrowString step = node.name();
+        const std::string_view name = step.ends_with("Base") ? "" : Field(node, "Name").child_value();
+        step += name.empty() ? PlaceAmongEqual(node) : Quoted(name);
+        path = path.empty() ? step : step + "/" + path;
+    }
+    return path;
+}
+
+std::vector<kytl::KyID> NearestID(const XmlCursor &element)
+{
+    for (pugi::xml_node node(element.Node()); node.type() == pugi::node_element; node = node.parent()) {
+        std::string_view text = Field(node, "ID").child_value();
+        if (text.empty())
+            text = node.attribute("ID").value();
+        if (text.empty())
+            continue;
+        try {
+            return {kytl::KyID::FromString(text)};
+        } catch (const std::exception &) {
+            return {};
+        }
+    }
+    return {};
+}
+
+} // namespace marlet::project

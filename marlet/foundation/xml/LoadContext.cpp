@@ -1,0 +1,259 @@
+#include <marlet/foundation/xml/LoadContext.h>
+
+#include <marlet/foundation/Exceptions.h>
+#include <marlet/foundation/xml/ElementPath.h>
+#include <marlet/foundation/xml/XmlSource.h>
+
+#include <pugixml.hpp>
+
+#include <algorithm>
+#include <utility>
+
+namespace marlet::project
+{
+
+namespace
+{
+
+// Each element has three places in the buffer of its own, since its name is followed by a blank, a slash or a
+// bracket and preceded by a bracket.
+constexpr std::size_t kKnown = 0;
+constexpr std::size_t kTaken = static_cast<std::size_t>(-1);
+
+bool IsBlank(std::string_view text)
+{
+    return text.find_first_not_of(" \t\r\n") == std::string_view::npos;
+}
+
+bool HasTextOfItsOwn(pugi::xml_node element)
+{
+    const auto isText = [](pugi::xml_node node) {
+        return node.type() == pugi::node_pcdata || node.type() == pugi::node_cdata;
+    };
+    return !IsBlank(element.value()) || std::ranges::any_of(element.children(), [&](pugi::xml_node node) {
+        return isText(node) && !IsBlank(node.value());
+    });
+}
+
+} // namespace
+
+LoadContext::LoadContext(std::u16string_view text, LoadReport *report, bool keepsUnknown)
+    : text_(text), report_(report), keepsUnknown_(keepsUnknown)
+{
+    if (report_)
+        report_->Clear();
+    if (report_ || keepsUnknown_)
+        current_ = this;
+}
+
+LoadContext::~LoadContext()
+{
+    current_ = previous_;
+}
+
+void LoadContext::Follow(const NarrowString &buffer)
+{
+    buffer_ = buffer.data();
+    size_ = buffer.size();
+    marks_.assign(size_, false);
+}
+
+std::size_t LoadContext::OffsetOf(const char *inBuffer) const
+{
+    const auto offset = static_cast<std::size_t>(inBuffer - buffer_);
+    return buffer_ && inBuffer >= buffer_ && offset < size_ ? offset : kNowhere;
+}
+
+std::size_t LoadContext::OffsetOf(const XmlCursor &element) const
+{
+    return element.IsNull() ? kNowhere : OffsetOf(pugi::xml_node(element.Node()).name());
+}
+
+bool LoadContext::Has(std::size_t bit) const
+{
+    return bit < size_ && marks_[bit];
+}
+
+void LoadContext::Set(std::size_t bit, bool value)
+{
+    if (bit < size_)
+        marks_[bit] = value;
+}
+
+void LoadContext::MarkKnown(const XmlCursor &element)
+{
+    const std::size_t offset = OffsetOf(element);
+    if (offset == kNowhere)
+        return;
+    Set(offset + kKnown, true);
+    last_ = element;
+}
+
+void LoadContext::MarkUnknown(const XmlCursor &element)
+{
+    Set(OffsetOf(element), false);
+}
+
+void LoadContext::MarkAllKnown(const XmlCursor &element)
+{
+    MarkKnown(element);
+    for (const pugi::xml_attribute attribute : pugi::xml_node(element.Node()).attributes())
+        MarkAttribute(attribute.name());
+    MarkText(element);
+    for (XmlCursor child = element.FirstChild(); !child.IsNull(); child = child.Next())
+        MarkAllKnown(child);
+    last_ = element;
+}
+
+void LoadContext::MarkAttribute(const char *name)
+{
+    Set(OffsetOf(name), true);
+}
+
+void LoadContext::MarkText(const XmlCursor &element)
+{
+    if (const std::size_t offset = OffsetOf(element); offset != kNowhere)
+        Set(offset + element.Name().size(), true);
+}
+
+void LoadContext::MarkTaken(const XmlCursor &element)
+{
+    if (const std::size_t offset = OffsetOf(element); offset != kNowhere)
+        Set(offset + kTaken, true);
+}
+
+bool LoadContext::IsKnown(const XmlCursor &element) const
+{
+    return Has(OffsetOf(element));
+}
+
+bool LoadContext::IsAttributeKnown(const char *name) const
+{
+    return Has(OffsetOf(name));
+}
+
+bool LoadContext::IsTextKnown(const XmlCursor &element) const
+{
+    const std::size_t offset = OffsetOf(element);
+    return offset != kNowhere && Has(offset + element.Name().size());
+}
+
+bool LoadContext::IsTaken(const XmlCursor &element) const
+{
+    const std::size_t offset = OffsetOf(element);
+    return offset != kNowhere && Has(offset + kTaken);
+}
+
+const NarrowString &LoadContext::Source()
+{
+    // What was parsed in place is no longer what it was.
+    if (!source_)
+        source_ = ToUtf8(text_);
+    return *source_;
+}
+
+std::string_view LoadContext::SourceOf(const XmlCursor &element)
+{
+    const std::size_t offset = OffsetOf(element);
+    return offset == kNowhere ? std::string_view() : XmlElementAt(Source(), offset - 1);
+}
+
+std::string_view LoadContext::SourceOfAttribute(const char *name)
+{
+    const std::size_t offset = OffsetOf(name);
+    return offset == kNowhere ? std::string_view() : XmlAttributeAt(Source(), offset);
+}
+
+void LoadContext::Add(Severity severity, const XmlCursor &element, NarrowString what,
+                      std::vector<kytl::KyID> ids)
+{
+    if (!report_)
+        return;
+    LoadEntry entry{severity, std::move(what), {}, 0, 0, 0, std::move(ids)};
+    // Those beyond the bound are counted only, so that nothing need be worked out for them.
+    if (const std::size_t offset = OffsetOf(element);
+        offset != kNowhere && report_->Entries().size() < LoadReport::kMostEntries) {
+        entry.path = ElementPath(element);
+        entry.offset = offset - 1;
+        entry.line = 1; // until Finish
+        if (entry.ids.empty())
+            entry.ids = NearestID(element);
+    }
+    report_->Add(std::move(entry));
+}
+
+void LoadContext::AddUse(const UnresolvedPlugin &plugin)
+{
+    if (report_)
+        report_->AddUse(plugin);
+}
+
+void LoadContext::AddUnknown(const XmlCursor &root)
+{
+    if (report_ && !root.IsNull())
+        AddUnknownBelow(root);
+}
+
+void LoadContext::AddUnknownBelow(const XmlCursor &element)
+{
+    const pugi::xml_node node(element.Node());
+    const Severity severity = keepsUnknown_ ? Severity::Warning : Severity::Loss;
+    const NarrowString outcome = keepsUnknown_ ? "; it is kept as it stands" : "; it is passed over";
+    for (const pugi::xml_attribute attribute : node.attributes())
+        if (!IsAttributeKnown(attribute.name()))
+            Add(severity, element, NarrowString("attribute ") + attribute.name() + " is not known" + outcome);
+    if (!IsTextKnown(element) && HasTextOfItsOwn(node))
+        Add(Severity::Loss, element, "text between elements is passed over");
+    for (XmlCursor child = element.FirstChild(); !child.IsNull(); child = child.Next()) {
+        if (IsKnown(child)) {
+            AddUnknownBelow(child);
+            continue;
+        }
+        const bool isRepeated = IsKnown(XmlCursor(node.child(child.Name().data()).internal_object()));
+        Add(severity, child,
+            NarrowString(child.Name()) +
+                (isRepeated ? " stands there already, and the first one counts" : " is not known here") +
+                outcome);
+    }
+}
+
+void LoadContext::AddError(const std::exception &error)
+{
+    NarrowString what = error.what();
+    if (const auto *contents = dynamic_cast<const ProjectException *>(&error);
+        contents && contents->Code() == ProjectException::kMissingProperty)
+        what += " The property " + contents->Detail() + " is missing.";
+    std::ranges::replace(what, '\n', ' ');
+    what.erase(what.find_last_not_of(" .") + 1);
+    Add(Severity::Error, failed_.IsNull() ? last_ : failed_, std::move(what));
+}
+
+void LoadContext::Finish()
+{
+    if (!report_)
+        return;
+    report_->Sort();
+    TextPlace place;
+    for (LoadEntry &entry : report_->entries_) {
+        if (entry.line == 0)
+            break;
+        place.GoTo(Source(), entry.offset);
+        entry.line = place.line;
+        entry.column = place.column;
+    }
+}
+
+void PassOver(const XmlCursor &element)
+{
+    if (LoadContext *const context = LoadContext::Current(); context && !element.IsNull())
+        context->MarkAllKnown(element);
+}
+
+void TellLoad(LoadEntry::Severity severity, const XmlCursor &element, NarrowString what,
+              std::vector<kytl::KyID> ids)
+{
+    if (LoadContext *const context = LoadContext::Current())
+        context->Add(severity, element, std::move(what), std::move(ids));
+}
+
+} // namespace marlet::project

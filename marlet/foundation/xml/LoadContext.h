@@ -1,0 +1,100 @@
+#pragma once
+
+#include <marlet/foundation/LoadReport.h>
+#include <marlet/foundation/xml/XmlReader.h>
+
+#include <cstdint>
+#include <exception>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+namespace marlet::project
+{
+
+/// What a load remembers of its text while it goes on: which elements and attributes were looked for, what
+/// is to be told, and whether what nobody knows is kept. There is one at most in each thread, which the
+/// readers of all classes find by Current(); without one they do nothing more than read.
+class LoadContext
+{
+public:
+    using Severity = LoadEntry::Severity;
+
+    /// The text must outlive it. The report may be null.
+    LoadContext(std::u16string_view text, LoadReport *report, bool keepsUnknown);
+    LoadContext(const LoadContext &) = delete;
+    LoadContext &operator=(const LoadContext &) = delete;
+    ~LoadContext();
+
+    /// Null if this thread does not load, or nobody wants to know.
+    static LoadContext *Current() { return current_; }
+    bool KeepsUnknown() const { return keepsUnknown_; }
+
+    /// Follows the reading of a tree that was parsed in place, in a buffer that outlives the context.
+    void Follow(const NarrowString &buffer);
+
+    // Marks. What is not in the tree that is followed is passed over.
+
+    void MarkKnown(const XmlCursor &element);
+    void MarkUnknown(const XmlCursor &element);
+    /// All below an element, too: whoever has taken it knows better.
+    void MarkAllKnown(const XmlCursor &element);
+    void MarkAttribute(const char *name);
+    void MarkText(const XmlCursor &element);
+    /// What nobody knows below has found an owner.
+    void MarkTaken(const XmlCursor &element);
+    bool IsKnown(const XmlCursor &element) const;
+    bool IsAttributeKnown(const char *name) const;
+    bool IsTextKnown(const XmlCursor &element) const;
+    bool IsTaken(const XmlCursor &element) const;
+
+    /// The bytes of an element, or of an attribute by its name, as they stand in the text.
+    std::string_view SourceOf(const XmlCursor &element);
+    std::string_view SourceOfAttribute(const char *name);
+
+    /// Tells of an element, with the ID of the object that it is of.
+    void Add(Severity severity, const XmlCursor &element, NarrowString what,
+             std::vector<kytl::KyID> ids = {});
+    void AddUse(const UnresolvedPlugin &plugin);
+    /// Where something fails, if it is known better than by the element that was looked at last.
+    void FailAt(const XmlCursor &element) { failed_ = element; }
+
+    /// Tells of all that was not looked for, once everything was read.
+    void AddUnknown(const XmlCursor &root);
+    /// Tells of the exception that ends the load.
+    void AddError(const std::exception &error);
+    /// Works out lines and columns. The report is whole then.
+    void Finish();
+
+private:
+    static constexpr std::size_t kNowhere = static_cast<std::size_t>(-1);
+
+    std::size_t OffsetOf(const XmlCursor &element) const;
+    std::size_t OffsetOf(const char *inBuffer) const;
+    bool Has(std::size_t bit) const;
+    void Set(std::size_t bit, bool value);
+    const NarrowString &Source();
+    void AddUnknownBelow(const XmlCursor &element);
+
+    static inline constinit thread_local LoadContext *current_ = nullptr;
+
+    LoadContext *previous_ = current_;
+    std::u16string_view text_;
+    LoadReport *report_;
+    bool keepsUnknown_;
+    const char *buffer_ = nullptr;
+    std::size_t size_ = 0;
+    std::vector<bool> marks_; ///< by places in the buffer that belong to one element or attribute each
+    std::optional<NarrowString> source_;
+    XmlCursor last_; ///< that was looked at
+    XmlCursor failed_;
+};
+
+/// Takes an element with all below it for known, since it only repeats what stands elsewhere.
+void PassOver(const XmlCursor &element);
+
+/// Tells the load that goes on, if one does and wants to know.
+void TellLoad(LoadEntry::Severity severity, const XmlCursor &element, NarrowString what,
+              std::vector<kytl::KyID> ids = {});
+
+} // namespace marlet::project
