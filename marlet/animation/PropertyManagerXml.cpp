@@ -4,10 +4,12 @@
 #include <marlet/foundation/Arguments.h>
 #include <marlet/foundation/Exceptions.h>
 #include <marlet/foundation/xml/DomBridge.h>
+#include <marlet/foundation/xml/LoadContext.h>
 #include <marlet/foundation/xml/XmlReader.h>
 #include <marlet/foundation/xml/XmlWriter.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace marlet::project
 {
@@ -33,6 +35,26 @@ void RequireNames(const XmlCursor &manager)
         if (!isAscii && !IsXmlName(child.Name()))
             throw XmlParseException(NarrowString("Wrong tag name\n") + kTag);
     }
+}
+
+/// What can be read, but is hardly meant.
+void TellOfOddities(const XmlCursor &element, const Property &property)
+{
+    constexpr auto kWarning = LoadEntry::Severity::Warning;
+    if (property.staticValue.which() != property.defaultValue.which())
+        TellLoad(kWarning, element.Find("Static"), "the value is of another type than the default");
+    int before = 0;
+    bool isFirst = true;
+    property.keyFrames.ForEach([&](const KeyFrame &key) {
+        if (!std::exchange(isFirst, false) && key.Time() == before)
+            TellLoad(kWarning, element.Find("Animation"),
+                     "several key frames stand at time " + std::to_string(before));
+        before = key.Time();
+        if (key.Value().which() != property.defaultValue.which())
+            TellLoad(kWarning, element.Find("Animation"),
+                     "the key frame at time " + std::to_string(before) +
+                         " has a value of another type than the default");
+    });
 }
 
 } // namespace
@@ -110,6 +132,8 @@ void PropertyManager::Deserialize(const XmlCursor &element)
         for (XmlCursor key = child.Find("Animation").Find("Key"); !key.IsNull(); key = key.Next("Key"))
             property->keyFrames.Add(KeyFrameList::DeserializeKeyFrame(key));
         property->expression = child.Find("Expression").Text();
+        if (LoadContext::Current())
+            TellOfOddities(child, *property);
     }
     Keep(element);
     element.MarkKnown(); // what is found missing in the manager is found here

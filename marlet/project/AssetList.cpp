@@ -1,6 +1,7 @@
 #include <marlet/project/AssetList.h>
 
 #include <marlet/foundation/KyCriticalSection.h>
+#include <marlet/foundation/xml/LoadContext.h>
 #include <marlet/foundation/xml/XmlReader.h>
 #include <marlet/foundation/xml/XmlWriter.h>
 #include <marlet/project/AssetsByID.h>
@@ -11,6 +12,9 @@
 #include <marlet/project/MediaLoad.h>
 #include <marlet/project/MediaManager.h>
 #include <marlet/project/SolidAsset.h>
+
+#include <filesystem>
+#include <system_error>
 
 namespace marlet::project
 {
@@ -23,6 +27,33 @@ struct AssetList_Impl {
     bool lookupDirty = true;
     AssetsByID lookup;
 };
+
+namespace
+{
+
+/// A load tells of what its host cannot show.
+void TellIfMissing(bool isThere, const XmlCursor &element, const AbstractAsset &asset, const WideString &file)
+{
+    if (!isThere)
+        TellLoad(LoadEntry::Severity::Warning, element, "the file is offline: " + ToUtf8(file), {asset.ID()});
+}
+
+void TellIfOffline(const XmlCursor &element, const ImageAsset &image)
+{
+    std::error_code error;
+    if (LoadContext::Current())
+        TellIfMissing(std::filesystem::is_regular_file(std::filesystem::path(image.Filename()), error),
+                      element, image, image.Filename());
+}
+
+void TellIfOffline(const XmlCursor &element, const MediaAsset &media)
+{
+    if (LoadContext::Current())
+        TellIfMissing(media.MediaFileStatus() == MediaAsset::Status::Usable, element, media,
+                      media.Filename());
+}
+
+} // namespace
 
 AssetList::AssetList() : impl_(std::make_unique<AssetList_Impl>())
 {
@@ -105,6 +136,10 @@ void AssetList::Deserialize(const XmlCursor &element, MediaManager &media, Media
                 new CompositionAsset(child, pluginManager, effectFactory, textures)));
         else if (child.Is("MediaAsset"))
             assets.Add(media.CreateMediaAsset(child, *load));
+        if (child.Is("ImageAsset"))
+            TellIfOffline(child, static_cast<const ImageAsset &>(*assets.back()));
+        else if (child.Is("MediaAsset"))
+            TellIfOffline(child, static_cast<const MediaAsset &>(*assets.back()));
     }
     // The folders name assets by ID, so they are read once all assets are there.
     impl_->bin.Deserialize(element.Find("BinFolder"), AssetsByID(assets));

@@ -1,4 +1,3 @@
-#include <marlet/foundation/xml/LoadContext.h>
 #include <marlet/foundation/xml/XmlReader.h>
 #include <marlet/foundation/xml/XmlWriter.h>
 #include <marlet/layers/AbstractLayer.h>
@@ -86,7 +85,7 @@ void CompositionAsset::Deserialize(const XmlCursor &element,
             layers.Add(layer);
     if (const XmlCursor viewer = element.Find("ViewerState"); !viewer.IsNull())
         impl_->viewerPanelState = PanelRenderState(viewer);
-    PassOver(element.Find("Instances"));
+    PassInstances(element);
     read.kept = KeptXml(element);
     static_cast<CompositionFields &>(*impl_) = std::move(read);
     Layers().swap(layers);

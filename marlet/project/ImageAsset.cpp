@@ -2,7 +2,6 @@
 
 #include <marlet/foundation/Arguments.h>
 #include <marlet/foundation/KyCriticalSection.h>
-#include <marlet/foundation/xml/LoadContext.h>
 #include <marlet/foundation/xml/XmlReader.h>
 #include <marlet/foundation/xml/XmlWriter.h>
 #include <marlet/platform/images/ImageFile.h>
@@ -128,7 +127,7 @@ void ImageAsset::Deserialize(const XmlCursor &element)
     element.RequireHeader("ImageAsset", 0);
     impl_->header.reset();
     ImageAssetFields(element, *impl_);
-    PassOver(element.Find("Instances"));
+    PassInstances(element);
     impl_->kept = KeptXml(element);
 }
 

@@ -1,5 +1,6 @@
 #include <marlet/project/InstancesXml.h>
 
+#include <marlet/foundation/xml/XmlReader.h>
 #include <marlet/foundation/xml/XmlWriter.h>
 #include <marlet/layers/AbstractLayer.h>
 #include <marlet/project/AbstractAssetInstance.h>
@@ -7,14 +8,22 @@
 namespace marlet::project
 {
 
+namespace
+{
+
+constexpr char kList[] = "Instances";
+constexpr char kItem[] = "Instance";
+
+} // namespace
+
 void WriteInstances(XmlWriter &writer, const AbstractAsset::InstanceList &instances)
 {
-    const XmlElement list(writer, "Instances");
+    const XmlElement list(writer, kList);
     for (const std::weak_ptr<AbstractAssetInstance> &reference : instances) {
         const std::shared_ptr<AbstractAssetInstance> instance = reference.lock();
         if (!instance)
             continue;
-        const XmlElement element(writer, "Instance");
+        const XmlElement element(writer, kItem);
         writer.Attribute("ID", instance->ID());
         writer.Attribute("Type", instance->AssetInstanceType());
         if (instance->AssetInstanceType() != AbstractAssetInstance::Type::AssetLayer)
@@ -22,6 +31,14 @@ void WriteInstances(XmlWriter &writer, const AbstractAsset::InstanceList &instan
         if (const auto *layer = dynamic_cast<const AbstractLayer *>(instance.get()))
             writer.Attribute("CompID", layer->ParentCompositionID());
     }
+}
+
+void PassInstances(const XmlCursor &asset)
+{
+    for (XmlCursor instance = asset.Find(kList).Find(kItem); !instance.IsNull();
+         instance = instance.Next(kItem))
+        for (const char *attribute : {"ID", "Type", "CompID"})
+            static_cast<void>(instance.HasAttribute(attribute));
 }
 
 } // namespace marlet::project

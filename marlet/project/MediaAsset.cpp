@@ -1,7 +1,6 @@
 #include <marlet/project/MediaAsset.h>
 
 #include <marlet/foundation/KyCriticalSection.h>
-#include <marlet/foundation/xml/LoadContext.h>
 #include <marlet/foundation/xml/XmlReader.h>
 #include <marlet/foundation/xml/XmlWriter.h>
 #include <marlet/platform/images/ImageFile.h>
@@ -198,7 +197,7 @@ void MediaAsset::Deserialize(const XmlCursor &element)
     const KyScopedLock holdShortly(ShortLock());
     element.RequireHeader("MediaAsset", 0);
     MediaAssetFields(element, *impl_);
-    PassOver(element.Find("Instances"));
+    PassInstances(element);
     impl_->kept = KeptXml(element);
 }
 

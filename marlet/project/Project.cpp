@@ -6,6 +6,7 @@
 #include <marlet/foundation/xml/XmlWriter.h>
 #include <marlet/plugins/AbstractPluginManager.h>
 #include <marlet/project/AssetList.h>
+#include <marlet/project/LoadFindings.h>
 #include <marlet/project/LoadOptions.h>
 #include <marlet/project/MediaManager.h>
 #include <marlet/project/ProjectMetadata.h>
@@ -103,8 +104,11 @@ void Project::Read(const WideString &xml, const Abstract3DEffectFactory &effectF
         context.Finish();
         throw;
     }
-    context.AddUnknown(document.Root());
-    context.Finish();
+    if (options.report) {
+        context.AddUnknown(document.Root());
+        TellOfIDs(context, document.Root());
+        context.Finish();
+    }
 }
 
 WideString Project::Serialize() const

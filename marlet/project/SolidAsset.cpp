@@ -1,7 +1,6 @@
 #include <marlet/project/SolidAsset.h>
 
 #include <marlet/foundation/Arguments.h>
-#include <marlet/foundation/xml/LoadContext.h>
 #include <marlet/foundation/xml/XmlReader.h>
 #include <marlet/foundation/xml/XmlWriter.h>
 #include <marlet/project/InstancesXml.h>
@@ -96,7 +95,7 @@ void SolidAsset::Deserialize(const XmlCursor &element)
 {
     element.RequireHeader("SolidAsset", 0);
     SolidAssetFields(element, *impl_);
-    PassOver(element.Find("Instances"));
+    PassInstances(element);
     impl_->kept = KeptXml(element);
 }
 

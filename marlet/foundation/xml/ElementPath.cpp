@@ -37,27 +37,32 @@ NarrowString Quoted(std::string_view name)
     return " \"" + text + '"';
 }
 
-NarrowString PlaceAmongEqual(pugi::xml_node element)
+} // namespace
+
+NarrowString ElementPaths::PlaceAmongEqual(pugi::xml_node_struct *element)
 {
-    const char *const tag = element.name();
-    const pugi::xml_node before = element.previous_sibling(tag);
-    if (!before && !element.next_sibling(tag))
+    const pugi::xml_node node(element);
+    const char *const tag = node.name();
+    pugi::xml_node before = node.previous_sibling(tag);
+    if (!before && !node.next_sibling(tag))
         return {};
     int place = 1;
-    for (pugi::xml_node node = before; node; node = node.previous_sibling(tag))
-        ++place;
+    for (; before; before = before.previous_sibling(tag), ++place)
+        if (const auto known = places_.find(before.internal_object()); known != places_.end()) {
+            place += known->second;
+            break;
+        }
+    places_[element] = place;
     return "[" + std::to_string(place) + "]";
 }
 
-} // namespace
-
-NarrowString ElementPath(const XmlCursor &element)
+NarrowString ElementPaths::PathOf(const XmlCursor &element)
 {
     NarrowString path;
     for (pugi::xml_node node(element.Node()); node.type() == pugi::node_element; node = node.parent()) {
         NarrowString step = node.name();
         const std::string_view name = step.ends_with("Base") ? "" : Field(node, "Name").child_value();
-        step += name.empty() ? PlaceAmongEqual(node) : Quoted(name);
+        step += name.empty() ? PlaceAmongEqual(node.internal_object()) : Quoted(name);
         path = path.empty() ? step : step + "/" + path;
     }
     return path;

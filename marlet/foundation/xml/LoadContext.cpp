@@ -1,7 +1,6 @@
 #include <marlet/foundation/xml/LoadContext.h>
 
 #include <marlet/foundation/Exceptions.h>
-#include <marlet/foundation/xml/ElementPath.h>
 #include <marlet/foundation/xml/XmlSource.h>
 
 #include <pugixml.hpp>
@@ -169,11 +168,14 @@ void LoadContext::Add(Severity severity, const XmlCursor &element, NarrowString 
 {
     if (!report_)
         return;
+    // Names of a document may hold anything; a sentence stands on one line.
+    std::ranges::replace_if(
+        what, [](char c) { return static_cast<unsigned char>(c) < ' '; }, ' ');
     LoadEntry entry{severity, std::move(what), {}, 0, 0, 0, std::move(ids)};
     // Those beyond the bound are counted only, so that nothing need be worked out for them.
     if (const std::size_t offset = OffsetOf(element);
         offset != kNowhere && report_->Entries().size() < LoadReport::kMostEntries) {
-        entry.path = ElementPath(element);
+        entry.path = paths_.PathOf(element);
         entry.offset = offset - 1;
         entry.line = 1; // until Finish
         if (entry.ids.empty())
@@ -223,7 +225,6 @@ void LoadContext::AddError(const std::exception &error)
     if (const auto *contents = dynamic_cast<const ProjectException *>(&error);
         contents && contents->Code() == ProjectException::kMissingProperty)
         what += " The property " + contents->Detail() + " is missing.";
-    std::ranges::replace(what, '\n', ' ');
     what.erase(what.find_last_not_of(" .") + 1);
     Add(Severity::Error, failed_.IsNull() ? last_ : failed_, std::move(what));
 }

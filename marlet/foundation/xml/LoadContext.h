@@ -1,6 +1,7 @@
 #pragma once
 
 #include <marlet/foundation/LoadReport.h>
+#include <marlet/foundation/xml/ElementPath.h>
 #include <marlet/foundation/xml/XmlReader.h>
 
 #include <cstdint>
@@ -86,6 +87,7 @@ private:
     std::size_t size_ = 0;
     std::vector<bool> marks_; ///< by places in the buffer that belong to one element or attribute each
     std::optional<NarrowString> source_;
+    ElementPaths paths_;
     XmlCursor last_; ///< that was looked at
     XmlCursor failed_;
 };
