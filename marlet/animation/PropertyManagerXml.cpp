@@ -8,7 +8,6 @@
 #include <marlet/foundation/xml/XmlReader.h>
 #include <marlet/foundation/xml/XmlWriter.h>
 
-#include <algorithm>
 #include <utility>
 
 namespace marlet::project
@@ -23,18 +22,6 @@ void WriteValueChild(XmlWriter &writer, const char *tag, const PropertyValue &va
 {
     const XmlElement element(writer, tag);
     WriteValue(writer, value);
-}
-
-/// The parser takes any letter beyond ASCII for part of a name. What could not be read again once it is
-/// written is no name, and the text no XML.
-/// @throws XmlParseException, as for a text that is not whole
-void RequireNames(const XmlCursor &manager)
-{
-    for (XmlCursor child = manager.FirstChild(); !child.IsNull(); child = child.Next()) {
-        const bool isAscii = std::ranges::all_of(child.Name(), [](char c) { return (c & 0x80) == 0; });
-        if (!isAscii && !IsXmlName(child.Name()))
-            throw XmlParseException(NarrowString("Wrong tag name\n") + kTag);
-    }
 }
 
 /// What can be read, but is hardly meant.
@@ -109,7 +96,6 @@ void PropertyManager::Serialize(XmlWriter &writer) const
 void PropertyManager::Deserialize(const XmlCursor &element)
 {
     element.RequireHeader(kTag, 0);
-    RequireNames(element);
     Clear();
     for (XmlCursor child = element.FirstChild(); !child.IsNull(); child = child.Next()) {
         child.RequireAttribute("Type");
@@ -136,7 +122,6 @@ void PropertyManager::Deserialize(const XmlCursor &element)
             TellOfOddities(child, *property);
     }
     Keep(element);
-    element.MarkKnown(); // what is found missing in the manager is found here
 }
 
 void PropertyManager::Keep(const XmlCursor &element)

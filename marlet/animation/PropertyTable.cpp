@@ -1,6 +1,7 @@
 #include <marlet/animation/PropertyTable.h>
 
 #include <marlet/foundation/Exceptions.h>
+#include <marlet/foundation/xml/LoadContext.h>
 
 namespace marlet::project
 {
@@ -43,8 +44,11 @@ void CreateProperties(PropertyManager &manager, const PropertyTable &properties)
         Create(manager, property);
 }
 
-void RequireProperties(PropertyManager &manager, const PropertyTable &properties, unsigned int version)
+void RequireProperties(const XmlCursor &element, PropertyManager &manager, const PropertyTable &properties,
+                       unsigned int version)
 {
+    // What is missing is missing there.
+    element.MarkKnown();
     for (const PropertyRow &property : properties)
         if (property.since == 0)
             Require(manager, property);
@@ -54,6 +58,12 @@ void RequireProperties(PropertyManager &manager, const PropertyTable &properties
     for (const PropertyRow &property : properties)
         if (property.since > 0)
             Require(manager, property);
+    if (LoadContext::Current())
+        for (const PropertyRow &property : properties)
+            if (manager.StaticValue(property.name).which() != property.value.which())
+                TellLoad(LoadEntry::Severity::Warning, element,
+                         NarrowString("the property ") + property.name +
+                             " has a value of another type than it should");
 }
 
 } // namespace marlet::project

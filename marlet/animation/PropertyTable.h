@@ -8,6 +8,8 @@
 namespace marlet::project
 {
 
+class XmlCursor;
+
 /// A property that every object of a class has.
 struct PropertyRow {
     const char *name;
@@ -28,9 +30,10 @@ PropertyRow FixedProperty(const char *name, const PropertyValue &value);
 /// @throws ProjectException with the status of a property that cannot be created
 void CreateProperties(PropertyManager &manager, const PropertyTable &properties);
 
-/// Checks what an element of that version holds. Properties that later versions brought are looked for
-/// after the others, once those that it lacks are created.
+/// Checks what a manager holds that was read from the element of a class in that version. Properties that
+/// later versions brought are looked for after the others, once those that it lacks are created.
 /// @throws ProjectException with the name of the first property that is missing
-void RequireProperties(PropertyManager &manager, const PropertyTable &properties, unsigned int version);
+void RequireProperties(const XmlCursor &element, PropertyManager &manager, const PropertyTable &properties,
+                       unsigned int version);
 
 } // namespace marlet::project

@@ -76,7 +76,7 @@ SequenceObject::SequenceObject(const SequenceObjectKind &kind, const XmlCursor &
         EffectsHelper::DeserializeTransition(element, kOutgoing, pluginManager, impl_->outgoingTransition,
                                              objects);
     }
-    RequireProperties(*impl_->properties, kind.properties, version);
+    RequireProperties(element, *impl_->properties, kind.properties, version);
     impl_->kept = KeptXml(element);
 }
 

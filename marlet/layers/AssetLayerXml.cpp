@@ -71,7 +71,7 @@ AssetLayer::AssetLayer(const XmlCursor &element, const std::shared_ptr<AbstractP
     EffectsHelper::DeserializeEffects(element, impl_->effects, pluginManager);
     LayerHelper::DeserializeMasks(element, impl_->masks);
     Deserialize(element.Find("LayerBase"));
-    RequireProperties(Animation(), AssetLayerProperties(), version);
+    RequireProperties(element, Animation(), AssetLayerProperties(), version);
     Keep(element);
 }
 

@@ -60,7 +60,7 @@ CameraLayer::CameraLayer(const XmlCursor &element) : CameraLayer()
     const unsigned int version = element.RequireHeader(kTag, kVersion);
     CameraLayerFields(element, *impl_);
     Deserialize(element.Find("LayerBase"));
-    RequireProperties(Animation(), required, version);
+    RequireProperties(element, Animation(), required, version);
     Keep(element);
 }
 

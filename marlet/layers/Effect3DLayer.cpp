@@ -81,7 +81,7 @@ Effect3DLayer::Effect3DLayer(const XmlCursor &element, const Abstract3DEffectFac
     const unsigned int version = element.RequireHeader(kTag, kVersion);
     Deserialize(element.Find("LayerBase"));
     impl_->effect = ReadEffect(element.Find(kEffectTag), effectFactory, textures);
-    RequireProperties(Animation(), Properties(), version);
+    RequireProperties(element, Animation(), Properties(), version);
     Keep(element);
 }
 

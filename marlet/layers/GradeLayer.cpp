@@ -57,7 +57,7 @@ GradeLayer::GradeLayer(const XmlCursor &element, const std::shared_ptr<AbstractP
     EffectsHelper::DeserializeEffects(element, impl_->effects, pluginManager);
     LayerHelper::DeserializeMasks(element, impl_->masks);
     Deserialize(element.Find("LayerBase"));
-    RequireProperties(Animation(), Properties(), version);
+    RequireProperties(element, Animation(), Properties(), version);
     Keep(element);
 }
 

@@ -62,7 +62,7 @@ LightLayer::LightLayer(const XmlCursor &element) : LightLayer()
     const unsigned int version = element.RequireHeader(kTag, kVersion);
     LightLayerFields(element, *impl_);
     Deserialize(element.Find("LayerBase"));
-    RequireProperties(Animation(), required, version);
+    RequireProperties(element, Animation(), required, version);
     Keep(element);
 }
 

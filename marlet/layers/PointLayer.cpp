@@ -44,7 +44,7 @@ PointLayer::PointLayer(const XmlCursor &element, const Deserializer &) : PointLa
     const unsigned int version = element.RequireHeader(kTag, kVersion);
     PointLayerFields(element, *impl_);
     Deserialize(element.Find("LayerBase"));
-    RequireProperties(Animation(), Properties(), version);
+    RequireProperties(element, Animation(), Properties(), version);
     Keep(element);
 }
 

@@ -2,6 +2,7 @@
 
 #include <marlet/layers/StyledText.h>
 
+#include <marlet/foundation/xml/LoadContext.h>
 #include <marlet/foundation/xml/XmlReader.h>
 #include <marlet/foundation/xml/XmlWriter.h>
 
@@ -81,7 +82,11 @@ std::shared_ptr<Format> ReadFormat(const XmlCursor &token, const FormatsByID &fo
     kytl::KyID id;
     token.Attribute("Ft", id);
     const auto format = formats.find(id);
-    return format == formats.end() ? nullptr : format->second;
+    if (format != formats.end())
+        return format->second;
+    if (!id.IsNull())
+        TellLoad(LoadEntry::Severity::Loss, token, "the format of the character is not there", {id});
+    return nullptr;
 }
 
 /// A null pointer for a token of a type that is not known.
@@ -119,6 +124,8 @@ void ReadTokens(const XmlCursor &parent, TextLayer::TokenList &tokens, const Tex
     for (XmlCursor child = element.Find("Tk"); !child.IsNull(); child = child.Next("Tk"))
         if (const std::shared_ptr<Token> token = ReadToken(child, formatsByID))
             tokens.Append(token);
+        else
+            Disown(child);
 }
 
 } // namespace

@@ -93,7 +93,7 @@ TextLayer::TextLayer(const XmlCursor &element, const std::shared_ptr<AbstractPlu
     EffectsHelper::DeserializeEffects(element, impl_->effects, pluginManager);
     LayerHelper::DeserializeMasks(element, impl_->masks);
     Deserialize(element.Find("LayerBase"));
-    RequireProperties(Animation(), Properties(), version);
+    RequireProperties(element, Animation(), Properties(), version);
     Keep(element);
 }
 

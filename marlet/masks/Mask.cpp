@@ -116,7 +116,7 @@ void Mask::Deserialize(const XmlCursor &element)
     impl_->animation = PropertyManager::Create();
     if (const XmlCursor properties = element.Find("PropertyManager"); !properties.IsNull())
         impl_->animation->Deserialize(properties);
-    RequireProperties(*impl_->animation, Properties(), version);
+    RequireProperties(element, *impl_->animation, Properties(), version);
     impl_->kept = KeptXml(element);
 }
 

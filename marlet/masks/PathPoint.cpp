@@ -48,7 +48,7 @@ PathPoint::PathPoint(const XmlCursor &element) : PathPoint()
     PathPointFields(element, *impl_);
     if (const XmlCursor properties = element.Find("PropertyManager"); !properties.IsNull())
         impl_->animation->Deserialize(properties);
-    RequireProperties(*impl_->animation, required, version);
+    RequireProperties(element, *impl_->animation, required, version);
 }
 
 PathPoint::PathPoint(const PathPoint &other) = default;

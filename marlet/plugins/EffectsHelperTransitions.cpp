@@ -5,6 +5,7 @@
 #include <marlet/editor/Transition.h>
 #include <marlet/foundation/Arguments.h>
 #include <marlet/foundation/xml/DomBridge.h>
+#include <marlet/foundation/xml/LoadContext.h>
 #include <marlet/foundation/xml/XmlReader.h>
 #include <marlet/foundation/xml/XmlWriter.h>
 #include <marlet/plugins/PluginInstance_Impl.h>
@@ -34,6 +35,8 @@ std::shared_ptr<Transition> FindReferred(const XmlCursor &slot, const SequenceOb
     if (objects != nullptr)
         if (const std::shared_ptr<AbstractSequenceObject> object = objects->GetByID(objectID))
             return object->OutgoingTransition();
+    TellLoad(LoadEntry::Severity::Loss, slot, "the object whose transition is referred to is not there",
+             {objectID});
     return nullptr;
 }
 

@@ -212,8 +212,7 @@ void PluginInstance_Impl::Write(XmlWriter &writer, const AbstractPluginInstance 
 {
     const std::shared_ptr<AbstractPlugin> locked = RequirePlugin();
     if (standIn) {
-        const XmlElement element(writer, Tag(), kVersion, kept);
-        WriteChildren(writer, *locked);
+        WriteStandIn(writer);
         return;
     }
     const PluginElement plugins(*this, *locked, const_cast<AbstractPluginInstance *>(&instance));
@@ -224,6 +223,29 @@ void PluginInstance_Impl::Write(XmlWriter &writer, const AbstractPluginInstance 
     else
         WriteChildren(writer, *locked);
     plugins.WriteAdded(writer);
+}
+
+/// The element as it came while nothing has changed: what a plug-in adds to the library's own elements is
+/// written in an order of its own.
+void PluginInstance_Impl::WriteStandIn(XmlWriter &writer) const
+{
+    const auto write = [this](XmlWriter &to) {
+        const XmlElement element(to, Tag(), kVersion, kept);
+        WriteChildren(to, *standIn);
+    };
+    if (source && std::hash<WideString>()(XmlText(write)) == asRead)
+        writer.Element(Tag(), *source);
+    else
+        write(writer);
+}
+
+void PluginInstance_Impl::KeepElement(const XmlCursor &element)
+{
+    kept = KeptXml(element);
+    source = nullptr;
+    asRead = std::hash<WideString>()(XmlText([this](XmlWriter &writer) { WriteStandIn(writer); }));
+    if (LoadContext *const context = LoadContext::Current())
+        source = std::make_shared<const NarrowString>(context->SourceOf(element));
 }
 
 void PluginInstance_Impl::WriteChildren(XmlWriter &writer, const AbstractPlugin &ofPlugin) const
@@ -253,7 +275,7 @@ void PluginInstance_Impl::Read(const XmlCursor &element, AbstractPluginInstance 
     if (version >= kFirstWithUIState)
         EffectsHelper::SynchronizeUIState(element, uiStates);
     if (standIn) {
-        kept = KeptXml(element);
+        KeepElement(element);
         return;
     }
     LeaveToPlugin(element, saved, *properties);

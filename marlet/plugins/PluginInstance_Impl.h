@@ -38,9 +38,11 @@ struct PluginInstance_Impl {
 
     /// The plug-in is handed an instance that it may change; saving is const to everybody else.
     void Write(XmlWriter &writer, const AbstractPluginInstance &instance) const;
+    void WriteStandIn(XmlWriter &writer) const;
     /// All that the library writes into the element, which is also what the plug-in is handed.
     void WriteChildren(XmlWriter &writer, const AbstractPlugin &ofPlugin) const;
     void Read(const XmlCursor &element, AbstractPluginInstance *instance);
+    void KeepElement(const XmlCursor &element);
     /// Hands private data from an instance to its copy, as it is saved and read.
     void CopyPrivateData(AbstractPluginInstance *instance, AbstractPluginInstance *copy) const;
 
@@ -48,7 +50,10 @@ struct PluginInstance_Impl {
     kytl::KyID pluginID;
     std::weak_ptr<AbstractPlugin> plugin;
     std::shared_ptr<AbstractPlugin> standIn; ///< the plug-in, if it is one, which nobody else owns
-    KeptXml kept;                            ///< of the element, if the plug-in is a stand-in
+    // Of the element, if the plug-in is a stand-in:
+    KeptXml kept;
+    std::shared_ptr<const NarrowString> source;
+    std::size_t asRead = 0; ///< the hash of what the library writes as long as nothing has changed
     std::shared_ptr<PropertyManager> properties;
     EffectsHelper::UIStates uiStates;
     void *instanceData = nullptr;

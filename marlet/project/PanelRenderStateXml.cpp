@@ -1,3 +1,4 @@
+#include <marlet/foundation/xml/LoadContext.h>
 #include <marlet/foundation/xml/XmlReader.h>
 #include <marlet/foundation/xml/XmlWriter.h>
 #include <marlet/project/PanelRenderState_Impl.h>
@@ -134,6 +135,8 @@ void PanelRenderState::Deserialize(const XmlCursor &element)
     for (XmlCursor child = element.Find("Views").Find("State"); !child.IsNull(); child = child.Next("State"))
         if (const std::optional<State> state = ReadState(child))
             impl_->AddState(*state);
+        else
+            Disown(child);
 }
 
 void PanelRenderState::ReadLayout(const XmlCursor &element, LayoutType type)

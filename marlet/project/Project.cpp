@@ -13,6 +13,8 @@
 #include <marlet/project/ProjectSettings.h>
 #include <marlet/project/ProjectTextureImageCache.h>
 
+#include <optional>
+
 namespace marlet::project
 {
 
@@ -96,17 +98,18 @@ void Project::Read(const WideString &xml, const Abstract3DEffectFactory &effectF
                    const LoadOptions &options)
 {
     LoadContext context(xml, options.report, options.keepUnknown);
-    const XmlDocument document(xml, &context);
+    std::optional<XmlDocument> document;
     try {
-        Deserialize(document.Root(), effectFactory, options.progress);
+        document.emplace(xml, &context);
+        Deserialize(document->Root(), effectFactory, options.progress);
     } catch (const std::exception &error) {
         context.AddError(error);
         context.Finish();
         throw;
     }
     if (options.report) {
-        context.AddUnknown(document.Root());
-        TellOfIDs(context, document.Root());
+        context.AddUnknown(document->Root());
+        TellOfIDs(context, document->Root());
         context.Finish();
     }
 }

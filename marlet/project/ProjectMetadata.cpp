@@ -1,5 +1,6 @@
 #include <marlet/project/ProjectMetadata.h>
 
+#include <marlet/foundation/xml/LoadContext.h>
 #include <marlet/foundation/xml/XmlReader.h>
 #include <marlet/foundation/xml/XmlWriter.h>
 
@@ -48,6 +49,9 @@ public:
         for (XmlCursor item = section.Find("Item"); !item.IsNull(); item = item.Next("Item")) {
             std::uint64_t key = 0;
             item.Attribute("K", key);
+            if (values_.contains(key))
+                TellLoad(LoadEntry::Severity::Loss, item,
+                         "the key stands there already, and the last one counts");
             item.Attribute("V", values_[key]);
         }
     }

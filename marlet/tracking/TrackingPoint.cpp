@@ -60,7 +60,7 @@ TrackingPoint::TrackingPoint(const XmlCursor &element, const char *tag) : Tracki
     TrackingPointFields(element, *impl_);
     if (const XmlCursor properties = element.Find("PropertyManager"); !properties.IsNull())
         impl_->animation->Deserialize(properties);
-    RequireProperties(*impl_->animation, required, version);
+    RequireProperties(element, *impl_->animation, required, version);
 }
 
 TrackingPoint::TrackingPoint(const TrackingPoint &other) = default;

@@ -101,7 +101,7 @@ TEST(Light, StaysTurnedAsItWasMade)
 std::string MissingIn(PropertyManager &manager, const LayerProperties &properties, unsigned int version)
 {
     try {
-        RequireProperties(manager, properties, version);
+        RequireProperties({}, manager, properties, version);
     } catch (const ProjectException &failure) {
         EXPECT_EQ(failure.Code(), 9);
         return failure.Detail();

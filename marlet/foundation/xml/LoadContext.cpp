@@ -171,6 +171,7 @@ void LoadContext::Add(Severity severity, const XmlCursor &element, NarrowString 
     // Names of a document may hold anything; a sentence stands on one line.
     std::ranges::replace_if(
         what, [](char c) { return static_cast<unsigned char>(c) < ' '; }, ' ');
+    what.erase(what.find_last_not_of(" .") + 1);
     LoadEntry entry{severity, std::move(what), {}, 0, 0, 0, std::move(ids)};
     // Those beyond the bound are counted only, so that nothing need be worked out for them.
     if (const std::size_t offset = OffsetOf(element);
@@ -219,13 +220,53 @@ void LoadContext::AddUnknownBelow(const XmlCursor &element)
     }
 }
 
+void LoadContext::TakeScan(const XmlScan &scan)
+{
+    fault_ = scan.fault;
+    if (!fault_ && scan.hasDocumentType) {
+        const std::size_t offset = Source().find("<!DOCTYPE");
+        fault_ = XmlFault{offset, "it declares a document type, which no project does", offset, {}};
+    }
+    if (!fault_ && scan.tooDeep)
+        fault_ = XmlFault{*scan.tooDeep, "elements are nested too deep", *scan.tooDeep, {}};
+}
+
+void LoadContext::AddFault()
+{
+    constexpr std::size_t kMostLines = 10;
+    const auto place = [this](std::size_t offset) {
+        TextPlace at;
+        at.GoTo(Source(), offset);
+        return at;
+    };
+    const auto lineOf = [&](std::size_t offset) { return "line " + std::to_string(place(offset).line); };
+    LoadEntry entry{Severity::Error, "the text is no XML: " + fault_->what, {}, 1, 0, fault_->offset, {}};
+    if (fault_->otherOffset != fault_->offset)
+        entry.what += "; see " + lineOf(fault_->otherOffset) + ", column " +
+                      std::to_string(place(fault_->otherOffset).column);
+    const std::vector<std::size_t> &open = fault_->openElements;
+    NarrowString lines;
+    for (std::size_t i = 0; i < open.size(); ++i) {
+        const NarrowString tag(XmlNameAt(Source(), open[i] + 1));
+        entry.path += (i == 0 ? "" : "/") + tag;
+        if (i + kMostLines >= open.size())
+            lines += (lines.empty() ? "" : ", ") + tag + " (" + lineOf(open[i]) + ")";
+    }
+    if (!lines.empty())
+        entry.what += "; open there: " + lines;
+    report_->Add(std::move(entry));
+}
+
 void LoadContext::AddError(const std::exception &error)
 {
+    if (fault_ && report_) {
+        AddFault();
+        return;
+    }
     NarrowString what = error.what();
     if (const auto *contents = dynamic_cast<const ProjectException *>(&error);
         contents && contents->Code() == ProjectException::kMissingProperty)
         what += " The property " + contents->Detail() + " is missing.";
-    what.erase(what.find_last_not_of(" .") + 1);
     Add(Severity::Error, failed_.IsNull() ? last_ : failed_, std::move(what));
 }
 
@@ -248,6 +289,12 @@ void PassOver(const XmlCursor &element)
 {
     if (LoadContext *const context = LoadContext::Current(); context && !element.IsNull())
         context->MarkAllKnown(element);
+}
+
+void Disown(const XmlCursor &element)
+{
+    if (LoadContext *const context = LoadContext::Current())
+        context->MarkUnknown(element);
 }
 
 void TellLoad(LoadEntry::Severity severity, const XmlCursor &element, NarrowString what,

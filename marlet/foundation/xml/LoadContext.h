@@ -2,6 +2,7 @@
 
 #include <marlet/foundation/LoadReport.h>
 #include <marlet/foundation/xml/ElementPath.h>
+#include <marlet/foundation/xml/WellFormed.h>
 #include <marlet/foundation/xml/XmlReader.h>
 
 #include <cstdint>
@@ -31,6 +32,8 @@ public:
     static LoadContext *Current() { return current_; }
     bool KeepsUnknown() const { return keepsUnknown_; }
 
+    /// Takes over what is wrong with the text as such, before it is parsed.
+    void TakeScan(const XmlScan &scan);
     /// Follows the reading of a tree that was parsed in place, in a buffer that outlives the context.
     void Follow(const NarrowString &buffer);
 
@@ -75,6 +78,7 @@ private:
     bool Has(std::size_t bit) const;
     void Set(std::size_t bit, bool value);
     const NarrowString &Source();
+    void AddFault();
     void AddUnknownBelow(const XmlCursor &element);
 
     static inline constinit thread_local LoadContext *current_ = nullptr;
@@ -87,6 +91,7 @@ private:
     std::size_t size_ = 0;
     std::vector<bool> marks_; ///< by places in the buffer that belong to one element or attribute each
     std::optional<NarrowString> source_;
+    std::optional<XmlFault> fault_;
     ElementPaths paths_;
     XmlCursor last_; ///< that was looked at
     XmlCursor failed_;
@@ -94,6 +99,9 @@ private:
 
 /// Takes an element with all below it for known, since it only repeats what stands elsewhere.
 void PassOver(const XmlCursor &element);
+
+/// Takes back that an element is known, for whoever has looked for it by its tag and cannot read it.
+void Disown(const XmlCursor &element);
 
 /// Tells the load that goes on, if one does and wants to know.
 void TellLoad(LoadEntry::Severity severity, const XmlCursor &element, NarrowString what,

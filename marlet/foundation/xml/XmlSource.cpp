@@ -62,6 +62,12 @@ std::string_view XmlElementAt(std::string_view text, std::size_t start)
     return text.substr(start, at - start);
 }
 
+std::string_view XmlNameAt(std::string_view text, std::size_t start)
+{
+    const std::size_t end = std::min(text.find_first_of(" \t\r\n/>=", start), text.size());
+    return text.substr(start, end - start);
+}
+
 std::string_view XmlAttributeAt(std::string_view text, std::size_t name)
 {
     const std::size_t quote = text.find_first_of("\"'", name);

@@ -10,6 +10,8 @@ namespace marlet::project
 
 /// The element whose "<" stands at an offset, with its end tag.
 std::string_view XmlElementAt(std::string_view text, std::size_t start);
+/// The name that starts at an offset.
+std::string_view XmlNameAt(std::string_view text, std::size_t start);
 /// The attribute whose name stands at an offset, with its value in quotes.
 std::string_view XmlAttributeAt(std::string_view text, std::size_t name);
 

@@ -1,5 +1,8 @@
 #include <marlet/foundation/xml/XmlText.h>
 
+#include <marlet/foundation/Utf8.h>
+#include <marlet/foundation/xml/XmlCharacters.h>
+
 #include <boost/lexical_cast.hpp>
 
 #include <algorithm>
@@ -9,7 +12,6 @@
 #include <cmath>
 #include <limits>
 #include <optional>
-#include <span>
 
 namespace marlet::project
 {
@@ -98,10 +100,37 @@ bool IsTooLarge(std::string_view number)
     return exponent > -digitsBeforePoint;
 }
 
+/// Digits with at most a point among them, which most numbers are, and so few that their quotient is what the
+/// text reads as.
+std::optional<double> ParseFewDigits(std::string_view text)
+{
+    constexpr double powers[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6, 1e7,
+                                 1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14};
+    constexpr std::size_t most = 15;
+    if (text.empty() || text.size() > most)
+        return {};
+    std::uint64_t digits = 0;
+    std::size_t behindPoint = 0;
+    bool isBehindPoint = false;
+    for (const char c : text) {
+        if (IsDigit(c)) {
+            digits = digits * 10 + static_cast<std::uint64_t>(c - '0');
+            behindPoint += isBehindPoint ? 1 : 0;
+        } else if (c == '.' && !isBehindPoint) {
+            isBehindPoint = true;
+        } else {
+            return {};
+        }
+    }
+    return text == "." ? std::nullopt : std::optional(static_cast<double>(digits) / powers[behindPoint]);
+}
+
 /// A number without blanks and sign; nothing for a text that is none, or whose number vanishes.
 std::optional<double> ParseMagnitude(std::string_view text)
 {
     constexpr double infinity = std::numeric_limits<double>::infinity();
+    if (const std::optional<double> value = ParseFewDigits(text))
+        return value;
     if (EqualsIgnoringCase(text, "inf"))
         return infinity;
     // Keeps out what std::from_chars takes beyond digits.
@@ -133,34 +162,6 @@ std::optional<double> FindReal(std::string_view text)
 {
     const std::optional<double> value = ParseReal(text);
     return value || IsAscii(text) ? value : ParseReal(WithPlainBlanksAndSigns(text));
-}
-
-struct Range {
-    char16_t first;
-    char16_t last;
-};
-
-/// Where a name may start, beyond ASCII. Both halves of most surrogate pairs are among them.
-constexpr Range kNameStarts[] = {{0xC0, 0xD6},     {0xD8, 0xF6},     {0xF8, 0x2FF},    {0x370, 0x37D},
-                                 {0x37F, 0x1FFF},  {0x200C, 0x200D}, {0x2070, 0x218F}, {0x2C00, 0x2FEF},
-                                 {0x3001, 0xDB7F}, {0xDC00, 0xDFFF}, {0xF900, 0xFDCF}, {0xFDF0, 0xFFFC}};
-constexpr Range kOtherNameCharacters[] = {{0xB7, 0xB7}, {0x300, 0x36F}, {0x203F, 0x2040}};
-
-bool IsIn(std::span<const Range> ranges, char16_t c)
-{
-    return std::ranges::any_of(ranges, [c](Range range) { return c >= range.first && c <= range.last; });
-}
-
-bool IsNameStart(char16_t c)
-{
-    return (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z') || c == u'_' || c == u':' ||
-           IsIn(kNameStarts, c);
-}
-
-bool IsNameCharacter(char16_t c)
-{
-    return IsNameStart(c) || (c >= u'0' && c <= u'9') || c == u'-' || c == u'.' ||
-           IsIn(kOtherNameCharacters, c);
 }
 
 __extension__ using Wide = unsigned __int128;
@@ -285,10 +286,12 @@ template <class Integer> NumberText FormatInteger(Integer value)
 
 bool IsXmlName(std::string_view utf8)
 {
-    const WideString name = FromUtf8(utf8);
-    // Bytes that are no UTF-8 were replaced by a character that may stand in a name.
-    return !name.empty() && ToUtf8(name) == utf8 && IsNameStart(name.front()) &&
-           std::ranges::all_of(name, IsNameCharacter);
+    const char *at = utf8.data();
+    const char *const end = at + utf8.size();
+    bool isName = at != end && ToUtf8(FromUtf8(utf8)) == utf8 && IsXmlNameStart(TakeCharacter(at, end));
+    while (isName && at != end)
+        isName = IsXmlNameCharacter(TakeCharacter(at, end));
+    return isName;
 }
 
 std::int32_t ParseInt(std::string_view text)

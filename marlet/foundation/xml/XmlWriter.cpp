@@ -175,6 +175,16 @@ void XmlWriter::Push(std::string_view tag, const KeptPlace *kept)
     kept_.push_back({kept, 0, 0, {}});
 }
 
+void XmlWriter::Element(std::string_view tag, std::string_view source)
+{
+    StartBlockIfFull();
+    if (!open_.empty() && open_.back().kept >= 0)
+        PassKept(tag);
+    StartLine();
+    block_ += source;
+    block_ += '\n';
+}
+
 /// Writes what stands in front of the next child of the open element, and finds what is kept for that child.
 const KeptPlace *XmlWriter::PassKept(std::string_view tag)
 {

@@ -64,6 +64,9 @@ public:
     requires std::is_enum_v<Enum>
     void Child(std::string_view name, Enum value) { Child(name, static_cast<int>(value)); }
 
+    /// A whole child element as it stood in a text. Its lines are not indented anew.
+    void Element(std::string_view tag, std::string_view source);
+
     /// The finished text.
     WideString Take();
 
