@@ -158,7 +158,9 @@ enum class Tables {
 /// Takes over what the index of the container says.
 Tables ReadTables(Scan &scan, const FileSource &source, Demuxer &demuxer)
 {
-    if (!MayHaveTables(demuxer, scan))
+    // So much is read sooner than it takes to see whether an index is true.
+    constexpr std::int64_t kSmall = 1 << 20;
+    if (source.Size() < kSmall || !MayHaveTables(demuxer, scan))
         return Tables::Insufficient;
     const auto tracks = ReadMovTracks(source);
     if (!tracks)

@@ -134,18 +134,18 @@ bool IsWholeJpeg(Bytes picture, int height)
 
 bool IsProgressive(const AVCodecParameters &parameters, Bytes packet)
 {
-    auto header = FindSequenceHeader(parameters.codec_id, packet);
+    auto header = FindSequenceHeader(parameters.codec_id, SplitAtStartCodes(packet));
     if (!header)
-        header = FindSequenceHeader(parameters.codec_id, HeaderOf(parameters));
+        header = FindSequenceHeader(parameters.codec_id, SplitAtStartCodes(HeaderOf(parameters)));
     return header && header->isProgressive;
 }
 
 } // namespace
 
-std::optional<SequenceHeader> FindSequenceHeader(AVCodecID codec, Bytes bytes)
+std::optional<SequenceHeader> FindSequenceHeader(AVCodecID codec, const std::vector<Bytes> &units)
 {
     std::optional<SequenceHeader> header;
-    for (const Bytes unit : SplitAtStartCodes(bytes)) {
+    for (const Bytes unit : units) {
         if (unit.size() < 2)
             continue;
         HeaderBits bits(unit.subspan(1));
@@ -157,9 +157,8 @@ std::optional<SequenceHeader> FindSequenceHeader(AVCodecID codec, Bytes bytes)
     return header;
 }
 
-std::optional<PictureHeader> FindPictureHeader(AVCodecID codec, Bytes packet)
+std::optional<PictureHeader> FindPictureHeader(AVCodecID codec, const std::vector<Bytes> &units)
 {
-    const std::vector<Bytes> units = SplitAtStartCodes(packet);
     return codec == AV_CODEC_ID_MPEG4 ? FindObjectPlane(units) : FindPicture(units);
 }
 

@@ -38,7 +38,7 @@ bool PictureOrder::IsTold(AVCodecID codec)
 PictureOrder::PictureOrder(const AVCodecParameters &parameters)
     : codec_(parameters.codec_id), mayReorder_(codec_ == AV_CODEC_ID_MPEG1VIDEO)
 {
-    if (const auto header = FindSequenceHeader(codec_, HeaderOf(parameters)))
+    if (const auto header = FindSequenceHeader(codec_, SplitAtStartCodes(HeaderOf(parameters))))
         mayReorder_ = header->mayReorder;
     if (!HasNumbers(codec_))
         return;
@@ -50,6 +50,24 @@ PictureOrder::PictureOrder(const AVCodecParameters &parameters)
 }
 
 void PictureOrder::Add(const AVPacket &packet)
+{
+    // Mostly times turn out to be there, or to be missing from the beginning.
+    constexpr std::size_t kMostWaiting = 16;
+    if (isNeeded_ || !isKnown_) {
+        AddNext(packet);
+        return;
+    }
+    waiting_.push_back(Allocated(PacketPtr(av_packet_clone(&packet))));
+    isNeeded_ = packet.pts == AV_NOPTS_VALUE;
+    isKnown_ = isNeeded_ || waiting_.size() < kMostWaiting;
+    if (isNeeded_)
+        for (const PacketPtr &waiting : waiting_)
+            AddNext(*waiting);
+    if (isNeeded_ || !isKnown_)
+        waiting_.clear();
+}
+
+void PictureOrder::AddNext(const AVPacket &packet)
 {
     if ((packet.flags & AV_PKT_FLAG_DISCARD) != 0 || (places_.empty() && !(packet.flags & AV_PKT_FLAG_KEY)))
         isKnown_ = false;
@@ -64,9 +82,10 @@ void PictureOrder::Add(const AVPacket &packet)
 /// A picture that others are predicted from is shown when the next of that kind is decoded.
 void PictureOrder::AddByType(const AVPacket &packet)
 {
-    if (const auto header = FindSequenceHeader(codec_, BytesOf(packet)))
+    const std::vector<Bytes> units = SplitAtStartCodes(BytesOf(packet));
+    if (const auto header = FindSequenceHeader(codec_, units))
         mayReorder_ = header->mayReorder;
-    const auto picture = FindPictureHeader(codec_, BytesOf(packet));
+    const auto picture = FindPictureHeader(codec_, units);
     const auto number = static_cast<std::int64_t>(places_.size());
     // What is predicted from both sides needs both, and a sequence that allows it.
     isKnown_ = picture && (picture->isReference || (references_ >= 2 && mayReorder_));

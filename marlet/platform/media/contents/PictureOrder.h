@@ -24,12 +24,15 @@ public:
     std::optional<std::vector<int>> Packets() const;
 
 private:
+    void AddNext(const AVPacket &packet);
     void AddByType(const AVPacket &packet);
     void AddByNumber(const AVPacket &packet);
 
     AVCodecID codec_;
     CodecPtr context_; ///< that the parser works with
     ParserPtr parser_;
+    bool isNeeded_ = false;          ///< since a packet had no time
+    std::vector<PacketPtr> waiting_; ///< until it is needed
     bool isKnown_ = true;
     std::vector<std::int64_t> places_; ///< of the packets; whatever is shown earlier has a lower one
     int references_ = 0;
