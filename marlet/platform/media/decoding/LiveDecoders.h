@@ -28,9 +28,14 @@ public:
 
     /// What a stream put in here, or null if it has gone. `stream` is of FrameCache::NewStream.
     std::unique_ptr<Decoder> Take(std::uint64_t stream);
+    /// Closes it instead.
+    void Drop(std::uint64_t stream);
     /// `budget` is that of the frames, in bytes, and `reads` how many were asked for so far.
     void Keep(std::uint64_t stream, std::unique_ptr<Decoder> decoder, std::size_t budget,
               std::uint64_t reads);
+    /// The budget has become smaller: closes those that rest longest until the others hold no more of it than
+    /// they may. Without a budget, nothing rests.
+    void CloseBeyond(std::size_t budget);
 
 private:
     struct Resting {
@@ -41,6 +46,8 @@ private:
     };
 
     bool IsOneTooMany(std::size_t budget, std::uint64_t reads) const;
+    void TakeOldest(std::list<Resting> &gone);
+    static void Close(std::list<Resting> &&gone);
 
     kytl::thread::KyCriticalSection lock_; ///< of what follows
     std::list<Resting> resting_;           ///< the last that came stands at the front
