@@ -33,8 +33,8 @@ public:
     /// `budget` is that of the frames, in bytes, and `reads` how many were asked for so far.
     void Keep(std::uint64_t stream, std::unique_ptr<Decoder> decoder, std::size_t budget,
               std::uint64_t reads);
-    /// The budget has become smaller: closes those that rest longest until the others hold no more of it than
-    /// they may. Without a budget, nothing rests.
+    /// Closes those that rest longest until the others hold no more than their part of a budget that has
+    /// become smaller: none at all of 0.
     void CloseBeyond(std::size_t budget);
 
 private:
