@@ -17,6 +17,8 @@ constexpr std::size_t kAtLeast = std::size_t{32} << 20;
 /// Reads after which a decoder that rests is one that nobody will come back to soon.
 constexpr std::uint64_t kOfLate = 64;
 
+constexpr std::size_t kWorthGivingBack = std::size_t{16} << 20;
+
 /// As much as the layers of a picture that are read in turn need; each would open its decoder anew otherwise.
 constexpr std::size_t MostOf(std::size_t budget)
 {
@@ -65,9 +67,12 @@ void LiveDecoders::Keep(std::uint64_t stream, std::unique_ptr<Decoder> decoder, 
 
 void LiveDecoders::Drop(std::uint64_t stream)
 {
+    auto decoder = Take(stream);
+    if (!decoder)
+        return;
+    const std::size_t bytes = decoder->Bytes();
     std::list<Resting> gone;
-    if (auto decoder = Take(stream))
-        gone.push_back({stream, std::move(decoder), 0, 0});
+    gone.push_back({stream, std::move(decoder), bytes, 0});
     Close(std::move(gone));
 }
 
@@ -82,12 +87,16 @@ void LiveDecoders::CloseBeyond(std::size_t budget)
     Close(std::move(gone));
 }
 
-/// What a decoder had in the heaps of its threads would stay with them.
+/// What decoders had in the heaps of their threads would stay with them. Giving it back goes through all
+/// heaps of the process, so it waits until there is enough.
 void LiveDecoders::Close(std::list<Resting> &&gone)
 {
-    if (gone.empty())
-        return;
+    for (const Resting &closed : gone)
+        closedBytes_ += closed.bytes;
     gone.clear();
+    if (closedBytes_ < kWorthGivingBack)
+        return;
+    closedBytes_ = 0;
     ::malloc_trim(0);
 }
 

@@ -2,6 +2,7 @@
 
 #include <marlet/foundation/KyCriticalSection.h>
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <list>
@@ -47,10 +48,11 @@ private:
 
     bool IsOneTooMany(std::size_t budget, std::uint64_t reads) const;
     void TakeOldest(std::list<Resting> &gone);
-    static void Close(std::list<Resting> &&gone);
+    void Close(std::list<Resting> &&gone);
 
-    kytl::thread::KyCriticalSection lock_; ///< of what follows
-    std::list<Resting> resting_;           ///< the last that came stands at the front
+    std::atomic<std::size_t> closedBytes_ = 0; ///< since they were given back
+    kytl::thread::KyCriticalSection lock_;     ///< of what follows
+    std::list<Resting> resting_;               ///< the last that came stands at the front
     std::size_t bytes_ = 0;
 };
 
