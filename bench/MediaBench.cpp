@@ -157,6 +157,7 @@ void CopyFrame(benchmark::State &state)
 void ReadSameFrameOtherChannels(benchmark::State &state)
 {
     Reader reader(kUsualRoom);
+    reader.Read(kSameFrame);
     for (auto _ : state) {
         reader.Read(kSameFrame, KyImageChannels::Three);
         reader.Read(kSameFrame, KyImageChannels::Four);
@@ -177,6 +178,7 @@ constexpr int kSizes[][2] = {{960, 540}, {640, 360}};
 void ReadSameFrameOtherSize(benchmark::State &state)
 {
     Reader reader(kUsualRoom);
+    reader.Read(kSameFrame);
     for (auto _ : state)
         for (const auto &[width, height] : kSizes)
             reader.ReadScaled(kSameFrame, width, height);

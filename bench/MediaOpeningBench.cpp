@@ -38,8 +38,9 @@ std::vector<WideString> Wide(const std::vector<std::string> &paths)
 
 void OpenShortClipsBare(benchmark::State &state)
 {
+    const std::vector<std::string> &clips = bench::ShortClips();
     for (auto _ : state)
-        for (const std::string &clip : bench::ShortClips())
+        for (const std::string &clip : clips)
             bench::OpenBare(clip, false);
 }
 
@@ -59,8 +60,9 @@ void OpenShortClipsKept(benchmark::State &state)
 
 void OpenHdBare(benchmark::State &state)
 {
+    const std::string &clip = bench::HdClip();
     for (auto _ : state)
-        bench::OpenBare(bench::HdClip(), true);
+        bench::OpenBare(clip, true);
 }
 
 void OpenHd(benchmark::State &state)
@@ -71,8 +73,9 @@ void OpenHd(benchmark::State &state)
 
 void OpenHourBare(benchmark::State &state)
 {
+    const std::string &clip = bench::HourClip();
     for (auto _ : state)
-        bench::OpenBare(bench::HourClip(), false);
+        bench::OpenBare(clip, false);
 }
 
 void OpenHour(benchmark::State &state)

@@ -256,6 +256,7 @@ private:
 std::string NewClip(const std::string &name, const ClipShape &shape)
 {
     const std::string path = FileOfClips(name);
+    av_log_set_level(AV_LOG_ERROR); // encoders tell how they fared
     WriteClip(path, shape);
     return path;
 }

@@ -100,6 +100,8 @@ constexpr Figure kFigures[] = {
      Bound::AtMost, 1.2},
     {"resident beyond the budget, 20 clips at random, MB", Kind::Count, "ReadAtRandom:beyond", nullptr,
      Bound::AtMost, 32},
+    {"track a 1080p clip backwards / forwards", Kind::Ratio, "TrackBackwards", "TrackForwards", Bound::AtMost,
+     2},
     {"clone 1,000 layers with five effects / 100", Kind::Ratio, "CloneEffects/1000", "CloneEffects/100",
      Bound::AtMost, 13},
     {"load a track of 100,000 objects / parse and walk", Kind::Ratio, "LoadTrack/100000", "ParseTrack/100000",

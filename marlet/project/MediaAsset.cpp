@@ -1,5 +1,6 @@
 #include <marlet/project/MediaAsset.h>
 
+#include <marlet/foundation/Arguments.h>
 #include <marlet/foundation/KyCriticalSection.h>
 #include <marlet/foundation/xml/XmlReader.h>
 #include <marlet/foundation/xml/XmlWriter.h>
@@ -167,6 +168,7 @@ MediaAsset::~MediaAsset() = default;
 
 std::shared_ptr<MediaAsset> MediaAsset::Copy(std::shared_ptr<MediaAsset> other)
 {
+    Require(other, "asset");
     return other;
 }
 

@@ -1,5 +1,6 @@
 #include <marlet/project/MediaManager.h>
 
+#include <marlet/foundation/Arguments.h>
 #include <marlet/foundation/KyCriticalSection.h>
 #include <marlet/foundation/xml/DomBridge.h>
 #include <marlet/foundation/xml/XmlReader.h>
@@ -201,6 +202,7 @@ std::shared_ptr<MediaAsset> MediaManager::CreateMediaAssetFromXml(const WideStri
 
 std::shared_ptr<MediaAsset> MediaManager::CreateMediaAssetFromXmlNode(void *element)
 {
+    Require(element, "element");
     return CreateMediaAssetFromXml(XmlFromDom(element));
 }
 
@@ -226,16 +228,19 @@ void MediaManager::RestoreMediaFile(std::shared_ptr<MediaAsset> &asset, MediaLoa
 
 void MediaManager::RelinkMediaFile(std::shared_ptr<MediaAsset> &asset, const WideString &path)
 {
+    Require(asset, "asset");
     Relink(asset, {path, std::nullopt});
 }
 
 void MediaManager::RelinkImageSequence(std::shared_ptr<MediaAsset> &asset, const WideString &path)
 {
+    Require(asset, "asset");
     Relink(asset, {path, asset->Override().frameRate});
 }
 
 void MediaManager::TryReload(std::shared_ptr<MediaAsset> &asset)
 {
+    Require(asset, "asset");
     Relink(asset, RequestOf(*asset));
 }
 
@@ -267,7 +272,7 @@ std::size_t MediaManager::CacheBudget() const
 
 void MediaManager::SetCacheBudget(std::size_t bytes)
 {
-    impl_->resources->Frames().SetBudget(bytes);
+    impl_->resources->SetBudget(bytes);
 }
 
 WideString MediaManager::IndexFolder() const

@@ -69,8 +69,8 @@ public:
     void SleepAll();
     void WakeAll();
 
-    /// How many bytes of decoded frames and sound are kept for the next time, 256 MB unless it is set; 0
-    /// keeps nothing.
+    /// How many bytes of decoded frames and sound, and of decoders that rest, are kept for the next time, 256
+    /// MB unless it is set. A smaller one lets go at once of what is beyond it; 0 keeps no frame.
     std::size_t CacheBudget() const;
     void SetCacheBudget(std::size_t bytes);
     /// A folder that keeps what opening found out of files, so that the next time costs a fraction; it may be

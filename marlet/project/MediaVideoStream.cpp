@@ -1,5 +1,6 @@
 #include <marlet/project/MediaVideoStream.h>
 
+#include <marlet/foundation/Arguments.h>
 #include <marlet/foundation/KyCriticalSection.h>
 #include <marlet/foundation/Numbers.h>
 #include <marlet/platform/media/KyAbstractVideoStream.h>
@@ -178,6 +179,8 @@ int MediaVideoStream::GetFrame(double frameRate, int frame, int maxWidth, int ma
                                const boost::shared_array<unsigned char> &destination,
                                unsigned int destinationSize, int *width, int *height, int flags) const
 {
+    Require(width, "width");
+    Require(height, "height");
     const KyScopedLock hold(asset_->Mutex());
     const int fileFrame = FileFrame(frameRate, frame);
     if (fileFrame < 0)

@@ -4,11 +4,17 @@
 
 #include <marlet/platform/media/contents/ContentsForm.h>
 #include <marlet/platform/media/contents/IndexFolder.h>
+#include <marlet/platform/media/contents/SoundCounter.h>
 
 #include <encode/EncoderOutput.h>
 
 #include <algorithm>
+#include <csignal>
 #include <utility>
+
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 using namespace clips;
 namespace fs = std::filesystem;
@@ -89,8 +95,9 @@ int NumberInLuma(const AVFrame &frame)
     return number;
 }
 
-/// The numbers in the frames as a decoder gives them that reads a clip from front to back.
-std::vector<int> PlainNumbers(const std::string &path)
+/// Visits the frames as a decoder gives them that reads the pictures of a clip, its first stream, from front
+/// to back. The time of each is the number of its packet.
+template <class Visit> void DecodePlainly(const std::string &path, Visit &&visit)
 {
     AVFormatContext *format = nullptr;
     EXPECT_GE(avformat_open_input(&format, path.c_str(), nullptr, nullptr), 0);
@@ -101,19 +108,87 @@ std::vector<int> PlainNumbers(const std::string &path)
     EXPECT_GE(avcodec_open2(decoder.get(), avcodec_find_decoder(parameters.codec_id), nullptr), 0);
     const marlet::tool::PacketPtr packet(av_packet_alloc());
     const marlet::tool::FramePtr frame(av_frame_alloc());
-    std::vector<int> numbers;
     const auto send = [&](const AVPacket *next) {
         avcodec_send_packet(decoder.get(), next);
         while (avcodec_receive_frame(decoder.get(), frame.get()) >= 0)
-            numbers.push_back(NumberInLuma(*frame));
+            visit(*frame);
     };
-    while (av_read_frame(format, packet.get()) >= 0) {
+    for (int number = 0; av_read_frame(format, packet.get()) >= 0; av_packet_unref(packet.get())) {
+        if (packet->stream_index != 0)
+            continue;
+        packet->pts = packet->dts = number++;
         send(packet.get());
-        av_packet_unref(packet.get());
     }
     send(nullptr);
     avformat_close_input(&format);
+}
+
+/// The numbers that are seen in the frames.
+std::vector<int> PlainNumbers(const std::string &path)
+{
+    std::vector<int> numbers;
+    DecodePlainly(path, [&numbers](const AVFrame &frame) { numbers.push_back(NumberInLuma(frame)); });
     return numbers;
+}
+
+/// The packets of the frames.
+std::vector<int> PlainOrder(const std::string &path)
+{
+    std::vector<int> packets;
+    DecodePlainly(path, [&packets](const AVFrame &frame) { packets.push_back(PacketOf(frame)); });
+    return packets;
+}
+
+/// A tone with noise, of one channel.
+std::string CodedSound(const std::string &path, AVCodecID codec, int sampleRate)
+{
+    constexpr int kSeconds = 2;
+    constexpr int kPart = 1024; // where the codec leaves it open
+    marlet::tool::EncoderOutput output(path);
+    const auto audio = output.NewEncoder(codec);
+    audio->sample_fmt = audio->codec->sample_fmts[0];
+    audio->sample_rate = sampleRate;
+    audio->bit_rate = codec == AV_CODEC_ID_DTS ? 512'000 : 96'000;
+    audio->strict_std_compliance = FF_COMPLIANCE_EXPERIMENTAL;
+    audio->time_base = {1, sampleRate};
+    av_channel_layout_default(&audio->ch_layout, 1);
+    output.Check(avcodec_open2(audio.get(), nullptr, nullptr));
+    const AVStream *stream = output.AddStream(*audio);
+    output.WriteHeader();
+    const marlet::tool::FramePtr sound(av_frame_alloc());
+    sound->nb_samples = audio->frame_size > 0 ? audio->frame_size : kPart;
+    sound->format = audio->sample_fmt;
+    sound->ch_layout = audio->ch_layout;
+    output.Check(av_frame_get_buffer(sound.get(), 0));
+    for (int first = 0; first < kSeconds * sampleRate; first += sound->nb_samples) {
+        output.Check(av_frame_make_writable(sound.get()));
+        for (int i = 0; i < sound->nb_samples; ++i) {
+            const double sample = 0.3 * std::sin((first + i) * 0.07) + 0.01 * ((first + i) * 7 % 11);
+            if (av_get_packed_sample_fmt(audio->sample_fmt) == AV_SAMPLE_FMT_FLT)
+                reinterpret_cast<float *>(sound->data[0])[i] = static_cast<float>(sample);
+            else if (av_get_bytes_per_sample(audio->sample_fmt) == 4)
+                reinterpret_cast<std::int32_t *>(sound->data[0])[i] = static_cast<std::int32_t>(sample * 2e9);
+            else if (av_get_bytes_per_sample(audio->sample_fmt) == 2)
+                reinterpret_cast<std::int16_t *>(sound->data[0])[i] = static_cast<std::int16_t>(sample * 3e4);
+        }
+        sound->pts = first;
+        output.Encode(*audio, *stream, sound.get());
+    }
+    output.Encode(*audio, *stream, nullptr);
+    output.Finish();
+    return path;
+}
+
+/// What comes of the packets of a file with nothing but sound, with each of them decoded.
+SoundIndex DecodedSound(const std::string &path)
+{
+    Demuxer demuxer(std::make_shared<FileSource>(path));
+    demuxer.OpenStreams();
+    SoundCounter counter(*demuxer.Stream(0).codecpar, SoundCounter::Decoding::All);
+    const marlet::tool::PacketPtr packet(av_packet_alloc());
+    while (demuxer.Read(*packet))
+        counter.Add(*packet);
+    return counter.Finish();
 }
 
 void ExpectPacketsToAgree(const std::string &path)
@@ -154,6 +229,62 @@ TEST(MediaContents, TheIndexOfAContainerSaysWhatItsPacketsDo)
         EXPECT_EQ(contents.video->facts.frameCount, kFrames);
         // Some buffers full, to see what streams begin with and that the index is true.
         EXPECT_LT(read, fs::file_size(path) / 3);
+    }
+}
+
+TEST(MediaContents, HeadersTellTheOrderOfPicturesWhereTheContainerDoesNot)
+{
+    constexpr int kFrames = 40;
+    struct {
+        const char *name;
+        AVCodecID codec;
+        int bFrames;
+    } const kClips[] = {{"one.avi", AV_CODEC_ID_MPEG4, 1},      {"three.avi", AV_CODEC_ID_MPEG4, 3},
+                        {"two.avi", AV_CODEC_ID_MPEG2VIDEO, 2}, {"first.avi", AV_CODEC_ID_MPEG1VIDEO, 2},
+                        {"advanced.avi", AV_CODEC_ID_H264, 2},  {"plain.avi", AV_CODEC_ID_H264, 0}};
+    for (const auto &clip : kClips) {
+        SCOPED_TRACE(clip.name);
+        if (!avcodec_find_encoder(clip.codec))
+            continue;
+        const Folder folder;
+        const std::string path = CodedClip(folder.Path(clip.name), clip.codec, clip.bFrames, kFrames);
+        MediaContents contents;
+        const std::size_t read = BytesReadBy([&] { contents = ContentsOf(path); });
+        ASSERT_TRUE(contents.video);
+        const std::vector<int> &frames = contents.video->frames.Frames();
+        EXPECT_EQ(frames, PlainOrder(path));
+        // The encoder of H.264 decides by itself.
+        EXPECT_TRUE(clip.codec == AV_CODEC_ID_H264 || !std::ranges::is_sorted(frames));
+        // Decoding all of it would be to read it twice.
+        EXPECT_LT(read, fs::file_size(path) * 3 / 2);
+    }
+}
+
+TEST(MediaContents, PacketsOfSoundTellWhatTheirDecodersGive)
+{
+    struct {
+        const char *name;
+        AVCodecID codec;
+        int sampleRate;
+    } const kSounds[] = {
+        {"ms.wav", AV_CODEC_ID_ADPCM_MS, 22050},      {"ima.wav", AV_CODEC_ID_ADPCM_IMA_WAV, 22050},
+        {"ima.mov", AV_CODEC_ID_ADPCM_IMA_QT, 22050}, {"g722.wav", AV_CODEC_ID_ADPCM_G722, 16000},
+        {"music.mkv", AV_CODEC_ID_OPUS, 48000},       {"plus.mkv", AV_CODEC_ID_EAC3, 48000},
+        {"theatre.mkv", AV_CODEC_ID_DTS, 48000},      {"lossless.mkv", AV_CODEC_ID_TTA, 44100},
+        {"packed.mkv", AV_CODEC_ID_WAVPACK, 44100},   {"free.flac", AV_CODEC_ID_FLAC, 44100}};
+    for (const auto &sound : kSounds) {
+        SCOPED_TRACE(sound.name);
+        if (!avcodec_find_encoder(sound.codec))
+            continue;
+        const Folder folder;
+        const std::string path = CodedSound(folder.Path(sound.name), sound.codec, sound.sampleRate);
+        EXPECT_EQ(ContentsOf(path).sound->samples, DecodedSound(path));
+        // Such containers also hold a last packet that ends within a block.
+        if (!path.ends_with(".wav"))
+            continue;
+        const std::string bytes = folder.Read(sound.name);
+        const std::string cut = folder.Write("cut.wav", bytes.substr(0, bytes.size() * 2 / 3));
+        EXPECT_EQ(ContentsOf(cut).sound->samples, DecodedSound(cut));
     }
 }
 
@@ -259,6 +390,59 @@ TEST(MediaContents, AFolderKeepsThemWhateverElseIsInIt)
     index.SetPath(path);
     index.Keep(path, identity, contents);
     EXPECT_FALSE(index.Find(path, identity));
+}
+
+TEST(MediaContents, AreNotKeptInAFolderThatTakesNoMore)
+{
+    const Folder folder;
+    const std::string path = CodedClip(folder.Path("clip.mp4"), AV_CODEC_ID_MPEG4, 1, 30);
+    const FileIdentity identity = FileSource(path).Identity();
+    const MediaContents contents = ContentsOf(path);
+    IndexFolder index;
+    index.SetPath("/proc/self/kept");
+    index.Keep(path, identity, contents);
+    EXPECT_FALSE(index.Find(path, identity));
+
+    index.SetPath(folder.Path("kept"));
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    struct rlimit before {
+    };
+    ::getrlimit(RLIMIT_FSIZE, &before);
+    const struct rlimit full = {100, before.rlim_max};
+    ::setrlimit(RLIMIT_FSIZE, &full);
+    index.Keep(path, identity, contents);
+    ::setrlimit(RLIMIT_FSIZE, &before);
+    std::signal(SIGXFSZ, handler);
+    EXPECT_FALSE(index.Find(path, identity));
+    EXPECT_EQ(fs::directory_iterator(folder.Path("kept")), fs::directory_iterator());
+    index.Keep(path, identity, contents);
+    EXPECT_EQ(index.Find(path, identity), contents);
+}
+
+TEST(MediaContents, AreKeptWholeByTwoProcessesAtOnce)
+{
+    constexpr int kTimes = 200;
+    const Folder folder;
+    const std::string path = CodedClip(folder.Path("clip.mp4"), AV_CODEC_ID_MPEG4, 1, 30);
+    const FileIdentity identity = FileSource(path).Identity();
+    const MediaContents contents = ContentsOf(path);
+    IndexFolder index;
+    index.SetPath(folder.Path("kept"));
+    index.Keep(path, identity, contents);
+    const ::pid_t other = ::fork();
+    for (int i = 0; i < kTimes; ++i) {
+        index.Keep(path, identity, contents);
+        if (other != 0) {
+            EXPECT_EQ(index.Find(path, identity), contents) << i;
+        }
+    }
+    if (other == 0)
+        ::_exit(0);
+    int status = -1;
+    EXPECT_EQ(::waitpid(other, &status, 0), other);
+    EXPECT_EQ(status, 0);
+    // The entry, and the mark of the last pruning.
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder.Path("kept")), {}), 2);
 }
 
 TEST(MediaContents, ThatAreKeptOpenAFileAsItIs)

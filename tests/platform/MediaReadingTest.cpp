@@ -11,6 +11,7 @@
 #include <marlet/platform/media/decoding/FrameConverter.h>
 
 #include <algorithm>
+#include <functional>
 #include <random>
 
 using namespace clips;
@@ -105,7 +106,8 @@ std::vector<std::pair<int, Bytes>> DecodeBare(const std::string &path)
     facts.width = parameters->width;
     facts.height = parameters->height;
     FrameCache memory;
-    FrameConverter converter(facts, memory);
+    Scalers scalers;
+    const FrameConverter converter(facts, memory, scalers);
     const PacketPtr packet = NewPacket();
     const FramePtr frame = NewFrame();
     for (int number = 0, isMore = 1; isMore; ++number) {
@@ -216,12 +218,18 @@ TEST(MediaReading, CostsNoMoreOfTheFileThanItHasTo)
     media.Frame(3 * kGroup);
     EXPECT_LE(BytesReadBy(frame(3 * kGroup + 4)), noise);
 
-    // What sleeps keeps nothing, and what is beyond the budget goes.
+    // What sleeps keeps nothing, nor is anything kept without a budget, and what is beyond it goes.
     EXPECT_GT(resources->Frames().Used(), 100 * kFrameBytes);
-    resources->Frames().SetBudget(kBesideFrames + 30 * kFrameBytes);
-    EXPECT_LE(resources->Frames().Used(), kBesideFrames + 30 * kFrameBytes);
-    media.file->Sleep();
-    EXPECT_EQ(resources->Frames().Used(), 0u);
+    for (const auto &end : std::initializer_list<std::function<void()>>{[&] { media.file->Sleep(); },
+                                                                        [&] { resources->SetBudget(0); }}) {
+        resources->SetBudget(kBesideFrames + 30 * kFrameBytes);
+        EXPECT_LE(resources->Frames().Used(), kBesideFrames + 30 * kFrameBytes);
+        media.file->Wake();
+        media.Frame(3 * kGroup);
+        EXPECT_GT(resources->Frames().Used(), kBesideFrames);
+        end();
+        EXPECT_EQ(resources->Frames().Used(), 0u);
+    }
 }
 
 TEST(MediaReading, AFrameThatDoesNotDecodeCostsItsGroupOnce)
@@ -253,7 +261,7 @@ TEST(MediaReading, AFrameThatDoesNotDecodeCostsItsGroupOnce)
             VideoFacts facts;
             facts.width = kWidth;
             facts.height = kHeight;
-            FrameConverter converter(facts, resources->Frames());
+            const FrameConverter converter(facts, resources->Frames(), resources->Scalers());
             ClipFrames frames(std::make_shared<FileSource>(path), 0, index, resources);
             const auto expectFrame = [&](int number) {
                 int shown = number;

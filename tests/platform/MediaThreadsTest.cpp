@@ -2,11 +2,82 @@
 
 #include "MediaClips.h"
 
+#include <marlet/platform/media/VideoStream.h>
+#include <marlet/platform/media/decoding/StreamCache.h>
+
 #include <atomic>
+#include <chrono>
+#include <functional>
+#include <future>
 #include <random>
 #include <thread>
+#include <utility>
 
 using namespace clips;
+
+namespace
+{
+
+/// A frame during whose decoding something else happens.
+class BusyFrame final : public FrameSource
+{
+public:
+    BusyFrame(MediaResourcesPtr resources, std::function<void()> meanwhile)
+        : cache_(std::move(resources)), meanwhile_(std::move(meanwhile))
+    {
+    }
+
+    int Count() const override { return 1; }
+    StreamCache &Cache() override { return cache_; }
+    void Close() override {}
+    FramePtr Frame(int) override
+    {
+        meanwhile_();
+        FramePtr frame = NewFrame();
+        frame->width = 16;
+        frame->height = 8;
+        frame->format = AV_PIX_FMT_GRAY8;
+        EXPECT_GE(av_frame_get_buffer(frame.get(), 0), 0);
+        return frame;
+    }
+
+private:
+    StreamCache cache_;
+    std::function<void()> meanwhile_;
+};
+
+} // namespace
+
+TEST(MediaThreads, NeitherFactsNorOtherFilesWaitForAFrameThatIsDecoded)
+{
+    const Folder folder;
+    EncoderOptions options = SmallClip();
+    options.sampleRate = 8000;
+    const auto resources = std::make_shared<MediaResources>();
+    const Media other(MakeClip(folder.Path("clip.mov"), options, 10, 8000), std::nullopt, resources);
+    ASSERT_EQ(other.code, kSuccess);
+    VideoFacts facts;
+    facts.width = 16;
+    facts.height = 8;
+    facts.frameCount = 1;
+    std::future<int> others;
+    bool isDone = false;
+    const std::unique_ptr<VideoStream> stream = std::make_unique<VideoStream>(
+        facts, std::make_unique<BusyFrame>(resources, [&] {
+            others = std::async(std::launch::async, [&] {
+                return stream->Width() + stream->Height() + stream->FrameCount() +
+                       NumberIn(other.Frame(3), 80) + other.file->State() +
+                       static_cast<int>(other.Samples<std::int16_t>(0, 5).size());
+            });
+            isDone = others.wait_for(std::chrono::seconds(20)) == std::future_status::ready;
+        }));
+    Bytes bytes(16 * 8 * 4);
+    EXPECT_EQ(
+        stream->GetFrame(0, KyImageChannels::Four, bytes.data(), static_cast<int>(bytes.size()), nullptr, 0),
+        kSuccess);
+    EXPECT_TRUE(isDone);
+    EXPECT_EQ(others.get(), 16 + 8 + 1 + 3 + kSuccess + 5 * other.audio->ChannelCount());
+}
 
 TEST(MediaThreads, ReadWhileTheFileSleepsAndWakes)
 {

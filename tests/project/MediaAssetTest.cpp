@@ -269,23 +269,25 @@ TEST(MediaAsset, FollowsWhatBecomesOfItsFile)
     EXPECT_EQ(media.asset->MediaFileStatus(), Status::Missing);
 }
 
-TEST(MediaAsset, TellsFactsWhileAFrameIsDecoded)
+TEST(MediaAsset, TellsFactsWhileAFrameIsDecodedAndReadsBesideAnotherOne)
 {
     FakeMedia media;
+    FakeMedia other;
     std::future<int> facts;
     bool isTold = false;
     media.file.video->onFrame = [&] {
-        facts = std::async(std::launch::async, [&asset = *media.asset] {
+        facts = std::async(std::launch::async, [&asset = *media.asset, &other] {
             asset.Clone();
-            return asset.HasVideo() + asset.HasAudio() + asset.IsOffline() + asset.Width() + asset.Height() +
-                   asset.AudioStream()->ChannelCount() + asset.VideoStream()->PixelBitCount() +
-                   (asset.MediaFile() != nullptr) + PictureOf(asset).width;
+            return GreyOf(other.asset->VideoStream()) + asset.HasVideo() + asset.HasAudio() +
+                   asset.IsOffline() + asset.Width() + asset.Height() + asset.AudioStream()->ChannelCount() +
+                   asset.VideoStream()->PixelBitCount() + (asset.MediaFile() != nullptr) +
+                   PictureOf(asset).width;
         });
         isTold = facts.wait_for(std::chrono::seconds(20)) == std::future_status::ready;
     };
     EXPECT_EQ(GreyOf(media.asset->VideoStream()), 128);
     EXPECT_TRUE(isTold);
-    EXPECT_EQ(facts.get(), 1 + 1 + 0 + 64 + 32 + 2 + 32 + 1 + 64);
+    EXPECT_EQ(facts.get(), 128 + 1 + 1 + 0 + 64 + 32 + 2 + 32 + 1 + 64);
 }
 
 TEST(MediaAsset, KeepsTrimmerPointsWithinItsFrames)

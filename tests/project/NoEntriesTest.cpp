@@ -2,10 +2,13 @@
 
 #include "Loading.h"
 
+#include <tests/support/FakeMedia.h>
+
 #include <marlet/layers/CameraLayer.h>
 #include <marlet/layers/PointLayer.h>
 #include <marlet/project/BinFolder.h>
 #include <marlet/project/ImageAsset.h>
+#include <marlet/project/MediaVideoStream.h>
 #include <marlet/project/ProjectTextureImageCache.h>
 #include <marlet/project/SolidAsset.h>
 
@@ -110,4 +113,19 @@ TEST(NoPointers, AreRefusedByTheNamesOfTheArguments)
     const auto image = ImageAsset::Create(u"");
     EXPECT_TRUE(Refuses("width", [&] { image->ReadPixelData(1, 1, pixels, nullptr, &size); }));
     EXPECT_TRUE(Refuses("height", [&] { image->ReadPixelData(1, 1, pixels, &size, nullptr); }));
+
+    MediaManager manager;
+    std::shared_ptr<MediaAsset> noAsset;
+    EXPECT_TRUE(Refuses("asset", [&] { MediaAsset::Copy(noAsset); }));
+    EXPECT_TRUE(Refuses("asset", [&] { manager.RelinkMediaFile(noAsset, u""); }));
+    EXPECT_TRUE(Refuses("asset", [&] { manager.RelinkImageSequence(noAsset, u""); }));
+    EXPECT_TRUE(Refuses("asset", [&] { manager.TryReload(noAsset); }));
+    EXPECT_TRUE(Refuses("element", [&] { manager.CreateMediaAssetFromXmlNode(nullptr); }));
+    marlet::test::FakeMedia media;
+    const auto read = [&](int *width, int *height) {
+        unsigned int scratchSize = 0;
+        media.asset->VideoStream()->GetFrame(30.0, 0, 1, 1, pixels, scratchSize, pixels, 0, width, height, 0);
+    };
+    EXPECT_TRUE(Refuses("width", [&] { read(nullptr, &size); }));
+    EXPECT_TRUE(Refuses("height", [&] { read(&size, nullptr); }));
 }

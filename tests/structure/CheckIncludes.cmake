@@ -27,6 +27,7 @@ set(reaching_up
 # Hosts that are built with sources of the library, as "source header".
 set(inside_of_hosts
     "bench/TrackingBench.cpp marlet/tracking/FeatureMatch.h"
+    "bench/TrackingBench.cpp marlet/tracking/TrackingFrame.h"
     "fuzz/MediaFuzzer.cpp marlet/platform/media/MediaResources.h"
     "fuzz/MediaFuzzer.cpp marlet/platform/media/contents/ContentsForm.h"
     "fuzz/StillFuzzer.cpp marlet/platform/images/ImageFile.h")

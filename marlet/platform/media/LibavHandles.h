@@ -16,6 +16,9 @@ namespace kyh::media
 template <auto Free> struct FreeByAddress {
     template <class T> void operator()(T *thing) const { Free(&thing); }
 };
+struct CloseParser {
+    void operator()(AVCodecParserContext *parser) const { av_parser_close(parser); }
+};
 struct FreeScaler {
     void operator()(SwsContext *scaler) const { sws_freeContext(scaler); }
 };
@@ -32,6 +35,7 @@ using FormatPtr = std::unique_ptr<AVFormatContext, FreeByAddress<avformat_close_
 using FramePtr = std::unique_ptr<AVFrame, FreeByAddress<av_frame_free>>;
 using InputPtr = std::unique_ptr<AVIOContext, FreeInput>;
 using PacketPtr = std::unique_ptr<AVPacket, FreeByAddress<av_packet_free>>;
+using ParserPtr = std::unique_ptr<AVCodecParserContext, CloseParser>;
 using ScalerPtr = std::unique_ptr<SwsContext, FreeScaler>;
 
 /// @throws std::bad_alloc for null, by which libav reports that memory has run out

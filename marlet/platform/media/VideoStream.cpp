@@ -13,7 +13,9 @@ namespace kyh::media
 using kytl::thread::KyScopedLock;
 
 VideoStream::VideoStream(const VideoFacts &facts, std::unique_ptr<FrameSource> frames)
-    : facts_(facts), frames_(std::move(frames)), converter_(facts, frames_->Cache().Frames())
+    : facts_(facts),
+      frames_(std::move(frames)),
+      converter_(facts, frames_->Cache().Frames(), frames_->Cache().Scalers())
 {
 }
 
@@ -21,7 +23,6 @@ void VideoStream::Sleep()
 {
     const KyScopedLock lock(lock_);
     frames_->Close();
-    converter_.Close();
     isAsleep_ = true;
 }
 
@@ -42,7 +43,6 @@ void VideoStream::Retire()
 {
     const KyScopedLock lock(lock_);
     frames_->Close();
-    converter_.Close();
     isRetired_ = true;
 }
 

@@ -47,7 +47,7 @@ private:
     const VideoFacts facts_;
     kytl::thread::KyCriticalSection lock_; ///< of what follows
     std::unique_ptr<FrameSource> frames_;
-    FrameConverter converter_;
+    const FrameConverter converter_;
     std::int64_t lastPicture_ = -1; ///< that was asked for, by frame and channels
     bool isAsleep_ = false;
     bool isRetired_ = false;

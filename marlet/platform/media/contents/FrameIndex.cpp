@@ -53,8 +53,8 @@ void FrameIndex::Add(const PacketMark &mark, bool isHidden, bool isOdd)
 {
     packets_.push_back(mark);
     isHidden_.push_back(isHidden);
-    if (isOdd || mark.pts == AV_NOPTS_VALUE)
-        areTimesEnough_ = false;
+    hasOdd_ = hasOdd_ || isOdd;
+    hasAllTimes_ = hasAllTimes_ && mark.pts != AV_NOPTS_VALUE;
 }
 
 void FrameIndex::Add(const AVPacket &packet, const AVCodecParserContext *parser)
@@ -69,7 +69,7 @@ void FrameIndex::Add(const ListedPacket &packet)
 
 bool FrameIndex::OrderByTimes()
 {
-    if (!areTimesEnough_)
+    if (hasOdd_ || !hasAllTimes_)
         return false;
     std::vector<int> order(packets_.size());
     std::iota(order.begin(), order.end(), 0);
@@ -146,7 +146,8 @@ void FrameIndex::Tighten()
 {
     packets_.shrink_to_fit();
     isHidden_ = {};
-    areTimesEnough_ = true;
+    hasOdd_ = false;
+    hasAllTimes_ = true;
     frames_.shrink_to_fit();
     starts_.shrink_to_fit();
 }

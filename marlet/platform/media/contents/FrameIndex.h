@@ -32,7 +32,9 @@ public:
     void Add(const ListedPacket &packet);
     /// Orders the frames by their times. False if times do not tell which there are: SetFrames must then.
     bool OrderByTimes();
-    /// Takes over the packets of the frames as they come out of a decode from the start.
+    /// Whether each packet is a frame, as far as packets say.
+    bool HasFrameInEach() const { return !hasOdd_; }
+    /// Takes over the packets of the frames in the order in which they are shown.
     void SetFrames(std::vector<int> packets);
     /// Whether the first packet leads to the first frame, as all of the container's key frames should.
     bool IsFirstSure() const;
@@ -67,7 +69,8 @@ private:
     AVCodecID codec_;
     std::vector<PacketMark> packets_;
     std::vector<bool> isHidden_;
-    bool areTimesEnough_ = true;
+    bool hasOdd_ = false; ///< a packet that may hold another count of frames than one
+    bool hasAllTimes_ = true;
     std::vector<int> frames_; ///< the packets of the frames
     std::vector<int> frameOfPacket_;
     std::vector<Start> starts_;

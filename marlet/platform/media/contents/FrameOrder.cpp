@@ -31,6 +31,16 @@ FramePtr CountByDecoding(const FileSourcePtr &source, int stream, FrameIndex &in
     return first;
 }
 
+bool OrderByHeaders(const PictureOrder *order, FrameIndex &index)
+{
+    if (!order || !index.HasFrameInEach())
+        return false;
+    auto packets = order->Packets();
+    if (packets)
+        index.SetFrames(std::move(*packets));
+    return packets.has_value();
+}
+
 } // namespace
 
 FramePtr TrimToFirst(const FileSourcePtr &source, int stream, FrameIndex &index)
@@ -46,13 +56,15 @@ FramePtr TrimToFirst(const FileSourcePtr &source, int stream, FrameIndex &index)
     throw MediaFailure{kDamaged};
 }
 
-FramePtr OrderFrames(const FileSourcePtr &source, int stream, FrameIndex &index)
+FramePtr OrderFrames(const FileSourcePtr &source, int stream, const PictureOrder *order, FrameIndex &index)
 {
     FramePtr first;
-    if (!index.OrderByTimes())
+    if (index.OrderByTimes()) {
+        if (!index.IsFirstSure())
+            first = TrimToFirst(source, stream, index);
+    } else if (!OrderByHeaders(order, index)) {
         first = CountByDecoding(source, stream, index);
-    else if (!index.IsFirstSure())
-        first = TrimToFirst(source, stream, index);
+    }
     if (index.Count() == 0)
         throw MediaFailure{kDamaged};
     return first;

@@ -1,16 +1,17 @@
 #pragma once
 
 #include <marlet/platform/media/contents/FrameIndex.h>
+#include <marlet/platform/media/contents/PictureOrder.h>
 #include <marlet/platform/media/files/FileSource.h>
 
 namespace kyh::media
 {
 
-/// Makes sure which frames come of the packets of an index, by decoding where their times do not tell: the
-/// beginning of the clip, or all of it. Whether the last frames come is left open. Returns the first frame if
-/// it was decoded, or null.
+/// Makes sure which frames come of the packets of an index, by decoding where neither their times nor their
+/// headers tell: the beginning of the clip, or all of it. `order`, which may be null, has seen all packets.
+/// Whether the last frames come is left open. Returns the first frame if it was decoded, or null.
 /// @throws MediaFailure if nothing decodes
-FramePtr OrderFrames(const FileSourcePtr &source, int stream, FrameIndex &index);
+FramePtr OrderFrames(const FileSourcePtr &source, int stream, const PictureOrder *order, FrameIndex &index);
 
 /// Decodes the frame of a packet at which decoding may begin. Null if it does not come.
 FramePtr DecodeFirst(const AVCodecParameters &parameters, AVPacket &packet);

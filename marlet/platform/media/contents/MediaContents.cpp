@@ -3,12 +3,15 @@
 #include <marlet/platform/media/MediaFailure.h>
 #include <marlet/platform/media/contents/FrameOrder.h>
 #include <marlet/platform/media/contents/NalUnits.h>
+#include <marlet/platform/media/contents/PictureOrder.h>
 #include <marlet/platform/media/contents/SoundCounter.h>
 #include <marlet/platform/media/decoding/SampleFormat.h>
+#include <marlet/platform/media/files/PacketReader.h>
 
 #include <limits>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 namespace kyh::media
 {
@@ -21,7 +24,8 @@ struct Scan {
     int video = -1;
     int audio = -1;
     std::optional<FrameIndex> frames;
-    PacketPtr firstPicture; ///< the packet
+    std::optional<PictureOrder> order; ///< if the container does not tell it
+    PacketPtr firstPicture;            ///< the packet
     std::optional<SoundCounter> sound;
     int code = kUnknownFormat; ///< why there is nothing, if there is nothing
 };
@@ -45,13 +49,24 @@ template <class Operation> void TryStream(int &code, Operation &&operation)
     }
 }
 
+/// Containers that have the time at which each picture is shown.
+bool HasTimes(Demuxer &demuxer)
+{
+    const std::string_view name = demuxer.Format().iformat->name;
+    return name.starts_with("mov,") || name.starts_with("matroska,") || name == "flv";
+}
+
 Scan SelectStreams(Demuxer &demuxer)
 {
     Scan scan;
     scan.video = BestStream(demuxer, AVMEDIA_TYPE_VIDEO, -1);
     scan.audio = BestStream(demuxer, AVMEDIA_TYPE_AUDIO, scan.video);
-    if (scan.video >= 0)
-        scan.frames.emplace(demuxer.Stream(scan.video).codecpar->codec_id);
+    if (scan.video >= 0) {
+        const AVCodecParameters &parameters = *demuxer.Stream(scan.video).codecpar;
+        scan.frames.emplace(parameters.codec_id);
+        if (PictureOrder::IsTold(parameters.codec_id) && !HasTimes(demuxer))
+            scan.order.emplace(parameters);
+    }
     if (scan.audio >= 0)
         TryStream(scan.code, [&] { scan.sound.emplace(*demuxer.Stream(scan.audio).codecpar); });
     demuxer.Select({scan.video, scan.audio});
@@ -64,6 +79,8 @@ void TakePacket(Scan &scan, Demuxer &demuxer, AVPacket &packet)
         if (!scan.firstPicture)
             scan.firstPicture = Allocated(PacketPtr(av_packet_clone(&packet)));
         scan.frames->Add(packet, av_stream_get_parser(&demuxer.Stream(scan.video)));
+        if (scan.order)
+            scan.order->Add(packet);
     } else if (scan.sound && packet.stream_index == scan.audio) {
         scan.sound->Add(packet);
     }
@@ -112,7 +129,8 @@ void ReadFirstPackets(Scan &scan, Demuxer &demuxer)
     constexpr int kMost = 200;
     const PacketPtr packet = NewPacket();
     for (int i = 0; i < kMost; ++i) {
-        const bool isSoundClear = !scan.sound || (scan.sound->Count() > 0 && !scan.sound->IsUndecided());
+        const bool isSoundClear =
+            !scan.sound || (!scan.sound->Packets().empty() && !scan.sound->IsUndecided());
         if ((isSoundClear && (!scan.frames || scan.firstPicture)) || !demuxer.Read(*packet))
             return;
         TakePacket(scan, demuxer, *packet);
@@ -127,7 +145,7 @@ void TakeTables(Scan &scan, const std::optional<PacketTable> &video, const std::
             scan.frames->Add(packet);
     }
     if (sound)
-        for (std::size_t i = scan.sound->Count(); i < sound->size(); ++i)
+        for (std::size_t i = scan.sound->Packets().size(); i < sound->size(); ++i)
             scan.sound->Add((*sound)[i]);
 }
 
@@ -140,7 +158,9 @@ enum class Tables {
 /// Takes over what the index of the container says.
 Tables ReadTables(Scan &scan, const FileSource &source, Demuxer &demuxer)
 {
-    if (!MayHaveTables(demuxer, scan))
+    // So much is read sooner than it takes to see whether an index is true.
+    constexpr std::int64_t kSmall = 1 << 20;
+    if (source.Size() < kSmall || !MayHaveTables(demuxer, scan))
         return Tables::Insufficient;
     const auto tracks = ReadMovTracks(source);
     if (!tracks)
@@ -153,7 +173,7 @@ Tables ReadTables(Scan &scan, const FileSource &source, Demuxer &demuxer)
     if (scan.frames)
         video = ReadPacketTable(source, *tracks, demuxer, scan.video, MarkOf(*scan.firstPicture));
     if (scan.sound)
-        sound = ReadPacketTable(source, *tracks, demuxer, scan.audio, scan.sound->First());
+        sound = ReadPacketTable(source, *tracks, demuxer, scan.audio, scan.sound->Packets().front());
     if (video.has_value() != scan.frames.has_value() || sound.has_value() != scan.sound.has_value())
         return Tables::Insufficient;
     if ((video && !IsTrue(*video, demuxer, scan.video)) || (sound && !IsTrue(*sound, demuxer, scan.audio)))
@@ -165,7 +185,7 @@ Tables ReadTables(Scan &scan, const FileSource &source, Demuxer &demuxer)
 VideoContents TakeVideo(const FileSourcePtr &source, Demuxer &demuxer, Scan &scan)
 {
     AVStream &stream = demuxer.Stream(scan.video);
-    FramePtr first = OrderFrames(source, scan.video, *scan.frames);
+    FramePtr first = OrderFrames(source, scan.video, scan.order ? &*scan.order : nullptr, *scan.frames);
     if (!first && AreFactsKnown(stream, *scan.firstPicture))
         first = DescribedFrame(*stream.codecpar);
     if (!first)
@@ -177,9 +197,24 @@ VideoContents TakeVideo(const FileSourcePtr &source, Demuxer &demuxer, Scan &sca
     return {scan.video, facts, std::move(*scan.frames)};
 }
 
-SoundContents TakeSound(Demuxer &demuxer, Scan &scan)
+/// With each packet decoded.
+SoundIndex CountSound(const FileSourcePtr &source, int stream, AVCodecParameters &parameters,
+                      const std::vector<PacketMark> &packets)
 {
-    SoundIndex samples = scan.sound->Finish();
+    SoundCounter counter(parameters, SoundCounter::Decoding::All);
+    PacketReader reader(source, stream, packets);
+    while (AVPacket *packet = reader.Read())
+        counter.Add(*packet);
+    return counter.Finish();
+}
+
+SoundContents TakeSound(const FileSourcePtr &source, Demuxer &demuxer, Scan &scan)
+{
+    SoundCounter &counter = *scan.sound;
+    SoundIndex samples =
+        counter.HasUntold()
+            ? CountSound(source, scan.audio, *demuxer.Stream(scan.audio).codecpar, counter.Packets())
+            : counter.Finish();
     if (samples.Channels() > std::numeric_limits<unsigned char>::max())
         throw MediaFailure{kUnknownFormat};
     const SoundFacts facts = {samples.SampleRate(),
@@ -197,7 +232,7 @@ MediaContents Finish(const FileSourcePtr &source, Demuxer &demuxer, Scan &scan)
     if (scan.frames)
         TryStream(scan.code, [&] { contents.video = TakeVideo(source, demuxer, scan); });
     if (scan.sound)
-        TryStream(scan.code, [&] { contents.sound = TakeSound(demuxer, scan); });
+        TryStream(scan.code, [&] { contents.sound = TakeSound(source, demuxer, scan); });
     if (!contents.video && !contents.sound)
         throw MediaFailure{scan.code};
     return contents;

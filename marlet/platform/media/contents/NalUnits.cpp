@@ -1,8 +1,9 @@
 #include <marlet/platform/media/contents/NalUnits.h>
 
+#include <marlet/platform/media/contents/HeaderBits.h>
+
 #include <algorithm>
 #include <cstdint>
-#include <span>
 #include <vector>
 
 namespace kyh::media
@@ -10,8 +11,6 @@ namespace kyh::media
 
 namespace
 {
-
-using Bytes = std::span<const std::uint8_t>;
 
 /// The number of big-endian bytes in front, which are taken off, or all that is left if there are fewer.
 std::size_t TakeNumber(Bytes &bytes, std::size_t count)
@@ -31,19 +30,6 @@ Bytes TakeUnit(Bytes &bytes, std::size_t size)
     return unit;
 }
 
-/// The units behind start codes.
-std::vector<Bytes> SplitAtStartCodes(Bytes bytes)
-{
-    constexpr std::uint8_t kStartCode[] = {0, 0, 1};
-    std::vector<Bytes> units;
-    for (auto begin = std::ranges::search(bytes, kStartCode); !begin.empty();) {
-        const auto next = std::ranges::search(Bytes(begin.end(), bytes.end()), kStartCode);
-        units.emplace_back(begin.end(), next.empty() ? bytes.end() : next.begin());
-        begin = next;
-    }
-    return units;
-}
-
 bool HasConfiguration(Bytes header)
 {
     return !header.empty() && header.front() == 1;
@@ -53,7 +39,7 @@ bool HasConfiguration(Bytes header)
 /// bytes.
 std::vector<Bytes> UnitsOf(const AVCodecParameters &parameters, Bytes packet)
 {
-    const Bytes header(parameters.extradata, static_cast<std::size_t>(parameters.extradata_size));
+    const Bytes header = HeaderOf(parameters);
     const std::size_t lengthAt = parameters.codec_id == AV_CODEC_ID_H264 ? 4 : 21;
     if (!HasConfiguration(header) || header.size() <= lengthAt)
         return SplitAtStartCodes(packet);
@@ -68,7 +54,7 @@ std::vector<Bytes> UnitsOf(const AVCodecParameters &parameters, Bytes packet)
 std::vector<Bytes> SequenceHeaders(const AVCodecParameters &parameters)
 {
     constexpr std::uint8_t kSequenceHeader = 7;
-    Bytes header(parameters.extradata, static_cast<std::size_t>(parameters.extradata_size));
+    Bytes header = HeaderOf(parameters);
     std::vector<Bytes> headers;
     if (!HasConfiguration(header)) {
         headers = SplitAtStartCodes(header);
@@ -81,67 +67,51 @@ std::vector<Bytes> SequenceHeaders(const AVCodecParameters &parameters)
     return headers;
 }
 
-/// The bits of a unit. Behind its end all are 0.
-class Bits
+/// A unit without the bytes that keep start codes from coming about by chance.
+std::vector<std::uint8_t> Unescaped(Bytes unit)
 {
-public:
-    explicit Bits(Bytes unit)
-    {
-        int zeros = 0;
-        for (const std::uint8_t byte : unit) {
-            // Keeps start codes from coming about by chance.
-            const bool isInserted = zeros >= 2 && byte == 3;
-            zeros = byte == 0 ? zeros + 1 : 0;
-            if (!isInserted)
-                bytes_.push_back(byte);
-        }
+    std::vector<std::uint8_t> bytes;
+    int zeros = 0;
+    for (const std::uint8_t byte : unit) {
+        if (zeros < 2 || byte != 3)
+            bytes.push_back(byte);
+        zeros = byte == 0 ? zeros + 1 : 0;
     }
+    return bytes;
+}
 
-    unsigned int Take(int count)
-    {
-        unsigned int number = 0;
-        for (; count > 0; --count, ++place_) {
-            const bool isInside = place_ / 8 < bytes_.size();
-            number = number << 1 | (isInside ? bytes_[place_ / 8] >> (7 - place_ % 8) & 1u : 0u);
-        }
-        return number;
-    }
-    /// Of as many bits as zeros stand before it.
-    unsigned int TakeNumber()
-    {
-        constexpr int kMostZeros = 31;
-        int zeros = 0;
-        while (zeros < kMostZeros && Take(1) == 0)
-            ++zeros;
-        return (1u << zeros) - 1 + Take(zeros);
-    }
-    int TakeSigned()
-    {
-        const unsigned int number = TakeNumber();
-        const int half = static_cast<int>((number >> 1) + (number & 1));
-        return number & 1 ? half : -half;
-    }
+/// Of as many bits as zeros stand before it.
+unsigned int TakeNumber(HeaderBits &bits)
+{
+    constexpr int kMostZeros = 31;
+    int zeros = 0;
+    while (zeros < kMostZeros && bits.Take(1) == 0)
+        ++zeros;
+    return (1u << zeros) - 1 + bits.Take(zeros);
+}
 
-private:
-    std::vector<std::uint8_t> bytes_;
-    std::size_t place_ = 0;
-};
+int TakeSigned(HeaderBits &bits)
+{
+    const unsigned int number = TakeNumber(bits);
+    const int half = static_cast<int>((number >> 1) + (number & 1));
+    return number & 1 ? half : -half;
+}
 
-void PassScalingList(Bits &bits, int size)
+void PassScalingList(HeaderBits &bits, int size)
 {
     int next = 8;
     for (int i = 0; i < size && next != 0; ++i)
-        next = (next + (bits.TakeSigned() & 255)) & 255;
+        next = (next + (TakeSigned(bits) & 255)) & 255;
 }
 
-void PassColourFormat(Bits &bits)
+void PassColourFormat(HeaderBits &bits)
 {
     constexpr unsigned int kFullColour = 3;
-    const unsigned int format = bits.TakeNumber();
+    const unsigned int format = TakeNumber(bits);
     if (format == kFullColour)
         bits.Take(1);
-    bits.TakeNumber();
-    bits.TakeNumber();
+    TakeNumber(bits);
+    TakeNumber(bits);
     bits.Take(1);
     if (bits.Take(1) == 0)
         return;
@@ -150,37 +120,38 @@ void PassColourFormat(Bits &bits)
             PassScalingList(bits, list < 6 ? 16 : 64);
 }
 
-void PassPictureOrder(Bits &bits)
+void PassPictureOrder(HeaderBits &bits)
 {
-    const unsigned int type = bits.TakeNumber();
+    const unsigned int type = TakeNumber(bits);
     if (type == 0)
-        bits.TakeNumber();
+        TakeNumber(bits);
     if (type != 1)
         return;
     constexpr unsigned int kMost = 255;
     bits.Take(1);
-    bits.TakeSigned();
-    bits.TakeSigned();
-    for (unsigned int count = std::min(bits.TakeNumber(), kMost); count > 0; --count)
-        bits.TakeSigned();
+    TakeSigned(bits);
+    TakeSigned(bits);
+    for (unsigned int count = std::min(TakeNumber(bits), kMost); count > 0; --count)
+        TakeSigned(bits);
 }
 
 bool IsFramesOnly(Bytes header)
 {
     constexpr unsigned int kWithColourFormat[] = {100, 110, 122, 244, 44,  83, 86,
                                                   118, 128, 138, 139, 134, 135};
-    Bits bits(header.subspan(1));
+    const std::vector<std::uint8_t> bytes = Unescaped(header.subspan(1));
+    HeaderBits bits(bytes);
     const unsigned int profile = bits.Take(8);
     bits.Take(16);
-    bits.TakeNumber();
+    TakeNumber(bits);
     if (std::ranges::count(kWithColourFormat, profile) > 0)
         PassColourFormat(bits);
-    bits.TakeNumber();
+    TakeNumber(bits);
     PassPictureOrder(bits);
-    bits.TakeNumber();
+    TakeNumber(bits);
     bits.Take(1);
-    bits.TakeNumber();
-    bits.TakeNumber();
+    TakeNumber(bits);
+    TakeNumber(bits);
     return bits.Take(1) != 0;
 }
 
@@ -188,7 +159,8 @@ bool IsFramesOnly(Bytes header)
 bool HasMessage(Bytes unit, unsigned int wanted)
 {
     constexpr unsigned int kMore = 255;
-    Bits bits(unit);
+    const std::vector<std::uint8_t> bytes = Unescaped(unit);
+    HeaderBits bits(bytes);
     for (std::size_t left = unit.size(); left > 2;) {
         unsigned int type = 0;
         unsigned int size = 0;
@@ -203,6 +175,20 @@ bool HasMessage(Bytes unit, unsigned int wanted)
     return false;
 }
 
+/// Whether a packet carries a message before or behind its picture.
+bool HasMessage(const AVCodecParameters &parameters, const AVPacket &packet, unsigned int wanted)
+{
+    const bool isHevc = parameters.codec_id == AV_CODEC_ID_HEVC;
+    const auto saysIt = [isHevc, wanted](Bytes unit) {
+        if (unit.size() < 2)
+            return false;
+        const int type = isHevc ? unit[0] >> 1 & 63 : unit[0] & 31;
+        const bool isMessage = isHevc ? type == 39 || type == 40 : type == 6;
+        return isMessage && HasMessage(unit.subspan(isHevc ? 2 : 1), wanted);
+    };
+    return std::ranges::any_of(UnitsOf(parameters, BytesOf(packet)), saysIt);
+}
+
 } // namespace
 
 bool HasFramesOnly(const AVCodecParameters &parameters)
@@ -214,17 +200,13 @@ bool HasFramesOnly(const AVCodecParameters &parameters)
 bool HasOrientation(const AVCodecParameters &parameters, const AVPacket &packet)
 {
     constexpr unsigned int kDisplayOrientation = 47;
-    const bool isHevc = parameters.codec_id == AV_CODEC_ID_HEVC;
-    const auto saysIt = [isHevc](Bytes unit) {
-        if (unit.size() < 2)
-            return false;
-        // In HEVC, messages that come before the picture, and that come behind it.
-        const int type = isHevc ? unit[0] >> 1 & 63 : unit[0] & 31;
-        const bool isMessage = isHevc ? type == 39 || type == 40 : type == 6;
-        return isMessage && HasMessage(unit.subspan(isHevc ? 2 : 1), kDisplayOrientation);
-    };
-    return std::ranges::any_of(UnitsOf(parameters, Bytes(packet.data, static_cast<std::size_t>(packet.size))),
-                               saysIt);
+    return HasMessage(parameters, packet, kDisplayOrientation);
+}
+
+bool HasPictureTiming(const AVCodecParameters &parameters, const AVPacket &packet)
+{
+    constexpr unsigned int kPictureTiming = 1;
+    return HasMessage(parameters, packet, kPictureTiming);
 }
 
 } // namespace kyh::media

@@ -13,5 +13,7 @@ bool HasFramesOnly(const AVCodecParameters &parameters);
 
 /// Whether a packet says how its picture is to be turned.
 bool HasOrientation(const AVCodecParameters &parameters, const AVPacket &packet);
+/// Whether a packet says whether its picture is a field.
+bool HasPictureTiming(const AVCodecParameters &parameters, const AVPacket &packet);
 
 } // namespace kyh::media

@@ -49,10 +49,10 @@ Trim TrimOf(const AVFrame &frame)
 
 } // namespace
 
-SoundCounter::SoundCounter(AVCodecParameters &parameters)
+SoundCounter::SoundCounter(AVCodecParameters &parameters, Decoding decoding)
     : told_(parameters),
       decoder_(std::make_unique<DecoderFeed>(OpenDecoder(parameters, DecoderThreads::One))),
-      rule_(told_.AreTold() ? Rule::Undecided : Rule::ByDecoding)
+      rule_(told_.AreTold() && decoding == Decoding::WhatItTakes ? Rule::Undecided : Rule::ByDecoding)
 {
 }
 
@@ -65,21 +65,26 @@ void SoundCounter::AddPacket(const PacketMark &mark)
 void SoundCounter::Add(AVPacket &packet)
 {
     AddPacket(MarkOf(packet));
-    const int samples = told_.In(packet);
+    const std::optional<int> samples = told_.In(packet);
     if (rule_ != Rule::AsTold) {
         toldBefore_.push_back(samples);
         Decode(&packet);
         return;
     }
     const Trim trim = TrimOf(packet);
-    Append(static_cast<int>(packets_.size()) - 1, samples, trim.skip, trim.cut,
-           (packet.flags & AV_PKT_FLAG_DISCARD) != 0);
+    AppendTold(samples, trim.skip, trim.cut, (packet.flags & AV_PKT_FLAG_DISCARD) != 0);
 }
 
 void SoundCounter::Add(const ListedPacket &packet)
 {
     AddPacket(packet.mark);
-    Append(static_cast<int>(packets_.size()) - 1, told_.InSize(packet.mark.size), 0, 0, packet.isDiscarded);
+    AppendTold(told_.InSize(packet.mark.size), 0, 0, packet.isDiscarded);
+}
+
+void SoundCounter::AppendTold(std::optional<int> samples, int skip, int cut, bool isDiscarded)
+{
+    hasUntold_ = hasUntold_ || !samples;
+    Append(static_cast<int>(packets_.size()) - 1, samples.value_or(0), skip, cut, isDiscarded);
 }
 
 void SoundCounter::Decode(AVPacket *packet)
@@ -87,6 +92,8 @@ void SoundCounter::Decode(AVPacket *packet)
     decoder_->Send(packet, static_cast<int>(packets_.size()) - 1);
     while (decoder_->Receive(*frame_))
         TakeFrame();
+    if (rule_ == Rule::Undecided && lastNumber_ >= 0)
+        Decide();
     if (rule_ == Rule::AsTold)
         decoder_.reset();
 }
@@ -94,17 +101,25 @@ void SoundCounter::Decode(AVPacket *packet)
 void SoundCounter::TakeFrame()
 {
     const AVFrame &frame = *frame_;
-    if (const int number = PacketOf(frame); number >= 0)
+    if (const int number = PacketOf(frame); number >= 0 && number != lastNumber_) {
         lastNumber_ = number;
+        lastDecoded_ = 0;
+    }
+    lastDecoded_ += frame.nb_samples;
     if (form_.format == AV_SAMPLE_FMT_NONE)
         form_ = {.sampleRate = frame.sample_rate,
                  .channels = frame.ch_layout.nb_channels,
                  .format = static_cast<AVSampleFormat>(frame.format),
                  .profile = decoder_->Context().profile};
-    if (rule_ == Rule::Undecided)
-        rule_ = frame.nb_samples == toldBefore_[lastNumber_] ? Rule::AsTold : Rule::ByDecoding;
     const Trim trim = TrimOf(frame);
-    Append(lastNumber_, frame.nb_samples, trim.skip, trim.cut, (frame.flags & AV_FRAME_FLAG_DISCARD) != 0);
+    Append(std::max(lastNumber_, 0), frame.nb_samples, trim.skip, trim.cut,
+           (frame.flags & AV_FRAME_FLAG_DISCARD) != 0);
+}
+
+/// By all that has come of a packet.
+void SoundCounter::Decide()
+{
+    rule_ = lastDecoded_ == toldBefore_[lastNumber_] ? Rule::AsTold : Rule::ByDecoding;
 }
 
 void SoundCounter::Append(int number, int samples, int skip, int cut, bool isDiscarded)

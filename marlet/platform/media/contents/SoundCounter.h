@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace kyh::media
@@ -16,9 +17,11 @@ namespace kyh::media
 class SoundCounter
 {
 public:
+    enum class Decoding { WhatItTakes, All };
+
     /// `parameters` must stay as long as the counter.
     /// @throws MediaFailure if there is no decoder
-    explicit SoundCounter(AVCodecParameters &parameters);
+    explicit SoundCounter(AVCodecParameters &parameters, Decoding decoding = Decoding::WhatItTakes);
 
     /// Takes in the next packet of the file, whose times are lost.
     void Add(AVPacket &packet);
@@ -28,8 +31,9 @@ public:
     bool IsBySize() const { return rule_ == Rule::AsTold && told_.AreToldBySize(); }
     /// Whether that is still to be seen.
     bool IsUndecided() const { return rule_ == Rule::Undecided; }
-    std::size_t Count() const { return packets_.size(); } ///< packets
-    const PacketMark &First() const { return packets_.front(); }
+    /// Whether a packet did not tell what it holds, though the first did. All must be decoded then.
+    bool HasUntold() const { return hasUntold_; }
+    const std::vector<PacketMark> &Packets() const { return packets_; }
     /// Nothing is added behind. @throws MediaFailure if nothing decodes
     SoundIndex Finish();
 
@@ -40,14 +44,18 @@ private:
     void AddPacket(const PacketMark &mark);
     void Decode(AVPacket *packet);
     void TakeFrame();
+    void AppendTold(std::optional<int> samples, int skip, int cut, bool isDiscarded);
+    void Decide();
     void Append(int number, int samples, int skip, int cut, bool isDiscarded);
 
     PacketSamples told_;
-    std::vector<int> toldBefore_;          ///< of the packets that were decoded
+    std::vector<std::optional<int>> toldBefore_; ///< of the packets that were decoded
+    bool hasUntold_ = false;
     std::unique_ptr<DecoderFeed> decoder_; ///< until nothing more needs to be decoded
     FramePtr frame_ = NewFrame();
     Rule rule_;
-    int lastNumber_ = 0; ///< of the packet that the last frame came of
+    int lastNumber_ = -1; ///< of the packet that the last frame came of
+    int lastDecoded_ = 0; ///< samples that came of it
     std::vector<PacketMark> packets_;
     std::vector<SoundIndex::Content> contents_;
     std::int64_t toSkip_ = 0;

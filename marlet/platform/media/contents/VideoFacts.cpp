@@ -2,6 +2,7 @@
 
 #include <marlet/platform/media/MediaFailure.h>
 #include <marlet/platform/media/contents/NalUnits.h>
+#include <marlet/platform/media/contents/PictureHeaders.h>
 
 extern "C" {
 #include <libavutil/pixdesc.h>
@@ -99,12 +100,23 @@ int FieldOrder(AVFieldOrder order, const AVFrame &first)
 bool CanBeInterlaced(AVCodecID codec)
 {
     switch (codec) {
+    case AV_CODEC_ID_APNG:
     case AV_CODEC_ID_AV1:
+    case AV_CODEC_ID_CINEPAK:
+    case AV_CODEC_ID_FLV1:
     case AV_CODEC_ID_GIF:
+    case AV_CODEC_ID_H263:
+    case AV_CODEC_ID_MPEG1VIDEO:
+    case AV_CODEC_ID_MSMPEG4V2:
+    case AV_CODEC_ID_MSMPEG4V3:
     case AV_CODEC_ID_PNG:
+    case AV_CODEC_ID_QTRLE:
+    case AV_CODEC_ID_RAWVIDEO:
     case AV_CODEC_ID_THEORA:
     case AV_CODEC_ID_VP8:
     case AV_CODEC_ID_VP9:
+    case AV_CODEC_ID_WMV1:
+    case AV_CODEC_ID_WMV2:
         return false;
     default:
         return true;
@@ -158,7 +170,8 @@ bool AreFactsKnown(const AVStream &stream, const AVPacket &packet)
     const AVCodecParameters &parameters = *stream.codecpar;
     if (parameters.format == AV_PIX_FMT_NONE || parameters.width <= 0 || parameters.height <= 0)
         return false;
-    if (parameters.field_order == AV_FIELD_UNKNOWN && CanBeInterlaced(parameters.codec_id))
+    if (parameters.field_order == AV_FIELD_UNKNOWN && CanBeInterlaced(parameters.codec_id) &&
+        !IsWholeFrame(parameters, packet))
         return false;
     return !MayBeTurnedByPackets(parameters.codec_id) || !HasOrientation(parameters, packet);
 }

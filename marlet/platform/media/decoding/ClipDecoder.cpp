@@ -34,7 +34,7 @@ ClipDecoder::ClipDecoder(FileSourcePtr source, int stream, const FrameIndex &ind
 {
     // What it keeps of motion and modes, and its demuxer of the container.
     constexpr std::size_t kAtLeast = std::size_t{1} << 20;
-    charge_ = kAtLeast + (PredictsFrames(reader_.Context()) ? 3 : 1) * FrameBytes();
+    charge_ = kAtLeast + (PredictsFrames(reader_.Context()) ? 4 : 1) * FrameBytes();
     cache_.Charge(charge_);
 }
 

@@ -8,6 +8,7 @@ extern "C" {
 
 #include <cstddef>
 #include <cstring>
+#include <utility>
 
 namespace kyh::media
 {
@@ -68,46 +69,39 @@ void CopyColumns(const unsigned char *from, std::ptrdiff_t step, int count, unsi
 
 } // namespace
 
-FrameConverter::Input FrameConverter::InputOf(const AVFrame &frame)
+Scalers::Form FrameConverter::FormOf(const AVFrame &frame, KyImageChannels channels) const
 {
-    return {frame.width, frame.height, frame.format, ColourSpaceOf(frame), IsFullRange(frame)};
+    return {.width = frame.width,
+            .height = frame.height,
+            .format = frame.format,
+            .colourSpace = ColourSpaceOf(frame),
+            .isFullRange = IsFullRange(frame),
+            .outWidth = width_,
+            .outHeight = height_,
+            .channels = channels};
 }
 
-SwsContext *FrameConverter::ScalerFor(const AVFrame &frame, KyImageChannels channels)
+void FrameConverter::Scale(const AVFrame &frame, KyImageChannels channels, unsigned char *buffer,
+                           int rowBytes) const
 {
-    Scaler &scaler = scalers_[channels == KyImageChannels::Four];
-    const Input input = InputOf(frame);
-    if (scaler.context && scaler.input == input)
-        return scaler.context.get();
-    const AVPixelFormat format = channels == KyImageChannels::Four ? AV_PIX_FMT_BGRA : AV_PIX_FMT_RGB24;
-    // Without accurate rounding, the result would depend on what the processor offers.
-    scaler.context.reset(sws_getContext(input.width, input.height, static_cast<AVPixelFormat>(input.format),
-                                        width_, height_, format, SWS_BILINEAR | SWS_ACCURATE_RND, nullptr,
-                                        nullptr, nullptr));
-    if (!scaler.context)
+    const Scalers::Form form = FormOf(frame, channels);
+    ScalerPtr scaler = scalers_.Take(form);
+    unsigned char *planes[] = {buffer, nullptr, nullptr, nullptr};
+    const int strides[] = {rowBytes, 0, 0, 0};
+    if (sws_scale(scaler.get(), frame.data, frame.linesize, 0, frame.height, planes, strides) < 0)
         throw MediaFailure{kDamaged};
-    constexpr int kUnity = 1 << 16;
-    const int *matrix = sws_getCoefficients(input.colourSpace);
-    sws_setColorspaceDetails(scaler.context.get(), matrix, input.isFullRange, matrix, 1, 0, kUnity, kUnity);
-    scaler.input = input;
-    return scaler.context.get();
+    scalers_.Keep(form, std::move(scaler));
 }
 
-void FrameConverter::Convert(const AVFrame &frame, KyImageChannels channels, unsigned char *buffer)
+void FrameConverter::Convert(const AVFrame &frame, KyImageChannels channels, unsigned char *buffer) const
 {
-    SwsContext *scaler = ScalerFor(frame, channels);
     const int rowBytes = width_ * BytesPerPixel(channels);
-    const bool isDirect = turn_ == Turn() && rowBytes % kRowBlock == 0;
+    if (turn_ == Turn() && rowBytes % kRowBlock == 0)
+        return Scale(frame, channels, buffer, rowBytes);
     const int paddedBytes = (rowBytes + kRowBlock - 1) / kRowBlock * kRowBlock;
-    BufferPtr picture;
-    if (!isDirect)
-        picture = Allocated(cache_.NewBuffer(static_cast<std::size_t>(paddedBytes) * height_));
-    unsigned char *planes[] = {isDirect ? buffer : picture->data, nullptr, nullptr, nullptr};
-    const int strides[] = {paddedBytes, 0, 0, 0};
-    if (sws_scale(scaler, frame.data, frame.linesize, 0, frame.height, planes, strides) < 0)
-        throw MediaFailure{kDamaged};
-    if (!isDirect)
-        CopyTurned(picture->data, BytesPerPixel(channels), paddedBytes, buffer);
+    const BufferPtr picture = Allocated(cache_.NewBuffer(static_cast<std::size_t>(paddedBytes) * height_));
+    Scale(frame, channels, picture->data, paddedBytes);
+    CopyTurned(picture->data, BytesPerPixel(channels), paddedBytes, buffer);
 }
 
 void FrameConverter::CopyTurned(const unsigned char *picture, int bytesPerPixel, int rowBytes,
@@ -135,12 +129,6 @@ void FrameConverter::CopyTurned(const unsigned char *picture, int bytesPerPixel,
         else
             CopyColumns<3>(corner, across, width, buffer);
     }
-}
-
-void FrameConverter::Close()
-{
-    for (Scaler &scaler : scalers_)
-        scaler.context.reset();
 }
 
 } // namespace kyh::media

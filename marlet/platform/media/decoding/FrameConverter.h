@@ -2,44 +2,27 @@
 
 #include <marlet/platform/media/contents/VideoFacts.h>
 #include <marlet/platform/media/decoding/FrameCache.h>
+#include <marlet/platform/media/decoding/Scalers.h>
 
 namespace kyh::media
 {
 
-/// Turns decoded frames into what the interface hands out. The result depends on the frame alone. Not for
-/// several threads at once.
+/// Turns decoded frames into what the interface hands out. The result depends on the frame alone.
 class FrameConverter
 {
 public:
-    /// Uses memory of the cache, which must outlive it.
-    FrameConverter(const VideoFacts &facts, FrameCache &cache)
-        : width_(facts.width), height_(facts.height), turn_(facts.turn), cache_(cache)
+    /// Uses memory of the cache. It and the scalers must outlive it.
+    FrameConverter(const VideoFacts &facts, FrameCache &cache, Scalers &scalers)
+        : width_(facts.width), height_(facts.height), turn_(facts.turn), cache_(cache), scalers_(scalers)
     {
     }
 
     /// Fills the buffer with the frame at the stream's size. @throws MediaFailure
-    void Convert(const AVFrame &frame, KyImageChannels channels, unsigned char *buffer);
-    /// Frees what is kept for the next frame.
-    void Close();
+    void Convert(const AVFrame &frame, KyImageChannels channels, unsigned char *buffer) const;
 
 private:
-    /// What a scaler is made for.
-    struct Input {
-        int width = 0;
-        int height = 0;
-        int format = AV_PIX_FMT_NONE;
-        int colourSpace = AVCOL_SPC_UNSPECIFIED;
-        bool isFullRange = false;
-
-        bool operator==(const Input &) const = default;
-    };
-    struct Scaler {
-        Input input;
-        ScalerPtr context;
-    };
-
-    static Input InputOf(const AVFrame &frame);
-    SwsContext *ScalerFor(const AVFrame &frame, KyImageChannels channels);
+    Scalers::Form FormOf(const AVFrame &frame, KyImageChannels channels) const;
+    void Scale(const AVFrame &frame, KyImageChannels channels, unsigned char *buffer, int rowBytes) const;
     void CopyTurned(const unsigned char *picture, int bytesPerPixel, int rowBytes,
                     unsigned char *buffer) const;
 
@@ -47,7 +30,7 @@ private:
     int height_;
     Turn turn_;
     FrameCache &cache_;
-    Scaler scalers_[2];
+    Scalers &scalers_;
 };
 
 } // namespace kyh::media

@@ -23,6 +23,7 @@ public:
     ~StreamCache() { Clear(); }
 
     FrameCache &Frames() const { return resources_->Frames(); }
+    media::Scalers &Scalers() const { return resources_->Scalers(); }
     /// Bytes of the budget for this stream, which is read, beside others that are.
     std::size_t Share() { return Frames().Budget() / Frames().CountReaders(stream_); }
     bool Find(FrameCache::Kind kind, std::int64_t number, AVFrame &frame)
@@ -60,7 +61,7 @@ public:
 
     void Clear()
     {
-        resources_->Decoders().Take(stream_);
+        resources_->Decoders().Drop(stream_);
         Frames().Drop(stream_);
     }
 

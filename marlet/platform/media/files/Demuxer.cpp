@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 namespace kyh::media
 {
@@ -29,6 +30,18 @@ void Quieten()
 int RefuseOtherFile(AVFormatContext *, AVIOContext **, const char *, int, AVDictionary **)
 {
     return AVERROR(EPERM);
+}
+
+/// Libav decodes some frames to learn of a stream. Nobody sees them, so their edges need not be smoothed.
+int FindStreamInfo(AVFormatContext &format)
+{
+    std::vector<AVDictionary *> options(format.nb_streams);
+    for (AVDictionary *&ofStream : options)
+        av_dict_set(&ofStream, "skip_loop_filter", "all", 0);
+    const int result = avformat_find_stream_info(&format, options.data());
+    for (AVDictionary *&ofStream : options)
+        av_dict_free(&ofStream);
+    return result;
 }
 
 bool IsPicture(std::string_view container)
@@ -143,7 +156,7 @@ void Demuxer::OpenStreams()
         return;
     }
     OpenFormat();
-    if (avformat_find_stream_info(format_.get(), nullptr) < 0)
+    if (FindStreamInfo(*format_) < 0)
         Fail(kDamaged);
 }
 
