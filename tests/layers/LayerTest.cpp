@@ -1,6 +1,7 @@
 #include <tests/support/LayerStage.h>
 #include <tests/support/LayerTexts.h>
 
+#include <marlet/foundation/xml/XmlReader.h>
 #include <marlet/layers/Effect3DLayer.h>
 #include <marlet/layers/GradeLayer.h>
 #include <marlet/layers/LayerProperties.h>
