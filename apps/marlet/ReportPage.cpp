@@ -10,6 +10,8 @@
 #include <marlet/project/CompositionAsset.h>
 #include <marlet/project/Project.h>
 
+#include <algorithm>
+
 namespace marlet::tool
 {
 
@@ -94,11 +96,14 @@ std::string Assets(const Project &project)
 std::string Findings(const std::vector<Finding> &findings)
 {
     std::string html = "<h2>Findings</h2>\n";
+    const auto isNote = [](const Finding &finding) { return finding.severity == Finding::Severity::Note; };
+    if (std::all_of(findings.begin(), findings.end(), isNote))
+        html += "<p>Nothing is missing, and every ID leads somewhere.</p>\n";
     if (findings.empty())
-        return html + "<p>Nothing is missing, and every ID leads somewhere.</p>\n";
+        return html;
     html += "<table>\n";
     for (const Finding &finding : findings) {
-        const char *style = finding.severity == Finding::Severity::Note ? "soft" : "finding";
+        const char *style = isNote(finding) ? "soft" : "finding";
         html += "<tr><td class=\"" + std::string(style) + "\">" + FindingKindName(finding.kind) + "</td>" +
                 Cell(finding.place) + Cell(finding.what) + "</tr>\n";
     }

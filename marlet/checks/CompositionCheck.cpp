@@ -77,7 +77,10 @@ private:
         CheckLinks(layer, place);
         if (circles.Holds(layer->ID()))
             scope_.findings.Error(FindingKind::ParentCircle, place, "its parents run in a circle");
-        if (layer->EndFrame() <= layer->StartFrame())
+        // A layer that was just made has no frames yet.
+        if (layer->EndFrame() == layer->StartFrame())
+            scope_.findings.Note(FindingKind::Frames, place, "it has no frames");
+        else if (layer->EndFrame() < layer->StartFrame())
             scope_.findings.Warn(FindingKind::Frames, place,
                                  "it ends on " + std::to_string(layer->EndFrame()) + " and starts on " +
                                      std::to_string(layer->StartFrame()));

@@ -73,7 +73,8 @@ TEST_F(CheckTest, TellsOfPlacesAsCompilersDo)
 {
     const auto layer = AddPoint(u"Orphan");
     layer->SetParentLayer(kNowhere);
-    std::string text = Read(Save("a.xml"));
+    Save("a.xml");
+    std::string text = Read("a.xml");
     text.insert(text.find("<Layers"), "<Odd/>");
     Write("a.xml", text);
     const auto place = [&](const std::string &mark) {
@@ -103,7 +104,8 @@ TEST_F(CheckTest, TellsOfPlacesAsCompilersDo)
 TEST_F(CheckTest, RepairsWhatIsSafeAndTellsBeforehand)
 {
     AddPoint(u"Orphan")->SetParentLayer(kNowhere);
-    const std::string before = Read(Save("a.xml"));
+    Save("a.xml");
+    const std::string before = Read("a.xml");
     const std::string what = "layer \"Orphan\" of composition \"Main\": the parent layer " +
                              kNowhere.ToNarrowString() + " does not exist: clears the parent layer\n";
     const ToolRun dry = Run({"check", "a.xml", "--repair", "b.xml", "--dry-run"});

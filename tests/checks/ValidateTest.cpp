@@ -23,6 +23,11 @@ struct Damage {
     std::function<void(CheckedProject &)> apply;
 };
 
+void PrintTo(const Damage &damage, std::ostream *out)
+{
+    *out << damage.name;
+}
+
 const kytl::KyID kNowhere{1, 2, 3, {4, 5, 6, 7, 8, 9, 10, 11}};
 
 std::vector<Damage> DamagesOfAssets()
@@ -109,6 +114,10 @@ std::vector<Damage> DamagesOfLayers()
          {Kind::Twice},
          false,
          [](auto &p) { p.inner->Layers().Add(p.point); }},
+        {"a layer ends before it starts",
+         {Kind::Frames},
+         false,
+         [](auto &p) { p.point->SetEndFrame(p.point->StartFrame() - 1); }},
         {"a layer ends where it starts",
          {Kind::Frames},
          false,
@@ -337,11 +346,12 @@ TEST_P(DamageTest, IsFoundAndRepairedWhereThatIsSafe)
 
     const WideString before = checked.project->Serialize();
     EXPECT_EQ(Repair(*checked.project, RepairMode::DryRun).size(), found.size());
-    EXPECT_EQ(checked.project->Serialize(), before);
+    EXPECT_TRUE(checked.project->Serialize() == before);
     EXPECT_EQ(Lines(Repair(*checked.project, RepairMode::Apply)), Lines(found));
     EXPECT_EQ(Lines(Validate(*checked.project)), "");
+    checked.solid->Instances().Clear(); // which a load does not bring back
     const WideString after = checked.project->Serialize();
-    EXPECT_EQ(checked.Reload(after)->Serialize(), after);
+    EXPECT_TRUE(checked.Reload(after)->Serialize() == after);
 }
 
 std::string NameOf(const testing::TestParamInfo<Damage> &info)
@@ -369,7 +379,8 @@ TEST(ValidateTest, TellsOfIDsThatATextRepeatsOrLacks)
         return Validate(*checked.Reload(FromUtf8(changed)));
     };
     EXPECT_EQ(KindsOf(with(checked.layer->ID())), std::vector{Kind::RepeatedID});
-    EXPECT_EQ(KindsOf(with({})), std::vector{Kind::NullID});
+    // The tracker's destination is gone as well.
+    EXPECT_EQ(KindsOf(with({})), (std::vector{Kind::NullID, Kind::NoDestination}));
 }
 
 TEST(ValidateTest, SaysWhereWhatAndWhatToDo)
