@@ -348,7 +348,9 @@ TEST_P(DamageTest, IsFoundAndRepairedWhereThatIsSafe)
     EXPECT_EQ(Repair(*checked.project, RepairMode::DryRun).size(), found.size());
     EXPECT_TRUE(checked.project->Serialize() == before);
     EXPECT_EQ(Lines(Repair(*checked.project, RepairMode::Apply)), Lines(found));
-    EXPECT_EQ(Lines(Validate(*checked.project)), "");
+    std::vector<Finding> left = Validate(*checked.project);
+    std::erase_if(left, [](const Finding &finding) { return finding.severity == Severity::Note; });
+    EXPECT_EQ(Lines(left), "");
     checked.solid->Instances().Clear(); // which a load does not bring back
     const WideString after = checked.project->Serialize();
     EXPECT_TRUE(checked.Reload(after)->Serialize() == after);
