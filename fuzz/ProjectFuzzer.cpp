@@ -1,13 +1,15 @@
 // Any text either loads or is refused in the documented ways. What loads is saved, loaded and saved again
 // without a byte changing (unless transitions of the timeline name other objects than hold them), answers for
-// its matrices, values and references, and is cloned into compositions of their own. Media assets open what
-// their paths name, for reading alone. Each instance of a plug-in ends once.
+// its matrices, values and references, and is cloned into compositions of their own. It can be checked, and
+// is saved and loaded also after a repair. Media assets open what their paths name, for reading alone. Each
+// instance of a plug-in ends once.
 
 #include "support/Fuzz3DEffect.h"
 #include "support/FuzzInput.h"
 #include "support/FuzzPlugins.h"
 
 #include <marlet/animation/PropertyManager.h>
+#include <marlet/checks/Validate.h>
 #include <marlet/editor/AudioObject.h>
 #include <marlet/editor/AudioTrack.h>
 #include <marlet/editor/EditorSequence.h>
@@ -259,12 +261,27 @@ void AskProject(const std::shared_ptr<Project> &project)
         AskSequence(*sequence, project);
 }
 
+/// Nothing is repaired before the last finding stands, and no repair stands in the way of a later one.
+void CheckAndRepair(const WideString &text, const Plugins &plugins)
+{
+    const auto project = Load(text, plugins);
+    const WideString before = project->Serialize();
+    const std::size_t found = Validate(*project).size();
+    const std::size_t repairable = Repair(*project, RepairMode::DryRun).size();
+    RequireSame(before, project->Serialize());
+    if (repairable > found || Repair(*project, RepairMode::Apply).size() != repairable)
+        Fail("a dry run tells of other repairs than are made");
+    Validate(*project);
+    Load(project->Serialize(), plugins);
+}
+
 void TryText(const WideString &text, const Plugins &plugins)
 {
     const auto project = LoadIfAccepted(text, plugins);
     if (!project)
         return;
     AskProject(project);
+    CheckAndRepair(text, plugins);
     const WideString saved = project->Serialize();
     const auto again = Load(saved, plugins);
     const auto sequence = project->Sequence();

@@ -5,6 +5,8 @@ set(MARLET_PUBLIC_HEADERS
     animation/KeyFrameList.h
     animation/PropertyManager.h
     animation/PropertyValue.h
+    checks/Finding.h
+    checks/Validate.h
     editor/AbstractSequenceObject.h
     editor/AbstractSequenceTrack.h
     editor/AudioObject.h

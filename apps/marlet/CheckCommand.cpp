@@ -1,11 +1,18 @@
 #include "Arguments.h"
+#include "CheckRows.h"
 #include "Document.h"
 #include "Failure.h"
 #include "Json.h"
+#include "MediaOpening.h"
 #include "Output.h"
 #include "ProjectCheck.h"
+#include "QuietStandardError.h"
 #include "TextFile.h"
+#include "plugins/PluginManager.h"
+#include "plugins/Ribbon.h"
 
+#include <marlet/checks/Validate.h>
+#include <marlet/project/LoadOptions.h>
 #include <marlet/project/Project.h>
 #include <marlet/project/ProjectTextureImageCache.h>
 
@@ -20,16 +27,20 @@ using namespace project;
 namespace
 {
 
-std::string FindingText(const Finding &finding)
+/// Keeps what the tool does not know.
+ProjectPointer Load(const WideString &text, const WideString &texturesFolder, LoadReport *report,
+                    const std::shared_ptr<MediaManager> &media = nullptr)
 {
-    return PadRight(finding.kind, 16) + OneLine(finding.place) + ": " + OneLine(finding.what);
-}
-
-std::string FindingJson(const Finding &finding)
-{
-    JsonWriter json;
-    json.BeginObject().Member("kind", finding.kind).Member("place", finding.place);
-    return json.Member("what", finding.what).EndObject().Text();
+    MediaOpening opening;
+    const LoadOptions options{.media = media ? media : NewMediaManager(),
+                              .progress = &opening,
+                              .report = report,
+                              .keepUnknown = true};
+    ProjectPointer project =
+        Project::CreateFromXml(text, texturesFolder, Plugins(), EffectFactory(), options);
+    opening.RequireNotInterrupted();
+    FillInstances(*project);
+    return project;
 }
 
 /// Where two texts part, as a person finds it in an editor.
@@ -40,59 +51,160 @@ std::size_t FirstDifferentLine(const WideString &a, const WideString &b)
     return 1 + static_cast<std::size_t>(std::count(a.begin(), different, u'\n'));
 }
 
-/// Tells where a save would change the file. That is no problem in itself, but where a file was edited by
-/// hand it shows what was not taken as it was meant.
-void TellOfChange(const WideString &file, const WideString &saved, bool json, Output &output)
+/// Tells what is done to a file, or would be.
+class Checker
 {
-    if (file == saved)
-        return;
-    const std::size_t line = FirstDifferentLine(file, saved);
-    if (json)
-        output.Line(
-            JsonWriter().BeginObject().Member("kind", "change").Member("line", line).EndObject().Text());
-    else
-        output.Line("A save changes the file, first in line " + std::to_string(line));
-}
+public:
+    Checker(const Arguments &arguments, Output &output)
+        : path_(arguments.Operand(0)),
+          json_(arguments.Has("--json")),
+          output_(output),
+          text_(ReadTextFile(path_))
+    {
+        LoadReport report;
+        try {
+            project_ = Load(text_, FolderOf(path_), &report);
+        } catch (const Failure &) {
+            throw;
+        } catch (const std::exception &) {
+            Show(CheckRows(text_, report, {}));
+            throw;
+        }
+        project_->SetFilename(FromUtf8(path_));
+        findings_ = std::make_unique<CheckRows>(text_, report, CheckProject(*project_));
+    }
 
-/// What a load and a save of the project's own text change about it.
-std::vector<Finding> CheckSaving(const ProjectPointer &project)
-{
-    const WideString first = project->Serialize();
-    const WideString &textures = std::as_const(*project).TextureImageCache().TexturesFolderPath();
-    const WideString second =
-        ParseProject(first, textures, PluginUse::With, project->SharedMedia())->Serialize();
-    if (first == second)
-        return {};
-    return {
-        {"unstable", "Project",
-         "line " + std::to_string(FirstDifferentLine(first, second)) + " changes when it is saved again"}};
-}
+    /// Returns the number of problems.
+    std::size_t Tell()
+    {
+        Show(*findings_);
+        const std::size_t unstable = TellOfSaving();
+        TellOfChange();
+        if (json_)
+            WriteSums(findings_->Problems() + unstable);
+        else if (const std::string counts = findings_->CountsText(); !counts.empty())
+            output_.Line(counts);
+        else if (unstable == 0)
+            output_.Line("Loads, saves and loads again as the same; nothing dangles or is missing");
+        return findings_->Problems() + unstable;
+    }
+
+    /// Returns the number of problems that are left in the project.
+    std::size_t RepairInto(const std::string &path, RepairMode mode)
+    {
+        std::vector<Finding> repaired;
+        {
+            const QuietStandardError quiet;
+            repaired = Repair(*project_, mode);
+        }
+        for (const Finding &finding : repaired)
+            TellOfRepair(finding, mode);
+        if (mode == RepairMode::DryRun)
+            return findings_->Problems();
+        WriteProject(*project_, path);
+        const std::vector<Finding> left = CheckProject(*project_);
+        if (!json_)
+            output_.Line("wrote " + OneLine(path) + ", " + Counted(repaired.size(), "repair"));
+        return static_cast<std::size_t>(std::count_if(left.begin(), left.end(), [](const Finding &finding) {
+            return finding.severity != Finding::Severity::Note;
+        }));
+    }
+
+private:
+    void Show(const CheckRows &rows)
+    {
+        for (const CheckRow &row : rows.Rows())
+            output_.Line(json_ ? RowJson(row) : RowText(path_, row));
+    }
+
+    /// What a load and a save of the project's own text change about it.
+    std::size_t TellOfSaving()
+    {
+        saved_ = project_->Serialize();
+        const WideString &textures = std::as_const(*project_).TextureImageCache().TexturesFolderPath();
+        const WideString again = Load(saved_, textures, nullptr, project_->SharedMedia())->Serialize();
+        if (saved_ == again)
+            return 0;
+        const CheckRow row{LoadEntry::Severity::Warning,
+                           {},
+                           "unstable",
+                           "Project",
+                           "line " + std::to_string(FirstDifferentLine(saved_, again)) +
+                               " changes when it is saved again",
+                           {}};
+        output_.Line(json_ ? RowJson(row) : RowText(path_, row));
+        return 1;
+    }
+
+    /// Tells where a save would change the file. That is no problem in itself, but where a file was edited by
+    /// hand it shows what was not taken as it was meant.
+    void TellOfChange()
+    {
+        if (text_ == saved_)
+            return;
+        const std::size_t line = FirstDifferentLine(text_, saved_);
+        if (json_)
+            output_.Line(
+                JsonWriter().BeginObject().Member("kind", "change").Member("line", line).EndObject().Text());
+        else
+            output_.Line("A save changes the file, first in line " + std::to_string(line));
+    }
+
+    void WriteSums(std::size_t problems)
+    {
+        using Severity = LoadEntry::Severity;
+        output_.Line(JsonWriter()
+                         .BeginObject()
+                         .Member("kind", "sums")
+                         .Member("problems", problems)
+                         .Member("errors", findings_->Count(Severity::Error))
+                         .Member("losses", findings_->Count(Severity::Loss))
+                         .Member("warnings", findings_->Count(Severity::Warning))
+                         .Member("notes", findings_->Count(Severity::Note))
+                         .EndObject()
+                         .Text());
+    }
+
+    void TellOfRepair(const Finding &finding, RepairMode mode)
+    {
+        const bool isDone = mode == RepairMode::Apply;
+        if (json_)
+            output_.Line(JsonWriter()
+                             .BeginObject()
+                             .Member("kind", "repair")
+                             .Member("of", FindingKindName(finding.kind))
+                             .Member("done", isDone)
+                             .Member("place", finding.place)
+                             .Member("what", finding.what)
+                             .Member("remedy", finding.remedy)
+                             .EndObject()
+                             .Text());
+        else
+            output_.Line(OneLine((isDone ? "repaired: " : "would repair: ") + finding.place + ": " +
+                                 finding.what + ": " + finding.remedy));
+    }
+
+    const std::string &path_;
+    bool json_;
+    Output &output_;
+    WideString text_;
+    WideString saved_;
+    ProjectPointer project_;
+    std::unique_ptr<CheckRows> findings_;
+};
 
 void Run(const Arguments &arguments, Output &output)
 {
-    const std::string &path = arguments.Operand(0);
-    const WideString text = ReadTextFile(path);
-    const ProjectPointer project = ParseProject(text, FolderOf(path));
-    project->SetFilename(FromUtf8(path));
-    std::vector<Finding> findings = CheckProject(*project);
-    const std::vector<Finding> saving = CheckSaving(project);
-    findings.insert(findings.end(), saving.begin(), saving.end());
-
-    const bool json = arguments.Has("--json");
-    for (const Finding &finding : findings)
-        output.Line(json ? FindingJson(finding) : FindingText(finding));
-    TellOfChange(text, project->Serialize(), json, output);
-    if (json)
-        output.Line(JsonWriter()
-                        .BeginObject()
-                        .Member("kind", "sums")
-                        .Member("problems", findings.size())
-                        .EndObject()
-                        .Text());
-    else if (findings.empty())
-        output.Line("Loads, saves and loads again as the same; nothing dangles or is missing");
-    if (!findings.empty())
-        throw Failure(Counted(findings.size(), "problem"));
+    const bool isDry = arguments.Has("--dry-run");
+    if (isDry && !arguments.Has("--repair"))
+        throw UsageError("--dry-run is for --repair");
+    const std::string repaired = arguments.Has("--repair") ? arguments.NewPath("--repair") : "";
+    Checker checker(arguments, output);
+    std::size_t problems = checker.Tell();
+    if (!repaired.empty())
+        problems = checker.RepairInto(repaired, isDry ? RepairMode::DryRun : RepairMode::Apply);
+    if (problems > 0)
+        throw Failure(Counted(problems, "problem"));
 }
 
 } // namespace
@@ -101,11 +213,13 @@ const CommandSpec &CheckCommand()
 {
     static const CommandSpec command{
         "check",
-        "whether a project survives saving, and what in it dangles or is missing",
-        "FILE [--json]",
+        "what a file loses, what in its project is wrong, and whether that survives saving",
+        "FILE [--json] [--repair OUT [--dry-run]]",
         1,
         1,
-        {{"--json", "", "one JSON object a line"}},
+        {{"--json", "", "one JSON object a line"},
+         {"--repair", "OUT", "writes the project there with all repaired that is safe to repair"},
+         {"--dry-run", "", "with --repair: only tells what would be repaired"}},
         Run,
         "check project.xml"};
     return command;

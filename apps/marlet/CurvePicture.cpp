@@ -8,6 +8,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
+#include <stdexcept>
 #include <vector>
 
 namespace marlet::tool
@@ -94,10 +96,28 @@ public:
     {
         return first_ + static_cast<int>(std::lround(moment * (static_cast<double>(last_) - first_)));
     }
-    std::vector<double> At(int time) const { return Components(properties_.ValueAtTime(id_, time)); }
+    /// Not where key frames hold what no value lies between, or what is no place on a path.
+    bool HasValueAt(int time) const { return ValueAt(time).has_value(); }
+    /// None where there is no value.
+    std::vector<double> At(int time) const
+    {
+        const std::optional<PropertyValue> value = ValueAt(time);
+        return value ? Components(*value) : std::vector<double>();
+    }
     bool IsPath() const { return properties_.IsSpatial(id_) && keys_.size() > 1; }
 
 private:
+    std::optional<PropertyValue> ValueAt(int time) const
+    {
+        try {
+            return properties_.ValueAtTime(id_, time);
+        } catch (const std::runtime_error &) {
+            return std::nullopt;
+        } catch (const boost::bad_get &) {
+            return std::nullopt;
+        }
+    }
+
     const PropertyManager &properties_;
     PropertyManager::PropertyID id_;
     std::vector<KeyFrame> keys_;
@@ -181,6 +201,15 @@ void DrawComponent(SvgPicture &picture, const Curve &curve, const Axis &x, const
     }
 }
 
+/// Whether some of the curve has no value, and so is not drawn.
+bool HasGaps(const Curve &curve)
+{
+    for (int sample = 0; sample <= kSamples; ++sample)
+        if (!curve.HasValueAt(curve.TimeAt(static_cast<double>(sample) / kSamples)))
+            return true;
+    return false;
+}
+
 void DrawValues(SvgPicture &picture, const Curve &curve)
 {
     Range times;
@@ -230,8 +259,10 @@ void DrawPath(SvgPicture &picture, const Curve &curve)
     std::vector<std::vector<double>> samples;
     for (int sample = 0; sample <= kSamples; ++sample) {
         samples.push_back(curve.At(curve.TimeAt(static_cast<double>(sample) / kSamples)));
-        if (samples.back().size() < 2)
-            return;
+        if (samples.back().size() < 2) {
+            samples.pop_back();
+            continue;
+        }
         across.Include(samples.back()[0]);
         up.Include(samples.back()[1]);
     }
@@ -243,6 +274,8 @@ void DrawPath(SvgPicture &picture, const Curve &curve)
     picture.Add("polyline", {{"class", "path"}, {"points", points}});
     for (int step = 0; step <= kSteps; ++step) {
         const std::vector<double> place = curve.At(curve.TimeAt(static_cast<double>(step) / kSteps));
+        if (place.size() < 2)
+            continue;
         picture.Add(
             "circle",
             {{"class", "step"}, {"cx", plane.x.At(place[0])}, {"cy", plane.y.At(place[1])}, {"r", 2.0}});
@@ -270,7 +303,8 @@ std::string CurvePicture(const PropertyManager &properties, const std::string &n
     picture.Add(
         "text", {{"x", kMargin}, {"y", 24.0}},
         name + ", " + Counted(curve.Keys().size(), "key frame") +
-            (properties.HasExpression(name.c_str()) ? ", with an expression that is not evaluated" : ""));
+            (properties.HasExpression(name.c_str()) ? ", with an expression that is not evaluated" : "") +
+            (HasGaps(curve) ? ", without a value in places" : ""));
     DrawValues(picture, curve);
     if (curve.IsPath()) {
         // Evaluating has worked the tangents out, which the key frames now tell.

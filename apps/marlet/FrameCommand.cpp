@@ -6,6 +6,7 @@
 #include "PngFile.h"
 #include "ProgressBar.h"
 #include "TextFile.h"
+#include "Warning.h"
 #include "encode/Encoder.h"
 #include "preview/FrameRenderer.h"
 
@@ -61,6 +62,13 @@ void RequireFrame(const CompositionAsset &composition, int frame)
     if (frame < 0 || frame >= count)
         throw Failure("Frame " + std::to_string(frame) + " is not in composition " +
                       Quoted(composition.Name()) + ", which has " + std::to_string(count));
+}
+
+/// What a picture lacks is told of, and the others are drawn.
+void TellOfLeftOut(const FrameRenderer &renderer, const std::string &file)
+{
+    for (const LeftOutLayer &layer : renderer.LeftOut())
+        Warn(file, layer.place + " is left out: " + layer.why);
 }
 
 /// What a range of frames becomes: files of a folder, or a clip.
@@ -134,6 +142,7 @@ void RenderRange(FrameRenderer &renderer, const CompositionPointer &composition,
         }
         sink.Finish();
     }
+    TellOfLeftOut(renderer, arguments.Operand(0));
     output.Line("wrote " + Counted(static_cast<std::size_t>(count), "frame") + " to " + OneLine(path));
 }
 
@@ -160,6 +169,7 @@ void Run(const Arguments &arguments, Output &output)
     RequireWritable(path);
     const QImage picture = renderer.Render(composition, frame, size);
     WriteFile(path, EncodePng(picture));
+    TellOfLeftOut(renderer, arguments.Operand(0));
     output.Line("wrote " + std::to_string(picture.width()) + "x" + std::to_string(picture.height()) + " to " +
                 OneLine(path));
 }

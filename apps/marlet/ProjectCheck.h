@@ -1,6 +1,7 @@
 #pragma once
 
-#include <string>
+#include <marlet/checks/Finding.h>
+
 #include <vector>
 
 namespace marlet::project
@@ -11,15 +12,8 @@ class Project;
 namespace marlet::tool
 {
 
-/// Something about a project that a person should look at.
-struct Finding {
-    std::string kind;
-    std::string place; ///< of what it is, such as layer "Moon" of composition "Orbit"
-    std::string what;
-};
-
-/// IDs that dangle or repeat, parents in a circle, assets that are missing on disk, and property values of an
-/// unexpected type.
-std::vector<Finding> CheckProject(const project::Project &project);
+/// What the library finds, and behind it what is wrong with the tool's own 3D effects, of which the library
+/// knows nothing.
+std::vector<project::Finding> CheckProject(const project::Project &project);
 
 } // namespace marlet::tool

@@ -93,6 +93,7 @@ void AddThumbnails(const ProjectPointer &project, ReportFolder &folder, ReportCo
                                                   std::to_string(composition->Settings().FrameCount())});
         progress.Show(static_cast<int>(content.compositions.size()));
     }
+    content.leftOut = renderer.LeftOut();
 }
 
 void AddCurves(const Project &project, ReportFolder &folder, ReportContent &content)

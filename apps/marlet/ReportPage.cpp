@@ -10,6 +10,8 @@
 #include <marlet/project/CompositionAsset.h>
 #include <marlet/project/Project.h>
 
+#include <algorithm>
+
 namespace marlet::tool
 {
 
@@ -94,12 +96,27 @@ std::string Assets(const Project &project)
 std::string Findings(const std::vector<Finding> &findings)
 {
     std::string html = "<h2>Findings</h2>\n";
+    const auto isNote = [](const Finding &finding) { return finding.severity == Finding::Severity::Note; };
+    if (std::all_of(findings.begin(), findings.end(), isNote))
+        html += "<p>Nothing is missing, and every ID leads somewhere.</p>\n";
     if (findings.empty())
-        return html + "<p>Nothing is missing, and every ID leads somewhere.</p>\n";
+        return html;
     html += "<table>\n";
-    for (const Finding &finding : findings)
-        html += "<tr><td class=\"finding\">" + EscapedMarkup(finding.kind) + "</td>" + Cell(finding.place) +
-                Cell(finding.what) + "</tr>\n";
+    for (const Finding &finding : findings) {
+        const char *style = isNote(finding) ? "soft" : "finding";
+        html += "<tr><td class=\"" + std::string(style) + "\">" + FindingKindName(finding.kind) + "</td>" +
+                Cell(finding.place) + Cell(finding.what) + "</tr>\n";
+    }
+    return html + "</table>\n";
+}
+
+std::string LeftOut(const std::vector<LeftOutLayer> &layers)
+{
+    if (layers.empty())
+        return {};
+    std::string html = "<p class=\"finding\">Left out of these pictures:</p>\n<table>\n";
+    for (const LeftOutLayer &layer : layers)
+        html += "<tr>" + Cell(layer.place) + Cell(layer.why) + "</tr>\n";
     return html + "</table>\n";
 }
 
@@ -120,8 +137,8 @@ std::string Pictures(const std::string &title, const std::vector<ReportPicture> 
 std::string ReportPage(const Project &project, const ReportContent &content)
 {
     std::string html = Head(project) + Pictures("Compositions", content.compositions, "thumbnails") +
-                       Facts(project) + Findings(content.findings) + Assets(project) +
-                       Pictures("Timeline", content.timeline, "wide") +
+                       LeftOut(content.leftOut) + Facts(project) + Findings(content.findings) +
+                       Assets(project) + Pictures("Timeline", content.timeline, "wide") +
                        Pictures("Animated properties", content.curves, "wide");
     if (content.curvesLeftOut > 0)
         html += "<p class=\"soft\">and " + std::to_string(content.curvesLeftOut) + " more.</p>\n";

@@ -2,6 +2,7 @@
 
 #include "Document.h"
 #include "ProjectCheck.h"
+#include "preview/FrameRenderer.h"
 
 #include <string>
 #include <vector>
@@ -22,7 +23,8 @@ struct ReportContent {
     std::vector<ReportPicture> curves;
     std::size_t curvesLeftOut = 0;
     std::vector<ReportPicture> tree;
-    std::vector<Finding> findings;
+    std::vector<LeftOutLayer> leftOut; ///< of the pictures of compositions
+    std::vector<project::Finding> findings;
 };
 
 /// One HTML page without scripts, which works from a folder on disk.

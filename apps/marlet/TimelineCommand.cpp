@@ -4,9 +4,11 @@
 #include "InfoParts.h"
 #include "Names.h"
 #include "Output.h"
+#include "ProjectCheck.h"
 #include "TextFile.h"
 #include "Timeline.h"
 #include "TimelinePicture.h"
+#include "Warning.h"
 
 #include <marlet/editor/AbstractSequenceObject.h>
 #include <marlet/editor/AbstractSequenceTrack.h>
@@ -18,6 +20,7 @@
 #include <marlet/project/Project.h>
 
 #include <algorithm>
+#include <unordered_set>
 
 namespace marlet::tool
 {
@@ -278,12 +281,25 @@ void WriteFrame(const EditorSequence &sequence, int frame, bool json, Output &ou
     }
 }
 
+/// Problems of tracks and of what is on them.
+void TellOfProblems(const Project &project, const std::string &file)
+{
+    std::unordered_set<kytl::KyID> tracks;
+    for (const TrackPointer &track : TracksOf(*project.Sequence()))
+        tracks.insert(track->ID());
+    for (const Finding &finding : CheckProject(project))
+        if (finding.severity != Finding::Severity::Note && !finding.ids.empty() &&
+            tracks.count(finding.ids.back()) > 0)
+            Warn(file, finding.place + ": " + finding.what);
+}
+
 void Run(const Arguments &arguments, Output &output)
 {
     const bool atFrame = arguments.Has("--at");
     const int frame = atFrame ? arguments.Integer("--at") : 0;
     const ProjectPointer project = ReadProject(arguments.Operand(0));
     const SequencePointer sequence = SequenceOf(*project);
+    TellOfProblems(*project, arguments.Operand(0));
     if (arguments.Has("--svg"))
         WriteFile(arguments.NewPath("--svg"), TimelinePicture(*project));
     const bool json = arguments.Has("--json");

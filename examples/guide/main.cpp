@@ -1,5 +1,6 @@
 // Puts what the guide for hosts shows to use, and stops at the first thing that is not as the guide says.
 
+#include "Checking.h"
 #include "ExpressionEngine.h"
 #include "Fade.h"
 #include "Files.h"
@@ -207,6 +208,24 @@ void CheckSharedMedia(const std::string &folder)
     Expect(!project->Assets().All().front()->IsOffline(), "what was opened before a cancel stays");
 }
 
+void CheckProblems()
+{
+    const auto project = Project::Create(nullptr);
+    const auto composition = CompositionAsset::Create(u"Main", AudioVideoSettings::Preset::Hd720At25, 5);
+    project->Assets().All().Add(composition);
+    const auto layer = PointLayer::Create(u"Orphan");
+    layer->SetEndFrame(5);
+    layer->SetParentComposition(composition);
+    layer->SetParentLayer(kytl::KyID::Generate());
+    composition->Layers().Add(layer);
+    Expect(Problems(*project).size() == 1, "a parent that is missing is a problem");
+    const std::vector<std::string> repaired = RepairReferences(*project);
+    Expect(repaired ==
+               std::vector<std::string>{"layer \"Orphan\" of composition \"Main\": clears the parent layer"},
+           "a repair says what it does");
+    Expect(Problems(*project).empty() && !layer->HasParentLayer(), "nothing of it is left");
+}
+
 void CheckTracking(const std::string &folder)
 {
     const auto project = Project::Create(nullptr);
@@ -252,6 +271,7 @@ try {
     guide::CheckMedia(folder);
     guide::CheckSharedMedia(folder);
     guide::CheckTracking(folder);
+    guide::CheckProblems();
     std::cout << "all as the guide says\n";
 } catch (const std::exception &error) {
     std::cerr << error.what() << "\n";

@@ -39,27 +39,86 @@ TEST_F(CheckTest, FindsOneProblemOfEachKind)
     EXPECT_EQ(run.exitCode, 1);
     EXPECT_EQ(run.err, "marlet: a.xml: 9 problems\n");
     const std::string id = kNowhere.ToNarrowString();
-    const auto line = [](const std::string &kind, const std::string &place, const std::string &what) {
-        return "{\"kind\":\"" + kind + "\",\"place\":\"" + place + "\",\"what\":\"" + what + "\"}";
+    const auto line = [](const std::string &kind, const std::string &severity, const std::string &place,
+                         const std::string &what) {
+        return "{\"kind\":\"" + kind + "\",\"severity\":\"" + severity + "\",\"place\":\"" + place +
+               "\",\"what\":\"" + what + "\"";
     };
     const auto layer = [](const std::string &name) {
         return "layer \\\"" + name + "\\\" of composition \\\"Main\\\"";
     };
     const std::string expected[] = {
-        line("dangling ID", "folder \\\"Stray\\\"", "the parent folder " + id + " does not exist"),
-        line("dangling ID", "asset \\\"gone.png\\\"", "the parent folder " + id + " does not exist"),
-        line("missing file", "asset \\\"gone.png\\\"", "its file is not there"),
-        line("dangling ID", layer("Orphan"), "the parent layer " + id + " does not exist"),
-        line("parent circle", layer("First"), "its parents run in a circle"),
-        line("parent circle", layer("Second"), "its parents run in a circle"),
-        line("dangling ID", layer("Exile"), "the parent composition " + id + " does not exist"),
-        line("unexpected type", layer("Typed") + ", property position",
+        line("dangling ID", "warning", "folder \\\"Stray\\\"", "the parent folder " + id + " does not exist"),
+        line("dangling ID", "warning", "asset \\\"gone.png\\\"",
+             "the parent folder " + id + " does not exist"),
+        line("missing file", "warning", "asset \\\"gone.png\\\"", "its file is not there"),
+        line("dangling ID", "error", layer("Orphan"), "the parent layer " + id + " does not exist"),
+        line("parent circle", "error", layer("First"), "its parents run in a circle"),
+        line("parent circle", "error", layer("Second"), "its parents run in a circle"),
+        line("dangling ID", "error", layer("Exile"), "the parent composition " + id + " does not exist"),
+        line("unexpected type", "error", layer("Typed") + ", property position",
              "the key frame at 40 ms is of type float in place of KyPoint3_32f"),
-        line("unexpected type", layer("Typed") + ", property rotationZ",
+        line("unexpected type", "error", layer("Typed") + ", property rotationZ",
              "the static value is of type int32_t in place of float"),
-        "{\"kind\":\"sums\",\"problems\":9}",
+        line("folder", "note", "asset \\\"Main\\\"", "it is in no folder"),
+        "{\"kind\":\"sums\",\"problems\":9,\"errors\":6,\"losses\":0,\"warnings\":3,\"notes\":1}",
     };
-    EXPECT_THAT(run.OutLines(), testing::UnorderedElementsAreArray(expected));
+    EXPECT_EQ(run.OutLines().size(), std::size(expected));
+    for (const std::string &start : expected)
+        EXPECT_THAT(run.OutLines(), testing::Contains(testing::StartsWith(start)));
+}
+
+/// Lines and columns by counting in the text.
+TEST_F(CheckTest, TellsOfPlacesAsCompilersDo)
+{
+    const auto layer = AddPoint(u"Orphan");
+    layer->SetParentLayer(kNowhere);
+    Save("a.xml");
+    std::string text = Read("a.xml");
+    text.insert(text.find("<Layers"), "<Odd/>");
+    Write("a.xml", text);
+    const auto place = [&](const std::string &mark) {
+        const std::size_t at = text.find(mark);
+        const std::size_t lineStart = text.rfind('\n', at) + 1;
+        return "a.xml:" +
+               std::to_string(1 + std::count(text.begin(), text.begin() + std::ptrdiff_t(at), '\n')) + ":" +
+               std::to_string(at - lineStart + 1) + ": ";
+    };
+    const std::vector<std::string> lines = Run({"check", "a.xml"}).OutLines();
+    ASSERT_GE(lines.size(), 4u);
+    EXPECT_EQ(lines[0], place("<ID>" + composition_->ID().ToNarrowString()) +
+                            "note: asset \"Main\": it is in no folder [folder]");
+    EXPECT_THAT(lines[1], testing::StartsWith(place("<Odd/>")));
+    EXPECT_THAT(lines[1], testing::HasSubstr("Odd"));
+    EXPECT_EQ(lines[2], place("<ID>" + layer->ID().ToNarrowString()) +
+                            "error: layer \"Orphan\" of composition \"Main\": the parent layer " +
+                            kNowhere.ToNarrowString() + " does not exist [dangling ID]");
+    EXPECT_THAT(lines.back(), testing::StartsWith("1 error, "));
+
+    Write("b.xml", text.substr(0, text.find("<Odd/>")));
+    const ToolRun cut = Run({"check", "b.xml"});
+    EXPECT_EQ(cut.exitCode, 1);
+    EXPECT_THAT(cut.out, testing::AllOf(testing::StartsWith("b.xml:"), testing::HasSubstr(": error: ")));
+}
+
+TEST_F(CheckTest, RepairsWhatIsSafeAndTellsBeforehand)
+{
+    AddPoint(u"Orphan")->SetParentLayer(kNowhere);
+    Save("a.xml");
+    const std::string before = Read("a.xml");
+    const std::string what = "layer \"Orphan\" of composition \"Main\": the parent layer " +
+                             kNowhere.ToNarrowString() + " does not exist: clears the parent layer\n";
+    const ToolRun dry = Run({"check", "a.xml", "--repair", "b.xml", "--dry-run"});
+    EXPECT_EQ(dry.exitCode, 1);
+    EXPECT_THAT(dry.out, testing::EndsWith("\nwould repair: " + what));
+    EXPECT_THAT(FileNames(), testing::ElementsAre("a.xml"));
+
+    const ToolRun run = Run({"check", "a.xml", "--repair", "b.xml"});
+    EXPECT_EQ(run.exitCode, 0) << run.err;
+    EXPECT_THAT(run.out, testing::EndsWith("\nrepaired: " + what + "wrote b.xml, 1 repair\n"));
+    EXPECT_EQ(Run({"check", "b.xml"}).exitCode, 0);
+    EXPECT_EQ(Read("a.xml"), before);
+    EXPECT_EQ(Run({"check", "a.xml", "--dry-run"}).exitCode, 2);
 }
 
 TEST_F(CheckTest, FindsIDsThatRepeat)
@@ -69,10 +128,11 @@ TEST_F(CheckTest, FindsIDsThatRepeat)
     composition_->Layers().Add(layer);
     Save("a.xml");
     const std::string out = Run({"check", "a.xml"}).out;
-    EXPECT_THAT(out, testing::StartsWith(
-                         "repeated ID     asset \"Main\": " + composition_->ID().ToNarrowString() + "\n"));
-    EXPECT_THAT(out, testing::EndsWith("repeated ID     layer \"Twin\" of composition \"Main\": " +
-                                       layer->ID().ToNarrowString() + "\n"));
+    for (const std::string &line :
+         {"asset \"Main\": another one before it has its ID " + composition_->ID().ToNarrowString(),
+          "layer \"Twin\" of composition \"Main\": another one before it has its ID " +
+              layer->ID().ToNarrowString()})
+        EXPECT_THAT(out, testing::HasSubstr("warning: " + line + " [repeated ID]\n"));
 }
 
 TEST_F(CheckTest, TellsWhereASaveChangesTheFile)
@@ -88,9 +148,10 @@ TEST_F(CheckTest, TellsWhereASaveChangesTheFile)
 
     EXPECT_EQ(Run({"check", "b.xml"}).out.find("A save changes"), std::string::npos);
     Write("c.xml", std::string(saved).replace(number, 2, "12,5"));
-    EXPECT_EQ(Run({"check", "c.xml"}).out.find("A save changes the file, first in line " + line + "\n"), 0u);
-    EXPECT_EQ(Run({"check", "c.xml", "--json"}).out,
-              "{\"kind\":\"change\",\"line\":" + line + "}\n{\"kind\":\"sums\",\"problems\":0}\n");
+    EXPECT_THAT(Run({"check", "c.xml"}).out,
+                testing::HasSubstr("\nA save changes the file, first in line " + line + "\n"));
+    EXPECT_THAT(Run({"check", "c.xml", "--json"}).out,
+                testing::HasSubstr("\n{\"kind\":\"change\",\"line\":" + line + "}\n{\"kind\":\"sums\","));
 }
 
 TEST_F(CheckTest, KnowsTheTypesOfAClassEvenIfTheFileHasOthersThroughout)

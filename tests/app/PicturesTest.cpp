@@ -4,6 +4,8 @@
 
 #include <QDomDocument>
 
+#include <algorithm>
+
 namespace marlet::test
 {
 
@@ -72,6 +74,33 @@ TEST_F(PicturesTest, TheTreeMarksReferencesThatLeadNowhere)
     ASSERT_EQ(Run({"tree", Save("a.xml"), "-o", Path("tree.svg")}).exitCode, 0);
     EXPECT_THAT(ReadXml("tree.svg"),
                 AllOf(HasSubstr("Child has the parent Parent"), HasSubstr("parent missing: ")));
+}
+
+/// A parent that is missing, and key frames between which there is nothing.
+TEST_F(PicturesTest, WhatCannotBeHadIsLeftOutAndTold)
+{
+    AddPoint(u"Sound");
+    AddPoint(u"Orphan")->SetParentLayer(kytl::KyID::Generate());
+    KeyFrameList &keys = AddPoint(u"Mixed")->Animation().KeyFrames("rotationZ");
+    keys.Set(0, 1.f);
+    keys.Set(1000, 2);
+    const std::string file = Save("a.xml");
+    const std::string told = "a.xml: warning: layer \"Orphan\" of composition \"Main\" is left out: ";
+
+    const ToolRun frame =
+        Run({"frame", "a.xml", "--composition=Main", "--from=4", "--to=5", "-o", Path("frames")});
+    EXPECT_EQ(frame.exitCode, 0) << frame.err;
+    EXPECT_THAT(frame.err, HasSubstr(told));
+    EXPECT_EQ(std::count(frame.err.begin(), frame.err.end(), '\n'), 2);
+
+    ASSERT_EQ(Run({"report", "a.xml", "-o", Path("page")}).exitCode, 0);
+    EXPECT_THAT(Read("page/index.html"),
+                AllOf(HasSubstr("Left out of these pictures"), HasSubstr("mixed types")));
+    ASSERT_EQ(
+        Run({"curve", file, "--composition=Main", "--layer=Mixed", "--property=rotationZ", "-o", "c.svg"})
+            .exitCode,
+        0);
+    EXPECT_THAT(ReadXml("c.svg"), HasSubstr("2 key frames, without a value in places"));
 }
 
 /// Key frames of a straight line: the picture's own scale is told by its labels.

@@ -110,16 +110,21 @@ TEST_F(TimelineTest, CheckFindsWhatIsOutOfStep)
     Save("cut.xml");
     const ToolRun run = Run({"check", "cut.xml"});
     const std::string lines[] = {
-        "one-sided link  object \"B\" of track \"Video 1\": the linked object \"Red\" is not linked to it\n",
-        "one-sided link  object \"Main\" of track \"Audio 1\": the linked object \"B\" is not linked to it\n",
-        "transition      object \"A\" of track \"Video 1\": the outgoing transition Cross Dissolve is shared "
-        "with \"B\", which does not meet it\n",
-        "dangling ID     object \"Red\" of track \"Video 1\": the linked object " + id + " does not exist\n",
-        "the outgoing transition Wipe: the object " + id + " does not exist\n",
-        "the asset " + OnVideo(90)->AssetID().ToNarrowString() + " does not exist\n",
+        "warning: object \"B\" of track \"Video 1\": the linked object \"Red\" is not linked to it",
+        "warning: object \"Main\" of track \"Audio 1\": the linked object \"B\" is not linked to it",
+        "warning: object \"A\" of track \"Video 1\": the outgoing transition Cross Dissolve is shared "
+        "with \"B\", which does not meet it",
+        "warning: object \"Red\" of track \"Video 1\": the linked object " + id + " does not exist",
+        "the outgoing transition Wipe: the object " + id + " does not exist",
+        "the asset " + OnVideo(90)->AssetID().ToNarrowString() + " does not exist",
     };
-    for (const std::string &line : lines)
-        EXPECT_THAT(run.out, HasSubstr(line));
+    const ToolRun table = Run({"timeline", "cut.xml"});
+    EXPECT_EQ(table.exitCode, 0);
+    for (const std::string &line : lines) {
+        EXPECT_THAT(run.out, HasSubstr(line + " ["));
+        EXPECT_THAT(table.err,
+                    HasSubstr(line.starts_with("warning") ? "cut.xml: " + line + "\n" : line + "\n"));
+    }
     EXPECT_EQ(run.err, "marlet: cut.xml: 7 problems\n") << run.out;
 }
 

@@ -14,6 +14,7 @@ set(below_tracking foundation animation platform)
 set(below_layers foundation animation plugins masks tracking project platform)
 set(below_project foundation animation plugins masks tracking layers platform)
 set(below_editor foundation animation plugins masks tracking layers project)
+set(below_checks foundation animation plugins masks tracking layers project editor)
 
 # Sources that must reach up, as "source folder".
 set(reaching_up

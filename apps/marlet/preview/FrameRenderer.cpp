@@ -7,7 +7,9 @@
 #include "Values.h"
 #include "View.h"
 
+#include <marlet/animation/PropertyValue.h>
 #include <marlet/layers/AssetLayer.h>
+#include <marlet/layers/CameraLayer.h>
 #include <marlet/layers/GradeLayer.h>
 #include <marlet/layers/TextLayer.h>
 #include <marlet/project/AssetList.h>
@@ -21,6 +23,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <new>
+#include <optional>
 
 namespace marlet::tool
 {
@@ -72,14 +76,46 @@ QImage FrameRenderer::Draw(const CompositionPointer &composition, int frame)
 {
     QImage canvas(FrameSize(composition->Settings()), QImage::Format_ARGB32_Premultiplied);
     canvas.fill(Qt::transparent);
-    const View view(project_, *composition, frame, canvas.size());
+    const View view = ViewOf(composition, frame, canvas.size());
     open_.push_back(composition->ID());
     const CompositionAsset::LayerList &layers = std::as_const(*composition).Layers();
     for (auto layer = layers.rbegin(); layer != layers.rend(); ++layer)
         if ((*layer)->IsVisible() && frame >= (*layer)->StartFrame() && frame < (*layer)->EndFrame())
-            DrawLayer({composition, frame, view, canvas}, **layer);
+            Try(composition, **layer, [&] { DrawLayer({composition, frame, view, canvas}, **layer); });
     open_.pop_back();
     return canvas;
+}
+
+View FrameRenderer::ViewOf(const CompositionPointer &composition, int frame, QSize picture)
+{
+    const auto camera = std::dynamic_pointer_cast<const CameraLayer>(composition->ActiveCameraLayer(frame));
+    std::optional<View> view;
+    if (camera)
+        Try(composition, *camera, [&] { view.emplace(project_, *composition, camera, frame, picture); });
+    return view ? *view : View(project_, *composition, nullptr, frame, picture);
+}
+
+void FrameRenderer::Try(const CompositionPointer &composition, const AbstractLayer &layer,
+                        const std::function<void()> &work)
+{
+    try {
+        work();
+    } catch (const std::bad_alloc &) {
+        throw;
+    } catch (const boost::bad_get &) {
+        LeaveOut(composition, layer, "A property holds a value of another type than it should");
+    } catch (const std::exception &exception) {
+        LeaveOut(composition, layer, exception.what());
+    }
+}
+
+void FrameRenderer::LeaveOut(const CompositionPointer &composition, const AbstractLayer &layer,
+                             const std::string &why)
+{
+    if (leftOutLayers_.insert(&layer).second)
+        leftOut_.push_back(
+            {"layer \"" + ToUtf8(layer.Name()) + "\" of composition \"" + ToUtf8(composition->Name()) + "\"",
+             why});
 }
 
 void FrameRenderer::DrawLayer(const Scene &scene, const AbstractLayer &layer)

@@ -6,6 +6,9 @@
 
 #include <QImage>
 
+#include <functional>
+#include <string>
+#include <unordered_set>
 #include <vector>
 
 namespace marlet::project
@@ -17,6 +20,12 @@ namespace marlet::tool
 {
 
 class View;
+
+/// A layer that no frame shows, since it could not be asked for what is drawn of it.
+struct LeftOutLayer {
+    std::string place; ///< layer "Moon" of composition "Orbit"
+    std::string why;
+};
 
 /// Draws frames of compositions: exact in place and time, plain in looks. Layers are drawn from the end of
 /// the stack to its front; solids, stills, media, nested compositions and text with their masks and effects;
@@ -33,6 +42,9 @@ public:
     /// empty.
     QImage Render(const CompositionPointer &composition, int frame, QSize size = {});
 
+    /// Of all frames so far, each layer once.
+    const std::vector<LeftOutLayer> &LeftOut() const { return leftOut_; }
+
 private:
     /// What is being drawn.
     struct Scene {
@@ -43,6 +55,12 @@ private:
     };
 
     QImage Draw(const CompositionPointer &composition, int frame);
+    View ViewOf(const CompositionPointer &composition, int frame, QSize picture);
+    /// Leaves the layer out if the work throws.
+    void Try(const CompositionPointer &composition, const project::AbstractLayer &layer,
+             const std::function<void()> &work);
+    void LeaveOut(const CompositionPointer &composition, const project::AbstractLayer &layer,
+                  const std::string &why);
     void DrawLayer(const Scene &scene, const project::AbstractLayer &layer);
     void DrawGrade(const Scene &scene, const project::AbstractLayer &layer, int time);
     void DrawMarker(const Scene &scene, const project::AbstractLayer &layer, int time);
@@ -59,6 +77,8 @@ private:
     ProjectPointer project_;
     AssetPictures pictures_;
     std::vector<kytl::KyID> open_; ///< the compositions around the one that is being drawn
+    std::vector<LeftOutLayer> leftOut_;
+    std::unordered_set<const project::AbstractLayer *> leftOutLayers_;
 };
 
 } // namespace marlet::tool

@@ -46,16 +46,16 @@ QPolygonF InFront(const QPolygonF &polygon, const QTransform &transform, double 
 
 } // namespace
 
-View::View(const ProjectPointer &project, const CompositionAsset &composition, int frame, QSize picture)
+View::View(const ProjectPointer &project, const CompositionAsset &composition,
+           const std::shared_ptr<const CameraLayer> &camera, int frame, QSize picture)
     : picture_(picture)
 {
     zoom_ = DefaultZoom(composition.Settings());
     fromCamera_ = Matrix::Translation(0, 0, static_cast<float>(-zoom_));
-    const auto camera = std::dynamic_pointer_cast<CameraLayer>(composition.ActiveCameraLayer(frame));
     if (!camera)
         return;
     const int time = camera->GlobalFrameToRelativeTime(frame, std::as_const(*project).Assets());
-    if (const float zoom = NumberOr(std::as_const(*camera).Animation(), "zoom", time, 0); zoom > 0)
+    if (const float zoom = NumberOr(camera->Animation(), "zoom", time, 0); zoom > 0)
         zoom_ = zoom;
     nearest_ = std::max(static_cast<double>(camera->NearClip()), 1e-3);
     Matrix placement = camera->WorldTransformationAtTime(time, project, true);

@@ -11,6 +11,11 @@
 
 #include <optional>
 
+namespace marlet::project
+{
+class CameraLayer;
+}
+
 namespace marlet::tool
 {
 
@@ -22,10 +27,10 @@ class View
 public:
     using Matrix = kytl::matl::KyMatrix<4, 4, float>;
 
-    /// The active camera's view at a frame, or that of a lens of 50 mm in front of the middle if there is
-    /// none.
-    View(const ProjectPointer &project, const project::CompositionAsset &composition, int frame,
-         QSize picture);
+    /// The camera's view at a frame, or that of a lens of 50 mm in front of the middle if there is none.
+    /// @throws as the camera's matrices do
+    View(const ProjectPointer &project, const project::CompositionAsset &composition,
+         const std::shared_ptr<const project::CameraLayer> &camera, int frame, QSize picture);
 
     /// Where the picture of a flat layer goes.
     struct Placement {
