@@ -1,5 +1,7 @@
 #pragma once
 
+#include <marlet/foundation/Strings.h>
+
 #include <memory>
 
 namespace marlet::project
@@ -13,7 +15,7 @@ class LoadReport;
 struct LoadOptions {
     /// Opens the project's media. What it has open is not opened again; several projects may share one, each
     /// of which keeps it alive. Null for one of the project's own.
-    std::shared_ptr<MediaManager> media;
+    std::shared_ptr<MediaManager> media = {};
     /// Hears of each media file that is opened; not owned. If it cancels, the load goes on: the assets of the
     /// files behind are offline until they are woken or reloaded. Null for none.
     MediaProgress *progress = nullptr;
@@ -24,6 +26,12 @@ struct LoadOptions {
     /// plug-in is missing or older than the text, one that holds on to all of it. Without it such elements
     /// are passed over, and such a plug-in ends the load.
     bool keepUnknown = false;
+    /// For ProjectFile::Load: media and image files that are not where the text says are looked for in the
+    /// project's own folder, under the end of their path: of /old/film/clips/sea.mov first clips/sea.mov,
+    /// then sea.mov. What is found is the path of the asset from then on, and a note in the report.
+    bool findMovedMedia = false;
+    /// For ProjectFile::Load, with its trailing separator; empty for the file's own folder.
+    WideString texturesFolder = {};
 };
 
 } // namespace marlet::project

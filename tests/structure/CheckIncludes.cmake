@@ -15,6 +15,8 @@ set(below_layers foundation animation plugins masks tracking project platform)
 set(below_project foundation animation plugins masks tracking layers platform)
 set(below_editor foundation animation plugins masks tracking layers project)
 
+set(below_recovery foundation animation plugins masks tracking layers project editor platform)
+
 # Sources that must reach up, as "source folder".
 set(reaching_up
     "marlet/plugins/EffectsHelperTransitions.cpp editor"
