@@ -1,4 +1,7 @@
 #include <marlet/foundation/LoadReport.h>
+#include <marlet/layers/PointLayer.h>
+#include <marlet/project/AssetList.h>
+#include <marlet/project/CompositionAsset.h>
 #include <marlet/project/LoadOptions.h>
 #include <marlet/project/Project.h>
 #include <marlet/recovery/Recovery.h>
@@ -67,36 +70,30 @@ std::vector<Item> ItemsOf(const std::string &text)
     return items;
 }
 
-/// A small project: three layers, and an object on a track.
+constexpr char kMainID[] = "00000000-0000-0000-0000-000000000001";
+constexpr char kTwoID[] = "00000000-0000-0000-0000-000000000002";
+
+void ReplaceAll(std::string &text, const std::string &from, const std::string &to)
+{
+    for (std::size_t at = text.find(from); at != std::string::npos; at = text.find(from, at))
+        text.replace(at, from.size(), to);
+}
+
+/// A project with the layers One, Two and Three in the composition Main, without blanks between the lines.
 std::string SmallProject()
 {
-    const std::string id = "00000000-0000-0000-0000-00000000000";
-    const auto layer = [&](const std::string &name, const std::string &number) {
-        std::string properties;
-        for (const char *property : {"position", "rotationX", "rotationY", "rotationZ", "orientation"})
-            properties += std::string("<") + property +
-                          " Type=\"0\" Spatial=\"0\"><Default><float>0</float></Default>"
-                          "<Static><float>0</float></Static></" +
-                          property + ">\n";
-        return "<PointLayer Version=\"0\">\n<LayerBase Version=\"0\">\n<ID>" + id + number + "</ID>\n<Name>" +
-               name + "</Name>\n<CompID>" + id + "1</CompID>\n<ParentLayerID>" + id +
-               "0</ParentLayerID>\n<StartFrame>0</StartFrame>\n<EndFrame>100</EndFrame>\n"
-               "<Visible>1</Visible>\n<Locked>0</Locked>\n<Muted>0</Muted>\n<MotionBlurOn>0</MotionBlurOn>\n"
-               "<BlendMode>0</BlendMode>\n<PropertyManager Version=\"0\">\n" +
-               properties + "</PropertyManager>\n</LayerBase>\n</PointLayer>\n";
-    };
-    return "<Project Version=\"0\">\n<ID>" + id +
-           "9</ID>\n<Name>Small</Name>\n<AssetList Version=\"0\">\n<Assets>\n"
-           "<CompositionAsset Version=\"0\">\n<ID>" +
-           id + "1</ID>\n<Name>Main</Name>\n<ParentFolderID>" + id +
-           "2</ParentFolderID>\n<CTI>5</CTI>\n<InPoint>0</InPoint>\n<OutPoint>250</OutPoint>\n"
-           "<TimelineZoom>0</TimelineZoom>\n<SplitterPosition>440</SplitterPosition>\n"
-           "<TimelineTimeFormat>1000</TimelineTimeFormat>\n<TimelineSnapMode>1000</"
-           "TimelineSnapMode>\n<Layers>\n" +
-           layer("One", "4") + layer("Two", "5") + layer("Three", "6") +
-           "</Layers>\n</CompositionAsset>\n</Assets>\n<BinFolder Version=\"0\">\n<ID>" + id +
-           "2</ID>\n<IsExpanded>0</IsExpanded>\n<Name>Root</Name>\n<ParentFolderID>" + id +
-           "0</ParentFolderID>\n<Assets/>\n<SubFolders/>\n</BinFolder>\n</AssetList>\n</Project>\n";
+    const auto project = Project::Create(nullptr);
+    const auto composition = CompositionAsset::Create(u"Main", AudioVideoSettings::Preset::Hd720At25, 250);
+    project->Assets().All().Add(composition);
+    for (const char16_t *name : {u"One", u"Two", u"Three"}) {
+        composition->Layers().Add(PointLayer::Create(name));
+        composition->Layers().back()->SetParentComposition(composition);
+    }
+    std::string text = ToUtf8(project->Serialize());
+    ReplaceAll(text, composition->ID().ToNarrowString(), kMainID);
+    ReplaceAll(text, composition->Layers()[1]->ID().ToNarrowString(), kTwoID);
+    ReplaceAll(text, "\n ", "\n");
+    return text;
 }
 
 } // namespace
@@ -138,7 +135,7 @@ TEST(Recovery, KeepsWhatStoodWholeBeforeACut)
         }
     }
     const std::string small = SmallProject();
-    for (std::size_t cut = 0; cut < small.rfind("</Project") && !HasFatalFailure(); cut += 7) {
+    for (std::size_t cut = 0; cut < small.rfind("</Project") && !HasFatalFailure(); cut += 31) {
         SCOPED_TRACE(cut);
         cutAt(small, ItemsOf(small), cut);
     }
@@ -150,33 +147,38 @@ TEST(Recovery, KeepsWhatStandsBehindADamage)
         const char *name;
         std::string from;
         std::string to;
-        std::string line; ///< in front of which the report's first entry stands, in the intact text; or empty
+        std::string line; ///< what stands in the line of the first entry, or empty
         std::vector<std::string> there;
         std::vector<std::string> gone;
     };
     const std::vector<std::string> all = {"<Name>One</Name>", "<Name>Two</Name>", "<Name>Three</Name>"};
     const std::string two = "<Name>Two</Name>";
-    const std::string twoBase = "<LayerBase Version=\"0\">\n<ID>00000000-0000-0000-0000-000000000005</ID>";
+    const std::string twoBase = "<LayerBase Version=\"0\">\n<ID>" + std::string(kTwoID) + "</ID>";
     const Damage damages[] = {
-        {"a value without its end tag", "<CTI>5</CTI>", "<CTI>5", "<InPoint>", {all[0], "<CTI>5</CTI>"}, {}},
-        {"a value with another end tag", two, "<Name>Two</Nome>", two, all, {}},
-        {"a value without its start tag", "<CTI>5</CTI>", "5</CTI>", "", {all[2], "<CTI>5</CTI>"}, {}},
-        {"a value that is gone", "<CTI>5</CTI>\n", "", "", {all[0], all[1], all[2], "<CTI>"}, {}},
+        {"a value without its end tag", "<CTI>0</CTI>", "<CTI>0", "<InPoint>", {all[0], "<CTI>0</CTI>"}, {}},
+        {"a value with another end tag", two, "<Name>Two</Nome>", "Two</Nome>", all, {}},
+        {"a value without its start tag", "<CTI>0</CTI>", "0</CTI>", "", {all[2], "<CTI>0</CTI>"}, {}},
+        {"a value that is gone", "<CTI>0</CTI>\n", "", "", {all[0], all[1], all[2], "<CTI>"}, {}},
         {"an ID that is gone",
-         "<ID>00000000-0000-0000-0000-000000000001</ID>\n",
+         "<ID>" + std::string(kMainID) + "</ID>\n",
          "",
          "",
-         {all[0], "<Name>Main</Name>", "<ID>00000000-0000-0000-0000-000000000001</ID>"},
+         {all[0], "<Name>Main</Name>", "<ID>" + std::string(kMainID) + "</ID>"},
          {}},
-        {"an ID that is none", "<ID>00000000-0000-0000-0000-000000000005", "<ID>xyz", "", all, {"xyz"}},
+        {"an ID that is none", "<ID>" + std::string(kTwoID), "<ID>xyz", "", all, {"xyz"}},
         {"a boolean that is none", "<Visible>1</Visible>", "<Visible>yes</Visible>", "", all, {"yes"}},
         {"a layer without its end tag",
-         "</PointLayer>\n<PointLayer Version=\"0\">\n" + twoBase,
-         "<PointLayer Version=\"0\">\n" + twoBase,
+         "</PointLayer>\n<PointLayer Version=\"0\">\n<Dimensions>1</Dimensions>\n" + twoBase,
+         "<PointLayer Version=\"0\">\n<Dimensions>1</Dimensions>\n" + twoBase,
          "",
          all,
          {}},
-        {"a layer without its start tag", "<PointLayer Version=\"0\">\n" + twoBase, twoBase, "", all, {}},
+        {"a layer without its start tag",
+         "<PointLayer Version=\"0\">\n<Dimensions>1</Dimensions>\n" + twoBase,
+         "<Dimensions>1</Dimensions>\n" + twoBase,
+         "",
+         all,
+         {}},
         {"a list without its start tag", "<Layers>\n", "", "", all, {}},
         {"a list without its end tag", "</Layers>\n", "", "", all, {}},
         {"a list with the end tag of the project",
@@ -187,8 +189,8 @@ TEST(Recovery, KeepsWhatStandsBehindADamage)
          {}},
         {"an end tag that is no tag", "</Layers>", "</Lay#ers>", "", {all[2], "<Name>Root</Name>"}, {}},
         {"an attribute without its second quote",
-         "<PointLayer Version=\"0\">\n" + twoBase,
-         "<PointLayer Version=\"0>\n" + twoBase,
+         "<PointLayer Version=\"0\">\n<Dimensions>1</Dimensions>\n" + twoBase,
+         "<PointLayer Version=\"0>\n<Dimensions>1</Dimensions>\n" + twoBase,
          "",
          all,
          {}},
@@ -199,12 +201,12 @@ TEST(Recovery, KeepsWhatStandsBehindADamage)
          all,
          {}},
         {"a tag that does not end", "<BinFolder Version=\"0\">", "<BinFolder Version=\"0\"", "", all, {}},
-        {"bytes that are no UTF-8", two, "<Name>T\xFFw\xC0o</Name>", two, all, {"\xFF", "\xC0"}},
-        {"a control character", two, "<Name>Two\x01</Name>", two, all, {"\x01"}},
+        {"bytes that are no UTF-8", two, "<Name>T\xFFw\xC0o</Name>", "T\xFFw", all, {"\xFF", "\xC0"}},
+        {"a control character", two, "<Name>Two\x01</Name>", "Two\x01", all, {"\x01"}},
         {"a character that stands for itself",
          two,
          "<Name>Two & <</Name>",
-         two,
+         "Two & <",
          {all[0], "<Name>Two &amp; &lt;</Name>", all[2]},
          {}},
         {"a run of garbage between elements",
@@ -214,7 +216,7 @@ TEST(Recovery, KeepsWhatStandsBehindADamage)
          all,
          {"\xFE"}},
         {"a run of garbage over a start",
-         "<PointLayer Version=\"0\">\n" + twoBase,
+         "<PointLayer Version=\"0\">\n<Dimensions>1</Dimensions>\n" + twoBase,
          "\x02<<&>\xFE\x7F",
          "",
          {all[0], all[2]},
@@ -237,7 +239,7 @@ TEST(Recovery, KeepsWhatStandsBehindADamage)
             EXPECT_THAT(recovered, Not(HasSubstr(gone)));
         ASSERT_GE(report.Count(), 1u);
         if (!damage.line.empty()) {
-            const auto place = static_cast<std::ptrdiff_t>(std::min(text.find(damage.line), at));
+            const auto place = static_cast<std::ptrdiff_t>(text.find(damage.line));
             EXPECT_EQ(report.Entries()[0].line, 1 + std::count(text.begin(), text.begin() + place, '\n'));
         }
     }
