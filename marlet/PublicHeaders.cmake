@@ -56,6 +56,7 @@ set(MARLET_PUBLIC_HEADERS
     masks/Mask.h
     masks/MotionPath.h
     masks/PathPoint.h
+    platform/files/WholeFile.h
     platform/media/KyAbstractAudioStream.h
     platform/media/KyAbstractCodecInfo.h
     platform/media/KyAbstractMediaFile.h
@@ -103,11 +104,13 @@ set(MARLET_PUBLIC_HEADERS
     project/MediaVideoStream.h
     project/PanelRenderState.h
     project/Project.h
+    project/ProjectFile.h
     project/ProjectMetadata.h
     project/ProjectSettings.h
     project/ProjectTextureImageCache.h
     project/SolidAsset.h
     project/TextureImage.h
+    recovery/Recovery.h
     tracking/Tracker.h
     tracking/TrackingActiveObject.h
     tracking/TrackingPoint.h)

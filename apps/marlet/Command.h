@@ -49,6 +49,7 @@ const CommandSpec &MediaCommand();
 const CommandSpec &DecodeCommand();
 const CommandSpec &SamplesCommand();
 const CommandSpec &RelinkCommand();
+const CommandSpec &RecoverCommand();
 const CommandSpec &TrackCommand();
 const CommandSpec &PostFilterCommand();
 const CommandSpec &ClipCommand();

@@ -5,6 +5,7 @@
 #include "Output.h"
 #include "ProjectDiff.h"
 
+#include <marlet/foundation/Exceptions.h>
 #include <marlet/project/Project.h>
 
 namespace marlet::tool
@@ -70,6 +71,8 @@ void Run(const Arguments &arguments, Output &output)
     try {
         after = ReadProject(arguments.Operand(1), PluginUse::With, before->SharedMedia());
     } catch (const Failure &) {
+        throw;
+    } catch (const FileException &) {
         throw;
     } catch (const std::exception &failure) {
         throw Failure(arguments.Operand(1), failure.what());

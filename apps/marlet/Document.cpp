@@ -2,6 +2,7 @@
 
 #include "FindByIdOrName.h"
 #include "MediaOpening.h"
+#include "Output.h"
 #include "TextFile.h"
 #include "Timeline.h"
 #include "plugins/PluginManager.h"
@@ -15,6 +16,10 @@
 #include <marlet/project/MediaAsset.h>
 #include <marlet/project/Project.h>
 #include <marlet/tracking/Tracker.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <utility>
 
 namespace marlet::tool
 {
@@ -33,18 +38,96 @@ template <class Asset> std::vector<std::shared_ptr<Asset>> AssetsOf(const Projec
     return assets;
 }
 
+/// Runs what reads a project, with the tool's plug-ins and options.
+template <class Read>
+ProjectPointer OpenWith(PluginUse plugins, const std::shared_ptr<MediaManager> &media, LoadReport *report,
+                        const Read &read)
+{
+    const auto manager = plugins == PluginUse::With ? Plugins() : nullptr;
+    MediaOpening opening;
+    const LoadOptions options{.media = media ? media : NewMediaManager(),
+                              .progress = &opening,
+                              .report = report,
+                              .keepUnknown = plugins == PluginUse::With};
+    ProjectPointer project = read(manager, options);
+    opening.RequireNotInterrupted();
+    FillInstances(*project);
+    return project;
+}
+
 } // namespace
+
+Document::Document(std::string path, Voice voice)
+    : path_(std::move(path)), voice_(voice), text_(ReadTextFile(path_))
+{
+}
+
+ProjectPointer Document::Open(PluginUse plugins, const std::shared_ptr<MediaManager> &media)
+{
+    ProjectPointer project;
+    try {
+        project = OpenWith(plugins, media, &report_, [this](const auto &manager, const LoadOptions &options) {
+            return ProjectFile::Read(text_, path_, manager, EffectFactory(), options);
+        });
+    } catch (const Failure &) {
+        throw;
+    } catch (const std::exception &) {
+        if (voice_ == Voice::Tells)
+            Tell();
+        throw;
+    }
+    if (voice_ == Voice::Tells)
+        Tell();
+    return project;
+}
+
+void Document::Tell() const
+{
+    const std::vector<LoadEntry> &entries = report_.Entries();
+    const auto error = std::find_if(entries.begin(), entries.end(), [](const LoadEntry &entry) {
+        return entry.severity == LoadEntry::Severity::Error;
+    });
+    const LoadEntry *const first = error == entries.end() ? report_.FirstLoss() : &*error;
+    // An error that stands nowhere is told of by its words alone.
+    if (!first || (error != entries.end() && first->line == 0))
+        return;
+    std::string lines = EntryLine(path_, *first) + "\n";
+    const std::size_t losses = report_.Count(LoadEntry::Severity::Loss);
+    if (const std::size_t more = error == entries.end() ? losses - 1 : losses; more > 0)
+        lines +=
+            OneLine(path_) + ": " + std::to_string(more) + (more == 1 ? " more loss\n" : " more losses\n");
+    std::fwrite(lines.data(), 1, lines.size(), stderr);
+}
+
+std::string EntryLine(const std::string &file, const LoadEntry &entry)
+{
+    std::string line = file + ":";
+    if (entry.line > 0)
+        line += std::to_string(entry.line) + ":" + std::to_string(entry.column) + ":";
+    line += NarrowString(" ") + SeverityName(entry.severity) + ": " + entry.what;
+    if (!entry.path.empty())
+        line += " (" + entry.path + ")";
+    return OneLine(line);
+}
 
 ProjectPointer ParseProject(const WideString &text, const WideString &texturesFolder, PluginUse plugins,
                             const std::shared_ptr<MediaManager> &media)
 {
-    const auto manager = plugins == PluginUse::With ? Plugins() : nullptr;
-    MediaOpening opening;
-    const LoadOptions options{.media = media ? media : NewMediaManager(), .progress = &opening};
-    ProjectPointer project = Project::CreateFromXml(text, texturesFolder, manager, EffectFactory(), options);
-    opening.RequireNotInterrupted();
-    FillInstances(*project);
-    return project;
+    return OpenWith(plugins, media, nullptr, [&](const auto &manager, const LoadOptions &options) {
+        return Project::CreateFromXml(text, texturesFolder, manager, EffectFactory(), options);
+    });
+}
+
+ProjectPointer ReadProject(const std::string &path, PluginUse plugins,
+                           const std::shared_ptr<MediaManager> &media)
+{
+    return Document(path).Open(plugins, media);
+}
+
+WideString FolderOf(const std::string &path)
+{
+    const std::size_t separator = path.rfind('/');
+    return separator == std::string::npos ? WideString() : FromUtf8(path.substr(0, separator + 1));
 }
 
 void FillInstances(const Project &project)
@@ -64,23 +147,9 @@ void FillInstances(const Project &project)
             add(object);
 }
 
-WideString FolderOf(const std::string &path)
-{
-    const std::size_t separator = path.rfind('/');
-    return separator == std::string::npos ? WideString() : FromUtf8(path.substr(0, separator + 1));
-}
-
-ProjectPointer ReadProject(const std::string &path, PluginUse plugins,
-                           const std::shared_ptr<MediaManager> &media)
-{
-    ProjectPointer project = ParseProject(ReadTextFile(path), FolderOf(path), plugins, media);
-    project->SetFilename(FromUtf8(path));
-    return project;
-}
-
 void WriteProject(const Project &project, const std::string &path)
 {
-    WriteFile(path, ToUtf8(project.Serialize()));
+    ProjectFile::Save(project, path);
 }
 
 std::vector<CompositionPointer> Compositions(const Project &project)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <marlet/foundation/KyID.h>
+#include <marlet/foundation/LoadReport.h>
 #include <marlet/foundation/Strings.h>
 
 #include <memory>
@@ -32,14 +33,44 @@ using TrackerPointer = std::shared_ptr<project::Tracker>;
 /// Without plug-ins a project has no effects, whatever its text says.
 enum class PluginUse { With, Without };
 
-/// A project from its text, with the tool's own plug-ins and the assets' lists of instances filled. Shows how
-/// the opening of media proceeds. Media may be those of another project, whose files are not opened again.
-/// @throws as Project::CreateFromXml; Failure if the user interrupts it
+/// A project in a file, with the tool's own plug-ins and what its load finds. Shows how the opening of media
+/// proceeds. Media and textures are named relative to the folder of the file.
+class Document
+{
+public:
+    /// Whether the first loss, or the place of the failure, is told of on standard error.
+    enum class Voice { Tells, Silent };
+
+    /// Reads the text. @throws FileException
+    explicit Document(std::string path, Voice voice = Voice::Tells);
+
+    const project::WideString &Text() const { return text_; }
+    /// The project, with the assets' lists of instances filled. What the tool does not know is kept, unless
+    /// it goes without plug-ins. Media may be those of another project, whose files are not opened again.
+    /// @throws as Project::CreateFromXml; Failure if the user interrupts it
+    ProjectPointer Open(PluginUse plugins = PluginUse::With,
+                        const std::shared_ptr<project::MediaManager> &media = nullptr);
+    /// Of the last Open, also of one that failed.
+    const project::LoadReport &Report() const { return report_; }
+    /// What a voice that tells says of it: as compilers do, so that editors jump to the place.
+    void Tell() const;
+
+private:
+    std::string path_;
+    Voice voice_;
+    project::WideString text_;
+    project::LoadReport report_;
+};
+
+/// "FILE:LINE:COLUMN: loss: what is lost (where)"; without a place what stands nowhere.
+std::string EntryLine(const std::string &file, const project::LoadEntry &entry);
+
+/// A project from a text that is in no file. @throws as Document::Open
 ProjectPointer ParseProject(const project::WideString &text, const project::WideString &texturesFolder,
                             PluginUse plugins = PluginUse::With,
                             const std::shared_ptr<project::MediaManager> &media = nullptr);
 
-/// Textures are named relative to the folder of the file. @throws as ReadTextFile and ParseProject
+/// @throws as Document
 ProjectPointer ReadProject(const std::string &path, PluginUse plugins = PluginUse::With,
                            const std::shared_ptr<project::MediaManager> &media = nullptr);
 
@@ -49,7 +80,7 @@ project::WideString FolderOf(const std::string &path);
 /// Files hold no lists of instances that are read back: keeping them is a host's work.
 void FillInstances(const project::Project &project);
 
-/// @throws as WriteFile
+/// @throws as ProjectFile::Save
 void WriteProject(const project::Project &project, const std::string &path);
 
 // In file order.

@@ -1,6 +1,9 @@
 #include "Arguments.h"
 #include "Document.h"
+#include "Failure.h"
 #include "MediaSource.h"
+#include "Output.h"
+#include "RelinkSearch.h"
 
 #include <marlet/layers/AssetLayer.h>
 #include <marlet/project/AssetList.h>
@@ -30,7 +33,7 @@ void RefreshLayers(const Project &project, const MediaAsset &media)
             }
 }
 
-void Run(const Arguments &arguments, Output &)
+void RelinkOne(const Arguments &arguments)
 {
     const std::string &asset = arguments.Text("--asset");
     // A project names its files so that it can be opened in any folder.
@@ -48,20 +51,59 @@ void Run(const Arguments &arguments, Output &)
     WriteProject(*project, arguments.Operand(1));
 }
 
+/// Whether the file is found.
+bool Tell(const RelinkedAsset &asset, Output &output)
+{
+    const std::string what = Quoted(FromUtf8(asset.name)) + " " + OneLine(asset.before);
+    if (asset.found.size() == 1) {
+        output.Line("found     " + what + " -> " + OneLine(asset.found.front()));
+        return true;
+    }
+    output.Line((asset.found.empty() ? "missing   " : "ambiguous ") + what);
+    for (const std::string &path : asset.found)
+        output.Line("          " + OneLine(path));
+    return false;
+}
+
+void Run(const Arguments &arguments, Output &output)
+{
+    if (!arguments.Has("--search"))
+        return RelinkOne(arguments);
+    if (arguments.Has("--asset") || arguments.Has("--to"))
+        throw UsageError("--search goes alone");
+    const ProjectPointer project = ReadProject(arguments.Operand(0));
+    std::size_t left = 0;
+    for (const RelinkedAsset &asset : RelinkMissing(*project, arguments.Path("--search")))
+        left += Tell(asset, output) ? 0 : 1;
+    for (const MediaPointer &media : MediaAssets(*project))
+        if (!media->IsOffline())
+            RefreshLayers(std::as_const(*project), *media);
+    WriteProject(*project, arguments.Operand(1));
+    if (left > 0)
+        throw Failure(Counted(left, "file") + " not found");
+}
+
 } // namespace
 
 const CommandSpec &RelinkCommand()
 {
     static const CommandSpec command{
         "relink",
-        "point a media asset at another file",
-        "PROJECT OUT --asset A --to PATH",
+        "point media assets at other files",
+        "PROJECT OUT --asset A --to PATH\nPROJECT OUT --search FOLDER",
         2,
         2,
         {{"--asset", "A", "the media asset, by ID or name"},
-         {"--to", "PATH", "the file, or a member of the image sequence if the asset is one"}},
+         {"--to", "PATH", "the file, or a member of the image sequence if the asset is one"},
+         {"--search", "FOLDER",
+          "look for all media and images that are missing, by name, in FOLDER and below"}},
         Run,
-        "relink film.xml out.xml --asset clip.mov --to moved/clip.mov"};
+        "relink film.xml out.xml --search /media/archive",
+        "  Of several files of one name those are taken that have what the uses ask for, then those in "
+        "folders of\n"
+        "  the same names, then any of equal copies. Where it is still not clear, they are listed and the "
+        "asset is\n"
+        "  left as it is.\n"};
     return command;
 }
 

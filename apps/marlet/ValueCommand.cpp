@@ -3,7 +3,6 @@
 #include "Failure.h"
 #include "Json.h"
 #include "Output.h"
-#include "TextFile.h"
 #include "TypedValue.h"
 
 #include <marlet/animation/PropertyManager.h>
@@ -27,17 +26,20 @@ bool IsWrongRoot(const XmlParseException &failure, const std::string &tag)
 
 /// The properties that a text holds by itself, or those of a layer of the project that it holds. Whatever
 /// owns the properties is kept alive with them.
-std::shared_ptr<const PropertyManager> FindProperties(const Arguments &arguments, const WideString &text)
+std::shared_ptr<const PropertyManager> FindProperties(const Arguments &arguments)
 {
+    Document document(arguments.Operand(0), Document::Voice::Silent);
     ProjectPointer project;
     try {
-        project = ParseProject(text, FolderOf(arguments.Operand(0)));
+        project = document.Open();
     } catch (const XmlParseException &noProject) {
-        if (!IsWrongRoot(noProject, "Project"))
+        if (!IsWrongRoot(noProject, "Project")) {
+            document.Tell();
             throw;
+        }
         std::shared_ptr<PropertyManager> properties;
         try {
-            properties = PropertyManager::CreateFromXml(text);
+            properties = PropertyManager::CreateFromXml(document.Text());
         } catch (const XmlParseException &failure) {
             if (IsWrongRoot(failure, "PropertyManager"))
                 throw noProject;
@@ -47,6 +49,7 @@ std::shared_ptr<const PropertyManager> FindProperties(const Arguments &arguments
             throw UsageError("properties that stand alone have no composition and no layer");
         return properties;
     }
+    document.Tell();
     const CompositionPointer composition = FindComposition(*project, arguments.Text("--composition"));
     const LayerPointer layer = FindLayer(*composition, arguments.Text("--layer"));
     return {layer, &layer->Animation()};
@@ -56,7 +59,7 @@ void Run(const Arguments &arguments, Output &output)
 {
     const std::string &name = arguments.Text("--property");
     const std::vector<IntegerRange> times = arguments.Ranges("--times");
-    const auto properties = FindProperties(arguments, ReadTextFile(arguments.Operand(0)));
+    const auto properties = FindProperties(arguments);
     if (!properties->HasProperty(name.c_str()))
         throw NoSuch("property", name, properties->PropertyNames());
 

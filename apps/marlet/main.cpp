@@ -4,6 +4,8 @@
 #include "Output.h"
 #include "Usage.h"
 
+#include <marlet/foundation/Exceptions.h>
+
 #include <algorithm>
 #include <csignal>
 #include <cstdio>
@@ -86,6 +88,8 @@ template <class Work> int Guarded(const std::string &subject, Work work)
         throw;
     } catch (const Failure &failure) {
         Report(failure.Subject().empty() ? subject : failure.Subject(), failure.what());
+    } catch (const project::FileException &failure) {
+        Report(failure.Path(), failure.Reason());
     } catch (const std::bad_alloc &) {
         Report(subject, "Not enough memory");
     } catch (const std::exception &exception) {

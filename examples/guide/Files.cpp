@@ -4,10 +4,11 @@
 #include "Sphere.h"
 
 #include <marlet/foundation/Exceptions.h>
+#include <marlet/platform/files/WholeFile.h>
+#include <marlet/project/ProjectFile.h>
+#include <marlet/recovery/Recovery.h>
 
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 
 namespace guide
 {
@@ -15,13 +16,9 @@ namespace guide
 // The textures folder is named with its separator; a 3D effect finds its pictures in it.
 std::shared_ptr<Project> Open(const std::string &path, const std::shared_ptr<AbstractPluginManager> &plugins)
 {
-    std::ifstream file(path, std::ios::binary);
-    if (!file)
-        throw std::runtime_error("The file cannot be opened");
-    const std::string text{std::istreambuf_iterator<char>(file), {}};
     const std::string textures = std::filesystem::path(path).parent_path().string() + "/textures/";
-    const auto project = Project::CreateFromXml(FromUtf8(text), FromUtf8(textures), plugins, EffectFactory());
-    project->SetFilename(FromUtf8(path));
+    const auto project =
+        ProjectFile::Load(path, plugins, EffectFactory(), {.texturesFolder = FromUtf8(textures)});
     FillInstances(*project);
     return project;
 }
@@ -45,16 +42,35 @@ try {
     return nullptr;
 }
 
-// The old file is whole until the new one is.
+// The old file is whole until the new one is. Two earlier ones stay beside it, and the folder can be moved.
 void Save(const Project &project, const std::string &path)
 {
-    const std::string unfinished = path + ".unfinished";
-    std::ofstream file(unfinished, std::ios::binary);
-    file << ToUtf8(project.Serialize());
-    file.close();
-    if (!file)
-        throw std::runtime_error("The file cannot be written");
-    std::filesystem::rename(unfinished, path);
+    ProjectFile::Save(project, path, {.keptVersions = 2, .relativeMedia = true});
+}
+
+// Opens whatever can be opened: what the host does not have is kept, and the user is told of it.
+std::shared_ptr<Project> OpenAnyway(const std::string &path,
+                                    const std::shared_ptr<AbstractPluginManager> &plugins,
+                                    std::vector<std::string> &told)
+{
+    LoadReport report;
+    const LoadOptions options{.report = &report, .keepUnknown = true, .findMovedMedia = true};
+    const auto project = ProjectFile::Load(path, plugins, EffectFactory(), options);
+    for (const UnresolvedPlugin &plugin : report.UnresolvedPlugins())
+        told.push_back(ToUtf8(plugin.name) + " " + plugin.version + " is not installed");
+    for (const LoadEntry &entry : report.Entries())
+        if (entry.severity >= LoadEntry::Severity::Loss)
+            told.push_back("line " + std::to_string(entry.line) + ": " + entry.what);
+    FillInstances(*project);
+    return project;
+}
+
+// What can be had of a damaged file. The report tells what is gone, and where in the file.
+std::shared_ptr<Project> Rescue(const std::string &path,
+                                const std::shared_ptr<AbstractPluginManager> &plugins, LoadReport &report)
+{
+    const WideString text = RecoverProject(ReadWholeFile(path), u"", plugins, EffectFactory(), report);
+    return ProjectFile::Read(text, path, plugins, EffectFactory(), {.keepUnknown = true});
 }
 
 } // namespace guide

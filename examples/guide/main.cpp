@@ -99,8 +99,19 @@ void CheckFiles(const std::string &folder)
                why.find("Fade") != std::string::npos,
            "a missing plug-in ends the load and is named");
     Expect(TryOpen(path, nullptr, why) != nullptr, "without a manager transitions are passed over");
-    std::filesystem::resize_file(path, 200);
+    std::vector<std::string> told;
+    const auto kept = OpenAnyway(path, std::make_shared<embed::PluginDirectory>(), told);
+    Expect(told.size() == 1 && kept->Serialize() == project->Serialize(),
+           "what a missing plug-in made is kept");
+
+    Save(*project, path);
+    Expect(std::filesystem::exists(path + ".~1~"), "the earlier file stays");
+    std::filesystem::resize_file(path, std::filesystem::file_size(path) - 200);
     Expect(!TryOpen(path, plugins, why), "half a file is none");
+    LoadReport report;
+    Expect(Rescue(path, plugins, report)->Assets().All().Count() == project->Assets().All().Count() &&
+               report.FirstLoss() != nullptr,
+           "what stood whole in it can be had");
 }
 
 void CheckTimeline()

@@ -25,6 +25,13 @@ MissingPluginException::~MissingPluginException() = default;
 
 InvalidPluginVersionException::~InvalidPluginVersionException() = default;
 
+FileException::FileException(NarrowString path, NarrowString reason)
+    : MessageException(path + ": " + reason), path_(std::move(path)), reason_(std::move(reason))
+{
+}
+
+FileException::~FileException() = default;
+
 ProjectException::ProjectException(int code, NarrowString detail) : code_(code), detail_(std::move(detail))
 {
 }

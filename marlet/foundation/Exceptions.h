@@ -49,6 +49,24 @@ public:
     ~InvalidPluginVersionException() override;
 };
 
+/// A file cannot be read or written, or is no text. what() is the path and the reason, with ": " between
+/// them.
+class MARLET_EXPORT FileException : public MessageException
+{
+public:
+    FileException(NarrowString path, NarrowString reason);
+    ~FileException() override;
+
+    /// In the bytes of the operating system.
+    const NarrowString &Path() const { return path_; }
+    /// The operating system's own words, or what is wrong with the text.
+    const NarrowString &Reason() const { return reason_; }
+
+private:
+    NarrowString path_;
+    NarrowString reason_;
+};
+
 /// The contents of a file do not make up a document. The code and the detail are for the program, not for
 /// what().
 class MARLET_EXPORT ProjectException : public std::exception

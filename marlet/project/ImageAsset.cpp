@@ -6,6 +6,7 @@
 #include <marlet/foundation/xml/XmlWriter.h>
 #include <marlet/platform/images/ImageFile.h>
 #include <marlet/project/InstancesXml.h>
+#include <marlet/project/MediaPaths.h>
 
 namespace marlet::project
 {
@@ -26,7 +27,7 @@ struct ImageAsset_Impl {
     /// file, and every change of its name, holds the lock. The host's thread alone changes the name, so that
     /// it reads it without.
     mutable Uncopied<KyCriticalSection> lock;
-    WideString filename;
+    MediaPath path;
     mutable std::optional<platform::ImageHeader> header;
 
     /// What is known of the file, which is looked at if nothing is.
@@ -34,7 +35,7 @@ struct ImageAsset_Impl {
     {
         const KyScopedLock hold(*lock);
         if (!header)
-            header = platform::ReadImageHeader(filename);
+            header = platform::ReadImageHeader(path.filename);
         return header;
     }
 };
@@ -50,7 +51,7 @@ template <class Xml, class Self> void ImageAssetFields(Xml &xml, Self &self)
     xml.Child("ID", self.id);
     xml.Child("Name", self.name);
     xml.Child("ParentFolderID", self.parentFolderID);
-    xml.Child("Filename", self.filename);
+    FilenameChild(xml, self.path);
     xml.Child("PAR", self.pixelAspectRatio);
 }
 
@@ -61,7 +62,7 @@ ImageAsset::ImageAsset() = default;
 ImageAsset::ImageAsset(const WideString &filename) : ImageAsset()
 {
     impl_->id = kytl::KyID::Generate();
-    impl_->filename = filename;
+    impl_->path.filename = filename;
     impl_->name = platform::FileName(filename);
 }
 
@@ -140,13 +141,13 @@ void ImageAsset::Deserialize(const WideString &xml, const std::shared_ptr<Abstra
 
 WideString ImageAsset::Filename() const
 {
-    return impl_->filename;
+    return impl_->path.filename;
 }
 
 void ImageAsset::SetFilename(const WideString &filename)
 {
     const KyScopedLock hold(*impl_->lock);
-    impl_->filename = filename;
+    impl_->path = {filename};
     impl_->header.reset();
     impl_->pixelAspectRatio = PAR::Square;
 }
@@ -156,7 +157,7 @@ bool ImageAsset::IsOffline() const
     WideString filename;
     {
         const KyScopedLock hold(*impl_->lock);
-        filename = impl_->filename;
+        filename = impl_->path.filename;
     }
     return !platform::FileExists(filename);
 }
@@ -164,7 +165,7 @@ bool ImageAsset::IsOffline() const
 ImageAsset::FileStatus ImageAsset::Status() const
 {
     const KyScopedLock hold(*impl_->lock);
-    if (!platform::FileExists(impl_->filename))
+    if (!platform::FileExists(impl_->path.filename))
         return FileStatus::Missing;
     return impl_->Header() ? FileStatus::Usable : FileStatus::Unreadable;
 }
@@ -217,7 +218,7 @@ unsigned int ImageAsset::ReadPixelData(int maxWidth, int maxHeight,
     if (Status() != FileStatus::Usable)
         return kFailed;
     const auto picture =
-        platform::ReadImagePixels(impl_->filename, maxWidth, maxHeight, impl_->header->hasAlpha);
+        platform::ReadImagePixels(impl_->path.filename, maxWidth, maxHeight, impl_->header->hasAlpha);
     if (!picture)
         return kFailed;
     pixels = picture->bytes;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <marlet/foundation/Strings.h>
+
 #include <memory>
 
 namespace marlet::project
@@ -24,6 +26,12 @@ struct LoadOptions {
     /// plug-in is missing or older than the text, one that holds on to all of it. Without it such elements
     /// are passed over, and such a plug-in ends the load.
     bool keepUnknown = false;
+    /// For ProjectFile::Load: media and image files that are not where the text says are looked for in the
+    /// project's own folder, under the end of their path: of /old/film/clips/sea.mov first clips/sea.mov,
+    /// then sea.mov. What is found is the path of the asset from then on, and a note in the report.
+    bool findMovedMedia = false;
+    /// For ProjectFile::Load, with its trailing separator; empty for the file's own folder.
+    WideString texturesFolder = {};
 };
 
 } // namespace marlet::project

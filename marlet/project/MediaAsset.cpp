@@ -11,6 +11,7 @@
 #include <marlet/platform/media/KyMedia.h>
 #include <marlet/project/InstancesXml.h>
 #include <marlet/project/MediaAudioStream.h>
+#include <marlet/project/MediaPaths.h>
 #include <marlet/project/MediaVideoStream.h>
 
 #include <algorithm>
@@ -52,7 +53,7 @@ MediaAsset::Status StatusOf(int code)
 struct MediaAsset_Impl {
     kytl::KyID id;
     WideString name;
-    WideString filename;
+    MediaPath path;
     bool isImageSequence = false;
     bool isDirty = false;
     Uncopied<AbstractAsset::InstanceList> instances;
@@ -112,7 +113,7 @@ template <class Xml, class Self> void MediaAssetFields(Xml &xml, Self &self)
     xml.Child("ID", self.id);
     xml.Child("Name", self.name);
     xml.Child("ParentFolderID", self.parentFolderID);
-    xml.Child("Filename", self.filename);
+    FilenameChild(xml, self.path);
     xml.Child("IsImageSequence", self.isImageSequence);
     xml.Child("OverrideFrameRate", self.override.overrideFrameRate);
     xml.Child("FrameRate", self.override.frameRate);
@@ -145,7 +146,7 @@ MediaAsset::MediaAsset(const WideString &path, KyAbstractMediaFile *file, int co
 {
     impl_->id = kytl::KyID::Generate();
     impl_->name = platform::FileName(path);
-    impl_->filename = path;
+    impl_->path.filename = path;
     impl_->isImageSequence = isImageSequence;
     impl_->mediaFile = file;
     impl_->SetStatus(code);
@@ -314,7 +315,7 @@ void MediaAsset::Relink(const WideString &path, KyAbstractMediaFile *file, int c
     {
         const KyScopedLock holdShortly(ShortLock());
         impl_->DropStreams();
-        impl_->filename = path;
+        impl_->path = {path};
         impl_->mediaFile = file;
         impl_->SetStatus(code);
     }
@@ -390,7 +391,7 @@ void MediaAsset::ClearParentBinFolder()
 WideString MediaAsset::Filename() const
 {
     const KyScopedLock hold(ShortLock());
-    return impl_->filename;
+    return impl_->path.filename;
 }
 
 bool MediaAsset::IsImageSequence() const

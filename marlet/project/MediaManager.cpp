@@ -7,6 +7,7 @@
 #include <marlet/platform/media/KyAbstractMediaFile.h>
 #include <marlet/project/MediaAsset.h>
 #include <marlet/project/MediaLoad.h>
+#include <marlet/project/MediaPaths.h>
 
 #include <exception>
 #include <unordered_map>
@@ -37,6 +38,8 @@ MediaRequest RequestOf(const XmlCursor &element)
     double frameRate = 0;
     element.RequireHeader("MediaAsset", 0);
     element.Child("Filename", request.path);
+    if (const MediaPaths *const paths = MediaPaths::Current())
+        request.path = paths->Read(request.path);
     element.Child("IsImageSequence", isImageSequence);
     element.Child("FrameRate", frameRate);
     if (isImageSequence)

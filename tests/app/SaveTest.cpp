@@ -54,14 +54,15 @@ TEST_F(SaveTest, LeavesNoEffectsOutOfTheFileThatItReads)
     EXPECT_EQ(Shell("cat a.xml | \"$MARLET\" save --without-plugins /dev/stdin /dev/stdout").exitCode, 0);
 }
 
-TEST_F(SaveTest, NeedsThePluginsOfAFileUnlessItIsToldToLeaveThemOut)
+TEST_F(SaveTest, KeepsWhatPluginsMadeThatItDoesNotHave)
 {
     std::string text = Read("a.xml");
     const std::string start = "<PluginID>" + tool::kLevelsID.ToNarrowString().substr(0, 1);
     Write("bad.xml", text.replace(text.find(start), start.size(), "<PluginID>0"));
-    EXPECT_EQ(Run({"save", "bad.xml", "out.xml"}).err,
-              "marlet: bad.xml: This project uses the Levels plugin but it cannot be found.\n");
+    EXPECT_EQ(Run({"save", "bad.xml", "out.xml"}).err, "");
+    EXPECT_EQ(Read("out.xml"), text);
     EXPECT_EQ(Run({"save", "--without-plugins", "bad.xml", "out.xml"}).exitCode, 0);
+    EXPECT_THAT(Read("out.xml"), testing::HasSubstr("<Effects/>"));
 }
 
 } // namespace

@@ -1,8 +1,8 @@
-#include "Failure.h"
-#include "FileDescriptor.h"
-#include "TextFile.h"
+#include <marlet/platform/files/WholeFile.h>
 
+#include <marlet/foundation/Exceptions.h>
 #include <marlet/foundation/KyID.h>
+#include <marlet/platform/files/FileDescriptor.h>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -14,15 +14,20 @@
 #include <filesystem>
 #include <optional>
 
-namespace marlet::tool
+namespace marlet::project
 {
 
 namespace fs = std::filesystem;
+using platform::FileDescriptor;
+using platform::SystemFailure;
 
 namespace
 {
 
-/// Puts off what would end the process, so that no temporary file stays behind.
+/// Keeps an endless file such as /dev/zero from taking all memory.
+constexpr std::size_t kLargestFile = std::size_t(1) << 30;
+
+/// Puts off what would end the process on this thread, so that no temporary file stays behind.
 class SignalBlock
 {
 public:
@@ -32,11 +37,11 @@ public:
         sigemptyset(&signals);
         for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT})
             sigaddset(&signals, signal);
-        sigprocmask(SIG_BLOCK, &signals, &before_);
+        pthread_sigmask(SIG_BLOCK, &signals, &before_);
     }
     SignalBlock(const SignalBlock &) = delete;
     SignalBlock &operator=(const SignalBlock &) = delete;
-    ~SignalBlock() { sigprocmask(SIG_SETMASK, &before_, nullptr); }
+    ~SignalBlock() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
 
 private:
     sigset_t before_;
@@ -50,11 +55,7 @@ public:
         : target_(target),
           path_((folder / (".marlet-" + kytl::KyID::Generate().ToNarrowString() + ".tmp")).string())
     {
-        try {
-            file_.emplace(path_, O_WRONLY | O_CREAT | O_EXCL, 0666);
-        } catch (const Failure &failure) {
-            throw Failure(target_, failure.what());
-        }
+        file_.emplace(path_, O_WRONLY | O_CREAT | O_EXCL, 0666, target_);
     }
     TemporaryFile(const TemporaryFile &) = delete;
     TemporaryFile &operator=(const TemporaryFile &) = delete;
@@ -69,24 +70,20 @@ public:
         // Only the superuser can give a file away, and the owner counts less than the content.
         [[maybe_unused]] const int ignored = ::fchown(file_->Get(), from.st_uid, from.st_gid);
         if (::fchmod(file_->Get(), from.st_mode & 07777) != 0)
-            throw Failure(target_, SystemMessage(errno));
+            throw SystemFailure(target_, errno);
     }
 
     void Fill(std::string_view bytes)
     {
-        try {
-            file_->WriteAll(bytes);
-            file_->Sync();
-            file_->Close();
-        } catch (const Failure &failure) {
-            throw Failure(target_, failure.what());
-        }
+        file_->WriteAll(bytes);
+        file_->Sync();
+        file_->Close();
     }
 
     void RenameTo(const fs::path &place)
     {
         if (std::rename(path_.c_str(), place.c_str()) != 0)
-            throw Failure(target_, SystemMessage(errno));
+            throw SystemFailure(target_, errno);
         path_.clear();
     }
 
@@ -105,11 +102,11 @@ fs::path FollowLinks(const std::string &path)
     for (int i = 0; i < kMostLinks && fs::is_symlink(place, error); ++i) {
         const fs::path target = fs::read_symlink(place, error);
         if (error)
-            throw Failure(path, SystemMessage(error.value()));
+            throw SystemFailure(path, error.value());
         place = place.parent_path() / target;
     }
     if (fs::is_symlink(place, error))
-        throw Failure(path, SystemMessage(ELOOP));
+        throw SystemFailure(path, ELOOP);
     return place;
 }
 
@@ -121,19 +118,52 @@ fs::path FolderOfPlace(const fs::path &place)
 void RequireAccess(const std::string &target, const fs::path &path, int mode)
 {
     if (::faccessat(AT_FDCWD, path.c_str(), mode, AT_EACCESS) != 0)
-        throw Failure(target, SystemMessage(errno));
+        throw SystemFailure(target, errno);
+}
+
+fs::path VersionOf(const fs::path &place, int number)
+{
+    return place.string() + ".~" + std::to_string(number) + "~";
+}
+
+bool IsThere(const fs::path &path)
+{
+    struct stat status {
+    };
+    return ::lstat(path.c_str(), &status) == 0;
+}
+
+/// A second name for the file, or a copy where the file system has no second names.
+void Duplicate(const std::string &target, const fs::path &place, const struct stat &old, const fs::path &to)
+{
+    if (::link(place.c_str(), to.c_str()) == 0)
+        return;
+    TemporaryFile copy(target, FolderOfPlace(place));
+    copy.TakeOwnership(old);
+    copy.Fill(FileDescriptor(place.string(), O_RDONLY, 0, target).ReadAll(kLargestFile));
+    copy.RenameTo(to);
+}
+
+/// Makes the content a version before it is replaced, so that there is a file at any moment. The oldest
+/// goes when all places are taken; a gap ends the moving on.
+void KeepVersion(const std::string &target, const fs::path &place, const struct stat &old, int versions)
+{
+    int free = 1;
+    while (free < versions && IsThere(VersionOf(place, free)))
+        ++free;
+    for (int number = free; number > 1; --number)
+        if (std::rename(VersionOf(place, number - 1).c_str(), VersionOf(place, number).c_str()) != 0)
+            throw SystemFailure(target, errno);
+    if (free == 1)
+        ::unlink(VersionOf(place, 1).c_str());
+    Duplicate(target, place, old, VersionOf(place, 1));
 }
 
 } // namespace
 
-bool IsSameFile(const std::string &a, const std::string &b)
+std::string ReadWholeFile(const std::string &path)
 {
-    struct stat first {
-    };
-    struct stat second {
-    };
-    return ::stat(a.c_str(), &first) == 0 && ::stat(b.c_str(), &second) == 0 && S_ISREG(first.st_mode) &&
-           first.st_dev == second.st_dev && first.st_ino == second.st_ino;
+    return FileDescriptor(path, O_RDONLY).ReadAll(kLargestFile);
 }
 
 void RequireWritable(const std::string &path)
@@ -142,7 +172,7 @@ void RequireWritable(const std::string &path)
     };
     const bool exists = ::stat(path.c_str(), &old) == 0;
     if (exists && S_ISDIR(old.st_mode))
-        throw Failure(path, SystemMessage(EISDIR));
+        throw SystemFailure(path, EISDIR);
     // Renaming asks for no permission on the file itself, but a file that is protected is meant to stay.
     if (exists)
         RequireAccess(path, path, W_OK);
@@ -154,7 +184,7 @@ void RequireWritable(const std::string &path)
     }
 }
 
-void WriteFile(const std::string &path, std::string_view bytes)
+void WriteWholeFile(const std::string &path, std::string_view bytes, int keptVersions)
 {
     RequireWritable(path);
     struct stat old {
@@ -172,10 +202,12 @@ void WriteFile(const std::string &path, std::string_view bytes)
     if (exists)
         file.TakeOwnership(old);
     file.Fill(bytes);
+    if (exists && keptVersions > 0)
+        KeepVersion(path, place, old, keptVersions);
     file.RenameTo(place);
     // A folder that one may write to but not list cannot be synced.
     if (::faccessat(AT_FDCWD, folder.c_str(), R_OK, AT_EACCESS) == 0)
-        FileDescriptor(folder.string(), O_RDONLY | O_DIRECTORY).Sync();
+        FileDescriptor(folder.string(), O_RDONLY | O_DIRECTORY, 0, path).Sync();
 }
 
-} // namespace marlet::tool
+} // namespace marlet::project

@@ -1,0 +1,108 @@
+#include <marlet/project/ProjectFile.h>
+
+#include <marlet/foundation/Exceptions.h>
+#include <marlet/platform/files/WholeFile.h>
+#include <marlet/project/MediaPaths.h>
+#include <marlet/project/Project.h>
+
+#include <algorithm>
+#include <string_view>
+
+namespace marlet::project
+{
+
+namespace
+{
+
+WideString DecodeUtf16(const std::string &path, std::string_view bytes, bool bigEndian)
+{
+    if (bytes.size() % 2 != 0)
+        throw FileException(path, "The text is cut off in the middle of a character");
+    WideString text(bytes.size() / 2, u'\0');
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto first = static_cast<unsigned char>(bytes[2 * i]);
+        const auto second = static_cast<unsigned char>(bytes[2 * i + 1]);
+        text[i] = static_cast<char16_t>(bigEndian ? first << 8 | second : second << 8 | first);
+    }
+    return text;
+}
+
+WideString DecodeUtf8(const std::string &path, std::string_view bytes)
+{
+    constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
+    WideString text = FromUtf8(bytes);
+    std::size_t written = 0;
+    for (std::size_t at = bytes.find(kReplacement); at != std::string_view::npos;
+         at = bytes.find(kReplacement, at + kReplacement.size()))
+        ++written;
+    if (static_cast<std::size_t>(std::count(text.begin(), text.end(), u'\uFFFD')) != written)
+        throw FileException(path, "The text is not UTF-8");
+    return text;
+}
+
+/// Where a text stands: for a pipe and the like the current folder.
+std::filesystem::path FolderOf(const std::filesystem::path &path)
+{
+    std::error_code error;
+    const bool isElsewhere =
+        std::filesystem::exists(path, error) && !std::filesystem::is_regular_file(path, error);
+    return isElsewhere ? std::filesystem::path() : path.parent_path();
+}
+
+/// Empty for the current folder.
+WideString WithSeparator(const std::filesystem::path &folder)
+{
+    return folder.empty() ? WideString() : FromUtf8((folder / "").string());
+}
+
+} // namespace
+
+WideString ProjectFile::ReadText(const std::filesystem::path &path)
+{
+    const std::string content = ReadWholeFile(path.string());
+    const std::string_view bytes = content;
+    if (bytes.starts_with("\xFF\xFE"))
+        return DecodeUtf16(path.string(), bytes.substr(2), false);
+    if (bytes.starts_with("\xFE\xFF"))
+        return DecodeUtf16(path.string(), bytes.substr(2), true);
+    if (bytes.starts_with("\xEF\xBB\xBF"))
+        return DecodeUtf8(path.string(), bytes.substr(3));
+    return DecodeUtf8(path.string(), bytes);
+}
+
+std::shared_ptr<Project> ProjectFile::Load(const std::filesystem::path &path,
+                                           const std::shared_ptr<AbstractPluginManager> &pluginManager,
+                                           const Abstract3DEffectFactory &effectFactory,
+                                           const LoadOptions &options)
+{
+    return Read(ReadText(path), path, pluginManager, effectFactory, options);
+}
+
+std::shared_ptr<Project> ProjectFile::Read(const WideString &text, const std::filesystem::path &path,
+                                           const std::shared_ptr<AbstractPluginManager> &pluginManager,
+                                           const Abstract3DEffectFactory &effectFactory,
+                                           const LoadOptions &options)
+{
+    const std::filesystem::path folder = FolderOf(path);
+    const MediaPaths paths(folder, options.findMovedMedia);
+    const WideString &textures = options.texturesFolder;
+    auto project = Project::CreateFromXml(text, textures.empty() ? WithSeparator(folder) : textures,
+                                          pluginManager, effectFactory, options);
+    project->SetFilename(FromUtf8(path.string()));
+    return project;
+}
+
+WideString ProjectFile::TextFor(const Project &project, const std::filesystem::path &path,
+                                const SaveOptions &options)
+{
+    const MediaPaths paths(FolderOf(path),
+                           options.relativeMedia ? MediaPaths::Form::Relative : MediaPaths::Form::AsTheyAre);
+    return project.Serialize();
+}
+
+void ProjectFile::Save(const Project &project, const std::filesystem::path &path, const SaveOptions &options)
+{
+    WriteWholeFile(path.string(), ToUtf8(TextFor(project, path, options)), options.keptVersions);
+}
+
+} // namespace marlet::project

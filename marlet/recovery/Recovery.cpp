@@ -1,0 +1,254 @@
+#include <marlet/recovery/Recovery.h>
+
+#include <marlet/foundation/Exceptions.h>
+#include <marlet/foundation/xml/XmlSource.h>
+#include <marlet/plugins/AbstractPluginManager.h>
+#include <marlet/plugins/WithoutHostOperations.h>
+#include <marlet/project/LoadOptions.h>
+#include <marlet/project/MediaManager.h>
+#include <marlet/project/MediaPaths.h>
+#include <marlet/project/Project.h>
+#include <marlet/recovery/KnownElements.h>
+#include <marlet/recovery/Repair.h>
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+namespace marlet::project
+{
+
+namespace
+{
+
+/// The host's plug-ins, which learn nothing of the projects that are tried.
+class TriedPlugins : public WithoutHostOperations<AbstractPluginManager>
+{
+public:
+    explicit TriedPlugins(std::shared_ptr<AbstractPluginManager> plugins) : plugins_(std::move(plugins)) {}
+
+    void AttachProject(const std::shared_ptr<Project> &) override {}
+    std::shared_ptr<AbstractPlugin> FindPlugin(const kytl::KyID &id) override
+    {
+        return plugins_->FindPlugin(id);
+    }
+
+private:
+    std::shared_ptr<AbstractPluginManager> plugins_;
+};
+
+/// Bytes of a file as one text in UTF-8, in which bytes that are none are still found.
+std::string Utf8Of(std::string_view bytes)
+{
+    const bool isBig = bytes.starts_with("\xFE\xFF");
+    if (!isBig && !bytes.starts_with("\xFF\xFE"))
+        return std::string(bytes.substr(bytes.starts_with("\xEF\xBB\xBF") ? 3 : 0));
+    WideString text;
+    for (std::size_t at = 2; at + 1 < bytes.size(); at += 2) {
+        const auto first = static_cast<unsigned char>(bytes[at]);
+        const auto second = static_cast<unsigned char>(bytes[at + 1]);
+        text += static_cast<char16_t>(isBig ? first << 8 | second : second << 8 | first);
+    }
+    return ToUtf8(text);
+}
+
+std::string Behind(std::string_view words, std::string_view start)
+{
+    const std::size_t at = words.find(start);
+    if (at == std::string_view::npos)
+        return {};
+    words.remove_prefix(at + start.size());
+    return std::string(words.substr(0, words.find('\n')));
+}
+
+/// Tries texts, and tells why they do not load.
+class Trial
+{
+public:
+    Trial(const WideString &textures, const std::shared_ptr<AbstractPluginManager> &plugins,
+          const Abstract3DEffectFactory &effects)
+        : textures_(textures), effects_(effects)
+    {
+        if (plugins)
+            plugins_ = std::make_shared<TriedPlugins>(plugins);
+    }
+
+    std::optional<LoadFailure> Failure(const std::string &text, bool withPlugins = true) const
+    {
+        LoadReport report;
+        const MediaPaths noFiles({}, MediaPaths::Form::None);
+        LoadOptions options;
+        options.media = media_;
+        options.report = &report;
+        options.keepUnknown = true;
+        LoadFailure failure;
+        try {
+            Project::CreateFromXml(FromUtf8(text), textures_, withPlugins ? plugins_ : nullptr, effects_,
+                                   options);
+            return std::nullopt;
+        } catch (const ProjectException &error) {
+            failure.words = error.what();
+            if (error.Code() == ProjectException::kMissingProperty)
+                failure.missingChild = error.Detail();
+        } catch (const XmlParseException &error) {
+            failure.words = error.what();
+            failure.missingChild = Behind(failure.words, "Missing element\n");
+            if (failure.missingChild.empty())
+                failure.missingChild = Behind(failure.words, "Wrong tag name\n");
+            failure.missingAttribute = Behind(failure.words, " is missing attribute ");
+        } catch (const std::exception &error) {
+            failure.words = error.what();
+        }
+        for (const LoadEntry &entry : report.Entries())
+            if (entry.severity == LoadEntry::Severity::Error) {
+                failure.words = entry.what;
+                if (entry.line > 0)
+                    failure.place = entry.offset;
+            }
+        return failure;
+    }
+
+private:
+    const WideString &textures_;
+    const Abstract3DEffectFactory &effects_;
+    std::shared_ptr<AbstractPluginManager> plugins_;
+    std::shared_ptr<MediaManager> media_ = std::make_shared<MediaManager>();
+};
+
+/// Makes a tree load.
+class Recovery
+{
+public:
+    Recovery(RecoveredTree &tree, const Trial &trial)
+        : tree_(tree), trial_(trial), repair_(tree, KnownElements::Get())
+    {
+    }
+
+    /// The text that loads.
+    std::string Run()
+    {
+        std::string text = Written(true);
+        if (trial_.Failure(text)) {
+            // What is left of a document without its layers and objects is a fraction, and each of these is
+            // tried by itself, so that many damages do not cost a load of the whole each.
+            MendUntilItLoads(false, true);
+            MendItems(tree_.Root());
+            MendUntilItLoads(true, true);
+        }
+        return MendUntilItLoads(true, false);
+    }
+
+    const std::vector<TextFault> &Faults() const { return repair_.Faults(); }
+
+private:
+    std::string MendUntilItLoads(bool withItems, bool withPlugins)
+    {
+        for (;;) {
+            std::string text = Written(withItems);
+            const auto failure = trial_.Failure(text, withPlugins);
+            if (!failure || !repair_.Mend(tree_.Root(), *failure))
+                return text;
+        }
+    }
+
+    std::string Written(bool withItems)
+    {
+        std::string text;
+        text.reserve(tree_.Text().size());
+        tree_.Write(tree_.Root(), text, withItems);
+        return text += '\n';
+    }
+
+    void MendItems(RecoveredElement &element)
+    {
+        // Those that are dropped leave the list.
+        const std::vector<RecoveredElement *> children = element.children;
+        for (RecoveredElement *child : children) {
+            const auto *const around = KnownElements::Get().Around(child->name);
+            if (HoldsItems(element.name) && around)
+                MendItem(*child, *around);
+            else if (!child->children.empty() && element.name != "PropertyManager")
+                MendItems(*child);
+        }
+    }
+
+    void MendItem(RecoveredElement &item, const KnownElements::Surroundings &around)
+    {
+        const RecoveredElement *const list = item.parent;
+        while (std::ranges::find(list->children, &item) != list->children.end()) {
+            std::string text = around.before;
+            tree_.Write(item, text);
+            text += around.behind;
+            const auto failure = trial_.Failure(text);
+            if (!failure || !repair_.Mend(item, *failure))
+                return;
+        }
+    }
+
+    RecoveredTree &tree_;
+    const Trial &trial_;
+    Repair repair_;
+};
+
+NarrowString Step(const RecoveredElement &element)
+{
+    NarrowString step(element.name);
+    const RecoveredElement *name = element.Child("Name");
+    if (const RecoveredElement *const base = element.Child("LayerBase"); base && !name)
+        name = base->Child("Name");
+    if (name && !name->content.empty() && element.name != "LayerBase")
+        return step + " \"" + NarrowString(name->content) + '"';
+    if (!element.parent)
+        return step;
+    const std::vector<RecoveredElement *> &all = element.parent->children;
+    const auto end = std::ranges::find(all, &element);
+    if (end != all.end() && std::ranges::count(all, element.name, &RecoveredElement::name) > 1)
+        step += "[" +
+                std::to_string(1 + std::count_if(all.begin(), end,
+                                                 [&](const RecoveredElement *other) {
+                                                     return other->name == element.name;
+                                                 })) +
+                "]";
+    return step;
+}
+
+NarrowString PathTo(const RecoveredElement *element)
+{
+    NarrowString path;
+    for (; element; element = element->parent)
+        path = path.empty() ? Step(*element) : Step(*element) + "/" + path;
+    return path;
+}
+
+void Tell(std::string_view text, std::vector<TextFault> faults, LoadReport &report)
+{
+    std::ranges::stable_sort(faults, {}, &TextFault::place);
+    TextPlace place;
+    for (const TextFault &fault : faults) {
+        place.GoTo(text, fault.place);
+        report.Add(
+            {fault.severity, fault.what, PathTo(fault.element), place.line, place.column, fault.place, {}});
+    }
+}
+
+} // namespace
+
+WideString RecoverProject(std::string_view bytes, const WideString &texturesFolder,
+                          const std::shared_ptr<AbstractPluginManager> &pluginManager,
+                          const Abstract3DEffectFactory &effectFactory, LoadReport &report)
+{
+    report.Clear();
+    RecoveredTree tree(Utf8Of(bytes));
+    DamagedText damaged(tree, &KnownElements::Get());
+    damaged.Read();
+    const Trial trial(texturesFolder, pluginManager, effectFactory);
+    Recovery recovery(tree, trial);
+    const std::string recovered = recovery.Run();
+    std::vector<TextFault> faults = damaged.Faults();
+    faults.insert(faults.end(), recovery.Faults().begin(), recovery.Faults().end());
+    const bool isWhole = faults.empty() && tree.Root().isIntact;
+    Tell(tree.Text(), std::move(faults), report);
+    return FromUtf8(isWhole ? tree.Text() : recovered);
+}
+
+} // namespace marlet::project
