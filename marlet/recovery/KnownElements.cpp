@@ -159,7 +159,9 @@ KnownElements::Surroundings KnownElements::MakeSurroundings(const RecoveredEleme
 
 const KnownElements::Surroundings *KnownElements::Around(std::string_view itemTag) const
 {
-    const auto found = surroundings_.find(itemTag);
+    // Any layer, also one of a class that a new project has none of, stands where a point layer does.
+    const auto found =
+        surroundings_.find(itemTag.ends_with("Layer") ? std::string_view("PointLayer") : itemTag);
     return found == surroundings_.end() ? nullptr : &found->second;
 }
 

@@ -130,11 +130,14 @@ TEST(Recovery, KeepsWhatStoodWholeBeforeACut)
         const std::string text = ReadExample(name);
         const std::vector<Item> items = ItemsOf(text);
         ASSERT_GT(items.size(), 10u);
-        for (std::size_t cut = 0; cut < text.size() && !HasFatalFailure(); cut += kStep) {
+        for (std::size_t cut = 0; cut < text.rfind("</Project") && !HasFatalFailure(); cut += kStep) {
             SCOPED_TRACE(name + std::string(" cut at ") + std::to_string(cut));
             cutAt(text, items, cut);
         }
     }
+    const std::string titles = ReadExample("titles");
+    // A 3D effect is read by the host, whose failures have no place in the text.
+    cutAt(titles, ItemsOf(titles), titles.find("<radius Spatial=") + 50);
     const std::string small = SmallProject();
     for (std::size_t cut = 0; cut < small.rfind("</Project") && !HasFatalFailure(); cut += 31) {
         SCOPED_TRACE(cut);
