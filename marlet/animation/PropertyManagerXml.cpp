@@ -7,8 +7,6 @@
 #include <marlet/foundation/xml/XmlReader.h>
 #include <marlet/foundation/xml/XmlWriter.h>
 
-#include <algorithm>
-
 namespace marlet::project
 {
 
@@ -21,18 +19,6 @@ void WriteValueChild(XmlWriter &writer, const char *tag, const PropertyValue &va
 {
     const XmlElement element(writer, tag);
     WriteValue(writer, value);
-}
-
-/// The parser takes any letter beyond ASCII for part of a name. What could not be read again once it is
-/// written is no name, and the text no XML.
-/// @throws XmlParseException, as for a text that is not whole
-void RequireNames(const XmlCursor &manager)
-{
-    for (XmlCursor child = manager.FirstChild(); !child.IsNull(); child = child.Next()) {
-        const bool isAscii = std::ranges::all_of(child.Name(), [](char c) { return (c & 0x80) == 0; });
-        if (!isAscii && !IsXmlName(child.Name()))
-            throw XmlParseException(NarrowString("Wrong tag name\n") + kTag);
-    }
 }
 
 } // namespace
@@ -87,7 +73,6 @@ void PropertyManager::Serialize(XmlWriter &writer) const
 void PropertyManager::Deserialize(const XmlCursor &element)
 {
     element.RequireHeader(kTag, 0);
-    RequireNames(element);
     Clear();
     for (XmlCursor child = element.FirstChild(); !child.IsNull(); child = child.Next()) {
         child.RequireAttribute("Type");

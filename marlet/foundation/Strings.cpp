@@ -1,5 +1,7 @@
 #include <marlet/foundation/Strings.h>
 
+#include <marlet/foundation/Utf8.h>
+
 #include <cstddef>
 #include <cstdint>
 
@@ -10,7 +12,6 @@ namespace
 {
 
 constexpr std::size_t kBlock = 32;
-constexpr char32_t kReplacement = 0xFFFD;
 
 bool IsHighSurrogate(char32_t unit)
 {
@@ -69,7 +70,7 @@ char32_t NextCharacter(const char16_t *&from, const char16_t *end)
     const char32_t unit = *from++;
     if (IsHighSurrogate(unit) && from != end && IsLowSurrogate(*from))
         return 0x10000 + ((unit & 0x3FF) << 10) + (*from++ & 0x3FF);
-    return IsHighSurrogate(unit) || IsLowSurrogate(unit) ? kReplacement : unit;
+    return IsHighSurrogate(unit) || IsLowSurrogate(unit) ? kReplacementCharacter : unit;
 }
 
 /// What a lead byte says about its sequence: the bytes that follow, and the range of the first of them, which
@@ -95,11 +96,12 @@ Lead LeadOf(std::uint8_t byte)
         const std::uint8_t high = byte == 0xF4 ? 0x8F : 0xBF;
         return {3, low, high, byte & 0x07u};
     }
-    return {0, 0, 0, kReplacement};
+    return {0, 0, 0, kReplacementCharacter};
 }
 
-/// Takes one character off the text, or the longest start of one where its bytes break off.
-char32_t NextCharacter(const char *&from, const char *end)
+} // namespace
+
+char32_t TakeCharacter(const char *&from, const char *end)
 {
     const auto first = static_cast<std::uint8_t>(*from++);
     if (first < 0x80)
@@ -109,7 +111,7 @@ char32_t NextCharacter(const char *&from, const char *end)
     for (; lead.following > 0; --lead.following) {
         const auto byte = from != end ? static_cast<std::uint8_t>(*from) : std::uint8_t(0);
         if (byte < lead.low || byte > lead.high)
-            return kReplacement;
+            return kReplacementCharacter;
         c = c << 6 | (byte & 0x3Fu);
         lead.low = 0x80;
         lead.high = 0xBF;
@@ -117,8 +119,6 @@ char32_t NextCharacter(const char *&from, const char *end)
     }
     return c;
 }
-
-} // namespace
 
 NarrowString ToUtf8(std::u16string_view text)
 {
@@ -154,7 +154,7 @@ WideString FromUtf8(std::string_view text)
             to += kBlock;
             continue;
         }
-        const char32_t c = NextCharacter(from, end);
+        const char32_t c = TakeCharacter(from, end);
         if (c < 0x10000) {
             *to++ = static_cast<char16_t>(c);
         } else {

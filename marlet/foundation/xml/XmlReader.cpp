@@ -1,11 +1,11 @@
 #include <marlet/foundation/xml/XmlReader.h>
 
 #include <marlet/foundation/Exceptions.h>
+#include <marlet/foundation/xml/WellFormed.h>
 
 #include <pugixml.hpp>
 
 #include <algorithm>
-#include <utility>
 
 namespace marlet::project
 {
@@ -15,134 +15,18 @@ namespace
 
 /// Text stands in its element's own value where it comes first, which saves a node for most elements.
 constexpr unsigned int kParseFlags = pugi::parse_escapes | pugi::parse_cdata | pugi::parse_eol |
-                                     pugi::parse_wconv_attribute | pugi::parse_doctype |
-                                     pugi::parse_fragment | pugi::parse_embed_pcdata;
+                                     pugi::parse_wconv_attribute | pugi::parse_embed_pcdata;
+
+/// Blanks alone are kept where they are all that an element has. Comments and the like may part a text, and
+/// then blanks anywhere may belong to one; keeping them all costs memory.
+unsigned int BlankFlag(const XmlScan &scan)
+{
+    return scan.hasSections ? pugi::parse_ws_pcdata : pugi::parse_ws_pcdata_single;
+}
 
 bool IsElement(pugi::xml_node node)
 {
     return node.type() == pugi::node_element;
-}
-
-bool IsBlankText(pugi::xml_node node)
-{
-    return node.type() == pugi::node_pcdata &&
-           std::string_view(node.value()).find_first_not_of(" \t\r\n") == std::string_view::npos;
-}
-
-bool ContainsMarkup(std::string_view text, char mark)
-{
-    for (auto at = text.find(mark); at != std::string_view::npos; at = text.find(mark, at + 1))
-        if (at > 0 && text[at - 1] == '<')
-            return true;
-    return false;
-}
-
-/// Blanks alone are kept where they are all that an element has. Comments and the like may part a text, and
-/// then blanks anywhere may belong to one; keeping them all costs memory.
-unsigned int BlankFlags(std::string_view text)
-{
-    constexpr std::string_view declaration = "<?xml";
-    if (text.starts_with(declaration))
-        text.remove_prefix(declaration.size());
-    return ContainsMarkup(text, '!') || ContainsMarkup(text, '?') ? pugi::parse_ws_pcdata
-                                                                  : pugi::parse_ws_pcdata_single;
-}
-
-/// What a character reference says behind its "&#", in 32 bits that wrap, as the parser reckons.
-std::uint32_t ReferencedCharacter(std::string_view text)
-{
-    const bool hexadecimal = text.starts_with('x');
-    if (hexadecimal)
-        text.remove_prefix(1);
-    std::uint32_t character = 0;
-    for (const char c : text) {
-        if (c >= '0' && c <= '9')
-            character = character * (hexadecimal ? 16 : 10) + static_cast<std::uint32_t>(c - '0');
-        else if (hexadecimal && (c | 0x20) >= 'a' && (c | 0x20) <= 'f')
-            character = character * 16 + static_cast<std::uint32_t>((c | 0x20) - 'a' + 10);
-        else
-            break;
-    }
-    return character;
-}
-
-/// Where the "&#" of the first reference to U+0000 from a position on stands.
-std::size_t FindReferenceToNul(std::string_view text, std::size_t from)
-{
-    std::size_t at = text.find("&#", from);
-    while (at != std::string_view::npos && ReferencedCharacter(text.substr(at + 2)) != 0)
-        at = text.find("&#", at + 2);
-    return at;
-}
-
-/// The end of the comment, CDATA section or instruction that starts at a "<"; the start itself if none does.
-std::size_t SectionEnd(std::string_view text, std::size_t start)
-{
-    constexpr std::pair<std::string_view, std::string_view> sections[] = {
-        {"<!--", "-->"}, {"<![CDATA[", "]]>"}, {"<?", "?>"}};
-    for (const auto &[open, close] : sections)
-        if (text.substr(start, open.size()) == open)
-            return text.find(close, start + open.size());
-    return start;
-}
-
-/// Whether there is a U+0000, as itself or by reference: the parser would end a value there, or the whole
-/// text. In a comment or a CDATA section a reference is none; only a text that has one is looked at that
-/// closely, and once from front to back.
-bool ContainsNul(std::string_view text)
-{
-    if (text.find('\0') != std::string_view::npos)
-        return true;
-    std::size_t reference = FindReferenceToNul(text, 0);
-    std::size_t at = 0;
-    while (reference != std::string_view::npos) {
-        at = text.find('<', at);
-        if (at > reference)
-            return true;
-        const std::size_t end = SectionEnd(text, at);
-        if (end == std::string_view::npos)
-            return true; // a section without an end is refused anyway
-        if (end > reference)
-            reference = FindReferenceToNul(text, end);
-        at = std::max(at + 1, end);
-    }
-    return false;
-}
-
-/// The one element of a document that has nothing but blanks beside it, or null.
-pugi::xml_node OnlyElement(pugi::xml_node document)
-{
-    pugi::xml_node element;
-    for (const pugi::xml_node node : document) {
-        if (IsBlankText(node))
-            continue;
-        if (!IsElement(node) || element)
-            return {};
-        element = node;
-    }
-    return element;
-}
-
-/// A loop, since the depth is the text's.
-void BoundNesting(pugi::xml_node root)
-{
-    int depth = 1;
-    pugi::xml_node node = root;
-    while (node) {
-        if (depth > kDeepestNesting && IsElement(node))
-            throw XmlParseException("Nesting too deep");
-        pugi::xml_node next = node.first_child();
-        if (next)
-            ++depth;
-        while (!next && node != root) {
-            next = node.next_sibling();
-            if (!next) {
-                node = node.parent();
-                --depth;
-            }
-        }
-        node = next;
-    }
 }
 
 void AppendText(pugi::xml_node node, NarrowString &text)
@@ -187,17 +71,17 @@ XmlDocument::XmlDocument(std::u16string_view text) : tree_(std::make_unique<Tree
 {
     NarrowString &utf8 = tree_->text;
     utf8 = ToUtf8(text);
-    if (ContainsNul(utf8))
+    // The parser takes more than XML.
+    const XmlScan scan = ScanXml(utf8);
+    if (scan.fault || scan.hasDocumentType)
         return;
+    if (scan.tooDeep)
+        throw XmlParseException("Nesting too deep");
     // The text's own terminator goes along, since the parser takes the last character for one.
     const auto result = tree_->document.load_buffer_inplace(
-        utf8.data(), utf8.size() + 1, kParseFlags | BlankFlags(utf8), pugi::encoding_utf8);
-    if (!result)
-        return;
-    const pugi::xml_node root = OnlyElement(tree_->document);
-    if (root)
-        BoundNesting(root);
-    tree_->root = root;
+        utf8.data(), utf8.size() + 1, kParseFlags | BlankFlag(scan), pugi::encoding_utf8);
+    if (result)
+        tree_->root = tree_->document.document_element();
 }
 
 XmlDocument::~XmlDocument() = default;

@@ -1,5 +1,8 @@
 #include <marlet/foundation/xml/XmlText.h>
 
+#include <marlet/foundation/Utf8.h>
+#include <marlet/foundation/xml/XmlCharacters.h>
+
 #include <boost/lexical_cast.hpp>
 
 #include <algorithm>
@@ -9,7 +12,6 @@
 #include <cmath>
 #include <limits>
 #include <optional>
-#include <span>
 
 namespace marlet::project
 {
@@ -127,34 +129,6 @@ std::optional<double> ParseReal(std::string_view text)
         text.remove_prefix(1);
     const std::optional<double> magnitude = ParseMagnitude(text);
     return negative && magnitude ? -*magnitude : magnitude;
-}
-
-struct Range {
-    char16_t first;
-    char16_t last;
-};
-
-/// Where a name may start, beyond ASCII. Both halves of most surrogate pairs are among them.
-constexpr Range kNameStarts[] = {{0xC0, 0xD6},     {0xD8, 0xF6},     {0xF8, 0x2FF},    {0x370, 0x37D},
-                                 {0x37F, 0x1FFF},  {0x200C, 0x200D}, {0x2070, 0x218F}, {0x2C00, 0x2FEF},
-                                 {0x3001, 0xDB7F}, {0xDC00, 0xDFFF}, {0xF900, 0xFDCF}, {0xFDF0, 0xFFFC}};
-constexpr Range kOtherNameCharacters[] = {{0xB7, 0xB7}, {0x300, 0x36F}, {0x203F, 0x2040}};
-
-bool IsIn(std::span<const Range> ranges, char16_t c)
-{
-    return std::ranges::any_of(ranges, [c](Range range) { return c >= range.first && c <= range.last; });
-}
-
-bool IsNameStart(char16_t c)
-{
-    return (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z') || c == u'_' || c == u':' ||
-           IsIn(kNameStarts, c);
-}
-
-bool IsNameCharacter(char16_t c)
-{
-    return IsNameStart(c) || (c >= u'0' && c <= u'9') || c == u'-' || c == u'.' ||
-           IsIn(kOtherNameCharacters, c);
 }
 
 __extension__ using Wide = unsigned __int128;
@@ -279,10 +253,12 @@ template <class Integer> NumberText FormatInteger(Integer value)
 
 bool IsXmlName(std::string_view utf8)
 {
-    const WideString name = FromUtf8(utf8);
-    // Bytes that are no UTF-8 were replaced by a character that may stand in a name.
-    return !name.empty() && ToUtf8(name) == utf8 && IsNameStart(name.front()) &&
-           std::ranges::all_of(name, IsNameCharacter);
+    const char *at = utf8.data();
+    const char *const end = at + utf8.size();
+    bool isName = at != end && ToUtf8(FromUtf8(utf8)) == utf8 && IsXmlNameStart(TakeCharacter(at, end));
+    while (isName && at != end)
+        isName = IsXmlNameCharacter(TakeCharacter(at, end));
+    return isName;
 }
 
 std::int32_t ParseInt(std::string_view text)
