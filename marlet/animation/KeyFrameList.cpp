@@ -25,10 +25,8 @@ void WriteHandle(XmlWriter &writer, const char *tag, const kytl::matl::KyVector<
 kytl::matl::KyVector<2, float> ReadHandle(const XmlCursor &element)
 {
     kytl::matl::KyVector<2, float> handle;
-    element.RequireAttribute("X");
-    element.RequireAttribute("Y");
-    element.Attribute("X", handle.X);
-    element.Attribute("Y", handle.Y);
+    element.RequiredAttribute("X", handle.X);
+    element.RequiredAttribute("Y", handle.Y);
     return handle;
 }
 
@@ -298,12 +296,10 @@ void KeyFrameList::SerializeKeyFrame(const KeyFrame &key, XmlWriter &writer)
 KeyFrame KeyFrameList::DeserializeKeyFrame(const XmlCursor &element)
 {
     element.RequireTag("Key");
-    element.RequireAttribute("Time");
-    element.RequireAttribute("Type");
     int time = 0;
-    KeyFrameType type = KeyFrameType::Linear;
-    element.Attribute("Time", time);
-    element.Attribute("Type", type);
+    int type = 0;
+    element.RequiredAttribute("Time", time);
+    element.RequiredAttribute("Type", type);
     const XmlCursor incoming = element.Require("IncomingPt");
     const XmlCursor outgoing = element.Require("OutgoingPt");
     const auto incomingPoint = ReadHandle(incoming);
@@ -312,10 +308,10 @@ KeyFrame KeyFrameList::DeserializeKeyFrame(const XmlCursor &element)
     ReadValue(element.Require("Value"), value);
 
     KeyFrame key(time, value);
-    key.type_ = type;
+    key.type_ = static_cast<KeyFrameType>(type);
     key.incomingPoint_ = incomingPoint;
     key.outgoingPoint_ = outgoingPoint;
-    if (type != KeyFrameType::Linear)
+    if (key.type_ != KeyFrameType::Linear)
         key.SetTemporalFlags();
     return key;
 }

@@ -31,9 +31,8 @@ template <class T> T Read(const XmlCursor &element)
     T value{};
     if constexpr (HasFields<T>) {
         for (const auto &field : ValueTraits<T>::kFields) {
-            element.RequireAttribute(field.name);
             float component = 0; // also of those that are held and written as double
-            element.Attribute(field.name, component);
+            element.RequiredAttribute(field.name, component);
             value.*field.member = component;
         }
     } else if constexpr (std::is_same_v<T, unsigned char>) {

@@ -171,10 +171,14 @@ TEST(XmlTextTest, EveryFloatReadsBackAsItself)
 TEST(XmlTextTest, NamesAreThoseOfXml)
 {
     for (const char *name :
-         {"a", "_x", "a1-b.c:d", "\xC3\xA9t\xC3\xA9", "\xF0\xA0\x80\x80", "a\xC2\xB7", ":"})
+         {"a",      "_x",     "a1-b.c:d", "\u00E9t\u00E9", "\U00020000", "a\u00B7",   ":",
+          "\u0132", "\u02FF", "a\u0300",  "a\u036F",       "\u0370",     "\u200C",    "a\u2040",
+          "\u218F", "\u3001", "\uD7FF",   "\uF900",        "\uFFFD",     "\U000EFFFF"})
         EXPECT_TRUE(IsXmlName(name)) << name;
     for (const char *name :
-         {"", "1a", "-a", ".a", "a b", "a<", "a&b", "a/", "\xC2\xB7z", "\xC3\x97", "a\xFF", "a\n"})
+         {"",        "1a",      "-a",      ".a",      "a b",     "a<",         "a&b",          "a/",
+          "\u00B7z", "\u00D7",  "a\xFF",   "a\n",     "\u0300",  "a\u037E",    "a\u200B",      "a\u200E",
+          "\u203F",  "a\u2190", "a\u3000", "a\uFDD0", "a\uFFFE", "\U000F0000", "a\xED\xA0\x80"})
         EXPECT_FALSE(IsXmlName(name)) << name;
 }
 

@@ -137,7 +137,7 @@ void InternalSubset(XmlScanner &scanner, bool standsAlone, const char *start)
             return;
         if (scanner.IsBefore("<?")) {
             scanner.Instruction();
-        } else if (scanner.IsBefore("<!--")) {
+        } else if (scanner.IsBefore("<!-")) {
             scanner.Comment();
         } else if (scanner.Peek() == '%') {
             ParameterReference(scanner);

@@ -143,8 +143,7 @@ unsigned int XmlCursor::RequireHeader(const char *tag, unsigned int highestVersi
 
 void XmlCursor::RequireAttribute(const char *name) const
 {
-    if (!HasAttribute(name))
-        throw XmlParseException(NarrowString(Name()) + " is missing attribute " + name + "\n");
+    RequiredText(name);
 }
 
 bool XmlCursor::HasAttribute(const char *name) const
@@ -155,6 +154,14 @@ bool XmlCursor::HasAttribute(const char *name) const
 std::string_view XmlCursor::AttributeText(const char *name) const
 {
     return pugi::xml_node(node_).attribute(name).value();
+}
+
+std::string_view XmlCursor::RequiredText(const char *name) const
+{
+    const pugi::xml_attribute attribute = pugi::xml_node(node_).attribute(name);
+    if (attribute.empty())
+        throw XmlParseException(NarrowString(Name()) + " is missing attribute " + name + "\n");
+    return attribute.value();
 }
 
 void XmlCursor::Attribute(const char *name, bool &value) const
@@ -195,6 +202,16 @@ void XmlCursor::Attribute(const char *name, kytl::KyID &value) const
 void XmlCursor::Attribute(const char *name, WideString &value) const
 {
     value = FromUtf8(AttributeText(name));
+}
+
+void XmlCursor::RequiredAttribute(const char *name, int &value) const
+{
+    value = ParseInt(RequiredText(name));
+}
+
+void XmlCursor::RequiredAttribute(const char *name, float &value) const
+{
+    value = ParseFloat(RequiredText(name));
 }
 
 NarrowString XmlCursor::Text() const
@@ -240,12 +257,10 @@ void XmlCursor::Get(WideString &value) const
 
 void XmlCursor::Get(kytl::KyColorRGBA_32f &value) const
 {
-    for (const char *component : {"R", "G", "B", "A"})
-        RequireAttribute(component);
-    Attribute("R", value.R);
-    Attribute("G", value.G);
-    Attribute("B", value.B);
-    Attribute("A", value.A);
+    RequiredAttribute("R", value.R);
+    RequiredAttribute("G", value.G);
+    RequiredAttribute("B", value.B);
+    RequiredAttribute("A", value.A);
 }
 
 } // namespace marlet::project

@@ -67,6 +67,10 @@ public:
         value = static_cast<Enum>(number);
     }
 
+    /// RequireAttribute and Attribute in one, which looks for it once.
+    void RequiredAttribute(const char *name, int &value) const;
+    void RequiredAttribute(const char *name, float &value) const;
+
     /// All text and CDATA below the element, in UTF-8; comments are left out of the middle.
     NarrowString Text() const;
 
@@ -96,6 +100,8 @@ public:
     pugi::xml_node_struct *Node() const { return node_; }
 
 private:
+    std::string_view RequiredText(const char *name) const;
+
     pugi::xml_node_struct *node_ = nullptr;
 };
 

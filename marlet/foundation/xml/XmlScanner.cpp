@@ -81,13 +81,18 @@ void XmlScanner::FailAt(const char *place, std::string what, const char *otherPl
     throw XmlFault{OffsetOf(place), std::move(what), OffsetOf(otherPlace), {}};
 }
 
+void XmlScanner::RequireNotCut(std::string_view token)
+{
+    if (!IsAtEnd() && token.starts_with({at_, end_})) {
+        at_ = end_;
+        Fail({});
+    }
+}
+
 void XmlScanner::Expect(std::string_view token, const char *otherwise)
 {
-    for (const char c : token) {
-        if (IsAtEnd() || *at_ != c)
-            Fail(otherwise);
-        ++at_;
-    }
+    if (!Take(token))
+        Fail(otherwise);
 }
 
 void XmlScanner::ExpectBlanks()
@@ -111,6 +116,7 @@ void XmlScanner::NameToken(const char *otherwise)
 
 void XmlScanner::FinishName(const char *start, const char *otherwise)
 {
+    at_ = start;
     NameToken(otherwise);
     const char *second = start;
     if (IsXmlNameStart(TakeCharacter(second, end_)))
@@ -239,13 +245,12 @@ void XmlScanner::Comment()
     Expect("<!--", "a comment begins wrongly");
     for (;;) {
         SkipUpTo<'-'>();
-        const char *const place = at_;
-        if (Take("-->"))
-            return;
-        if (Take("--") && !IsAtEnd())
-            FailAt(place, "\"--\" stands in a comment", start_);
         if (IsAtEnd())
             Fail({});
+        if (Take("-->"))
+            return;
+        if (IsBefore("--"))
+            FailAt(at_, "\"--\" stands in a comment", start_);
         ++at_;
     }
 }

@@ -41,11 +41,14 @@ public:
     bool IsBefore(std::string_view token) const { return std::string_view(at_, end_).starts_with(token); }
     void Skip(std::ptrdiff_t count) { at_ += count; }
     void GoBackTo(const char *place) { at_ = place; }
+    /// Steps over the token if it is there. Fails where the text ends in the middle of it.
     bool Take(std::string_view token)
     {
         const bool isThere = IsBefore(token);
         if (isThere)
             at_ += token.size();
+        else
+            RequireNotCut(token);
         return isThere;
     }
     bool Take(char c)
@@ -142,6 +145,7 @@ private:
             at_ = blocks_.EndOfValue(at_);
     }
 
+    void RequireNotCut(std::string_view token);
     void FinishName(const char *start, const char *otherwise);
     void FinishPlainText();
     void StepInValue(char quote);

@@ -100,10 +100,37 @@ bool IsTooLarge(std::string_view number)
     return exponent > -digitsBeforePoint;
 }
 
+/// Digits with at most a point among them, which most numbers are, and so few that their quotient is what the
+/// text reads as.
+std::optional<double> ParseFewDigits(std::string_view text)
+{
+    constexpr double powers[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6, 1e7,
+                                 1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14};
+    constexpr std::size_t most = 15;
+    if (text.empty() || text.size() > most)
+        return {};
+    std::uint64_t digits = 0;
+    std::size_t behindPoint = 0;
+    bool isBehindPoint = false;
+    for (const char c : text) {
+        if (IsDigit(c)) {
+            digits = digits * 10 + static_cast<std::uint64_t>(c - '0');
+            behindPoint += isBehindPoint ? 1 : 0;
+        } else if (c == '.' && !isBehindPoint) {
+            isBehindPoint = true;
+        } else {
+            return {};
+        }
+    }
+    return text == "." ? std::nullopt : std::optional(static_cast<double>(digits) / powers[behindPoint]);
+}
+
 /// A number without blanks and sign; nothing for a text that is none, or whose number vanishes.
 std::optional<double> ParseMagnitude(std::string_view text)
 {
     constexpr double infinity = std::numeric_limits<double>::infinity();
+    if (const std::optional<double> value = ParseFewDigits(text))
+        return value;
     if (EqualsIgnoringCase(text, "inf"))
         return infinity;
     // Keeps out what std::from_chars takes beyond digits.
