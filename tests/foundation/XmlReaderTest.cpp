@@ -53,6 +53,8 @@ TEST(XmlReaderTest, AWholeTextHasARootAndAnyOtherTextHasNone)
     EXPECT_FALSE(HasRoot(u"<!-- only -->") || HasRoot(u"<a/><!-- open"));
     EXPECT_FALSE(HasRoot(u"<![CDATA[ ]]><a/>") || HasRoot(u"<a/><![CDATA[x]]>"));
     EXPECT_FALSE(HasRoot(u"<!DOCTYPE a><a/>") || HasRoot(u"<a><!DOCTYPE a></a>"));
+    EXPECT_FALSE(HasRoot(u"<a>&nbsp;</a>") || HasRoot(u"<a x='1' x='2'/>") || HasRoot(u"<a>]]></a>"));
+    EXPECT_FALSE(HasRoot(u"<a x='<'/>") || HasRoot(u"<a>\u0001</a>") || HasRoot(u"<a>\uFFFF</a>"));
     EXPECT_FALSE(HasRoot(u"<a x='&#x00;'/>") || HasRoot(u"<a>&#4294967296;</a>"));
     EXPECT_FALSE(HasRoot(u"<a><![CDATA[&#0;]]>&#0;</a>"));
     EXPECT_FALSE(HasRoot(u"<a><!-- <![CDATA[ -->&#0;<!-- ]]> --></a>"));
