@@ -6,7 +6,6 @@
 #include <QXmlStreamReader>
 #include <gtest/gtest.h>
 
-#include <iterator>
 #include <random>
 #include <span>
 
@@ -87,6 +86,7 @@ const Case kFaultsInside[] = {
     {"<a>@\xED\xA0\x80</a>", "the bytes are no UTF-8"},
     {"<a>@\xC3</a>", "the bytes are no UTF-8"},
     {"<a>@\xFF</a>", "the bytes are no UTF-8"},
+    {"<a@\xAD/>", "the bytes are no UTF-8"},
     {"<a>~<!-- @-- --></a>", "\"--\" stands in a comment"},
     {"<a><?@ x?></a>", "an instruction has no name"},
     {"<a>@<?xml version='1.0'?></a>", "an XML declaration stands in the middle of the text"},
@@ -96,6 +96,7 @@ const Case kFaultsInside[] = {
 /// Of texts that are wrong outside of one, or as a whole.
 const Case kFaultsOutside[] = {
     {"~@", "the text ends before its root element"},
+    {"~\xEF\xBB@", "the text ends before its root element"},
     {" <!-- c -->~@", "the text ends before its root element"},
     {"@text<a/>", "a text stands outside of the root element"},
     {"<a/>\n @text", "a text stands outside of the root element"},
@@ -279,7 +280,7 @@ std::string Utf8(std::u32string_view text)
     return QString::fromUcs4(text.data(), static_cast<qsizetype>(text.size())).toStdString();
 }
 
-/// Whether Qt's reader, which is strict, takes a text to its end.
+/// Whether Qt's reader takes a text to its end, which is strict but for some names beyond ASCII.
 bool QtTakes(const std::string &text)
 {
     QXmlStreamReader reader(QString::fromStdString(text));
@@ -307,32 +308,50 @@ TEST(WellFormedTest, CharactersAreThoseOfQt)
 /// A text with a few pieces of others put in, taken out or doubled.
 std::u32string Mutated(std::u32string text, std::mt19937 &generator)
 {
-    static const std::u32string pieces[] = {U"<",         U">",
-                                            U"/",         U"\"",
-                                            U"'",         U"&",
-                                            U"&amp;",     U"&#0;",
-                                            U"&#65;",     U"&#xFFFE;",
-                                            U"&x;",       U"--",
-                                            U"-->",       U"]]>",
-                                            U"<![CDATA[", U"?>",
-                                            U"<!--",      U"<?",
-                                            U"<?xml ",    U"=",
-                                            U" ",         U"\n",
-                                            U"a",         U"b",
-                                            U"x='1'",     U"1",
-                                            U"\u0001",    U"<a>",
-                                            U"</a>",      U"<b/>",
-                                            U"</b>",      U"-",
-                                            U"\u00E9",    U"\u00B7",
-                                            U";",         U"#",
-                                            U"&lt;",      U"<?xml version='1.0'?>"};
+    static const std::vector<std::u32string> pieces = {U"<",
+                                                       U">",
+                                                       U"/",
+                                                       U"\"",
+                                                       U"'",
+                                                       U"&",
+                                                       U"&amp;",
+                                                       U"&#0;",
+                                                       U"&#65;",
+                                                       U"&#xFFFE;",
+                                                       U"&x;",
+                                                       U"--",
+                                                       U"-->",
+                                                       U"]]>",
+                                                       U"<![CDATA[",
+                                                       U"?>",
+                                                       U"<!--",
+                                                       U"<?",
+                                                       U"<?xml ",
+                                                       U"=",
+                                                       U" ",
+                                                       U"\n",
+                                                       U"a",
+                                                       U"b",
+                                                       U"x='1'",
+                                                       U"1",
+                                                       U"\u0001",
+                                                       U"<a>",
+                                                       U"</a>",
+                                                       U"<b/>",
+                                                       U"</b>",
+                                                       U"-",
+                                                       U"\u00E9",
+                                                       U";",
+                                                       U"#",
+                                                       U"&lt;",
+                                                       U"<?xml version='1.0'?>"};
     const auto roll = [&](std::size_t sides) {
         return std::uniform_int_distribution<std::size_t>(0, sides - 1)(generator);
     };
     for (std::size_t count = 1 + roll(3); count > 0; --count) {
         const std::size_t at = roll(text.size() + 1);
         const std::size_t length = std::min(roll(6), text.size() - at);
-        const std::u32string piece = roll(5) == 0 ? text.substr(at, length) : pieces[roll(std::size(pieces))];
+        const std::u32string piece = roll(5) == 0 ? text.substr(at, length) : pieces[roll(pieces.size())];
         if (roll(2) == 0)
             text.erase(at, length);
         if (roll(3) != 0)

@@ -129,6 +129,7 @@ bool Document::Miscellaneous()
 
 void Document::Prolog()
 {
+    scanner_.Enter("before its root element");
     scanner_.Take("\xEF\xBB\xBF");
     constexpr std::string_view behindTarget(" \t\r\n?\0", 6);
     const bool isDeclared =

@@ -101,12 +101,22 @@ void XmlScanner::ExpectBlanks()
         Fail("a blank is missing");
 }
 
+/// The character at a place, which moves behind it.
+char32_t XmlScanner::CharacterAt(const char *&at) const
+{
+    const char *const place = at;
+    const char32_t c = TakeCharacter(at, end_);
+    if (c == kReplacementCharacter && std::string_view(place, at) != "\xEF\xBF\xBD")
+        FailAt(place, "the bytes are no UTF-8");
+    return c;
+}
+
 void XmlScanner::NameToken(const char *otherwise)
 {
     const char *const start = at_;
     for (at_ = blocks_.EndOfName(at_); !IsAscii(Peek()); at_ = blocks_.EndOfName(at_)) {
         const char *behind = at_;
-        if (!IsXmlNameCharacter(TakeCharacter(behind, end_)))
+        if (!IsXmlNameCharacter(CharacterAt(behind)))
             break;
         at_ = behind;
     }
@@ -130,11 +140,9 @@ void XmlScanner::OddCharacters()
 {
     do {
         const char *const place = at_;
-        const char32_t c = TakeCharacter(at_, end_);
+        const char32_t c = CharacterAt(at_);
         if (!IsXmlCharacter(c))
             FailAt(place, NameOfCharacter(c) + " is no character of XML");
-        if (c == kReplacementCharacter && std::string_view(place, at_) != "\xEF\xBF\xBD")
-            FailAt(place, "the bytes are no UTF-8");
     } while (!IsAscii(Peek()));
 }
 

@@ -149,6 +149,7 @@ private:
     void FinishName(const char *start, const char *otherwise);
     void FinishPlainText();
     void StepInValue(char quote);
+    char32_t CharacterAt(const char *&at) const;
     void OddCharacters();
     template <char... kStops> void SkipUpTo();
     void CheckEntity(std::string_view name, const char *place, Where where) const;
