@@ -2,7 +2,7 @@
 #include <marlet/foundation/xml/WellFormed.h>
 #include <marlet/foundation/xml/XmlReader.h>
 
-#include <QString>
+#include <QStringList>
 #include <QXmlStreamReader>
 #include <gtest/gtest.h>
 
@@ -308,50 +308,21 @@ TEST(WellFormedTest, CharactersAreThoseOfQt)
 /// A text with a few pieces of others put in, taken out or doubled.
 std::u32string Mutated(std::u32string text, std::mt19937 &generator)
 {
-    static const std::vector<std::u32string> pieces = {U"<",
-                                                       U">",
-                                                       U"/",
-                                                       U"\"",
-                                                       U"'",
-                                                       U"&",
-                                                       U"&amp;",
-                                                       U"&#0;",
-                                                       U"&#65;",
-                                                       U"&#xFFFE;",
-                                                       U"&x;",
-                                                       U"--",
-                                                       U"-->",
-                                                       U"]]>",
-                                                       U"<![CDATA[",
-                                                       U"?>",
-                                                       U"<!--",
-                                                       U"<?",
-                                                       U"<?xml ",
-                                                       U"=",
-                                                       U" ",
-                                                       U"\n",
-                                                       U"a",
-                                                       U"b",
-                                                       U"x='1'",
-                                                       U"1",
-                                                       U"\u0001",
-                                                       U"<a>",
-                                                       U"</a>",
-                                                       U"<b/>",
-                                                       U"</b>",
-                                                       U"-",
-                                                       U"\u00E9",
-                                                       U";",
-                                                       U"#",
-                                                       U"&lt;",
-                                                       U"<?xml version='1.0'?>"};
+    static const QStringList pieces =
+        QString("<|>|/|\"|'|&|&amp;|&#0;|&#65;|&#xFFFE;|&x;|--|-->|]]>|<![CDATA[|"
+                "?>|<!--|<?|<?xml |=| |\n|a|b|x='1'|1|\u0001|<a>|</a>|<b/>|</b>|-|\u00E9|;|#|&lt;|"
+                "<?xml version='1.0'?>")
+            .split('|');
+    const auto pieceCount = static_cast<std::size_t>(pieces.size());
     const auto roll = [&](std::size_t sides) {
         return std::uniform_int_distribution<std::size_t>(0, sides - 1)(generator);
     };
     for (std::size_t count = 1 + roll(3); count > 0; --count) {
         const std::size_t at = roll(text.size() + 1);
         const std::size_t length = std::min(roll(6), text.size() - at);
-        const std::u32string piece = roll(5) == 0 ? text.substr(at, length) : pieces[roll(pieces.size())];
+        const std::u32string piece = roll(5) == 0
+                                         ? text.substr(at, length)
+                                         : pieces[static_cast<int>(roll(pieceCount))].toStdU32String();
         if (roll(2) == 0)
             text.erase(at, length);
         if (roll(3) != 0)
