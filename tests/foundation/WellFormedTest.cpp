@@ -86,6 +86,7 @@ const Case kFaultsInside[] = {
     {"<a>@\xED\xA0\x80</a>", "the bytes are no UTF-8"},
     {"<a>@\xC3</a>", "the bytes are no UTF-8"},
     {"<a>@\xFF</a>", "the bytes are no UTF-8"},
+    {"<@\xC2\xB7\xFF/>", "\"<\" begins no tag"},
     {"<a@\xAD/>", "the bytes are no UTF-8"},
     {"<a>~<!-- @-- --></a>", "\"--\" stands in a comment"},
     {"<a><?@ x?></a>", "an instruction has no name"},
@@ -280,7 +281,7 @@ std::string Utf8(std::u32string_view text)
     return QString::fromUcs4(text.data(), static_cast<qsizetype>(text.size())).toStdString();
 }
 
-/// Whether Qt's reader takes a text to its end, which is strict but for some names beyond ASCII.
+/// Whether Qt's reader takes a text to its end, which is strict but for what it takes into names.
 bool QtTakes(const std::string &text)
 {
     QXmlStreamReader reader(QString::fromStdString(text));
@@ -310,8 +311,7 @@ std::u32string Mutated(std::u32string text, std::mt19937 &generator)
 {
     static const QStringList pieces =
         QString("<|>|/|\"|'|&|&amp;|&#0;|&#65;|&#xFFFE;|&x;|--|-->|]]>|<![CDATA[|"
-                "?>|<!--|<?|<?xml |=| |\n|a|b|x='1'|1|\u0001|<a>|</a>|<b/>|</b>|-|\u00E9|;|#|&lt;|"
-                "<?xml version='1.0'?>")
+                "?>|<!--|<?|<?xml |=| |\n|a|b|x='1'|1|<a>|</a>|<b/>|</b>|-|\u00E9|;|#|&lt;")
             .split('|');
     const auto pieceCount = static_cast<std::size_t>(pieces.size());
     const auto roll = [&](std::size_t sides) {
@@ -333,11 +333,9 @@ std::u32string Mutated(std::u32string text, std::mt19937 &generator)
 
 TEST(WellFormedTest, MutatedTextsAreWellFormedWhereQtSaysSo)
 {
-    const std::u32string texts[] = {U"<?xml version=\"1.0\" encoding=\"UTF-8\"?><!-- c --><a x=\"1\" "
-                                    U"y='2'>t&amp;&#65;<b/><![CDATA[x]] ]]]>"
-                                    U"<?p i?>]] ></a><!-- - --><?q?>",
-                                    U"<a>\n <b c=\"d\" e=\"f\">g</b>\n <b/>\n</a>\n",
-                                    U"<\u00E9t\u00E9 x=''>\u4E2D</\u00E9t\u00E9>"};
+    const std::u32string texts[] = {
+        U"<!-- c --><a x=\"1\" y='2'>t&amp;&#65;<b/><![CDATA[x]] ]]]><?p i?>]] ></a><?q?>",
+        U"<a>\n <b c=\"d\" e=\"f\">g</b>\n <b/>\n</a>\n", U"<\u00E9t\u00E9 x=''>\u4E2D</\u00E9t\u00E9>"};
     std::mt19937 generator(13);
     int wellFormed = 0;
     for (std::size_t i = 0; i < 60'000; ++i) {

@@ -127,12 +127,10 @@ void XmlScanner::NameToken(const char *otherwise)
 void XmlScanner::FinishName(const char *start, const char *otherwise)
 {
     at_ = start;
-    NameToken(otherwise);
     const char *second = start;
-    if (IsXmlNameStart(TakeCharacter(second, end_)))
-        return;
-    at_ = start;
-    Fail(otherwise);
+    if (!IsAtEnd() && !IsXmlNameStart(CharacterAt(second)))
+        Fail(otherwise);
+    NameToken(otherwise);
 }
 
 /// Characters beyond ASCII, which come in runs, or one that is looked at for another reason.
