@@ -8,8 +8,11 @@
 #include <marlet/foundation/xml/XmlReader.h>
 #include <marlet/foundation/xml/XmlWriter.h>
 
+<<<<<<< HEAD
 #include <utility>
 
+=======
+>>>>>>> strict
 namespace marlet::project
 {
 
@@ -24,6 +27,7 @@ void WriteValueChild(XmlWriter &writer, const char *tag, const PropertyValue &va
     WriteValue(writer, value);
 }
 
+<<<<<<< HEAD
 /// What can be read, but is hardly meant.
 void TellOfOddities(const XmlCursor &element, const Property &property)
 {
@@ -44,6 +48,8 @@ void TellOfOddities(const XmlCursor &element, const Property &property)
     });
 }
 
+=======
+>>>>>>> strict
 } // namespace
 
 WideString PropertyManager::Serialize() const

@@ -97,6 +97,8 @@ const Case kFaultsInside[] = {
 /// Of texts that are wrong outside of one, or as a whole.
 const Case kFaultsOutside[] = {
     {"~@", "the text ends before its root element"},
+    {"~<a x='1' x@", "the text ends in a start tag"},
+    {"<a>~<?xml@", "the text ends in an instruction"},
     {"~\xEF\xBB@", "the text ends before its root element"},
     {" <!-- c -->~@", "the text ends before its root element"},
     {"@text<a/>", "a text stands outside of the root element"},
