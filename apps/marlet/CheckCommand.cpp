@@ -3,18 +3,13 @@
 #include "Document.h"
 #include "Failure.h"
 #include "Json.h"
-#include "MediaOpening.h"
 #include "Output.h"
 #include "ProjectCheck.h"
 #include "QuietStandardError.h"
-#include "TextFile.h"
-#include "plugins/PluginManager.h"
-#include "plugins/Ribbon.h"
 
 #include <marlet/checks/Validate.h>
-#include <marlet/project/LoadOptions.h>
 #include <marlet/project/Project.h>
-#include <marlet/project/ProjectTextureImageCache.h>
+#include <marlet/project/ProjectFile.h>
 
 #include <algorithm>
 #include <utility>
@@ -26,22 +21,6 @@ using namespace project;
 
 namespace
 {
-
-/// Keeps what the tool does not know.
-ProjectPointer Load(const WideString &text, const WideString &texturesFolder, LoadReport *report,
-                    const std::shared_ptr<MediaManager> &media = nullptr)
-{
-    MediaOpening opening;
-    const LoadOptions options{.media = media ? media : NewMediaManager(),
-                              .progress = &opening,
-                              .report = report,
-                              .keepUnknown = true};
-    ProjectPointer project =
-        Project::CreateFromXml(text, texturesFolder, Plugins(), EffectFactory(), options);
-    opening.RequireNotInterrupted();
-    FillInstances(*project);
-    return project;
-}
 
 /// Where two texts part, as a person finds it in an editor.
 std::size_t FirstDifferentLine(const WideString &a, const WideString &b)
@@ -59,19 +38,18 @@ public:
         : path_(arguments.Operand(0)),
           json_(arguments.Has("--json")),
           output_(output),
-          text_(ReadTextFile(path_))
+          document_(path_, Document::Voice::Silent)
     {
-        LoadReport report;
         try {
-            project_ = Load(text_, FolderOf(path_), &report);
+            project_ = document_.Open();
         } catch (const Failure &) {
             throw;
         } catch (const std::exception &) {
-            Show(CheckRows(text_, report, {}));
+            Show(CheckRows(document_.Text(), document_.Report(), {}));
             throw;
         }
-        project_->SetFilename(FromUtf8(path_));
-        findings_ = std::make_unique<CheckRows>(text_, report, CheckProject(*project_));
+        findings_ =
+            std::make_unique<CheckRows>(document_.Text(), document_.Report(), CheckProject(*project_));
     }
 
     /// Returns the number of problems.
@@ -120,9 +98,9 @@ private:
     /// What a load and a save of the project's own text change about it.
     std::size_t TellOfSaving()
     {
-        saved_ = project_->Serialize();
-        const WideString &textures = std::as_const(*project_).TextureImageCache().TexturesFolderPath();
-        const WideString again = Load(saved_, textures, nullptr, project_->SharedMedia())->Serialize();
+        saved_ = ProjectFile::TextFor(*project_, path_);
+        const ProjectPointer reread = document_.OpenText(saved_, project_->SharedMedia());
+        const WideString again = ProjectFile::TextFor(*reread, path_);
         if (saved_ == again)
             return 0;
         const CheckRow row{LoadEntry::Severity::Warning,
@@ -140,9 +118,9 @@ private:
     /// hand it shows what was not taken as it was meant.
     void TellOfChange()
     {
-        if (text_ == saved_)
+        if (document_.Text() == saved_)
             return;
-        const std::size_t line = FirstDifferentLine(text_, saved_);
+        const std::size_t line = FirstDifferentLine(document_.Text(), saved_);
         if (json_)
             output_.Line(
                 JsonWriter().BeginObject().Member("kind", "change").Member("line", line).EndObject().Text());
@@ -187,7 +165,7 @@ private:
     const std::string &path_;
     bool json_;
     Output &output_;
-    WideString text_;
+    Document document_;
     WideString saved_;
     ProjectPointer project_;
     std::unique_ptr<CheckRows> findings_;

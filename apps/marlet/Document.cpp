@@ -110,11 +110,10 @@ std::string EntryLine(const std::string &file, const LoadEntry &entry)
     return OneLine(line);
 }
 
-ProjectPointer ParseProject(const WideString &text, const WideString &texturesFolder, PluginUse plugins,
-                            const std::shared_ptr<MediaManager> &media)
+ProjectPointer Document::OpenText(const WideString &text, const std::shared_ptr<MediaManager> &media) const
 {
-    return OpenWith(plugins, media, nullptr, [&](const auto &manager, const LoadOptions &options) {
-        return Project::CreateFromXml(text, texturesFolder, manager, EffectFactory(), options);
+    return OpenWith(PluginUse::With, media, nullptr, [&](const auto &manager, const LoadOptions &options) {
+        return ProjectFile::Read(text, path_, manager, EffectFactory(), options);
     });
 }
 

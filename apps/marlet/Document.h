@@ -50,6 +50,9 @@ public:
     /// @throws as Project::CreateFromXml; Failure if the user interrupts it
     ProjectPointer Open(PluginUse plugins = PluginUse::With,
                         const std::shared_ptr<project::MediaManager> &media = nullptr);
+    /// The same from another text, as if it stood in the file. Nothing is told.
+    ProjectPointer OpenText(const project::WideString &text,
+                            const std::shared_ptr<project::MediaManager> &media) const;
     /// Of the last Open, also of one that failed.
     const project::LoadReport &Report() const { return report_; }
     /// What a voice that tells says of it: as compilers do, so that editors jump to the place.
@@ -64,11 +67,6 @@ private:
 
 /// "FILE:LINE:COLUMN: loss: what is lost (where)"; without a place what stands nowhere.
 std::string EntryLine(const std::string &file, const project::LoadEntry &entry);
-
-/// A project from a text that is in no file. @throws as Document::Open
-ProjectPointer ParseProject(const project::WideString &text, const project::WideString &texturesFolder,
-                            PluginUse plugins = PluginUse::With,
-                            const std::shared_ptr<project::MediaManager> &media = nullptr);
 
 /// @throws as Document
 ProjectPointer ReadProject(const std::string &path, PluginUse plugins = PluginUse::With,

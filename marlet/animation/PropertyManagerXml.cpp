@@ -8,11 +8,8 @@
 #include <marlet/foundation/xml/XmlReader.h>
 #include <marlet/foundation/xml/XmlWriter.h>
 
-<<<<<<< HEAD
 #include <utility>
 
-=======
->>>>>>> strict
 namespace marlet::project
 {
 
@@ -27,7 +24,6 @@ void WriteValueChild(XmlWriter &writer, const char *tag, const PropertyValue &va
     WriteValue(writer, value);
 }
 
-<<<<<<< HEAD
 /// What can be read, but is hardly meant.
 void TellOfOddities(const XmlCursor &element, const Property &property)
 {
@@ -48,8 +44,6 @@ void TellOfOddities(const XmlCursor &element, const Property &property)
     });
 }
 
-=======
->>>>>>> strict
 } // namespace
 
 WideString PropertyManager::Serialize() const

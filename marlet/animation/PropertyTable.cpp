@@ -25,6 +25,15 @@ void Require(const PropertyManager &manager, const PropertyRow &property)
         throw ProjectException(ProjectException::kMissingProperty, property.name);
 }
 
+/// The element of the properties in that of a class, or of its base; the class's own without one.
+XmlCursor ManagerIn(const XmlCursor &element)
+{
+    constexpr char kManager[] = "PropertyManager";
+    const XmlCursor own = element.Find(kManager);
+    const XmlCursor manager = own.IsNull() ? element.Find("LayerBase").Find(kManager) : own;
+    return manager.IsNull() ? element : manager;
+}
+
 } // namespace
 
 PropertyTable operator+(PropertyTable first, const PropertyTable &second)
@@ -48,7 +57,8 @@ void RequireProperties(const XmlCursor &element, PropertyManager &manager, const
                        unsigned int version)
 {
     // What is missing is missing there.
-    element.MarkKnown();
+    const XmlCursor managerElement = ManagerIn(element);
+    managerElement.MarkKnown();
     for (const PropertyRow &property : properties)
         if (property.since == 0)
             Require(manager, property);
@@ -61,7 +71,7 @@ void RequireProperties(const XmlCursor &element, PropertyManager &manager, const
     if (LoadContext::Current())
         for (const PropertyRow &property : properties)
             if (manager.StaticValue(property.name).which() != property.value.which())
-                TellLoad(LoadEntry::Severity::Warning, element,
+                TellLoad(LoadEntry::Severity::Warning, managerElement.Find(property.name),
                          NarrowString("the property ") + property.name +
                              " has a value of another type than it should");
 }

@@ -33,7 +33,9 @@ set(inside_of_hosts
     "bench/TrackingBench.cpp marlet/tracking/TrackingFrame.h"
     "fuzz/MediaFuzzer.cpp marlet/platform/media/MediaResources.h"
     "fuzz/MediaFuzzer.cpp marlet/platform/media/contents/ContentsForm.h"
-    "fuzz/StillFuzzer.cpp marlet/platform/images/ImageFile.h")
+    "fuzz/StillFuzzer.cpp marlet/platform/images/ImageFile.h"
+    "fuzz/XmlFuzzer.cpp marlet/foundation/xml/WellFormed.h"
+    "fuzz/XmlFuzzer.cpp marlet/foundation/xml/XmlReader.h")
 
 # Third-party headers of the interface, as "header third-party-header".
 set(third_party_in_public

@@ -218,11 +218,8 @@ void Document::StartTag()
 void Document::Attribute()
 {
     const std::string_view name = scanner_.Name("a start tag goes on with what is no attribute");
-<<<<<<< HEAD
-=======
     if (scanner_.IsAtEnd())
         scanner_.Fail({}); // perhaps in the middle of the name
->>>>>>> strict
     if (const char *const first = attributes_.Add(name))
         scanner_.FailAt(name.data(), "the attribute " + Quoted(name) + " stands twice in its element", first);
     scanner_.SkipBlanks();

@@ -1,10 +1,7 @@
 #include <marlet/foundation/xml/XmlReader.h>
 
 #include <marlet/foundation/Exceptions.h>
-<<<<<<< HEAD
 #include <marlet/foundation/xml/LoadContext.h>
-=======
->>>>>>> strict
 #include <marlet/foundation/xml/WellFormed.h>
 
 #include <pugixml.hpp>
@@ -140,17 +137,12 @@ XmlDocument::XmlDocument(std::u16string_view text, LoadContext *context) : tree_
 {
     NarrowString &utf8 = tree_->text;
     utf8 = ToUtf8(text);
-<<<<<<< HEAD
     if (context)
         context->Follow(utf8);
     // The parser takes more than XML.
     const XmlScan scan = ScanXml(utf8);
     if (context)
         context->TakeScan(scan);
-=======
-    // The parser takes more than XML.
-    const XmlScan scan = ScanXml(utf8);
->>>>>>> strict
     if (scan.fault || scan.hasDocumentType)
         return;
     if (scan.tooDeep)
@@ -274,14 +266,6 @@ std::string_view XmlCursor::RequiredText(const char *name) const
     return attribute.value();
 }
 
-std::string_view XmlCursor::RequiredText(const char *name) const
-{
-    const pugi::xml_attribute attribute = pugi::xml_node(node_).attribute(name);
-    if (attribute.empty())
-        throw XmlParseException(NarrowString(Name()) + " is missing attribute " + name + "\n");
-    return attribute.value();
-}
-
 void XmlCursor::Attribute(const char *name, bool &value) const
 {
     value = kInt.Attribute(*this, name) != 0;
@@ -324,20 +308,12 @@ void XmlCursor::Attribute(const char *name, WideString &value) const
 
 void XmlCursor::RequiredAttribute(const char *name, int &value) const
 {
-<<<<<<< HEAD
     value = kInt.Read(*this, RequiredText(name), name);
-=======
-    value = ParseInt(RequiredText(name));
->>>>>>> strict
 }
 
 void XmlCursor::RequiredAttribute(const char *name, float &value) const
 {
-<<<<<<< HEAD
     value = kFloat.Read(*this, RequiredText(name), name);
-=======
-    value = ParseFloat(RequiredText(name));
->>>>>>> strict
 }
 
 NarrowString XmlCursor::Text() const

@@ -277,11 +277,8 @@ void XmlScanner::Instruction()
     Enter("in an instruction");
     at_ += 2;
     const std::string_view name = Name("an instruction has no name");
-<<<<<<< HEAD
-=======
     if (IsAtEnd())
         Fail({}); // perhaps in the middle of the name
->>>>>>> strict
     constexpr std::string_view reserved = "xml";
     const auto lower = [](char c) { return c | 0x20; };
     if (std::ranges::equal(name, reserved, {}, lower))

@@ -158,15 +158,12 @@ std::optional<double> ParseReal(std::string_view text)
     return negative && magnitude ? -*magnitude : magnitude;
 }
 
-<<<<<<< HEAD
 std::optional<double> FindReal(std::string_view text)
 {
     const std::optional<double> value = ParseReal(text);
     return value || IsAscii(text) ? value : ParseReal(WithPlainBlanksAndSigns(text));
 }
 
-=======
->>>>>>> strict
 __extension__ using Wide = unsigned __int128;
 
 constexpr auto kPowersOfFive = [] {
