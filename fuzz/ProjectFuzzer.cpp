@@ -1,8 +1,9 @@
 // Any text either loads or is refused in the documented ways. What loads is saved, loaded and saved again
 // without a byte changing (unless transitions of the timeline name other objects than hold them), answers for
 // its matrices, values and references, and is cloned into compositions of their own. It can be checked, and
-// is saved and loaded also after a repair. Media assets open what their paths name, for reading alone. Each
-// instance of a plug-in ends once.
+// is saved and loaded also after a repair. A load with a report gives the same, and what a load keeps, the
+// next one keeps. Media assets open what their paths name, for reading alone. Each instance of a plug-in ends
+// once.
 
 #include "support/Fuzz3DEffect.h"
 #include "support/FuzzInput.h"
@@ -18,9 +19,11 @@
 #include <marlet/editor/VideoTrack.h>
 #include <marlet/editor/VisualObject.h>
 #include <marlet/foundation/Exceptions.h>
+#include <marlet/foundation/LoadReport.h>
 #include <marlet/layers/AbstractLayer.h>
 #include <marlet/project/AssetList.h>
 #include <marlet/project/CompositionAsset.h>
+#include <marlet/project/LoadOptions.h>
 #include <marlet/project/MediaAsset.h>
 #include <marlet/project/MediaAudioStream.h>
 #include <marlet/project/MediaVideoStream.h>
@@ -48,10 +51,11 @@ std::shared_ptr<Project> Load(const WideString &text, const Plugins &plugins)
     return Project::CreateFromXml(text, u"", plugins, Fuzz3DEffectFactory());
 }
 
-std::shared_ptr<Project> LoadIfAccepted(const WideString &text, const Plugins &plugins)
+std::shared_ptr<Project> LoadIfAccepted(const WideString &text, const Plugins &plugins,
+                                        const LoadOptions &options = {})
 {
     try {
-        return Load(text, plugins);
+        return Project::CreateFromXml(text, u"", plugins, Fuzz3DEffectFactory(), options);
     } catch (const MessageException &) {
     } catch (const InvalidProjectVersionException &) {
     } catch (const ProjectException &) {
@@ -275,9 +279,45 @@ void CheckAndRepair(const WideString &text, const Plugins &plugins)
     Load(project->Serialize(), plugins);
 }
 
+void RequirePlaces(const LoadReport &report, const WideString &text)
+{
+    const NarrowString utf8 = ToUtf8(text);
+    for (const LoadEntry &entry : report.Entries()) {
+        if (entry.line == 0)
+            continue;
+        const auto before = utf8.substr(0, static_cast<std::size_t>(entry.offset));
+        const auto breaks = std::ranges::count_if(before, [](char c) { return c == '\n' || c == '\r'; });
+        if (entry.offset > utf8.size() || entry.line < 1 || entry.column < 1 || entry.line > breaks + 1 ||
+            entry.column > static_cast<int>(before.size()) + 1)
+            Fail("an entry stands outside of the text");
+    }
+}
+
+/// A report changes nothing, and what was kept is kept again.
+void ReportAndKeep(const WideString &text, const Plugins &plugins, const Project *accepted)
+{
+    LoadReport report;
+    const auto told = LoadIfAccepted(text, plugins, {.report = &report});
+    RequirePlaces(report, text);
+    if (!told != !accepted || !told != (report.Count(LoadEntry::Severity::Error) == 1))
+        Fail("a report changes whether a text loads, or does not tell why not");
+    if (told)
+        RequireSame(accepted->Serialize(), told->Serialize());
+    const auto kept = LoadIfAccepted(text, plugins, {.report = &report, .keepUnknown = true});
+    RequirePlaces(report, text);
+    if (!kept)
+        return;
+    const WideString saved = kept->Serialize();
+    const auto again =
+        Project::CreateFromXml(saved, u"", plugins, Fuzz3DEffectFactory(), {.keepUnknown = true});
+    if (const auto sequence = kept->Sequence(); !sequence || TransitionsAreInStep(*sequence))
+        RequireSame(saved, again->Serialize());
+}
+
 void TryText(const WideString &text, const Plugins &plugins)
 {
     const auto project = LoadIfAccepted(text, plugins);
+    ReportAndKeep(text, plugins, project.get());
     if (!project)
         return;
     AskProject(project);

@@ -214,3 +214,19 @@ TEST_F(StandIns, PropertiesThatAPluginNoLongerHasStay)
     ASSERT_NE(report.FirstLoss(), nullptr);
     EXPECT_TRUE(report.FirstLoss()->path.ends_with("/Instance \"Blur\"/PropertyManager/smooth"));
 }
+
+TEST_F(StandIns, LeaveNoAttributeTwiceWhereAnElementGetsWhatWasKept)
+{
+    NarrowString changed = ToUtf8(text);
+    const std::size_t start = changed.find("<Transition ");
+    const std::size_t end = changed.find("</OutTrans>");
+    const std::size_t reference = changed.find("<InTrans ref=\"1\"");
+    ASSERT_LT(end, reference);
+    const NarrowString transition = changed.substr(start, end - start);
+    // Not a reference, but a transition of its own, which the next save refers to.
+    changed.replace(changed.find("/>", reference), 2, ">" + transition + "</InTrans>");
+    changed.replace(reference, 16, "<InTrans");
+    const WideString saved = Load(FromUtf8(changed), nullptr)->Serialize();
+    EXPECT_NE(saved.find(u"<InTrans ref=\"1\" transID"), WideString::npos);
+    EXPECT_EQ(Load(saved, nullptr)->Serialize(), saved);
+}

@@ -15,7 +15,7 @@ KeptPlace Collect(LoadContext &context, const XmlCursor &element)
     KeptPlace place;
     for (const pugi::xml_attribute attribute : pugi::xml_node(element.Node()).attributes())
         if (!context.IsAttributeKnown(attribute.name()))
-            (place.attributes += ' ') += context.SourceOfAttribute(attribute.name());
+            place.attributes.emplace_back(context.SourceOfAttribute(attribute.name()));
     unsigned int known = 0;
     std::map<std::string_view, unsigned int> ofTag;
     for (XmlCursor child = element.FirstChild(); !child.IsNull(); child = child.Next()) {

@@ -14,7 +14,7 @@ class XmlCursor;
 
 /// What is kept below one element that nobody knows, as it stood in the text, and where.
 struct KeptPlace {
-    NarrowString attributes; ///< each with a blank in front
+    std::vector<NarrowString> attributes; ///< each with its name, "=" and its value in quotes
     /// Elements, by the count of children in front of them that are written by themselves. In order.
     std::vector<std::pair<unsigned int, NarrowString>> elements;
     /// The children that have something, by their tag and how many of that tag stand in front.

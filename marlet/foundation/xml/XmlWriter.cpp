@@ -160,10 +160,17 @@ void XmlWriter::CloseStartTag()
     block_ += '>';
 }
 
+/// Those that the element has got meanwhile go: an attribute that stands twice is no XML.
 void XmlWriter::AppendAttributesKept(const KeptPlace *kept)
 {
-    if (kept)
-        block_ += kept->attributes;
+    if (!kept)
+        return;
+    const NarrowString written = block_.substr(block_.rfind('<'));
+    for (const NarrowString &attribute : kept->attributes) {
+        const NarrowString start = ' ' + attribute.substr(0, attribute.find_first_of(" \t\r\n=")) + "=\"";
+        if (written.find(start) == NarrowString::npos)
+            (block_ += ' ') += attribute;
+    }
 }
 
 void XmlWriter::Push(std::string_view tag, const KeptPlace *kept)
