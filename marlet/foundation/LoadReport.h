@@ -16,7 +16,7 @@ struct LoadEntry {
     enum class Severity {
         Note,    ///< nothing is wrong
         Warning, ///< something was guessed or put in place of another, or is missing beside the document
-        Loss,    ///< something in the text is not in the document, and goes with the next save
+        Loss,    ///< something in the text is not in the document; unless it is kept, the next save drops it
         Error    ///< the load ended there
     };
     static constexpr std::size_t kSeverities = 4;

@@ -109,6 +109,8 @@ public:
     PluginElement(const PluginInstance_Impl &data, AbstractPlugin &plugin, AbstractPluginInstance *instance)
     {
         const WideString own = XmlText([&](XmlWriter &writer) {
+            // What the plug-in itself had put there would stand there twice.
+            writer.LeaveKept();
             const XmlElement element(writer, data.Tag(), kVersion);
             data.WriteChildren(writer, plugin);
         });
@@ -165,13 +167,27 @@ private:
     std::vector<Own> own_;
 };
 
-/// A plug-in that is there writes all of an instance again but the properties that it no longer has.
+/// A plug-in that is there writes again what it has put beside the library's own elements. Of the properties
+/// only those are the library's to keep that the plug-in no longer has.
 void LeaveToPlugin(const XmlCursor &element, const XmlCursor &saved, PropertyManager &properties)
 {
     LoadContext *const context = LoadContext::Current();
     if (!context)
         return;
-    context->MarkAllKnown(element);
+    for (const char *tag : {"PluginName", kPluginVersionTag, "UIState", kBytesTag})
+        element.Find(tag);
+    if (saved.IsNull())
+        context->Add(LoadEntry::Severity::Warning, element,
+                     "there are no properties; they are those of a new instance");
+    for (XmlCursor child = element.FirstChild(); !child.IsNull(); child = child.Next()) {
+        if (child.Node() == saved.Node())
+            continue;
+        if (!context->IsKnown(child))
+            context->Add(LoadEntry::Severity::Note, child,
+                         NarrowString(child.Name()) + " is left to the plug-in, which may write it again");
+        context->MarkAllKnown(child);
+    }
+    context->MarkAttributes(element);
     for (XmlCursor child = saved.FirstChild(); !child.IsNull(); child = child.Next())
         if (!properties.HasProperty(child.Name().data()))
             context->MarkUnknown(child);
@@ -244,8 +260,10 @@ void PluginInstance_Impl::KeepElement(const XmlCursor &element)
     kept = KeptXml(element);
     source = nullptr;
     asRead = std::hash<WideString>()(XmlText([this](XmlWriter &writer) { WriteStandIn(writer); }));
-    if (LoadContext *const context = LoadContext::Current())
+    if (LoadContext *const context = LoadContext::Current()) {
         source = std::make_shared<const NarrowString>(context->SourceOf(element));
+        context->MarkAllKnown(element); // it was told of as a whole
+    }
 }
 
 void PluginInstance_Impl::WriteChildren(XmlWriter &writer, const AbstractPlugin &ofPlugin) const

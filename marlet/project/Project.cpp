@@ -135,6 +135,11 @@ void Project::Deserialize(const XmlCursor &element, const Abstract3DEffectFactor
     // Any version will do: each element below has one of its own.
     element.RequireTag("Project");
     element.RequireAttribute("Version");
+    unsigned int version = 0;
+    element.Attribute("Version", version);
+    if (version > 0)
+        TellLoad(LoadEntry::Severity::Warning, element,
+                 "version " + std::to_string(version) + " of the project is newer; it is saved as version 0");
     ProjectFields(element, *impl_);
     if (const XmlCursor settings = element.Find("ProjectSettings"); !settings.IsNull())
         impl_->settings.Deserialize(settings);

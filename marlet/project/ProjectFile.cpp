@@ -1,12 +1,14 @@
 #include <marlet/project/ProjectFile.h>
 
 #include <marlet/foundation/Exceptions.h>
+#include <marlet/foundation/LoadReport.h>
 #include <marlet/platform/files/WholeFile.h>
 #include <marlet/project/MediaPaths.h>
 #include <marlet/project/Project.h>
 
 #include <algorithm>
 #include <string_view>
+#include <utility>
 
 namespace marlet::project
 {
@@ -75,7 +77,20 @@ std::shared_ptr<Project> ProjectFile::Load(const std::filesystem::path &path,
                                            const Abstract3DEffectFactory &effectFactory,
                                            const LoadOptions &options)
 {
-    return Read(ReadText(path), path, pluginManager, effectFactory, options);
+    WideString text;
+    try {
+        text = ReadText(path);
+    } catch (const FileException &error) {
+        if (options.report) {
+            options.report->Clear();
+            LoadEntry entry;
+            entry.severity = LoadEntry::Severity::Error;
+            entry.what = error.what();
+            options.report->Add(std::move(entry));
+        }
+        throw;
+    }
+    return Read(text, path, pluginManager, effectFactory, options);
 }
 
 std::shared_ptr<Project> ProjectFile::Read(const WideString &text, const std::filesystem::path &path,

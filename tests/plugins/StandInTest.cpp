@@ -208,7 +208,7 @@ TEST_F(StandIns, PropertiesThatAPluginNoLongerHasStay)
     plugin->properties.CreateProperty("layer", KyID(), PropertyManager::Type::NotAnimatable, nullptr);
     LoadReport report;
     EXPECT_EQ(Load(text, manager, &report)->Serialize(), text);
-    EXPECT_EQ(report.Count(LoadEntry::Severity::Warning), 4u);
+    EXPECT_EQ(report.Count(LoadEntry::Severity::Loss), 4u);
     Load(text, manager, &report, false);
     EXPECT_EQ(report.Count(LoadEntry::Severity::Loss), 4u);
     ASSERT_NE(report.FirstLoss(), nullptr);

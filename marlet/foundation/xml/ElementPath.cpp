@@ -56,33 +56,46 @@ NarrowString ElementPaths::PlaceAmongEqual(pugi::xml_node_struct *element)
     return "[" + std::to_string(place) + "]";
 }
 
-NarrowString ElementPaths::PathOf(const XmlCursor &element)
+NarrowString ElementPaths::StepOf(pugi::xml_node_struct *element)
 {
-    NarrowString path;
-    for (pugi::xml_node node(element.Node()); node.type() == pugi::node_element; node = node.parent()) {
-        NarrowString step = node.name();
-        const std::string_view name = step.ends_with("Base") ? "" : Field(node, "Name").child_value();
-        step += name.empty() ? PlaceAmongEqual(node.internal_object()) : Quoted(name);
-        path = path.empty() ? step : step + "/" + path;
-    }
-    return path;
+    const pugi::xml_node node(element);
+    const NarrowString tag = node.name();
+    const std::string_view name = tag.ends_with("Base") ? "" : Field(node, "Name").child_value();
+    return tag + (name.empty() ? PlaceAmongEqual(element) : Quoted(name));
 }
 
-std::vector<kytl::KyID> NearestID(const XmlCursor &element)
+const NarrowString &ElementPaths::PathOf(const XmlCursor &element)
 {
-    for (pugi::xml_node node(element.Node()); node.type() == pugi::node_element; node = node.parent()) {
-        std::string_view text = Field(node, "ID").child_value();
-        if (text.empty())
-            text = node.attribute("ID").value();
-        if (text.empty())
-            continue;
+    const auto [entry, isNew] = paths_.try_emplace(element.Node());
+    if (!isNew)
+        return entry->second;
+    NarrowString path = StepOf(element.Node());
+    const pugi::xml_node parent = pugi::xml_node(element.Node()).parent();
+    if (parent.type() == pugi::node_element)
+        path = PathOf(XmlCursor(parent.internal_object())) + "/" + path;
+    return paths_[element.Node()] = std::move(path);
+}
+
+const std::vector<kytl::KyID> &ElementPaths::IDsOf(const XmlCursor &element)
+{
+    const auto [entry, isNew] = ids_.try_emplace(element.Node());
+    if (!isNew)
+        return entry->second;
+    const pugi::xml_node node(element.Node());
+    std::string_view text = Field(node, "ID").child_value();
+    if (text.empty())
+        text = node.attribute("ID").value();
+    std::vector<kytl::KyID> ids;
+    if (text.empty()) {
+        if (node.parent().type() == pugi::node_element)
+            ids = IDsOf(XmlCursor(node.parent().internal_object()));
+    } else {
         try {
-            return {kytl::KyID::FromString(text)};
-        } catch (const std::exception &) {
-            return {};
+            ids = {kytl::KyID::FromString(text)};
+        } catch (const std::exception &) { // then it has none
         }
     }
-    return {};
+    return ids_[element.Node()] = std::move(ids);
 }
 
 } // namespace marlet::project

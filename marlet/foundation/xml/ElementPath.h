@@ -15,16 +15,18 @@ class ElementPaths
 public:
     /// The tags from the root down to an element, with slashes between them. Behind a tag stands the name of
     /// the object in quotes, or, if it has none, its place among elements of the same tag: Key[3].
-    NarrowString PathOf(const XmlCursor &element);
+    const NarrowString &PathOf(const XmlCursor &element);
+    /// The ID of the object that an element is of, or none.
+    const std::vector<kytl::KyID> &IDsOf(const XmlCursor &element);
 
 private:
+    NarrowString StepOf(pugi::xml_node_struct *element);
     NarrowString PlaceAmongEqual(pugi::xml_node_struct *element);
 
-    /// Of those that were asked for, since counting begins at the last of them.
+    // Of those that were asked for, and those around them: many entries stand in one place, or near another.
+    std::unordered_map<const pugi::xml_node_struct *, NarrowString> paths_;
+    std::unordered_map<const pugi::xml_node_struct *, std::vector<kytl::KyID>> ids_;
     std::unordered_map<const pugi::xml_node_struct *, int> places_;
 };
-
-/// The ID of the object that an element is of, or none.
-std::vector<kytl::KyID> NearestID(const XmlCursor &element);
 
 } // namespace marlet::project

@@ -96,8 +96,7 @@ void LoadContext::MarkUnknown(const XmlCursor &element)
 void LoadContext::MarkAllKnown(const XmlCursor &element)
 {
     MarkKnown(element);
-    for (const pugi::xml_attribute attribute : pugi::xml_node(element.Node()).attributes())
-        MarkAttribute(attribute.name());
+    MarkAttributes(element);
     MarkText(element);
     for (XmlCursor child = element.FirstChild(); !child.IsNull(); child = child.Next())
         MarkAllKnown(child);
@@ -113,6 +112,12 @@ void LoadContext::MarkText(const XmlCursor &element)
 {
     if (const std::size_t offset = OffsetOf(element); offset != kNowhere)
         Set(offset + element.Name().size(), true);
+}
+
+void LoadContext::MarkAttributes(const XmlCursor &element)
+{
+    for (const pugi::xml_attribute attribute : pugi::xml_node(element.Node()).attributes())
+        MarkAttribute(attribute.name());
 }
 
 void LoadContext::MarkTaken(const XmlCursor &element)
@@ -180,7 +185,7 @@ void LoadContext::Add(Severity severity, const XmlCursor &element, NarrowString 
         entry.offset = offset - 1;
         entry.line = 1; // until Finish
         if (entry.ids.empty())
-            entry.ids = NearestID(element);
+            entry.ids = paths_.IDsOf(element);
     }
     report_->Add(std::move(entry));
 }
@@ -200,11 +205,11 @@ void LoadContext::AddUnknown(const XmlCursor &root)
 void LoadContext::AddUnknownBelow(const XmlCursor &element)
 {
     const pugi::xml_node node(element.Node());
-    const Severity severity = keepsUnknown_ ? Severity::Warning : Severity::Loss;
     const NarrowString outcome = keepsUnknown_ ? "; it is kept as it stands" : "; it is passed over";
     for (const pugi::xml_attribute attribute : node.attributes())
         if (!IsAttributeKnown(attribute.name()))
-            Add(severity, element, NarrowString("attribute ") + attribute.name() + " is not known" + outcome);
+            Add(Severity::Loss, element,
+                NarrowString("attribute ") + attribute.name() + " is not known" + outcome);
     if (!IsTextKnown(element) && HasTextOfItsOwn(node))
         Add(Severity::Loss, element, "text between elements is passed over");
     for (XmlCursor child = element.FirstChild(); !child.IsNull(); child = child.Next()) {
@@ -213,7 +218,7 @@ void LoadContext::AddUnknownBelow(const XmlCursor &element)
             continue;
         }
         const bool isRepeated = IsKnown(XmlCursor(node.child(child.Name().data()).internal_object()));
-        Add(severity, child,
+        Add(Severity::Loss, child,
             NarrowString(child.Name()) +
                 (isRepeated ? " stands there already, and the first one counts" : " is not known here") +
                 outcome);
@@ -267,7 +272,13 @@ void LoadContext::AddError(const std::exception &error)
     if (const auto *contents = dynamic_cast<const ProjectException *>(&error);
         contents && contents->Code() == ProjectException::kMissingProperty)
         what += " The property " + contents->Detail() + " is missing.";
-    Add(Severity::Error, failed_.IsNull() ? last_ : failed_, std::move(what));
+    const XmlCursor place = failed_.IsNull() ? last_ : failed_;
+    // Of a value that cannot be read, the words say nothing.
+    constexpr std::size_t kLongestQuote = 60;
+    if (const NarrowString value = place.IsNull() || !place.FirstChild().IsNull() ? "" : place.Text();
+        failed_.IsNull() && !IsBlank(value) && value.size() <= kLongestQuote)
+        what += ": \"" + value + "\"";
+    Add(Severity::Error, place, std::move(what));
 }
 
 void LoadContext::Finish()

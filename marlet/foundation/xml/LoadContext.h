@@ -44,6 +44,7 @@ public:
     /// All below an element, too: whoever has taken it knows better.
     void MarkAllKnown(const XmlCursor &element);
     void MarkAttribute(const char *name);
+    void MarkAttributes(const XmlCursor &element); ///< all of them
     void MarkText(const XmlCursor &element);
     /// What nobody knows below has found an owner.
     void MarkTaken(const XmlCursor &element);

@@ -115,10 +115,10 @@ void XmlWriter::AppendContent(std::string_view utf8, bool attribute)
         AppendContent(FromUtf8(utf8), attribute);
 }
 
-/// Between elements, so that no character and no "]]>" is torn apart.
+/// Between elements, so that no character and no "]]>" is torn apart, nor a start tag that is still open.
 void XmlWriter::StartBlockIfFull()
 {
-    if (block_.size() < kBlockSize)
+    if (block_.size() < kBlockSize || (!open_.empty() && open_.back().state == State::OpenTag))
         return;
     fullBlocks_.push_back(std::move(block_));
     block_ = NarrowString();
@@ -229,7 +229,7 @@ void XmlWriter::Begin(std::string_view tag)
 void XmlWriter::Begin(std::string_view tag, const KeptXml &kept)
 {
     StartTag(tag);
-    Push(tag, kept.Root());
+    Push(tag, writesKept_ ? kept.Root() : nullptr);
 }
 
 void XmlWriter::End()

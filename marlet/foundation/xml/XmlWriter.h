@@ -20,6 +20,9 @@ class XmlWriter
 public:
     XmlWriter();
 
+    /// Leaves out what is kept of the elements that begin from now on.
+    void LeaveKept() { writesKept_ = false; }
+
     /// Names must be XML names, and tags outlive the element (the closing tag is written from them).
     /// @throws XmlParseException "Nesting too deep"
     void Begin(std::string_view tag);
@@ -109,6 +112,7 @@ private:
     std::vector<Open> open_;
     std::vector<Kept> kept_; ///< of the open elements that have something
     const KeptPlace *keptOfChild_ = nullptr;
+    bool writesKept_ = true;
 };
 
 /// An element that ends with its scope.
