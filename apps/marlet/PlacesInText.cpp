@@ -30,7 +30,8 @@ public:
     TextPlace GoTo(std::size_t offset)
     {
         for (; at_ < offset; ++at_) {
-            if (text_[at_] == u'\n')
+            const bool isBeforeFeed = at_ + 1 < text_.size() && text_[at_ + 1] == u'\n';
+            if (text_[at_] == u'\n' || (text_[at_] == u'\r' && !isBeforeFeed))
                 place_ = {place_.line + 1, 1};
             else if ((text_[at_] & 0xFC00) != 0xDC00) // the second half of a pair is no character of its own
                 ++place_.column;
