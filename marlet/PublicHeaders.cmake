@@ -6,6 +6,7 @@ set(MARLET_PUBLIC_HEADERS
     animation/PropertyManager.h
     animation/PropertyValue.h
     checks/Finding.h
+    checks/FindingPlaces.h
     checks/Validate.h
     editor/AbstractSequenceObject.h
     editor/AbstractSequenceTrack.h
@@ -34,6 +35,7 @@ set(MARLET_PUBLIC_HEADERS
     foundation/Relaxed.h
     foundation/Scale3D.h
     foundation/Strings.h
+    foundation/TextPlace.h
     foundation/TimeCode.h
     foundation/Tolerance.h
     foundation/ValuePtr.h

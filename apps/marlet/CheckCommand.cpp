@@ -6,6 +6,7 @@
 #include "Output.h"
 #include "ProjectCheck.h"
 #include "QuietStandardError.h"
+#include "Warning.h"
 
 #include <marlet/checks/Validate.h>
 #include <marlet/project/Project.h>
@@ -42,10 +43,9 @@ public:
     {
         try {
             project_ = document_.Open();
-        } catch (const Failure &) {
-            throw;
         } catch (const std::exception &) {
-            Show(CheckRows(document_.Text(), document_.Report(), {}));
+            if (document_.Report().FirstError())
+                Show(CheckRows(document_.Text(), document_.Report(), {}));
             throw;
         }
         findings_ =
@@ -56,6 +56,7 @@ public:
     std::size_t Tell()
     {
         Show(*findings_);
+        TellOfPlugins();
         const std::size_t unstable = TellOfSaving();
         TellOfChange();
         if (json_)
@@ -93,6 +94,25 @@ private:
     {
         for (const CheckRow &row : rows.Rows())
             output_.Line(json_ ? RowJson(row) : RowText(path_, row));
+    }
+
+    /// Each once; what is made of them was told of where it stands.
+    void TellOfPlugins()
+    {
+        for (const UnresolvedPlugin &plugin : document_.Report().UnresolvedPlugins())
+            if (json_)
+                output_.Line(JsonWriter()
+                                 .BeginObject()
+                                 .Member("kind", "plug-in")
+                                 .Member("id", plugin.id)
+                                 .Member("name", plugin.name)
+                                 .Member("version", plugin.version)
+                                 .Member("isOlder", plugin.isOlder)
+                                 .Member("uses", plugin.uses)
+                                 .EndObject()
+                                 .Text());
+            else
+                output_.Line(OneLine(PluginText(plugin)));
     }
 
     /// What a load and a save of the project's own text change about it.

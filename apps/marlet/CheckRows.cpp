@@ -1,9 +1,12 @@
 #include "CheckRows.h"
 
 #include "Json.h"
-#include "Output.h"
+#include "Warning.h"
+
+#include <marlet/checks/FindingPlaces.h>
 
 #include <algorithm>
+#include <limits>
 #include <unordered_set>
 #include <utility>
 
@@ -49,15 +52,6 @@ private:
     IDSet ids_;
 };
 
-/// The innermost object around what was found that the text gives an ID.
-TextPlace PlaceOf(const Finding &finding, const std::unordered_map<kytl::KyID, TextPlace> &places)
-{
-    for (const kytl::KyID &id : finding.ids)
-        if (const auto found = places.find(id); found != places.end())
-            return found->second;
-    return {};
-}
-
 } // namespace
 
 CheckRows::CheckRows(const WideString &text, const LoadReport &report, std::vector<Finding> findings)
@@ -67,7 +61,7 @@ CheckRows::CheckRows(const WideString &text, const LoadReport &report, std::vect
     for (const CheckRow &row : rows_)
         ++counts_[static_cast<std::size_t>(row.severity)];
     const auto order = [](const CheckRow &row) {
-        return std::tuple(row.place.line == 0, row.place.line, row.place.column);
+        return row.place ? row.place->offset : std::numeric_limits<std::size_t>::max();
     };
     std::stable_sort(rows_.begin(), rows_.end(),
                      [&](const CheckRow &a, const CheckRow &b) { return order(a) < order(b); });
@@ -78,21 +72,19 @@ void CheckRows::AddEntries(const LoadReport &report, const std::vector<Finding> 
     const ToldTwice isToldTwice(findings);
     for (const LoadEntry &entry : report.Entries())
         if (!isToldTwice(entry))
-            rows_.push_back(
-                {entry.severity, {entry.line, entry.column}, kOfLoad, entry.path, entry.what, entry.ids});
+            rows_.push_back({entry.severity, PlaceOf(entry), kOfLoad, entry.path, entry.what, entry.ids});
 }
 
 void CheckRows::AddFindings(const WideString &text, std::vector<Finding> findings, bool loadToldOfPlugins)
 {
-    IDSet ids;
-    for (const Finding &finding : findings)
-        ids.insert(finding.ids.begin(), finding.ids.end());
-    const auto places = PlacesInText(text, ids);
-    for (Finding &finding : findings)
+    const auto places = PlacesInText(findings, text);
+    for (std::size_t i = 0; i < findings.size(); ++i) {
+        Finding &finding = findings[i];
         if (!loadToldOfPlugins || finding.kind != FindingKind::MissingPlugin)
-            rows_.push_back({finding.severity, PlaceOf(finding, places), FindingKindName(finding.kind),
+            rows_.push_back({finding.severity, places[i], FindingKindName(finding.kind),
                              std::move(finding.place), std::move(finding.what), std::move(finding.ids),
                              std::move(finding.remedy)});
+    }
 }
 
 std::size_t CheckRows::Problems() const
@@ -119,15 +111,9 @@ std::string CheckRows::CountsText() const
 
 std::string RowText(const std::string &file, const CheckRow &row)
 {
-    std::string line = file + ":";
-    if (row.place.line > 0)
-        line += std::to_string(row.place.line) + ":" + std::to_string(row.place.column) + ":";
-    line += std::string(" ") + SeverityName(row.severity) + ": ";
     if (row.kind == kOfLoad)
-        line += row.what + (row.object.empty() ? "" : " (" + row.object + ")");
-    else
-        line += row.object + ": " + row.what + " [" + row.kind + "]";
-    return OneLine(line);
+        return PlaceLine(file, row.place, row.severity, WhatAndWhere(row.what, row.object));
+    return PlaceLine(file, row.place, row.severity, row.object + ": " + row.what + " [" + row.kind + "]");
 }
 
 std::string RowJson(const CheckRow &row)
@@ -138,8 +124,10 @@ std::string RowJson(const CheckRow &row)
         .Member("severity", SeverityName(row.severity))
         .Member("place", row.object)
         .Member("what", row.what);
-    if (row.place.line > 0)
-        json.Member("line", row.place.line).Member("column", row.place.column);
+    if (row.place)
+        json.Member("line", row.place->line)
+            .Member("column", row.place->column)
+            .Member("offset", row.place->offset);
     json.Key("ids").BeginArray();
     for (const kytl::KyID &id : row.ids)
         json.Value(id);

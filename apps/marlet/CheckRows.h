@@ -1,11 +1,11 @@
 #pragma once
 
-#include "PlacesInText.h"
-
 #include <marlet/checks/Finding.h>
 #include <marlet/foundation/LoadReport.h>
+#include <marlet/foundation/TextPlace.h>
 
 #include <array>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -15,7 +15,7 @@ namespace marlet::tool
 /// One thing that a check of a file tells.
 struct CheckRow {
     project::LoadEntry::Severity severity = {};
-    TextPlace place; ///< zeros if it stands nowhere
+    std::optional<project::TextPlace> place; ///< none if it stands nowhere
     std::string kind;
     std::string object; ///< of what it is; for what a load told the path of the element
     std::string what;

@@ -5,6 +5,7 @@
 #include "Output.h"
 #include "TextFile.h"
 #include "Timeline.h"
+#include "Warning.h"
 #include "plugins/PluginManager.h"
 #include "plugins/Ribbon.h"
 
@@ -15,9 +16,9 @@
 #include <marlet/project/LoadOptions.h>
 #include <marlet/project/MediaAsset.h>
 #include <marlet/project/Project.h>
+#include <marlet/project/ProjectFile.h>
 #include <marlet/tracking/Tracker.h>
 
-#include <algorithm>
 #include <cstdio>
 #include <utility>
 
@@ -55,10 +56,21 @@ ProjectPointer OpenWith(PluginUse plugins, const std::shared_ptr<MediaManager> &
     return project;
 }
 
+/// Whether the file that a project was read from has something that a save would drop.
+bool HoldsMore(const std::string &path, const Project &project)
+{
+    LoadReport report;
+    OpenWith(PluginUse::With, project.SharedMedia(), &report,
+             [&](const auto &manager, const LoadOptions &options) {
+                 return ProjectFile::Read(ProjectFile::ReadText(path), path, manager, EffectFactory(),
+                                          options);
+             });
+    return report.CountDropped() > 0;
+}
+
 } // namespace
 
-Document::Document(std::string path, Voice voice)
-    : path_(std::move(path)), voice_(voice), text_(ReadTextFile(path_))
+Document::Document(std::string path, Voice voice) : path_(std::move(path)), voice_(voice)
 {
 }
 
@@ -66,15 +78,17 @@ ProjectPointer Document::Open(PluginUse plugins, const std::shared_ptr<MediaMana
 {
     ProjectPointer project;
     try {
+        text_ = ProjectFile::ReadText(path_, &report_);
         project = OpenWith(plugins, media, &report_, [this](const auto &manager, const LoadOptions &options) {
             return ProjectFile::Read(text_, path_, manager, EffectFactory(), options);
         });
-    } catch (const Failure &) {
-        throw;
-    } catch (const std::exception &) {
+    } catch (const std::exception &error) {
         if (voice_ == Voice::Tells)
             Tell();
-        throw;
+        const LoadEntry *const entry = report_.FirstError();
+        if (!entry || entry->line == 0)
+            throw;
+        throw Failure(PlaceName(path_, PlaceOf(*entry)), error.what());
     }
     if (voice_ == Voice::Tells)
         Tell();
@@ -83,31 +97,18 @@ ProjectPointer Document::Open(PluginUse plugins, const std::shared_ptr<MediaMana
 
 void Document::Tell() const
 {
-    const std::vector<LoadEntry> &entries = report_.Entries();
-    const auto error = std::find_if(entries.begin(), entries.end(), [](const LoadEntry &entry) {
-        return entry.severity == LoadEntry::Severity::Error;
-    });
-    const LoadEntry *const first = error == entries.end() ? report_.FirstLoss() : &*error;
+    const LoadEntry *const error = report_.FirstError();
+    const LoadEntry *const first = error ? error : report_.FirstLoss();
     // An error that stands nowhere is told of by its words alone.
-    if (!first || (error != entries.end() && first->line == 0))
+    if (!first || (error && error->line == 0))
         return;
-    std::string lines = EntryLine(path_, *first) + "\n";
+    std::string lines =
+        PlaceLine(path_, PlaceOf(*first), first->severity, WhatAndWhere(first->what, first->path)) + "\n";
     const std::size_t losses = report_.Count(LoadEntry::Severity::Loss);
-    if (const std::size_t more = error == entries.end() ? losses - 1 : losses; more > 0)
+    if (const std::size_t more = error ? losses : losses - 1; more > 0)
         lines +=
             OneLine(path_) + ": " + std::to_string(more) + (more == 1 ? " more loss\n" : " more losses\n");
     std::fwrite(lines.data(), 1, lines.size(), stderr);
-}
-
-std::string EntryLine(const std::string &file, const LoadEntry &entry)
-{
-    std::string line = file + ":";
-    if (entry.line > 0)
-        line += std::to_string(entry.line) + ":" + std::to_string(entry.column) + ":";
-    line += NarrowString(" ") + SeverityName(entry.severity) + ": " + entry.what;
-    if (!entry.path.empty())
-        line += " (" + entry.path + ")";
-    return OneLine(line);
 }
 
 ProjectPointer Document::OpenText(const WideString &text, const std::shared_ptr<MediaManager> &media) const
@@ -121,12 +122,6 @@ ProjectPointer ReadProject(const std::string &path, PluginUse plugins,
                            const std::shared_ptr<MediaManager> &media)
 {
     return Document(path).Open(plugins, media);
-}
-
-WideString FolderOf(const std::string &path)
-{
-    const std::size_t separator = path.rfind('/');
-    return separator == std::string::npos ? WideString() : FromUtf8(path.substr(0, separator + 1));
 }
 
 void FillInstances(const Project &project)
@@ -148,7 +143,12 @@ void FillInstances(const Project &project)
 
 void WriteProject(const Project &project, const std::string &path)
 {
-    ProjectFile::Save(project, path);
+    SaveOptions options;
+    if (IsSameFile(ToUtf8(project.Filename()), path) && HoldsMore(path, project)) {
+        options.keptVersions = 1;
+        Warn(path, "what was lost when it was read stays in " + path + ".~1~");
+    }
+    ProjectFile::Save(project, path, options);
 }
 
 std::vector<CompositionPointer> Compositions(const Project &project)

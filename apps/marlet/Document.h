@@ -41,13 +41,14 @@ public:
     /// Whether the first loss, or the place of the failure, is told of on standard error.
     enum class Voice { Tells, Silent };
 
-    /// Reads the text. @throws FileException
     explicit Document(std::string path, Voice voice = Voice::Tells);
 
+    /// What the last Open has read.
     const project::WideString &Text() const { return text_; }
     /// The project, with the assets' lists of instances filled. What the tool does not know is kept, unless
     /// it goes without plug-ins. Media may be those of another project, whose files are not opened again.
-    /// @throws as Project::CreateFromXml; Failure if the user interrupts it
+    /// @throws FileException; Failure with the place if the load fails, or if the user interrupts it;
+    /// otherwise as Project::CreateFromXml
     ProjectPointer Open(PluginUse plugins = PluginUse::With,
                         const std::shared_ptr<project::MediaManager> &media = nullptr);
     /// The same from another text, as if it stood in the file. Nothing is told.
@@ -65,19 +66,14 @@ private:
     project::LoadReport report_;
 };
 
-/// "FILE:LINE:COLUMN: loss: what is lost (where)"; without a place what stands nowhere.
-std::string EntryLine(const std::string &file, const project::LoadEntry &entry);
-
-/// @throws as Document
+/// @throws as Document::Open
 ProjectPointer ReadProject(const std::string &path, PluginUse plugins = PluginUse::With,
                            const std::shared_ptr<project::MediaManager> &media = nullptr);
-
-/// With its trailing separator; empty for a file of the current folder.
-project::WideString FolderOf(const std::string &path);
 
 /// Files hold no lists of instances that are read back: keeping them is a host's work.
 void FillInstances(const project::Project &project);
 
+/// Over the file that the project was read from, that file stays beside it if something of it would be lost.
 /// @throws as ProjectFile::Save
 void WriteProject(const project::Project &project, const std::string &path);
 

@@ -3,6 +3,7 @@
 #include "Info.h"
 #include "LayerContent.h"
 #include "Timeline.h"
+#include "Warning.h"
 #include "plugins/Ribbon.h"
 
 #include <marlet/animation/PropertyManager.h>
@@ -106,7 +107,11 @@ void CountSequence(const EditorSequence &sequence, ProjectSums &sums)
 
 void Run(const Arguments &arguments, Output &output)
 {
-    const ProjectPointer project = ReadProject(arguments.Operand(0));
+    const std::string &file = arguments.Operand(0);
+    Document document(file);
+    const ProjectPointer project = document.Open();
+    for (const UnresolvedPlugin &plugin : document.Report().UnresolvedPlugins())
+        Warn(file, PluginText(plugin));
     if (arguments.Has("--json"))
         WriteInfoJson(*project, output);
     else

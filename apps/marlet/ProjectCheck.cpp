@@ -53,7 +53,8 @@ private:
                                  "the layer " + followed.ToNarrowString() + " does not exist",
                                  ids,
                                  followed,
-                                 {}});
+                                 {},
+                                 Ribbon::kFollowed});
         if (ribbon.Texture() && !ribbon.Texture()->LoadSuccessful())
             findings_.push_back(
                 {kWarning,

@@ -3,6 +3,7 @@
 #include "Failure.h"
 #include "Output.h"
 #include "TextFile.h"
+#include "Warning.h"
 #include "plugins/PluginManager.h"
 #include "plugins/Ribbon.h"
 
@@ -27,9 +28,9 @@ void Run(const Arguments &arguments, Output &output)
     RequireWritable(out);
     LoadReport report;
     const WideString text =
-        RecoverProject(ReadWholeFile(file), FolderOf(file), Plugins(), EffectFactory(), report);
+        RecoverProject(ReadWholeFile(file), ProjectFile::FolderOf(file), Plugins(), EffectFactory(), report);
     for (const LoadEntry &entry : report.Entries())
-        output.Line(EntryLine(file, entry));
+        output.Line(PlaceLine(file, PlaceOf(entry), entry.severity, WhatAndWhere(entry.what, entry.path)));
     WriteFile(out, ToUtf8(text));
     if (report.Count() == 0)
         output.Line("Nothing is damaged; the copy is the same");

@@ -21,6 +21,7 @@
 #include <marlet/project/BinFolder.h>
 #include <marlet/project/CompositionAsset.h>
 #include <marlet/project/Project.h>
+#include <marlet/project/ProjectFile.h>
 #include <marlet/project/ProjectTextureImageCache.h>
 
 #include <cmath>
@@ -328,7 +329,7 @@ std::shared_ptr<Project> MakeTitlesProject(AudioVideoSettings::Preset preset, in
     const auto project = Project::Create(Plugins());
     project->SetName(u"Titles");
     ProjectTextureImageCache &textures = project->TextureImageCache();
-    textures.SetTexturesFolderPath(FolderOf(file));
+    textures.SetTexturesFolderPath(ProjectFile::FolderOf(file));
     BinFolder &root = project->Assets().Bin();
     const auto folder = BinFolder::Create(u"Titles");
     folder->SetParentFolderID(root.ID());

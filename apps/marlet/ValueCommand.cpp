@@ -19,9 +19,21 @@ using namespace project;
 namespace
 {
 
-bool IsWrongRoot(const XmlParseException &failure, const std::string &tag)
+bool IsWrongRoot(const std::exception &failure, const std::string &tag)
 {
     return failure.what() == "Wrong tag name\n" + tag;
+}
+
+/// Null for a text of something else.
+std::shared_ptr<PropertyManager> ReadProperties(const WideString &text)
+{
+    try {
+        return PropertyManager::CreateFromXml(text);
+    } catch (const XmlParseException &failure) {
+        if (IsWrongRoot(failure, "PropertyManager"))
+            return nullptr;
+        throw;
+    }
 }
 
 /// The properties that a text holds by itself, or those of a layer of the project that it holds. Whatever
@@ -32,19 +44,14 @@ std::shared_ptr<const PropertyManager> FindProperties(const Arguments &arguments
     ProjectPointer project;
     try {
         project = document.Open();
-    } catch (const XmlParseException &noProject) {
+    } catch (const std::exception &noProject) {
         if (!IsWrongRoot(noProject, "Project")) {
             document.Tell();
             throw;
         }
-        std::shared_ptr<PropertyManager> properties;
-        try {
-            properties = PropertyManager::CreateFromXml(document.Text());
-        } catch (const XmlParseException &failure) {
-            if (IsWrongRoot(failure, "PropertyManager"))
-                throw noProject;
+        const auto properties = ReadProperties(document.Text());
+        if (!properties)
             throw;
-        }
         if (arguments.Has("--composition") || arguments.Has("--layer"))
             throw UsageError("properties that stand alone have no composition and no layer");
         return properties;

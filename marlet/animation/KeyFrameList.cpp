@@ -3,6 +3,7 @@
 #include <marlet/animation/KeyFrameWalk.h>
 #include <marlet/animation/PropertyValueXml.h>
 #include <marlet/foundation/Arguments.h>
+#include <marlet/foundation/xml/LoadContext.h>
 #include <marlet/foundation/xml/XmlReader.h>
 #include <marlet/foundation/xml/XmlWriter.h>
 
@@ -300,6 +301,8 @@ KeyFrame KeyFrameList::DeserializeKeyFrame(const XmlCursor &element)
     int type = 0;
     element.RequiredAttribute("Time", time);
     element.RequiredAttribute("Type", type);
+    if (type < 0 || type > static_cast<int>(KeyFrameType::Hold))
+        TellOfChoice(element, "Type", type);
     const XmlCursor incoming = element.Require("IncomingPt");
     const XmlCursor outgoing = element.Require("OutgoingPt");
     const auto incomingPoint = ReadHandle(incoming);

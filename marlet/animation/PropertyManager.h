@@ -14,6 +14,7 @@ class AbstractExpressionEngine;
 class CompositionAsset;
 class XmlCursor;
 class XmlWriter;
+struct Property;
 struct PropertyManager_Impl;
 
 /// The named, animatable properties of one object: for each a default, a static value, key frames, a spatial
@@ -132,7 +133,15 @@ public:
     void Keep(const XmlCursor &element);
 
 private:
+    friend class EffectsHelper;
+
     PropertyManager(const PropertyManager &other);
+
+    static void Write(XmlWriter &writer, const Property &property);
+    static void ReadKeyFrames(const XmlCursor &element, KeyFrameList &keyFrames);
+    static std::size_t HashOfText(const Property &property);
+    /// A property that another manager holds as it came is written so by this one, too.
+    void KeepAsItCame(const char *name, const PropertyManager &from);
 
     ValuePtr<PropertyManager_Impl> impl_;
 };

@@ -8,6 +8,9 @@
 #include <marlet/foundation/xml/XmlReader.h>
 #include <marlet/foundation/xml/XmlWriter.h>
 
+#include <algorithm>
+#include <functional>
+#include <limits>
 #include <utility>
 
 namespace marlet::project
@@ -17,6 +20,7 @@ namespace
 {
 
 constexpr char kTag[] = "PropertyManager";
+constexpr auto kWarning = LoadEntry::Severity::Warning;
 
 void WriteValueChild(XmlWriter &writer, const char *tag, const PropertyValue &value)
 {
@@ -24,10 +28,15 @@ void WriteValueChild(XmlWriter &writer, const char *tag, const PropertyValue &va
     WriteValue(writer, value);
 }
 
+std::size_t LostValues()
+{
+    const LoadContext *const context = LoadContext::Current();
+    return context ? context->LostValues() : 0;
+}
+
 /// What can be read, but is hardly meant.
 void TellOfOddities(const XmlCursor &element, const Property &property)
 {
-    constexpr auto kWarning = LoadEntry::Severity::Warning;
     if (property.staticValue.which() != property.defaultValue.which())
         TellLoad(kWarning, element.Find("Static"), "the value is of another type than the default");
     int before = 0;
@@ -76,20 +85,53 @@ void PropertyManager::Serialize(XmlWriter &writer) const
 {
     const XmlElement manager(writer, kTag, 0, impl_->kept);
     for (const ValuePtr<Property> &property : impl_->properties) {
-        const XmlElement element(writer, property->name);
-        writer.Attribute("Type", property->type);
-        writer.Attribute("Spatial", property->isSpatial);
-        WriteValueChild(writer, "Default", property->defaultValue);
-        WriteValueChild(writer, "Static", property->staticValue);
-        if (!property->keyFrames.IsEmpty()) {
-            const XmlElement animation(writer, "Animation");
-            for (const KeyFramePlace &place : property->keyFrames.impl_->InOrder().places)
-                KeyFrameList::SerializeKeyFrame(place.node->key, writer);
-        }
-        if (!property->expression.empty()) {
-            const XmlElement expression(writer, "Expression");
-            writer.Text(property->expression);
-        }
+        const auto &kept = property->kept;
+        if (kept && HashOfText(*property) == kept->asRead)
+            writer.Element(property->name, kept->source);
+        else
+            Write(writer, *property);
+    }
+}
+
+void PropertyManager::Write(XmlWriter &writer, const Property &property)
+{
+    const XmlElement element(writer, property.name);
+    writer.Attribute("Type", property.type);
+    writer.Attribute("Spatial", property.isSpatial);
+    WriteValueChild(writer, "Default", property.defaultValue);
+    WriteValueChild(writer, "Static", property.staticValue);
+    if (!property.keyFrames.IsEmpty()) {
+        const XmlElement animation(writer, "Animation");
+        for (const KeyFramePlace &place : property.keyFrames.impl_->InOrder().places)
+            KeyFrameList::SerializeKeyFrame(place.node->key, writer);
+    }
+    if (!property.expression.empty()) {
+        const XmlElement expression(writer, "Expression");
+        writer.Text(property.expression);
+    }
+}
+
+std::size_t PropertyManager::HashOfText(const Property &property)
+{
+    return std::hash<WideString>()(XmlText([&property](XmlWriter &writer) { Write(writer, property); }));
+}
+
+void PropertyManager::KeepAsItCame(const char *name, const PropertyManager &from)
+{
+    Property &property = impl_->At(name);
+    if (const auto &kept = from.impl_->At(name).kept)
+        property.kept = std::make_shared<KeptProperty>(KeptProperty{kept->source, HashOfText(property)});
+}
+
+void PropertyManager::ReadKeyFrames(const XmlCursor &element, KeyFrameList &keyFrames)
+{
+    int last = std::numeric_limits<int>::min();
+    for (XmlCursor key = element.Find("Key"); !key.IsNull(); key = key.Next("Key")) {
+        const KeyFrame read = KeyFrameList::DeserializeKeyFrame(key);
+        if (read.Time() < last)
+            TellLoad(kWarning, key, "the key frame stands behind a later one; it is put in order of time");
+        last = std::max(last, read.Time());
+        keyFrames.Add(read);
     }
 }
 
@@ -98,11 +140,17 @@ void PropertyManager::Deserialize(const XmlCursor &element)
     element.RequireHeader(kTag, 0);
     Clear();
     for (XmlCursor child = element.FirstChild(); !child.IsNull(); child = child.Next()) {
+        const std::size_t lostBefore = LostValues();
         child.RequireAttribute("Type");
         Type type = Type::Animatable;
         child.Attribute("Type", type);
+        if (type != Type::Animatable && type != Type::NotAnimatable)
+            TellOfChoice(child, "Type", static_cast<int>(type));
         int spatial = 0;
         child.Attribute("Spatial", spatial);
+        if (spatial != 0 && spatial != 1)
+            TellLoad(kWarning, child,
+                     "Spatial is " + std::to_string(spatial) + ", which is neither 0 nor 1; 0 is read");
         const XmlCursor defaultElement = child.Require("Default");
         const XmlCursor staticElement = child.Require("Static");
         PropertyValue defaultValue;
@@ -115,11 +163,17 @@ void PropertyManager::Deserialize(const XmlCursor &element)
             continue; // the first one of a name counts
         child.MarkKnown();
         property->staticValue = staticValue;
-        for (XmlCursor key = child.Find("Animation").Find("Key"); !key.IsNull(); key = key.Next("Key"))
-            property->keyFrames.Add(KeyFrameList::DeserializeKeyFrame(key));
+        ReadKeyFrames(child.Find("Animation"), property->keyFrames);
         property->expression = child.Find("Expression").Text();
-        if (LoadContext::Current())
-            TellOfOddities(child, *property);
+        LoadContext *const context = LoadContext::Current();
+        if (!context)
+            continue;
+        TellOfOddities(child, *property);
+        if (context->KeepsUnknown() && context->LostValues() != lostBefore) {
+            property->kept = std::make_shared<KeptProperty>(
+                KeptProperty{NarrowString(context->SourceOf(child)), HashOfText(*property)});
+            context->MarkWhole(child);
+        }
     }
     Keep(element);
 }

@@ -8,6 +8,13 @@
 namespace marlet::project
 {
 
+/// An element with a value of a type that nobody knows, which is written as it came while what was read of it
+/// stays as it is.
+struct KeptProperty {
+    NarrowString source;
+    std::size_t asRead; ///< the hash of what would be written for it
+};
+
 struct Property {
     NarrowString name;
     PropertyValue defaultValue;
@@ -16,6 +23,7 @@ struct Property {
     bool isSpatial = false;
     KeyFrameList keyFrames;
     NarrowString expression;
+    std::shared_ptr<const KeptProperty> kept; ///< null for most
 };
 
 /// The properties in the order of their creation, each in a place of its own, and their names in a table

@@ -60,9 +60,13 @@ template <class... T> void ReadAlternative(const XmlCursor &element, boost::vari
     const std::string_view name = element.Name();
     if ((ReadIfNamed<T>(element, name, value) || ...))
         return;
-    TellLoad(LoadEntry::Severity::Loss, element,
-             "no value is of the type " + NarrowString(name) + "; another stands in for it");
-    PassOver(element);
+    LoadContext *const context = LoadContext::Current();
+    if (!context)
+        return;
+    context->CountLostValue();
+    context->AddUnknown(element,
+                        "no value is of the type " + NarrowString(name) + "; another stands in for it");
+    context->MarkAllKnown(element);
 }
 
 } // namespace

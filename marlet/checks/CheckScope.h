@@ -3,9 +3,13 @@
 #include <marlet/checks/Findings.h>
 #include <marlet/checks/PropertyModels.h>
 
+#include <cstdint>
+#include <map>
 #include <memory>
+#include <optional>
 #include <unordered_map>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 namespace marlet::project
@@ -27,6 +31,9 @@ struct CheckScope {
     /// By assets.
     std::unordered_map<const AbstractAsset *, std::vector<std::shared_ptr<AbstractAssetInstance>>> uses{};
 
+    /// In frames of whoever shows them, by asset and frame rate.
+    std::map<std::pair<const AbstractAsset *, double>, std::optional<int>> lengths{};
+
     AbstractAsset *FindAsset(const kytl::KyID &id) const
     {
         const auto place = assets.find(id);
@@ -43,6 +50,10 @@ void CheckCompositions(CheckScope &scope);
 void CheckSequence(CheckScope &scope);
 /// Once all uses are known.
 void CheckInstances(CheckScope &scope);
+
+/// Of what shows an asset, from a frame of it on up to another one, at a frame rate.
+void CheckShownFrames(CheckScope &scope, const Place &place, const AbstractAsset &asset, double rate,
+                      std::int64_t start, std::int64_t end);
 
 /// Of a composition or a sequence.
 void CheckFormat(Findings &findings, const Place &place, const AudioVideoSettings &settings);

@@ -29,6 +29,33 @@ void DropRepeatedLayer(CompositionAsset &composition, const AbstractLayer *layer
     });
 }
 
+/// What names the ID goes on naming the first layer that has it.
+void ReplaceByClone(Project &project, CompositionAsset &composition, const LayerPointer &layer)
+{
+    const LayerPointer clone = layer->Clone(composition.ID());
+    for (LayerPointer &entry : composition.Layers())
+        if (entry == layer)
+            entry = clone;
+    const auto instance = std::dynamic_pointer_cast<AssetLayer>(layer);
+    const auto asset = instance ? project.Assets().GetByID(instance->AssetID()) : nullptr;
+    if (!asset)
+        return;
+    for (std::weak_ptr<AbstractAssetInstance> &entry : asset->Instances())
+        if (entry.lock() == instance)
+            entry = std::dynamic_pointer_cast<AssetLayer>(clone);
+}
+
+/// Clears the parent of a layer that is in the circle of its parents still.
+void BreakCircle(const CompositionAsset &composition, AbstractLayer &layer)
+{
+    std::unordered_set<const AbstractLayer *> visited;
+    const AbstractLayer *at = &layer;
+    while (at && visited.insert(at).second)
+        at = composition.FindLayerByID(at->ParentLayerID()).get();
+    if (at == &layer)
+        layer.RemoveParentLayer();
+}
+
 class CompositionChecker
 {
 public:
@@ -64,8 +91,13 @@ public:
                 scope_.findings.Error(FindingKind::Twice, layerPlace, "it is in another composition, too");
                 continue;
             }
-            scope_.findings.CheckID(layerPlace, layer->ID(), seen);
             CheckLayer(layer, layerPlace, circles);
+            // Last, since a clone takes over what was repaired before.
+            scope_.findings.CheckID(
+                layerPlace, layer->ID(), seen,
+                {"gives it an ID of its own", [composition = composition_, layer](Project &project) {
+                     ReplaceByClone(project, *composition, layer);
+                 }});
         }
     }
 
@@ -76,7 +108,10 @@ private:
     {
         CheckLinks(layer, place);
         if (circles.Holds(layer->ID()))
-            scope_.findings.Error(FindingKind::ParentCircle, place, "its parents run in a circle");
+            scope_.findings.Error(
+                FindingKind::ParentCircle, place, "its parents run in a circle",
+                {"clears the first parent layer in the circle",
+                 [composition = composition_, layer](Project &) { BreakCircle(*composition, *layer); }});
         // A layer that was just made has no frames yet.
         if (layer->EndFrame() == layer->StartFrame())
             scope_.findings.Note(FindingKind::Frames, place, "it has no frames");
@@ -120,6 +155,11 @@ private:
         if (scope_.offline.contains(asset))
             scope_.findings.Note(FindingKind::OfflineUse, place,
                                  "it shows the asset \"" + ToUtf8(asset->Name()) + "\", which is offline");
+        if (layer->EndFrame() > layer->StartFrame()) {
+            const std::int64_t start = layer->AssetInstanceStart();
+            CheckShownFrames(scope_, place, *asset, std::as_const(*composition_).Settings().FrameRate(),
+                             start, start + layer->EndFrame() - layer->StartFrame());
+        }
         if (nesting_.LeadsBack(composition_.get(), asset))
             scope_.findings.Error(FindingKind::Nesting, place,
                                   "it shows " + (asset == composition_.get()

@@ -29,7 +29,7 @@ void CheckLayerPickers(CheckScope &scope, const Place &place, const std::shared_
         const auto *id =
             boost::get<kytl::KyID>(&std::as_const(*effect).Properties().StaticValue(name.c_str()));
         if (id && !id->IsNull() && !layers.contains(*id))
-            scope.findings.AddDangling(Finding::Severity::Warning, Place("property", name, &place),
+            scope.findings.AddDangling(Finding::Severity::Warning, Place(Place::kProperty, name, &place),
                                        "the layer", *id, "does not exist",
                                        {"clears the property", [effect, name](Project &) {
                                             effect->Properties().StaticValue(name.c_str()) = kytl::KyID();

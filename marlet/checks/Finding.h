@@ -58,6 +58,7 @@ struct Finding {
     std::vector<kytl::KyID> ids;
     kytl::KyID named;    ///< the ID that leads nowhere or elsewhere, for DanglingID
     NarrowString remedy; ///< what Repair does about it, such as "clears the parent layer"; empty for nothing
+    NarrowString property = {}; ///< the name of the one that it is about, if it is about one
 };
 
 } // namespace marlet::project

@@ -26,12 +26,23 @@ std::vector<kytl::KyID> Place::IDs() const
     return ids;
 }
 
+NarrowString Place::Property() const
+{
+    return kind_ == kProperty ? *plainName_ : NarrowString();
+}
+
 void Findings::Add(Finding::Severity severity, FindingKind kind, const Place &place, NarrowString what,
                    Remedy remedy)
 {
     remedies_.push_back(std::move(remedy.apply));
-    findings_.push_back(
-        {severity, kind, place.Text(), std::move(what), place.IDs(), {}, std::move(remedy.what)});
+    findings_.push_back({severity,
+                         kind,
+                         place.Text(),
+                         std::move(what),
+                         place.IDs(),
+                         {},
+                         std::move(remedy.what),
+                         place.Property()});
 }
 
 void Findings::Note(FindingKind kind, const Place &place, NarrowString what, Remedy remedy)
@@ -57,12 +68,13 @@ void Findings::AddDangling(Finding::Severity severity, const Place &place, const
     findings_.back().named = named;
 }
 
-void Findings::CheckID(const Place &place, const kytl::KyID &id, IDSet &seen)
+void Findings::CheckID(const Place &place, const kytl::KyID &id, IDSet &seen, Remedy renewal)
 {
     if (id.IsNull())
         Warn(FindingKind::NullID, place, "it has no ID by which anything could name it");
     else if (!seen.insert(id).second)
-        Warn(FindingKind::RepeatedID, place, "another one before it has its ID " + id.ToNarrowString());
+        Warn(FindingKind::RepeatedID, place, "another one before it has its ID " + id.ToNarrowString(),
+             std::move(renewal));
 }
 
 void Findings::CheckHolder(const Place &place, const kytl::KyID &named, const kytl::KyID &holder,

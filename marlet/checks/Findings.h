@@ -26,14 +26,19 @@ public:
         : kind_(kind), name_(&name), id_(&id), around_(around), join_(join)
     {
     }
-    /// One without an ID, whose name needs no quotation marks. The kind may be null.
-    Place(const char *kind, const NarrowString &name, const Place *around = nullptr)
-        : kind_(kind), plainName_(&name), around_(around)
+    static constexpr char kProperty[] = "property";
+
+    /// One whose name needs no quotation marks. The kind and the ID may be null.
+    Place(const char *kind, const NarrowString &name, const Place *around = nullptr,
+          const kytl::KyID *id = nullptr)
+        : kind_(kind), plainName_(&name), id_(id), around_(around)
     {
     }
 
     NarrowString Text() const;
     std::vector<kytl::KyID> IDs() const;
+    /// Its name, if the place is one; else empty.
+    NarrowString Property() const;
 
 private:
     NarrowString OwnText() const;
@@ -69,7 +74,7 @@ public:
                      const kytl::KyID &named, const char *fault, Remedy remedy = {});
 
     /// Looks for objects that nothing can name, or that share an ID with one that was there before.
-    void CheckID(const Place &place, const kytl::KyID &id, IDSet &seen);
+    void CheckID(const Place &place, const kytl::KyID &id, IDSet &seen, Remedy renewal = {});
     /// What lies in a holder names it, or none. Without an operation there is no remedy.
     void CheckHolder(const Place &place, const kytl::KyID &named, const kytl::KyID &holder,
                      std::function<void(Project &)> nameIt = {});

@@ -68,8 +68,8 @@ public:
                 place, tracker->ParentLayerID(), layer_.ID(),
                 [tracker, id = layer_.ID()](Project &) { tracker->SetParentLayerID(id); });
             CheckDestination(tracker, place);
-            CheckPoint(std::as_const(*tracker).PrimaryTrackingPoint(), place);
-            CheckPoint(std::as_const(*tracker).SecondaryTrackingPoint(), place);
+            CheckPoint("primary point", std::as_const(*tracker).PrimaryTrackingPoint(), place);
+            CheckPoint("secondary point", std::as_const(*tracker).SecondaryTrackingPoint(), place);
         }
     }
 
@@ -110,7 +110,7 @@ private:
     {
         const MotionPath &path = std::as_const(*mask).Path();
         const NarrowString name;
-        const Place outline("outline", name, &place);
+        const Place outline("outline", name, &place, &path.ID());
         scope_.findings.CheckHolder(outline, path.ParentID(), mask->ID(),
                                     [mask](Project &) { mask->Path().SetParentID(mask->ID()); });
         Findings::IDSet seen;
@@ -119,7 +119,7 @@ private:
             if (!point)
                 continue;
             const NarrowString number = std::to_string(++count);
-            const Place pointPlace("point", number, &outline);
+            const Place pointPlace("point", number, &outline, &point->ID());
             scope_.findings.CheckID(pointPlace, point->ID(), seen);
             scope_.findings.CheckHolder(pointPlace, point->ParentPathID(), path.ID(),
                                         [point, id = path.ID()](Project &) { point->SetParentPathID(id); });
@@ -145,14 +145,15 @@ private:
                 {"clears the destination", [tracker](Project &) { tracker->ClearDestinationLayerID(); }});
     }
 
-    void CheckPoint(const std::shared_ptr<TrackingPoint> &point, const Place &place)
+    void CheckPoint(const NarrowString &name, const std::shared_ptr<TrackingPoint> &point,
+                    const Place &tracker)
     {
         if (!point)
-            scope_.findings.Warn(FindingKind::MissingPoint, place, "it cannot be run");
-        else
-            CheckProperties(scope_.findings, place, std::as_const(*point).Animation(),
-                            {scope_.models.OfTrackingPoint(), scope_.hasExpressionEngine},
-                            [point]() -> PropertyManager & { return point->Animation(); });
+            return scope_.findings.Warn(FindingKind::MissingPoint, tracker, "it cannot be run");
+        CheckProperties(scope_.findings, Place(nullptr, name, &tracker, &point->ID()),
+                        std::as_const(*point).Animation(),
+                        {scope_.models.OfTrackingPoint(), scope_.hasExpressionEngine},
+                        [point]() -> PropertyManager & { return point->Animation(); });
     }
 
     CheckScope &scope_;

@@ -105,6 +105,21 @@ private:
     Neighbour previous_;
 };
 
+/// Gives each key frame that has no finite value that of the one before it, the first the default.
+void MakeFinite(KeyFrameList &keys, PropertyValue value)
+{
+    keys.ForEach([&value](KeyFrame &key) {
+        if (IsFinite(key.Value()))
+            value = key.Value();
+        else
+            key.SetValue(value);
+        if (!IsFinite(key.IncomingPoint()))
+            key.SetIncomingPoint({});
+        if (!IsFinite(key.OutgoingPoint()))
+            key.SetOutgoingPoint({});
+    });
+}
+
 /// One property of a manager.
 class PropertyChecker
 {
@@ -123,7 +138,7 @@ public:
     void Run(bool hasExpressionEngine)
     {
         // Nothing but resetting a property asks for it.
-        CheckValue(Finding::Severity::Warning, "the default", properties_.DefaultValue(name_.c_str()), {});
+        CheckValue(Finding::Severity::Warning, "the default", properties_.DefaultValue(name_.c_str()));
         CheckStaticValue(properties_.StaticValue(name_.c_str()));
         if (const KeyFrameList &keys = properties_.KeyFrames(name_.c_str()); !keys.IsEmpty())
             CheckKeyFrames(keys);
@@ -133,7 +148,8 @@ public:
     }
 
 private:
-    void CheckValue(Finding::Severity severity, const char *which, const PropertyValue &value, Remedy remedy)
+    void CheckValue(Finding::Severity severity, const char *which, const PropertyValue &value,
+                    Remedy remedy = {}, Remedy finiteRemedy = {})
     {
         if (value.which() != model_.which())
             findings_.Add(severity, FindingKind::UnexpectedType, place_,
@@ -141,11 +157,17 @@ private:
                               TypeName(model_),
                           std::move(remedy));
         if (!project::IsFinite(value))
-            findings_.Warn(FindingKind::NoNumber, place_, NarrowString(which) + " is not finite");
+            findings_.Warn(FindingKind::NoNumber, place_, NarrowString(which) + " is not finite",
+                           std::move(finiteRemedy));
     }
 
     void CheckStaticValue(const PropertyValue &value)
     {
+        Remedy finite;
+        if (access_ && project::IsFinite(model_))
+            finite = {"takes the default", [access = access_, name = name_, model = model_](Project &) {
+                          access().StaticValue(name.c_str()) = model;
+                      }};
         Remedy remedy;
         if (access_ && value.which() != model_.which())
             if (const auto converted = Converted(value, model_))
@@ -153,7 +175,7 @@ private:
                           [access = access_, name = name_, converted](Project &) {
                               access().StaticValue(name.c_str()) = *converted;
                           }};
-        CheckValue(Finding::Severity::Error, "the static value", value, std::move(remedy));
+        CheckValue(Finding::Severity::Error, "the static value", value, std::move(remedy), std::move(finite));
     }
 
     void CheckKeyFrames(const KeyFrameList &keys)
@@ -162,7 +184,8 @@ private:
         CheckTypes(summary);
         if (summary.infinite.count > 0)
             findings_.Warn(FindingKind::NoNumber, place_,
-                           summary.infinite.Text("has", "have") + " a value or a handle that is not finite");
+                           summary.infinite.Text("has", "have") + " a value or a handle that is not finite",
+                           FiniteKeyFrames());
         if (!properties_.CanAnimate(name_.c_str()))
             findings_.Warn(FindingKind::NotAnimatable, place_,
                            "it is not to be animated and has " + Counted(keys.Count(), "key frame"));
@@ -173,6 +196,16 @@ private:
             findings_.Warn(FindingKind::Handle, place_,
                            summary.overreaching.Text("has", "have") +
                                " a handle that leaves its piece of the curve");
+    }
+
+    Remedy FiniteKeyFrames() const
+    {
+        if (!access_ || !project::IsFinite(model_))
+            return {};
+        return {"takes values of key frames before and drops handles",
+                [access = access_, name = name_, model = model_](Project &) {
+                    MakeFinite(access().KeyFrames(name.c_str()), model);
+                }};
     }
 
     void CheckTypes(const KeyFrameSummary &summary)
@@ -213,7 +246,7 @@ void CheckProperties(Findings &findings, const Place &place, const PropertyManag
     for (const NarrowString &name : properties.PropertyNames()) {
         const PropertyManager &known =
             rules.model && rules.model->HasProperty(name.c_str()) ? *rules.model : properties;
-        PropertyChecker(findings, Place("property", name, &place), properties, name,
+        PropertyChecker(findings, Place(Place::kProperty, name, &place), properties, name,
                         known.DefaultValue(name.c_str()), access)
             .Run(rules.hasExpressionEngine);
     }

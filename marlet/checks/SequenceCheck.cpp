@@ -9,14 +9,10 @@
 #include <marlet/editor/SequenceObjectList.h>
 #include <marlet/editor/Transition.h>
 #include <marlet/editor/VideoTrack.h>
-#include <marlet/project/CompositionAsset.h>
-#include <marlet/project/MediaAsset.h>
-#include <marlet/project/MediaAudioStream.h>
-#include <marlet/project/MediaVideoStream.h>
+#include <marlet/project/AbstractAsset.h>
 #include <marlet/project/Project.h>
 
 #include <algorithm>
-#include <optional>
 #include <utility>
 
 namespace marlet::project
@@ -26,21 +22,6 @@ namespace
 {
 
 using ObjectPointer = std::shared_ptr<AbstractSequenceObject>;
-
-/// In frames of the sequence, whatever the asset's own rate; none if there is no end or nobody knows it.
-std::optional<int> LengthOf(const AbstractAsset &asset, double rate)
-{
-    if (const auto *composition = dynamic_cast<const CompositionAsset *>(&asset))
-        return composition->Settings().FrameCount();
-    const auto *media = dynamic_cast<const MediaAsset *>(&asset);
-    if (!media || media->IsOffline())
-        return std::nullopt;
-    if (const auto video = media->VideoStream())
-        return video->FrameCount(rate);
-    if (const auto audio = media->AudioStream())
-        return audio->FrameCount(rate);
-    return std::nullopt;
-}
 
 class SequenceChecker
 {
@@ -152,14 +133,7 @@ private:
             return;
         const std::int64_t start = object.AssetInstanceStart();
         const std::int64_t end = start + object.EndFrame() - object.StartFrame();
-        const auto [known, isNew] = lengths_.try_emplace(&asset);
-        if (isNew)
-            known->second = LengthOf(asset, sequence_.Settings().FrameRate());
-        if (known->second && (start < 0 || end > *known->second))
-            scope_.findings.Warn(FindingKind::BeyondAsset, place,
-                                 "it shows frames " + std::to_string(start) + " to " + std::to_string(end) +
-                                     " of the asset \"" + ToUtf8(asset.Name()) + "\", which has " +
-                                     std::to_string(*known->second));
+        CheckShownFrames(scope_, place, asset, sequence_.Settings().FrameRate(), start, end);
     }
 
     void CheckLink(const ObjectPointer &object, const Place &place)
@@ -168,15 +142,30 @@ private:
         if (link.IsNull())
             return;
         const Remedy clear{"clears the link", [object](Project &) { object->ClearLinkedObject(); }};
-        const auto partner = objects_.find(link);
-        if (partner == objects_.end())
+        const auto found = objects_.find(link);
+        if (found == objects_.end())
             scope_.findings.AddDangling(kWarning, place, "the linked object", link, kNowhere, clear);
-        else if (partner->second == object)
+        else if (found->second == object)
             scope_.findings.Warn(FindingKind::OneSidedLink, place, "it is linked to itself", clear);
-        else if (partner->second->LinkedObjectID() != object->ID())
-            scope_.findings.Warn(FindingKind::OneSidedLink, place,
-                                 "the linked object \"" + ToUtf8(partner->second->Name()) +
-                                     "\" is not linked to it");
+        else if (found->second->LinkedObjectID() != object->ID())
+            scope_.findings.Warn(
+                FindingKind::OneSidedLink, place,
+                "the linked object \"" + ToUtf8(found->second->Name()) + "\" is not linked to it",
+                objects_.contains(found->second->LinkedObjectID()) ? clear : LinkBack(object, found->second));
+    }
+
+    /// One object gets the partner, if several want it.
+    static Remedy LinkBack(const ObjectPointer &object, const ObjectPointer &partner)
+    {
+        const kytl::KyID before = partner->LinkedObjectID();
+        return {"links the other one back, unless that has got a partner",
+                [object, partner, before](Project &) {
+                    const kytl::KyID &link = partner->LinkedObjectID();
+                    if (link.IsNull() || link == before)
+                        partner->SetLinkedObjectID(object->ID());
+                    else
+                        object->ClearLinkedObject();
+                }};
     }
 
     void CheckContent(const ObjectPointer &object, const Place &place)
@@ -191,7 +180,7 @@ private:
             if (!transition || !transitions_.insert(transition.get()).second)
                 continue;
             const NarrowString name = TransitionName(*transition);
-            CheckPlugin(scope_, Place("transition", name, &place), transition);
+            CheckPlugin(scope_, Place("transition", name, &place, &transition->ID()), transition);
         }
     }
 
@@ -203,7 +192,6 @@ private:
     Findings::IDSet ids_;
     std::unordered_set<const AbstractSequenceObject *> visited_;
     std::unordered_set<const Transition *> transitions_;
-    std::unordered_map<const AbstractAsset *, std::optional<int>> lengths_;
 };
 
 } // namespace

@@ -31,9 +31,11 @@ enum class RepairMode {
 };
 
 /// Does what is safe about what Validate finds: clears references that dangle, names the true owner, gives
-/// values the type of their property where no number is lost, takes second entries of one object out of
-/// lists, lists instances anew. What would need a choice stays as it is. Returns what was repaired, in the
-/// order of Validate. If there is a function, only what it accepts is repaired.
+/// values the type of their property where no number is lost, puts a default or the value before in place of
+/// what is no number, takes second entries of one object out of lists, gives layers IDs of their own, breaks
+/// circles of parents at the first of their layers, completes links of two sides, lists instances anew. What
+/// would need a choice stays as it is. Returns what was repaired, in the order of Validate. If there is a
+/// function, only what it accepts is repaired.
 MARLET_EXPORT std::vector<Finding> Repair(Project &project, RepairMode mode,
                                           const std::function<bool(const Finding &)> &accepts = {});
 

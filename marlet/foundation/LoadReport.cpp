@@ -15,14 +15,25 @@ std::size_t LoadReport::Count() const
 
 const LoadEntry *LoadReport::FirstLoss() const
 {
-    const auto found = std::ranges::find_if(
-        entries_, [](const LoadEntry &entry) { return entry.severity >= LoadEntry::Severity::Loss; });
+    return First(LoadEntry::Severity::Loss);
+}
+
+const LoadEntry *LoadReport::FirstError() const
+{
+    return First(LoadEntry::Severity::Error);
+}
+
+const LoadEntry *LoadReport::First(LoadEntry::Severity least) const
+{
+    const auto found =
+        std::ranges::find_if(entries_, [least](const LoadEntry &entry) { return entry.severity >= least; });
     return found == entries_.end() ? nullptr : &*found;
 }
 
 void LoadReport::Add(LoadEntry entry)
 {
     ++counts_[static_cast<std::size_t>(entry.severity)];
+    dropped_ += entry.severity == LoadEntry::Severity::Loss && !entry.isKept;
     // An error ends the load, so it is told however much came before.
     if (entries_.size() < kMostEntries)
         entries_.push_back(std::move(entry));

@@ -33,6 +33,7 @@ struct LoadEntry {
     std::uint64_t offset = 0; ///< in bytes of the text in UTF-8, from 0 on
     /// Those of the objects that it is about.
     std::vector<kytl::KyID> ids;
+    bool isKept = false; ///< a loss that is written again as it came
 };
 
 /// A plug-in that a project uses and the host does not have, or only in an older version.
@@ -57,8 +58,12 @@ public:
     /// How many there were of a severity, with those that are not among the entries.
     std::size_t Count(LoadEntry::Severity severity) const { return counts_[static_cast<int>(severity)]; }
     std::size_t Count() const;
+    /// The losses that the next save drops.
+    std::size_t CountDropped() const { return dropped_; }
     /// The first entry that is a loss or an error, or null.
     const LoadEntry *FirstLoss() const;
+    /// What ended the load, or null.
+    const LoadEntry *FirstError() const;
     /// Each once, in the order in which the text uses them.
     const std::vector<UnresolvedPlugin> &UnresolvedPlugins() const { return plugins_; }
 
@@ -71,8 +76,11 @@ public:
 private:
     friend class LoadContext;
 
+    const LoadEntry *First(LoadEntry::Severity least) const;
+
     std::vector<LoadEntry> entries_;
     std::array<std::size_t, LoadEntry::kSeverities> counts_{};
+    std::size_t dropped_ = 0;
     std::vector<UnresolvedPlugin> plugins_;
 };
 

@@ -153,6 +153,7 @@ void EffectsHelper::SynchronizeSourceWithDest(PropertyManager &properties, const
         properties.StaticValue(name.c_str()) = fromFile.StaticValue(name.c_str());
         TakeKeyFrames(properties, name.c_str(), fromFile.KeyFrames(name.c_str()));
         properties.Expression(name.c_str()) = fromFile.Expression(name.c_str());
+        properties.KeepAsItCame(name.c_str(), fromFile);
     }
 }
 

@@ -90,6 +90,10 @@ void EffectsHelper::DeserializeTransition(const XmlCursor &parent, const char *t
     if (!CanReadInstances(pluginManager.get(), slot))
         return;
     if (slot.HasAttribute(kReference)) {
+        if (slot.AttributeText(kReference) != "1")
+            TellLoad(LoadEntry::Severity::Warning, slot,
+                     NarrowString(kReference) + " is \"" + NarrowString(slot.AttributeText(kReference)) +
+                         "\"; whatever it says, it is read as 1");
         transition = FindReferred(slot, objects);
         return;
     }

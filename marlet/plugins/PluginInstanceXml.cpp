@@ -262,7 +262,7 @@ void PluginInstance_Impl::KeepElement(const XmlCursor &element)
     asRead = std::hash<WideString>()(XmlText([this](XmlWriter &writer) { WriteStandIn(writer); }));
     if (LoadContext *const context = LoadContext::Current()) {
         source = std::make_shared<const NarrowString>(context->SourceOf(element));
-        context->MarkAllKnown(element); // it was told of as a whole
+        context->MarkWhole(element); // it was told of as a whole
     }
 }
 

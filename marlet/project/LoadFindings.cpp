@@ -2,8 +2,20 @@
 
 #include <marlet/foundation/xml/LoadContext.h>
 
+#include <marlet/foundation/AudioVideoSettings.h>
+#include <marlet/foundation/xml/XmlText.h>
+#include <marlet/layers/LayerTypes.h>
+#include <marlet/project/AbstractAsset.h>
+#include <marlet/tracking/Tracker.h>
+#include <marlet/tracking/TrackingPoint.h>
+
+#include <pugixml.hpp>
+
+#include <algorithm>
 #include <optional>
+#include <span>
 #include <string_view>
+#include <unordered_map>
 #include <unordered_set>
 
 namespace marlet::project
@@ -47,6 +59,34 @@ constexpr struct {
                    {"Transition", "FromObjectID", Kind::Object, "the object in front of the transition"},
                    {"Transition", "ToObjectID", Kind::Object, "the object behind the transition"}};
 
+constexpr int kUpToEight[] = {0, 1, 2, 3, 4, 5, 6, 7, 8};
+constexpr int kSampleRates[] = {8000, 12000, 16000, 24000, 32000, 44100, 48000, 88200, 96000};
+constexpr int kAutoOrientations[] = {0, 1, 4};
+
+constexpr std::span<const int> UpTo(int highest)
+{
+    return std::span(kUpToEight).first(static_cast<std::size_t>(highest) + 1);
+}
+
+/// The numbers that stand for something. Where the host names them, any may.
+const struct {
+    std::string_view owner; ///< empty for whatever has such a field
+    const char *field;
+    std::span<const int> numbers;
+} kChoices[] = {{"", "Dimensions", UpTo(static_cast<int>(LayerDimensions::ThreeDContent))},
+                {"", "AutoOrient", kAutoOrientations},
+                {"", "AssetType", UpTo(static_cast<int>(AssetType::Composition))},
+                {"", "AudioSampleRate", kSampleRates},
+                {"", "Fields", UpTo(static_cast<int>(VideoFields::HighDefinitionInterlaced))},
+                {"", "PAR", UpTo(static_cast<int>(PAR::Custom))},
+                {"Tracker", "Type", UpTo(static_cast<int>(Tracker::TrackerType::TwoPoints))},
+                {"Tracker", "Method", UpTo(static_cast<int>(Tracker::TrackerMethod::TemplateMatching))},
+                {"Primary", "Type", UpTo(static_cast<int>(TrackingPoint::TrackingPointType::Secondary))},
+                {"Secondary", "Type", UpTo(static_cast<int>(TrackingPoint::TrackingPointType::Secondary))}};
+
+/// In pixels, of a width or a height: what no picture has.
+constexpr int kTooLarge = 1 << 16;
+
 /// A composition's place in the text stands for it: IDs may be repeated.
 struct Identity {
     kytl::KyID id;
@@ -64,19 +104,27 @@ struct Hash {
     }
 };
 
-std::optional<kytl::KyID> IDIn(const XmlCursor &element, const char *field)
+/// That of an element that was read, up to a comment in it.
+std::string_view TextOf(const XmlCursor &element)
 {
-    const XmlCursor child = element.Find(field);
-    if (child.IsNull())
-        return std::nullopt;
-    try {
-        kytl::KyID id;
-        child.Get(id);
-        return id;
-    } catch (const std::exception &) {
-        return std::nullopt;
-    }
+    return pugi::xml_node(element.Node()).child_value();
 }
+
+/// The names of what is of one kind in one place.
+struct Names {
+    std::unordered_set<std::string_view> known;
+    XmlCursor firstRepeated;
+    std::size_t repeated = 0;
+
+    void Add(const XmlCursor &name)
+    {
+        const std::string_view text = TextOf(name);
+        if (text.empty() || known.insert(text).second)
+            return;
+        if (repeated++ == 0)
+            firstRepeated = name;
+    }
+};
 
 class Walk
 {
@@ -100,19 +148,49 @@ public:
         for (const auto &[tag, kind] : kOwners) {
             if (element.Name() != tag)
                 continue;
-            const std::optional<kytl::KyID> id = IDIn(element, "ID");
+            // Most of the others are named by what they are.
+            if (kind == Kind::Asset || kind == Kind::Layer)
+                names_[Scope(kind, composition)].Add(element.Find("Name"));
+            const std::optional<kytl::KyID> id = element.FindID("ID");
             if (id && !identities_.insert({*id, kind, Scope(kind, composition)}).second)
                 context_.Add(Severity::Warning, element.Find("ID"), "the ID is that of another one too",
                              {*id});
         }
     }
 
+    /// One note for each place, since there may be many.
+    void TellOfNames()
+    {
+        for (const auto &[scope, names] : names_)
+            if (names.repeated == 1)
+                context_.Add(Severity::Note, names.firstRepeated, "the name is that of another one too");
+            else if (names.repeated > 1)
+                context_.Add(Severity::Note, names.firstRepeated,
+                             "the name is that of another one too, as are " +
+                                 std::to_string(names.repeated - 1) + " more of its kind");
+    }
+
+    void CheckNumbers(const XmlCursor &element)
+    {
+        for (const auto &[owner, field, numbers] : kChoices)
+            if (owner.empty() || element.Name() == owner)
+                if (const auto number = NumberIn(element, field);
+                    number && std::ranges::find(numbers, *number) == numbers.end())
+                    TellOfChoice(element.Find(field), field, *number);
+        for (const char *field : {"Width", "Height"})
+            if (const auto number = NumberIn(element, field); number && (*number < 0 || *number >= kTooLarge))
+                context_.Add(Severity::Warning, element.Find(field),
+                             NarrowString(field) + " is " + std::to_string(*number) +
+                                 ", which no picture has; it is kept as it is");
+    }
+
     void Check(const XmlCursor &element, const void *composition)
     {
+        CheckNumbers(element);
         for (const auto &[owner, field, kind, what] : kReferences) {
             if (element.Name() != owner)
                 continue;
-            const std::optional<kytl::KyID> id = IDIn(element, field);
+            const std::optional<kytl::KyID> id = element.FindID(field);
             if (id && !id->IsNull() && !identities_.contains({*id, kind, Scope(kind, composition)}))
                 context_.Add(Severity::Warning, element.Find(field), NarrowString(what) + " is not there",
                              {*id});
@@ -120,6 +198,13 @@ public:
     }
 
 private:
+    /// None for what is no number, which was told of when it was read.
+    static std::optional<int> NumberIn(const XmlCursor &element, const char *field)
+    {
+        const std::string_view text = TextOf(element.Find(field));
+        return IsInt(text) ? std::optional(ParseInt(text)) : std::nullopt;
+    }
+
     static const void *Scope(Kind kind, const void *composition)
     {
         return kind == Kind::Layer ? composition : nullptr;
@@ -127,11 +212,12 @@ private:
 
     LoadContext &context_;
     std::unordered_set<Identity, Hash> identities_;
+    std::unordered_map<const void *, Names> names_; ///< by composition, of assets by null
 };
 
 } // namespace
 
-void TellOfIDs(LoadContext &context, const XmlCursor &project)
+void TellOfOddities(LoadContext &context, const XmlCursor &project)
 {
     Walk walk(context);
     walk.Below(project, nullptr, [&walk](const XmlCursor &element, const void *composition) {
@@ -140,6 +226,7 @@ void TellOfIDs(LoadContext &context, const XmlCursor &project)
     walk.Below(project, nullptr, [&walk](const XmlCursor &element, const void *composition) {
         walk.Check(element, composition);
     });
+    walk.TellOfNames();
 }
 
 } // namespace marlet::project

@@ -108,8 +108,8 @@ void Project::Read(const WideString &xml, const Abstract3DEffectFactory &effectF
         throw;
     }
     if (options.report) {
-        context.AddUnknown(document->Root());
-        TellOfIDs(context, document->Root());
+        context.TellOfUnknown(document->Root());
+        TellOfOddities(context, document->Root());
         context.Finish();
     }
 }

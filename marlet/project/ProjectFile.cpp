@@ -2,11 +2,13 @@
 
 #include <marlet/foundation/Exceptions.h>
 #include <marlet/foundation/LoadReport.h>
+#include <marlet/foundation/TextPlace.h>
 #include <marlet/platform/files/WholeFile.h>
 #include <marlet/project/MediaPaths.h>
 #include <marlet/project/Project.h>
 
 #include <algorithm>
+#include <optional>
 #include <string_view>
 #include <utility>
 
@@ -16,10 +18,16 @@ namespace marlet::project
 namespace
 {
 
-WideString DecodeUtf16(const std::string &path, std::string_view bytes, bool bigEndian)
+/// What keeps bytes from being a text.
+struct Malformed {
+    const char *reason;
+    std::optional<TextPlace> place = {};
+};
+
+WideString DecodeUtf16(std::string_view bytes, bool bigEndian)
 {
     if (bytes.size() % 2 != 0)
-        throw FileException(path, "The text is cut off in the middle of a character");
+        throw Malformed{"The text is cut off in the middle of a character"};
     WideString text(bytes.size() / 2, u'\0');
     for (std::size_t i = 0; i < text.size(); ++i) {
         const auto first = static_cast<unsigned char>(bytes[2 * i]);
@@ -29,7 +37,7 @@ WideString DecodeUtf16(const std::string &path, std::string_view bytes, bool big
     return text;
 }
 
-WideString DecodeUtf8(const std::string &path, std::string_view bytes)
+WideString DecodeUtf8(std::string_view bytes)
 {
     constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
     WideString text = FromUtf8(bytes);
@@ -37,13 +45,41 @@ WideString DecodeUtf8(const std::string &path, std::string_view bytes)
     for (std::size_t at = bytes.find(kReplacement); at != std::string_view::npos;
          at = bytes.find(kReplacement, at + kReplacement.size()))
         ++written;
-    if (static_cast<std::size_t>(std::count(text.begin(), text.end(), u'\uFFFD')) != written)
-        throw FileException(path, "The text is not UTF-8");
-    return text;
+    if (static_cast<std::size_t>(std::ranges::count(text, u'\uFFFD')) == written)
+        return text;
+    const NarrowString replaced = ToUtf8(text);
+    const auto malformed = std::ranges::mismatch(bytes, replaced).in1 - bytes.begin();
+    TextPlace place;
+    place.GoTo(bytes, static_cast<std::size_t>(malformed));
+    throw Malformed{"The text is not UTF-8", place};
+}
+
+WideString Decode(std::string_view bytes)
+{
+    if (bytes.starts_with("\xFF\xFE"))
+        return DecodeUtf16(bytes.substr(2), false);
+    if (bytes.starts_with("\xFE\xFF"))
+        return DecodeUtf16(bytes.substr(2), true);
+    return DecodeUtf8(bytes.starts_with("\xEF\xBB\xBF") ? bytes.substr(3) : bytes);
+}
+
+void TellOfFailure(LoadReport *report, const char *what, const std::optional<TextPlace> &place = {})
+{
+    if (!report)
+        return;
+    LoadEntry entry;
+    entry.severity = LoadEntry::Severity::Error;
+    entry.what = what;
+    if (place) {
+        entry.line = place->line;
+        entry.column = place->column;
+        entry.offset = place->offset;
+    }
+    report->Add(std::move(entry));
 }
 
 /// Where a text stands: for a pipe and the like the current folder.
-std::filesystem::path FolderOf(const std::filesystem::path &path)
+std::filesystem::path FolderOfText(const std::filesystem::path &path)
 {
     std::error_code error;
     const bool isElsewhere =
@@ -59,17 +95,24 @@ WideString WithSeparator(const std::filesystem::path &folder)
 
 } // namespace
 
-WideString ProjectFile::ReadText(const std::filesystem::path &path)
+WideString ProjectFile::ReadText(const std::filesystem::path &path, LoadReport *report)
 {
-    const std::string content = ReadWholeFile(path.string());
-    const std::string_view bytes = content;
-    if (bytes.starts_with("\xFF\xFE"))
-        return DecodeUtf16(path.string(), bytes.substr(2), false);
-    if (bytes.starts_with("\xFE\xFF"))
-        return DecodeUtf16(path.string(), bytes.substr(2), true);
-    if (bytes.starts_with("\xEF\xBB\xBF"))
-        return DecodeUtf8(path.string(), bytes.substr(3));
-    return DecodeUtf8(path.string(), bytes);
+    if (report)
+        report->Clear();
+    try {
+        return Decode(ReadWholeFile(path.string()));
+    } catch (const Malformed &malformed) {
+        TellOfFailure(report, malformed.reason, malformed.place);
+        throw FileException(path.string(), malformed.reason);
+    } catch (const FileException &error) {
+        TellOfFailure(report, error.Reason().c_str());
+        throw;
+    }
+}
+
+WideString ProjectFile::FolderOf(const std::filesystem::path &path)
+{
+    return WithSeparator(FolderOfText(path));
 }
 
 std::shared_ptr<Project> ProjectFile::Load(const std::filesystem::path &path,
@@ -77,20 +120,7 @@ std::shared_ptr<Project> ProjectFile::Load(const std::filesystem::path &path,
                                            const Abstract3DEffectFactory &effectFactory,
                                            const LoadOptions &options)
 {
-    WideString text;
-    try {
-        text = ReadText(path);
-    } catch (const FileException &error) {
-        if (options.report) {
-            options.report->Clear();
-            LoadEntry entry;
-            entry.severity = LoadEntry::Severity::Error;
-            entry.what = error.what();
-            options.report->Add(std::move(entry));
-        }
-        throw;
-    }
-    return Read(text, path, pluginManager, effectFactory, options);
+    return Read(ReadText(path, options.report), path, pluginManager, effectFactory, options);
 }
 
 std::shared_ptr<Project> ProjectFile::Read(const WideString &text, const std::filesystem::path &path,
@@ -98,7 +128,7 @@ std::shared_ptr<Project> ProjectFile::Read(const WideString &text, const std::fi
                                            const Abstract3DEffectFactory &effectFactory,
                                            const LoadOptions &options)
 {
-    const std::filesystem::path folder = FolderOf(path);
+    const std::filesystem::path folder = FolderOfText(path);
     const MediaPaths paths(folder, options.findMovedMedia);
     const WideString &textures = options.texturesFolder;
     auto project = Project::CreateFromXml(text, textures.empty() ? WithSeparator(folder) : textures,
@@ -110,7 +140,7 @@ std::shared_ptr<Project> ProjectFile::Read(const WideString &text, const std::fi
 WideString ProjectFile::TextFor(const Project &project, const std::filesystem::path &path,
                                 const SaveOptions &options)
 {
-    const MediaPaths paths(FolderOf(path),
+    const MediaPaths paths(FolderOfText(path),
                            options.relativeMedia ? MediaPaths::Form::Relative : MediaPaths::Form::AsTheyAre);
     return project.Serialize();
 }

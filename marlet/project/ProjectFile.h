@@ -54,9 +54,14 @@ public:
                               const SaveOptions &options = {});
 
     /// The text of a file in UTF-8, or in UTF-16 if it begins with a byte order mark. Malformed bytes are
-    /// refused: they would come out as other characters, and the next save would lose them.
+    /// refused: they would come out as other characters, and the next save would lose them. A report, which
+    /// may be null, tells of a failure with its place.
     /// @throws FileException
-    static WideString ReadText(const std::filesystem::path &path);
+    static WideString ReadText(const std::filesystem::path &path, LoadReport *report = nullptr);
+
+    /// The folder that relative paths in a file's text are meant from, with its trailing separator. Empty for
+    /// the current one.
+    static WideString FolderOf(const std::filesystem::path &path);
 };
 
 } // namespace marlet::project

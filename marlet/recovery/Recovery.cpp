@@ -1,7 +1,7 @@
 #include <marlet/recovery/Recovery.h>
 
 #include <marlet/foundation/Exceptions.h>
-#include <marlet/foundation/xml/XmlSource.h>
+#include <marlet/foundation/TextPlace.h>
 #include <marlet/plugins/AbstractPluginManager.h>
 #include <marlet/plugins/WithoutHostOperations.h>
 #include <marlet/project/LoadOptions.h>

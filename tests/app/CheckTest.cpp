@@ -86,14 +86,15 @@ TEST_F(CheckTest, TellsOfPlacesAsCompilersDo)
     };
     const std::vector<std::string> lines = Run({"check", "a.xml"}).OutLines();
     ASSERT_GE(lines.size(), 4u);
-    EXPECT_EQ(lines[0], place("<ID>" + composition_->ID().ToNarrowString()) +
-                            "note: asset \"Main\": it is in no folder [folder]");
+    EXPECT_EQ(lines[0], place("<CompositionAsset ") + "note: asset \"Main\": it is in no folder [folder]");
     EXPECT_THAT(lines[1], testing::StartsWith(place("<Odd/>")));
     EXPECT_THAT(lines[1], testing::HasSubstr("Odd"));
-    EXPECT_EQ(lines[2], place("<ID>" + layer->ID().ToNarrowString()) +
+    EXPECT_EQ(lines[2], place("<PointLayer ") +
                             "error: layer \"Orphan\" of composition \"Main\": the parent layer " +
                             kNowhere.ToNarrowString() + " does not exist [dangling ID]");
     EXPECT_THAT(lines.back(), testing::StartsWith("1 error, "));
+    EXPECT_THAT(Run({"check", "a.xml", "--json"}).out,
+                testing::HasSubstr(",\"offset\":" + std::to_string(text.find("<PointLayer ")) + ","));
 
     Write("b.xml", text.substr(0, text.find("<Odd/>")));
     const ToolRun cut = Run({"check", "b.xml"});

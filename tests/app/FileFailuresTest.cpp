@@ -35,8 +35,8 @@ TEST_F(FileFailuresTest, EveryFailureNamesTheFile)
     const std::pair<const char *, const char *> cases[] = {
         {"gone.xml", "No such file or directory"},
         {".", "Is a directory"},
-        {"empty.xml", "Wrong tag name: Project"},
-        {"latin.xml", "The text is not UTF-8"},
+        {"empty.xml:1:1", "Wrong tag name: Project"},
+        {"latin.xml:1:31", "The text is not UTF-8"},
         {"cut.xml", "Wrong tag name: Project"},
         {"odd.xml", "The text is cut off in the middle of a character"},
         {"bare.xml", "Project is missing attribute Version: "},

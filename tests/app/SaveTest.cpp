@@ -61,8 +61,29 @@ TEST_F(SaveTest, KeepsWhatPluginsMadeThatItDoesNotHave)
     Write("bad.xml", text.replace(text.find(start), start.size(), "<PluginID>0"));
     EXPECT_EQ(Run({"save", "bad.xml", "out.xml"}).err, "");
     EXPECT_EQ(Read("out.xml"), text);
+    const std::string missing = "the plug-in \"Levels\" 1.0.0.0 is missing, for 1 use\n";
+    EXPECT_EQ(Run({"info", "bad.xml"}).err, "bad.xml: warning: " + missing);
+    EXPECT_THAT(Run({"check", "bad.xml"}).out, testing::HasSubstr("\n" + missing));
+    EXPECT_THAT(Run({"check", "bad.xml", "--json"}).out,
+                testing::HasSubstr("\"isOlder\":false,\"uses\":1}\n"));
     EXPECT_EQ(Run({"save", "--without-plugins", "bad.xml", "out.xml"}).exitCode, 0);
     EXPECT_THAT(Read("out.xml"), testing::HasSubstr("<Effects/>"));
+}
+
+TEST_F(SaveTest, LeavesTheFileThatItReadBesideWhereSomethingOfItIsLost)
+{
+    std::string text = Read("a.xml");
+    text.insert(text.find("<Layers>"), "<Odd/>");
+    Write("kept.xml", text);
+    EXPECT_EQ(Run({"save", "kept.xml", "kept.xml"}).exitCode, 0);
+    text.replace(text.find("<CTI>0"), 6, "<CTI>x");
+    Write("lossy.xml", text);
+    EXPECT_THAT(Run({"save", "lossy.xml", "./lossy.xml"}).err,
+                testing::EndsWith("\n./lossy.xml: warning: what was lost when it was read stays in "
+                                  "./lossy.xml.~1~\n"));
+    EXPECT_EQ(Read("lossy.xml.~1~"), text);
+    EXPECT_THAT(Read("lossy.xml"), testing::HasSubstr("<CTI>0"));
+    EXPECT_EQ(FileNames(), (std::vector<std::string>{"a.xml", "kept.xml", "lossy.xml", "lossy.xml.~1~"}));
 }
 
 } // namespace

@@ -1,3 +1,4 @@
+#include <marlet/checks/FindingPlaces.h>
 #include <marlet/checks/Validate.h>
 
 #include <tests/checks/CheckedProject.h>
@@ -6,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <map>
 
 namespace marlet::test
 {
@@ -96,7 +98,7 @@ std::vector<Damage> DamagesOfLayers()
         {"a parent is missing", {Kind::DanglingID}, true, [](auto &p) { p.point->SetParentLayer(kNowhere); }},
         {"parents run in a circle that others lead into",
          {Kind::ParentCircle, Kind::ParentCircle, Kind::ParentCircle},
-         false,
+         true,
          [](auto &p) {
              p.point->SetParentLayer(p.text);
              p.text->SetParentLayer(p.point);
@@ -126,6 +128,10 @@ std::vector<Damage> DamagesOfLayers()
          {Kind::DanglingID},
          false,
          [](auto &p) { p.Show(SolidAsset::Create(u"Other", {}, 1, 1, PAR::Square)); }},
+        {"a layer shows more than there is",
+         {Kind::BeyondAsset},
+         false,
+         [](auto &p) { p.Show(p.inner)->SetAssetInstanceStart(1); }},
         {"a composition shows itself", {Kind::Nesting}, false, [](auto &p) { p.Show(p.composition); }},
         {"two compositions show one another",
          {Kind::Nesting, Kind::Nesting},
@@ -219,7 +225,7 @@ std::vector<Damage> DamagesOfProperties()
          }},
         {"a value and a handle are no numbers",
          {Kind::NoNumber, Kind::NoNumber},
-         false,
+         true,
          [keys](auto &p) {
              p.point->Animation().StaticValue("rotationZ") = NAN;
              keys(p).Set(0, 1.f);
@@ -289,8 +295,12 @@ std::vector<Damage> DamagesOfTheSequence()
          }},
         {"a link leads nowhere, and the partner's back to it",
          {Kind::DanglingID, Kind::OneSidedLink},
-         false,
+         true,
          [](auto &p) { p.first->SetLinkedObjectID(kNowhere); }},
+        {"an object is linked to one that has a partner",
+         {Kind::OneSidedLink},
+         true,
+         [](auto &p) { p.second->SetLinkedObjectID(p.sound->ID()); }},
         {"an object is linked to itself",
          {Kind::OneSidedLink},
          true,
@@ -378,11 +388,65 @@ TEST(ValidateTest, TellsOfIDsThatATextRepeatsOrLacks)
         const std::string own = checked.point->ID().ToNarrowString();
         for (std::size_t at = 0; (at = changed.find(own, at)) != changed.npos;)
             changed.replace(at, own.size(), id.ToNarrowString());
-        return Validate(*checked.Reload(FromUtf8(changed)));
+        return checked.Reload(FromUtf8(changed));
     };
-    EXPECT_EQ(KindsOf(with(checked.layer->ID())), std::vector{Kind::RepeatedID});
+    const auto repeated = with(checked.layer->ID());
+    EXPECT_EQ(KindsOf(Validate(*repeated)), std::vector{Kind::RepeatedID});
+    EXPECT_EQ(Repair(*repeated, RepairMode::Apply).size(), 1u);
+    EXPECT_EQ(Lines(Validate(*repeated)), "");
+    // The first one keeps its ID, and what is on the other goes along with it.
+    const auto composition =
+        std::static_pointer_cast<CompositionAsset>(repeated->Assets().GetByID(checked.composition->ID()));
+    EXPECT_EQ(composition->FindLayerByID(checked.layer->ID())->Name(), u"Point");
+    const auto layer = std::dynamic_pointer_cast<AssetLayer>(composition->Layers().back());
+    EXPECT_EQ(layer->Name(), u"Picture");
+    EXPECT_EQ(layer->Effects().size() + layer->Masks().size() + layer->Trackers().size(), 3u);
     // The tracker's destination is gone as well.
-    EXPECT_EQ(KindsOf(with({})), (std::vector{Kind::NullID, Kind::NoDestination}));
+    EXPECT_EQ(KindsOf(Validate(*with({}))), (std::vector{Kind::NullID, Kind::NoDestination}));
+}
+
+TEST(ValidateTest, FindsThePlacesInTheText)
+{
+    CheckedProject checked;
+    checked.point->SetParentLayer(kNowhere);
+    checked.effect->Properties().StaticValue("layer") = kNowhere;
+    checked.mask->Path().Points()[1]->Animation().StaticValue("position") = kNowhere;
+    checked.tracker->SecondaryTrackingPoint()->Animation().StaticValue("searchPosition") = kNowhere;
+    checked.second->Properties().StaticValue("opacity") = 50;
+    std::string text = ToUtf8(checked.project->Serialize());
+    const std::string id = checked.text->ID().ToNarrowString();
+    text.replace(text.find("<ID>" + id) + 4, id.size(), checked.point->ID().ToNarrowString());
+
+    const auto after = [&text](std::initializer_list<const char *> marks) {
+        std::size_t at = 0;
+        for (const char *mark : marks)
+            at = text.find(mark, at + 1);
+        return at;
+    };
+    const std::map<std::string, std::size_t> expected{
+        {"the parent layer", after({"<PointLayer"})},
+        {"another one before", after({"<TextLayer"})},
+        {"the layer", after({"<Instance ", "<layer "})},
+        {"mask", after({"<Mask ", "<Point ", "<Point ", "<position "})},
+        {"tracker", after({"<Tracker ", "<Secondary", "<searchPosition "})},
+        {"object", after({"<VisualObject ", "<VisualObject ", "<opacity "})},
+    };
+    const std::vector<Finding> found = Validate(*checked.Reload(FromUtf8(text)));
+    const auto places = PlacesInText(found, FromUtf8(text));
+    ASSERT_EQ(places.size(), expected.size()) << Lines(found);
+    for (std::size_t i = 0; i < found.size(); ++i) {
+        SCOPED_TRACE(found[i].place + ": " + found[i].what);
+        const auto [mark, offset] = *std::ranges::find_if(expected, [&](const auto &entry) {
+            return found[i].what.starts_with(entry.first) ||
+                   found[i].place.find(", " + entry.first + " ") != std::string::npos ||
+                   found[i].place.starts_with(entry.first);
+        });
+        ASSERT_TRUE(places[i]);
+        EXPECT_EQ(places[i]->offset, offset);
+        EXPECT_EQ(places[i]->line, 1 + std::count(text.begin(), text.begin() + std::ptrdiff_t(offset), '\n'));
+        EXPECT_EQ(places[i]->column, int(offset - text.rfind('\n', offset)));
+    }
+    EXPECT_EQ(PlacesInText(found, u"<Project/>"), std::vector<std::optional<TextPlace>>(found.size()));
 }
 
 TEST(ValidateTest, SaysWhereWhatAndWhatToDo)

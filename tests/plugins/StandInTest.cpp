@@ -222,6 +222,12 @@ TEST_F(StandIns, LeaveNoAttributeTwiceWhereAnElementGetsWhatWasKept)
     const std::size_t end = changed.find("</OutTrans>");
     const std::size_t reference = changed.find("<InTrans ref=\"1\"");
     ASSERT_LT(end, reference);
+    NarrowString odd = changed;
+    LoadReport report;
+    Load(FromUtf8(odd.replace(reference + 14, 1, "zz")), nullptr, &report);
+    EXPECT_TRUE(std::ranges::any_of(report.Entries(), [&](const LoadEntry &entry) {
+        return entry.offset == reference && entry.what.starts_with("ref is \"zz\"");
+    }));
     const NarrowString transition = changed.substr(start, end - start);
     // Not a reference, but a transition of its own, which the next save refers to.
     changed.replace(changed.find("/>", reference), 2, ">" + transition + "</InTrans>");

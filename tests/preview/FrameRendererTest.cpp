@@ -163,8 +163,14 @@ TEST_F(PreviewTest, DrawsNestedCompositionsAtTheirOwnTimeAndTurnsDownACircle)
     // Frame 10 of the outer one is frame 30 of the inner one.
     ExpectAt(outer, {240, 170});
 
-    Add(inner, AssetLayer::Create(outer));
-    EXPECT_FALSE(FrameRenderer(project_).Render(outer, 10).isNull());
+    Add(inner, AssetLayer::Create(outer))->SetName(u"Back");
+    const auto stray = Add(outer, AssetLayer::Create(SolidAsset::Create(u"Stray", {}, 1, 1, PAR::Square)));
+    stray->SetName(u"Stray");
+    FrameRenderer renderer(project_);
+    EXPECT_FALSE(renderer.Render(outer, 10).isNull());
+    ASSERT_EQ(renderer.LeftOut().size(), 2u);
+    EXPECT_EQ(renderer.LeftOut()[0].place.find("layer \"Stray\""), 0u);
+    EXPECT_EQ(renderer.LeftOut()[1].place.find("layer \"Back\""), 0u);
 }
 
 TEST_F(PreviewTest, PutsTextIntoItsFrameAndAPlaceholderWhereAClipWouldBe)

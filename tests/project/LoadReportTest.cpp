@@ -1,6 +1,10 @@
 #include "Loading.h"
 
+#include <marlet/animation/PropertyManager.h>
 #include <marlet/foundation/LoadReport.h>
+#include <marlet/layers/AbstractLayer.h>
+#include <marlet/project/AssetList.h>
+#include <marlet/project/CompositionAsset.h>
 #include <marlet/project/LoadOptions.h>
 
 #include <gtest/gtest.h>
@@ -66,9 +70,45 @@ constexpr Damage kDamages[] = {
     {"<Visible>1</Visible>", "<Visible>yes</Visible>", Severity::Error,
      "bad lexical cast: source type value could not be interpreted as target: \"yes\"", "/LayerBase/Visible"},
     {"<KyPoint3_32f X=\"100\" Y=\"0\" Z=\"0\"/>", "<Quaternion/>", Severity::Loss,
-     "no value is of the type Quaternion; another stands in for it", "/Key[2]/Value/Quaternion"},
+     "no value is of the type Quaternion; another stands in for it; it is passed over",
+     "/Key[2]/Value/Quaternion"},
     {"<Scale3D X=\"50\" Y=\"33.5\" Z=\"100\"/>", "<float>3</float>", Severity::Warning,
      "the value is of another type than the default", "/scale/Static", "<Static>\n          <float>3"},
+    {"<Dimensions>1", "<Dimensions>9", Severity::Warning,
+     "Dimensions is 9, which stands for nothing; it is kept as it is", "/PointLayer \"child\"/Dimensions"},
+    {"<Width>1280", "<Width>-1", Severity::Warning, "Width is -1, which no picture has; it is kept as it is",
+     "/Width"},
+    {"<Height>", "<Height>99", Severity::Warning,
+     "Height is 99720, which no picture has; it is kept as it is", "/Height"},
+    {"<Key Time=\"1000\" Type=\"1\"", "<Key Time=\"1000\" Type=\"3\"", Severity::Warning,
+     "Type is 3, which stands for nothing; it is kept as it is", "/Key[2]"},
+    {"<scaleLinked Type=\"1\"", "<scaleLinked Type=\"2\"", Severity::Warning,
+     "Type is 2, which stands for nothing; it is kept as it is", "/scaleLinked"},
+    {"<position Type=\"0\" Spatial=\"1\"", "<position Type=\"0\" Spatial=\"7\"", Severity::Warning,
+     "Spatial is 7, which is neither 0 nor 1; 0 is read", "/position"},
+    {"<Key Time=\"1000\" Type=\"1\"", "<Key Time=\"3000\" Type=\"1\"", Severity::Warning,
+     "the key frame stands behind a later one; it is put in order of time", "/Key[3]", "<Key Time=\"2000\""},
+    {"<Layers>", "<Layers><!-- > --><?b </?>", Severity::Note, "2 comments and instructions are passed over",
+     "/Layers", "<!--"},
+    {"<Project ", "<!-- of --><Project ", Severity::Note, "a comment or an instruction is passed over",
+     "Project \"Two <words> & more\""},
+    {"<Name>moon.png", "<Name>Sky", Severity::Note, "the name is that of another one too",
+     "/ImageAsset \"Sky\"/Name"},
+    {"</PointLayer>", "</PointLayers>", Severity::Error,
+     "the text is no XML: the end tag is one of \"PointLayers\", the element is \"PointLayer\"; see line 60, "
+     "column 6; open there: Project (line 1), AssetList (line 7), Assets (line 8), CompositionAsset (line "
+     "27), "
+     "Layers (line 59), PointLayer (line 60)",
+     "Project/AssetList/Assets/CompositionAsset/Layers/PointLayer"},
+    {"<KyPoint3_32f X=\"100\" Y=\"0\" Z=\"0\"/>", "<KyPoint3_32f X='1' X='2'/>", Severity::Error,
+     "the text is no XML: the attribute \"X\" stands twice in its element; see line 102, column 27; open "
+     "there: "
+     "Assets (line 8), CompositionAsset (line 27), Layers (line 59), PointLayer (line 60), LayerBase (line "
+     "62), "
+     "PropertyManager (line 74), position (line 83), Animation (line 90), Key (line 98), Value (line 101)",
+     "/Animation/Key/Value", "X='2'"},
+    {"<Project ", "<!DOCTYPE Project><Project ", Severity::Error,
+     "the text is no XML: it declares a document type, which no project does", ""},
     {"<scale Type", "<position Type=\"0\"><Default/><Static/></position><scale Type", Severity::Loss,
      "position stands there already, and the first one counts; it is passed over", "/position[2]"},
 };
@@ -157,6 +197,37 @@ TEST(LoadReport, TellsWhatBecameOfADamageAndWhere)
         EXPECT_EQ(entry->offset, element);
         EXPECT_EQ(std::pair(entry->line, entry->column), LineAndColumn(text, element));
     }
+}
+
+TEST(LoadReport, CountsWhatTheNextSaveDrops)
+{
+    std::string text = ToUtf8(ReadDocument("good/layers.xml"));
+    const std::string value = "<KyPoint3_32f X=\"100\" Y=\"0\" Z=\"0\"/>";
+    text.replace(text.find(value), value.size(), "<Quaternion a='1'>  </Quaternion>");
+    text.insert(text.find("<Layers>"), "<Odd/>\n    ");
+    LoadReport report;
+    const auto load = [&](bool keeps) {
+        return Project::CreateFromXml(FromUtf8(text), u"", nullptr, NoEffects(),
+                                      {.report = &report, .keepUnknown = keeps});
+    };
+    load(false);
+    EXPECT_EQ(report.CountDropped(), 2u);
+    const auto project = load(true);
+    EXPECT_EQ(report.Count(Severity::Loss), 2u);
+    EXPECT_EQ(report.CountDropped(), 0u);
+    EXPECT_EQ(ToUtf8(project->Serialize()), text);
+
+    // A property that is changed is written anew.
+    const auto composition =
+        std::dynamic_pointer_cast<CompositionAsset>(project->Assets().GetByType(AssetType::Composition)[0]);
+    (*composition->Layers().begin())
+        ->Animation()
+        .KeyFrames("position")
+        .Set(5, kytl::matl::KyPoint<3, float>{1, 2, 3});
+    const std::string changed = ToUtf8(project->Serialize());
+    EXPECT_EQ(changed.find("Quaternion"), std::string::npos);
+    EXPECT_NE(changed.find("<Key Time=\"5\""), std::string::npos);
+    EXPECT_NE(changed.find("<Odd/>"), std::string::npos);
 }
 
 TEST(LoadReport, IsEmptyWhereNothingIsWrongAndBoundedWhereMuchIs)

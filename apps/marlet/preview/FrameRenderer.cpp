@@ -192,6 +192,9 @@ Surface FrameRenderer::ContentOf(const Scene &scene, const AbstractLayer &layer)
     if (!shown)
         return surface;
     const std::shared_ptr<AbstractAsset> asset = shown->Asset(AssetsOf(project_));
+    if (!asset)
+        LeaveOut(scene.composition, layer,
+                 "The asset " + shown->AssetID().ToNarrowString() + " that it shows does not exist");
     const bool isGone = asset && !asset->HasVideo() && asset->IsOffline() && shown->AssetHadVideo();
     if (!shown->HasVideo() && !isGone)
         return surface;
@@ -226,9 +229,12 @@ QImage FrameRenderer::PictureOf(const Scene &scene, const AssetLayer &layer)
 QImage FrameRenderer::PictureOfNested(const Scene &scene, const AssetLayer &layer,
                                       const CompositionPointer &nested)
 {
-    if (std::find(open_.begin(), open_.end(), nested->ID()) != open_.end())
+    if (std::find(open_.begin(), open_.end(), nested->ID()) != open_.end()) {
+        LeaveOut(scene.composition, layer,
+                 "It shows the composition \"" + ToUtf8(nested->Name()) + "\" inside of itself");
         return AssetPictures::Placeholder("a composition inside of itself: " + ToUtf8(nested->Name()),
                                           {nested->Width(), nested->Height()});
+    }
     const double rate = nested->Settings().FrameRate() / scene.composition->Settings().FrameRate();
     const double frame =
         (layer.AssetInstanceStart() + static_cast<double>(scene.frame) - layer.StartFrame()) * rate;

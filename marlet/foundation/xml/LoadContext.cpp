@@ -1,6 +1,7 @@
 #include <marlet/foundation/xml/LoadContext.h>
 
 #include <marlet/foundation/Exceptions.h>
+#include <marlet/foundation/TextPlace.h>
 #include <marlet/foundation/xml/XmlSource.h>
 
 #include <pugixml.hpp>
@@ -68,6 +69,12 @@ std::size_t LoadContext::OffsetOf(const XmlCursor &element) const
     return element.IsNull() ? kNowhere : OffsetOf(pugi::xml_node(element.Node()).name());
 }
 
+std::size_t LoadContext::TagOf(const XmlCursor &element) const
+{
+    const std::size_t name = OffsetOf(element);
+    return name == kNowhere ? kNowhere : name - 1;
+}
+
 bool LoadContext::Has(std::size_t bit) const
 {
     return bit < size_ && marks_[bit];
@@ -101,6 +108,12 @@ void LoadContext::MarkAllKnown(const XmlCursor &element)
     for (XmlCursor child = element.FirstChild(); !child.IsNull(); child = child.Next())
         MarkAllKnown(child);
     last_ = element;
+}
+
+void LoadContext::MarkWhole(const XmlCursor &element)
+{
+    MarkAllKnown(element);
+    whole_.insert(OffsetOf(element));
 }
 
 void LoadContext::MarkAttribute(const char *name)
@@ -171,18 +184,29 @@ std::string_view LoadContext::SourceOfAttribute(const char *name)
 void LoadContext::Add(Severity severity, const XmlCursor &element, NarrowString what,
                       std::vector<kytl::KyID> ids)
 {
+    AddAt(TagOf(element), severity, element, std::move(what), std::move(ids));
+}
+
+void LoadContext::AddUnknown(const XmlCursor &element, NarrowString what)
+{
+    AddAt(TagOf(element), Severity::Loss, element,
+          what + (keepsUnknown_ ? "; it is kept as it stands" : "; it is passed over"), {}, keepsUnknown_);
+}
+
+void LoadContext::AddAt(std::size_t offset, Severity severity, const XmlCursor &element, NarrowString what,
+                        std::vector<kytl::KyID> ids, bool isKept)
+{
     if (!report_)
         return;
     // Names of a document may hold anything; a sentence stands on one line.
     std::ranges::replace_if(
         what, [](char c) { return static_cast<unsigned char>(c) < ' '; }, ' ');
     what.erase(what.find_last_not_of(" .") + 1);
-    LoadEntry entry{severity, std::move(what), {}, 0, 0, 0, std::move(ids)};
+    LoadEntry entry{severity, std::move(what), {}, 0, 0, 0, std::move(ids), isKept};
     // Those beyond the bound are counted only, so that nothing need be worked out for them.
-    if (const std::size_t offset = OffsetOf(element);
-        offset != kNowhere && report_->Entries().size() < LoadReport::kMostEntries) {
+    if (offset != kNowhere && report_->Entries().size() < LoadReport::kMostEntries) {
         entry.path = paths_.PathOf(element);
-        entry.offset = offset - 1;
+        entry.offset = offset;
         entry.line = 1; // until Finish
         if (entry.ids.empty())
             entry.ids = paths_.IDsOf(element);
@@ -196,20 +220,45 @@ void LoadContext::AddUse(const UnresolvedPlugin &plugin)
         report_->AddUse(plugin);
 }
 
-void LoadContext::AddUnknown(const XmlCursor &root)
+void LoadContext::TellOfUnknown(const XmlCursor &root)
 {
-    if (report_ && !root.IsNull())
-        AddUnknownBelow(root);
+    if (!report_ || root.IsNull())
+        return;
+    if (hasSections_)
+        AddSections(root);
+    AddUnknownBelow(root);
+}
+
+void LoadContext::AddSections(const XmlCursor &root)
+{
+    for (const XmlSection &section : XmlSections(Source())) {
+        const std::size_t element =
+            section.element == NarrowString::npos ? OffsetOf(root) : section.element + 1;
+        ++sections_.try_emplace(element, section.offset, 0).first->second.second;
+    }
+}
+
+void LoadContext::AddSectionsOf(const XmlCursor &element)
+{
+    const auto found = sections_.find(OffsetOf(element));
+    if (found == sections_.end())
+        return;
+    const auto &[first, count] = found->second;
+    AddAt(first, Severity::Note, element,
+          count == 1 ? "a comment or an instruction is passed over"
+                     : std::to_string(count) + " comments and instructions are passed over",
+          {});
 }
 
 void LoadContext::AddUnknownBelow(const XmlCursor &element)
 {
+    if (whole_.contains(OffsetOf(element)))
+        return;
+    AddSectionsOf(element);
     const pugi::xml_node node(element.Node());
-    const NarrowString outcome = keepsUnknown_ ? "; it is kept as it stands" : "; it is passed over";
     for (const pugi::xml_attribute attribute : node.attributes())
         if (!IsAttributeKnown(attribute.name()))
-            Add(Severity::Loss, element,
-                NarrowString("attribute ") + attribute.name() + " is not known" + outcome);
+            AddUnknown(element, NarrowString("attribute ") + attribute.name() + " is not known");
     if (!IsTextKnown(element) && HasTextOfItsOwn(node))
         Add(Severity::Loss, element, "text between elements is passed over");
     for (XmlCursor child = element.FirstChild(); !child.IsNull(); child = child.Next()) {
@@ -218,16 +267,16 @@ void LoadContext::AddUnknownBelow(const XmlCursor &element)
             continue;
         }
         const bool isRepeated = IsKnown(XmlCursor(node.child(child.Name().data()).internal_object()));
-        Add(Severity::Loss, child,
-            NarrowString(child.Name()) +
-                (isRepeated ? " stands there already, and the first one counts" : " is not known here") +
-                outcome);
+        AddUnknown(child, NarrowString(child.Name()) +
+                              (isRepeated ? " stands there already, and the first one counts"
+                                          : " is not known here"));
     }
 }
 
 void LoadContext::TakeScan(const XmlScan &scan)
 {
     fault_ = scan.fault;
+    hasSections_ = scan.hasSections;
     if (!fault_ && scan.hasDocumentType) {
         const std::size_t offset = Source().find("<!DOCTYPE");
         fault_ = XmlFault{offset, "it declares a document type, which no project does", offset, {}};
@@ -306,6 +355,13 @@ void Disown(const XmlCursor &element)
 {
     if (LoadContext *const context = LoadContext::Current())
         context->MarkUnknown(element);
+}
+
+void TellOfChoice(const XmlCursor &element, const char *field, int number)
+{
+    TellLoad(LoadEntry::Severity::Warning, element,
+             NarrowString(field) + " is " + std::to_string(number) +
+                 ", which stands for nothing; it is kept as it is");
 }
 
 void TellLoad(LoadEntry::Severity severity, const XmlCursor &element, NarrowString what,

@@ -9,6 +9,9 @@
 #include <exception>
 #include <optional>
 #include <string_view>
+#include <unordered_map>
+#include <unordered_set>
+#include <utility>
 #include <vector>
 
 namespace marlet::project
@@ -46,6 +49,8 @@ public:
     void MarkAttribute(const char *name);
     void MarkAttributes(const XmlCursor &element); ///< all of them
     void MarkText(const XmlCursor &element);
+    /// The same for an element that is written as it came.
+    void MarkWhole(const XmlCursor &element);
     /// What nobody knows below has found an owner.
     void MarkTaken(const XmlCursor &element);
     bool IsKnown(const XmlCursor &element) const;
@@ -57,15 +62,21 @@ public:
     std::string_view SourceOf(const XmlCursor &element);
     std::string_view SourceOfAttribute(const char *name);
 
+    /// Values of types that nobody knows, which were read as others.
+    void CountLostValue() { ++lostValues_; }
+    std::size_t LostValues() const { return lostValues_; }
+
     /// Tells of an element, with the ID of the object that it is of.
     void Add(Severity severity, const XmlCursor &element, NarrowString what,
              std::vector<kytl::KyID> ids = {});
+    /// Tells of what nobody knows, and what becomes of it.
+    void AddUnknown(const XmlCursor &element, NarrowString what);
     void AddUse(const UnresolvedPlugin &plugin);
     /// Where something fails, if it is known better than by the element that was looked at last.
     void FailAt(const XmlCursor &element) { failed_ = element; }
 
     /// Tells of all that was not looked for, once everything was read.
-    void AddUnknown(const XmlCursor &root);
+    void TellOfUnknown(const XmlCursor &root);
     /// Tells of the exception that ends the load.
     void AddError(const std::exception &error);
     /// Works out lines and columns. The report is whole then.
@@ -76,11 +87,16 @@ private:
 
     std::size_t OffsetOf(const XmlCursor &element) const;
     std::size_t OffsetOf(const char *inBuffer) const;
+    std::size_t TagOf(const XmlCursor &element) const;
     bool Has(std::size_t bit) const;
     void Set(std::size_t bit, bool value);
     const NarrowString &Source();
+    void AddAt(std::size_t offset, Severity severity, const XmlCursor &element, NarrowString what,
+               std::vector<kytl::KyID> ids, bool isKept = false);
     void AddFault();
     void AddUnknownBelow(const XmlCursor &element);
+    void AddSections(const XmlCursor &root);
+    void AddSectionsOf(const XmlCursor &element);
 
     static inline constinit thread_local LoadContext *current_ = nullptr;
 
@@ -93,6 +109,11 @@ private:
     std::vector<bool> marks_; ///< by places in the buffer that belong to one element or attribute each
     std::optional<NarrowString> source_;
     std::optional<XmlFault> fault_;
+    bool hasSections_ = false;
+    std::size_t lostValues_ = 0;
+    /// Comments and instructions by the element that they stand in: the first, and how many there are.
+    std::unordered_map<std::size_t, std::pair<std::size_t, std::size_t>> sections_;
+    std::unordered_set<std::size_t> whole_; ///< elements that are written as they came
     ElementPaths paths_;
     XmlCursor last_; ///< that was looked at
     XmlCursor failed_;
@@ -103,6 +124,9 @@ void PassOver(const XmlCursor &element);
 
 /// Takes back that an element is known, for whoever has looked for it by its tag and cannot read it.
 void Disown(const XmlCursor &element);
+
+/// Tells of a number that is read and kept, but is none of those that stand for something.
+void TellOfChoice(const XmlCursor &element, const char *field, int number);
 
 /// Tells the load that goes on, if one does and wants to know.
 void TellLoad(LoadEntry::Severity severity, const XmlCursor &element, NarrowString what,

@@ -351,6 +351,20 @@ void XmlCursor::Get(kytl::KyID &value) const
     value = ReadText(*this, [](std::string_view text) { return kytl::KyID::FromString(text); });
 }
 
+std::optional<kytl::KyID> XmlCursor::FindID(const char *name) const
+{
+    const XmlCursor child = Find(name);
+    if (child.IsNull())
+        return std::nullopt;
+    try {
+        kytl::KyID id;
+        child.Get(id);
+        return id;
+    } catch (const std::runtime_error &) {
+        return std::nullopt;
+    }
+}
+
 void XmlCursor::Get(WideString &value) const
 {
     value = ReadText(*this, FromUtf8);

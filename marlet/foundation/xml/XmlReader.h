@@ -6,6 +6,7 @@
 #include <marlet/foundation/xml/XmlText.h>
 
 #include <memory>
+#include <optional>
 #include <type_traits>
 
 namespace pugi
@@ -97,6 +98,9 @@ public:
         Get(number);
         value = static_cast<Enum>(number);
     }
+
+    /// The ID in a child, for who looks at a document without reading it; none if there is none.
+    std::optional<kytl::KyID> FindID(const char *name) const;
 
     /// Reads a required child: the counterpart of XmlWriter::Child. @throws as Require and Get.
     template <class T> void Child(const char *name, T &value) const { Require(name).Get(value); }

@@ -62,6 +62,29 @@ std::string_view XmlElementAt(std::string_view text, std::size_t start)
     return text.substr(start, at - start);
 }
 
+std::vector<XmlSection> XmlSections(std::string_view text)
+{
+    std::vector<XmlSection> sections;
+    std::vector<std::size_t> open;
+    for (std::size_t at = text.find('<'); at < text.size(); at = text.find('<', at)) {
+        const std::size_t start = at;
+        if (const std::size_t behind = BehindSection(text, at); behind != at) {
+            at = behind;
+            const bool isText = text.substr(start, 3) == "<![";
+            const bool isDeclaration = start == 0 && text.starts_with("<?xml ");
+            if (!isText && !isDeclaration)
+                sections.push_back({start, open.empty() ? text.npos : open.back()});
+            continue;
+        }
+        at = BehindTag(text, at);
+        if (text[start + 1] == '/')
+            open.pop_back();
+        else if (text[at - 2] != '/')
+            open.push_back(start);
+    }
+    return sections;
+}
+
 std::string_view XmlNameAt(std::string_view text, std::size_t start)
 {
     const std::size_t end = std::min(text.find_first_of(" \t\r\n/>=", start), text.size());
@@ -74,19 +97,6 @@ std::string_view XmlAttributeAt(std::string_view text, std::size_t name)
     return quote == std::string_view::npos
                ? std::string_view()
                : text.substr(name, Behind(text, text.substr(quote, 1), quote + 1) - name);
-}
-
-void TextPlace::GoTo(std::string_view text, std::size_t to)
-{
-    for (to = std::min(to, text.size()); offset < to; ++offset) {
-        const char c = text[offset];
-        if (c == '\n' || (c == '\r' && text.substr(offset + 1, 1) != "\n")) {
-            ++line;
-            column = 1;
-        } else if ((c & 0xC0) != 0x80) {
-            ++column;
-        }
-    }
 }
 
 } // namespace marlet::project

@@ -2,27 +2,27 @@
 
 #include <cstddef>
 #include <string_view>
+#include <vector>
 
 namespace marlet::project
 {
 
-// Pieces and places of a text that is well-formed.
+// Pieces of a text that is well-formed.
+
+/// Something that is neither an element nor a text.
+struct XmlSection {
+    std::size_t offset;
+    std::size_t element;
+};
 
 /// The element whose "<" stands at an offset, with its end tag.
 std::string_view XmlElementAt(std::string_view text, std::size_t start);
 /// The name that starts at an offset.
 std::string_view XmlNameAt(std::string_view text, std::size_t start);
+/// The comments and instructions, each with the "<" of the innermost element around it, which is
+/// npos outside of the root. The XML declaration is none.
+std::vector<XmlSection> XmlSections(std::string_view text);
 /// The attribute whose name stands at an offset, with its value in quotes.
 std::string_view XmlAttributeAt(std::string_view text, std::size_t name);
-
-/// A place in a text in UTF-8. Lines end with LF, CR or both, columns count characters.
-struct TextPlace {
-    std::size_t offset = 0;
-    int line = 1;
-    int column = 1;
-
-    /// Goes on to an offset, which is no smaller.
-    void GoTo(std::string_view text, std::size_t to);
-};
 
 } // namespace marlet::project
