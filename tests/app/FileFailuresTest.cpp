@@ -32,20 +32,25 @@ TEST_F(FileFailuresTest, EveryFailureNamesTheFile)
     Write("odd.xml", Utf16(u"<Project/>", false) + "x");
     Write("bare.xml", "<Project/>");
 
-    const std::pair<const char *, const char *> cases[] = {
-        {"gone.xml", "No such file or directory"},
-        {".", "Is a directory"},
-        {"empty.xml:1:1", "Wrong tag name: Project"},
-        {"latin.xml:1:31", "The text is not UTF-8"},
-        {"cut.xml", "Wrong tag name: Project"},
-        {"odd.xml", "The text is cut off in the middle of a character"},
-        {"bare.xml", "Project is missing attribute Version: "},
-        {"/dev/null", "Wrong tag name: Project"},
+    const struct {
+        const char *file;
+        const char *place;
+        const char *message;
+    } cases[] = {
+        {"gone.xml", "", "No such file or directory"},
+        {".", "", "Is a directory"},
+        {"empty.xml", ":1:1", "Wrong tag name: Project"},
+        {"latin.xml", ":1:31", "The text is not UTF-8"},
+        {"cut.xml", ":32:27", "Wrong tag name: Project"},
+        {"odd.xml", "", "The text is cut off in the middle of a character"},
+        {"bare.xml", ":1:1", "Project is missing attribute Version: "},
+        {"/dev/null", ":1:1", "Wrong tag name: Project"},
     };
-    for (const auto &[file, message] : cases) {
+    for (const auto &[file, place, message] : cases) {
         const ToolRun run = Run({"info", file});
         EXPECT_EQ(run.exitCode, 1) << file;
-        EXPECT_THAT(run.err, testing::EndsWith(std::string("marlet: ") + file + ": " + message + "\n"));
+        EXPECT_THAT(run.err,
+                    testing::EndsWith(std::string("marlet: ") + file + place + ": " + message + "\n"));
     }
 }
 

@@ -61,7 +61,7 @@ TEST_F(SaveTest, KeepsWhatPluginsMadeThatItDoesNotHave)
     Write("bad.xml", text.replace(text.find(start), start.size(), "<PluginID>0"));
     EXPECT_EQ(Run({"save", "bad.xml", "out.xml"}).err, "");
     EXPECT_EQ(Read("out.xml"), text);
-    const std::string missing = "the plug-in \"Levels\" 1.0.0.0 is missing, for 1 use\n";
+    const std::string missing = "the plug-in \"Levels\" 2.0.0.0 is missing, for 1 use\n";
     EXPECT_EQ(Run({"info", "bad.xml"}).err, "bad.xml: warning: " + missing);
     EXPECT_THAT(Run({"check", "bad.xml"}).out, testing::HasSubstr("\n" + missing));
     EXPECT_THAT(Run({"check", "bad.xml", "--json"}).out,

@@ -169,8 +169,8 @@ TEST_F(PreviewTest, DrawsNestedCompositionsAtTheirOwnTimeAndTurnsDownACircle)
     FrameRenderer renderer(project_);
     EXPECT_FALSE(renderer.Render(outer, 10).isNull());
     ASSERT_EQ(renderer.LeftOut().size(), 2u);
-    EXPECT_EQ(renderer.LeftOut()[0].place.find("layer \"Stray\""), 0u);
-    EXPECT_EQ(renderer.LeftOut()[1].place.find("layer \"Back\""), 0u);
+    EXPECT_EQ(renderer.LeftOut()[1].place.find("layer \"Stray\""), 0u);
+    EXPECT_EQ(renderer.LeftOut()[0].place.find("layer \"Back\""), 0u);
 }
 
 TEST_F(PreviewTest, PutsTextIntoItsFrameAndAPlaceholderWhereAClipWouldBe)
