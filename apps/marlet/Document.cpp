@@ -10,6 +10,7 @@
 #include "plugins/Ribbon.h"
 
 #include <marlet/editor/AbstractSequenceObject.h>
+#include <marlet/foundation/Exceptions.h>
 #include <marlet/layers/AssetLayer.h>
 #include <marlet/project/AssetList.h>
 #include <marlet/project/CompositionAsset.h>
@@ -88,7 +89,8 @@ ProjectPointer Document::Open(PluginUse plugins, const std::shared_ptr<MediaMana
         const LoadEntry *const entry = report_.FirstError();
         if (!entry || entry->line == 0)
             throw;
-        throw Failure(PlaceName(path_, PlaceOf(*entry)), error.what());
+        const auto *const ofFile = dynamic_cast<const FileException *>(&error);
+        throw Failure(PlaceName(path_, PlaceOf(*entry)), ofFile ? ofFile->Reason() : error.what());
     }
     if (voice_ == Voice::Tells)
         Tell();
