@@ -190,7 +190,12 @@ void KeyFrameList_Impl::AddLate(const KeyFrame &key)
         next = &lateAfter->key;
 
     KeyFrameNode *node = pool_.Make(key, epoch_);
-    late_.Insert(node, time);
+    try {
+        late_.Insert(node, time);
+    } catch (...) {
+        pool_.Destroy(node);
+        throw;
+    }
     hasLate_.store(true, std::memory_order_relaxed);
     MarkAdded(node->key, previous, next);
     EnterInIndex(node->key);
