@@ -53,6 +53,7 @@ public:
         constexpr double kSmallestStep = 0.0001;
         constexpr int kMostIterations = 100;
         to_ = {start};
+        near_ = Near(from);
         for (int i = std::min(maxIterations, kMostIterations); i > 0; --i) {
             const cv::Point2f last = to_[0];
             Step(from, 1);
@@ -65,13 +66,21 @@ public:
     }
 
 private:
+    /// The slopes that are looked at: those of the window, and one more on each side to interpolate with.
+    cv::Rect Near(const cv::Point2f &from) const
+    {
+        const cv::Point corner(cvFloor(from.x) - window_.width / 2 - 1,
+                               cvFloor(from.y) - window_.height / 2 - 1);
+        return cv::Rect(corner, window_ + cv::Size(3, 3)) & cv::Rect({}, slopes_.size());
+    }
+
     void Step(const cv::Point2f &from, int iterations)
     {
         const cv::Point2f move = to_[0] - from;
         const cv::Range rows = WhatStays(slopes_.rows, move.y), columns = WhatStays(slopes_.cols, move.x);
-        previous_[1].setTo(0);
-        if (!rows.empty() && !columns.empty())
-            slopes_(rows, columns).copyTo(previous_[1](rows, columns));
+        const cv::Rect stays = near_ & cv::Rect(columns.start, rows.start, columns.size(), rows.size());
+        previous_[1](near_).setTo(0);
+        slopes_(stays).copyTo(previous_[1](stays));
         cv::calcOpticalFlowPyrLK(previous_, next_, std::vector{from}, to_, found_, errors_, window_, 0,
                                  {cv::TermCriteria::COUNT, iterations, 0}, cv::OPTFLOW_USE_INITIAL_FLOW);
     }
@@ -80,6 +89,7 @@ private:
     std::vector<cv::Mat> previous_; ///< the picture and its slopes
     std::vector<cv::Mat> next_;
     cv::Mat slopes_;
+    cv::Rect near_;
     std::vector<cv::Point2f> to_;
     std::vector<unsigned char> found_;
     std::vector<float> errors_;
