@@ -64,12 +64,14 @@ TYPED_TEST(SequenceObjectTest, StartsWithThePropertiesOfItsClass)
     using Kinds = std::vector<NewProperty>;
     constexpr bool isSound = std::is_same_v<TypeParam, AudioObject>;
     const Point2 origin{0, 0};
-    const Kinds expected = isSound
-                               ? Kinds{{"audioLevel", 0.f, true}, {"speed", 1.0, true}}
-                               : Kinds{{"opacity", 100.f, true},     {"anchorPoint", origin, true},
-                                       {"position", origin, true},   {"scale", Scale3D{100, 100, 100}, true},
-                                       {"scaleLinked", true, false}, {"rotationZ", 0.f, true},
-                                       {"speed", 1.0, true}};
+    const Kinds expected = isSound ? Kinds{{"audioLevel", 0.f}, {"speed", 1.0}}
+                                   : Kinds{{"opacity", 100.f},
+                                           {"anchorPoint", origin},
+                                           {"position", origin},
+                                           {"scale", Scale3D{100, 100, 100}},
+                                           {"scaleLinked", true, kFixed},
+                                           {"rotationZ", 0.f},
+                                           {"speed", 1.0}};
     const auto fresh = TypeParam::Create(this->solid, this->sequence);
     EXPECT_EQ(PropertiesOf(fresh->Properties()), expected);
     EXPECT_EQ(static_cast<int>(fresh->Type()), isSound ? 1 : 0);

@@ -2,7 +2,7 @@
 
 #include <tests/support/LayerStage.h>
 #include <tests/support/LayerTexts.h>
-#include <tests/support/PropertyValuePrinter.h>
+#include <tests/support/NewProperties.h>
 #include <tests/support/Setters.h>
 
 #include <marlet/layers/AssetLayer.h>
@@ -20,43 +20,13 @@ namespace marlet::test
 namespace
 {
 
-enum Kind { kAnimated, kFixed, kAlongPath };
-
-struct Row {
-    NarrowString name;
-    PropertyValue value;
-    Kind kind = kAnimated;
-
-    bool operator==(const Row &other) const = default;
-    friend void PrintTo(const Row &row, std::ostream *stream)
-    {
-        *stream << row.name << " " << row.kind << " " << testing::PrintToString(row.value);
-    }
-};
-
-using Rows = std::vector<Row>;
+using Rows = std::vector<NewProperty>;
 using Colour = kytl::KyColorRGBA_32f;
 
 Rows operator+(Rows first, const Rows &second)
 {
     first.insert(first.end(), second.begin(), second.end());
     return first;
-}
-
-Rows RowsOf(const PropertyManager &properties)
-{
-    Rows rows;
-    for (const NarrowString &name : properties.PropertyNames()) {
-        const char *property = name.c_str();
-        const Kind kind = properties.IsSpatial(property)    ? kAlongPath
-                          : properties.CanAnimate(property) ? kAnimated
-                                                            : kFixed;
-        rows.push_back({name, properties.StaticValue(property), kind});
-        EXPECT_EQ(properties.DefaultValue(property), properties.StaticValue(property)) << name;
-        EXPECT_TRUE(properties.IsStatic(property)) << name;
-        EXPECT_TRUE(kind != kAlongPath || properties.CanAnimate(property)) << name;
-    }
-    return rows;
 }
 
 const Rows kTurned = {{"rotationX", 0.f}, {"rotationY", 0.f}, {"rotationZ", 0.f}};
@@ -125,19 +95,19 @@ TEST(NewLayer, HasThePropertiesOfItsClass)
 {
     for (const NewLayer &c : NewLayers()) {
         SCOPED_TRACE(c.type);
-        EXPECT_EQ(RowsOf(c.layer->Animation()), c.rows);
+        EXPECT_EQ(PropertiesOf(c.layer->Animation()), c.rows);
     }
     const auto mask = Mask::Create(u"");
-    EXPECT_EQ(RowsOf(mask->Animation()), (Rows{{"opacity", 100.f},
-                                               {"expansion", 0.f},
-                                               {"feather", 0.f},
-                                               {"roundness", 0.f},
-                                               {"featherMode", 2, kFixed},
-                                               {"inverted", false, kFixed},
-                                               {"blendMode", 2, kFixed},
-                                               {"motionPath", true}}));
+    EXPECT_EQ(PropertiesOf(mask->Animation()), (Rows{{"opacity", 100.f},
+                                                     {"expansion", 0.f},
+                                                     {"feather", 0.f},
+                                                     {"roundness", 0.f},
+                                                     {"featherMode", 2, kFixed},
+                                                     {"inverted", false, kFixed},
+                                                     {"blendMode", 2, kFixed},
+                                                     {"motionPath", true}}));
     using Offset = kytl::matl::KyVector<2, float>;
-    EXPECT_EQ(RowsOf(PathPoint::Create(3, 4, {})->Animation()),
+    EXPECT_EQ(PropertiesOf(PathPoint::Create(3, 4, {})->Animation()),
               (Rows{{"position", kytl::matl::KyPoint<2, float>{3, 4}},
                     {"leftHandle", Offset{0, 0}},
                     {"rightHandle", Offset{0, 0}}}));

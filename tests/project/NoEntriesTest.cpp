@@ -3,6 +3,7 @@
 #include "Loading.h"
 
 #include <tests/support/FakeMedia.h>
+#include <tests/support/NoPointers.h>
 
 #include <marlet/layers/CameraLayer.h>
 #include <marlet/layers/PointLayer.h>
@@ -17,31 +18,8 @@
 
 using namespace marlet::project;
 using kytl::KyID;
-
-namespace
-{
-
-/// Puts an entry into a list, with an empty one on each side.
-template <class List, class Entry> void Surround(List &list, const Entry &entry)
-{
-    list.Add(nullptr);
-    list.Add(entry);
-    list.Add(nullptr);
-}
-
-template <class Call> testing::AssertionResult Refuses(const char *argument, Call &&call)
-{
-    try {
-        call();
-    } catch (const std::invalid_argument &failure) {
-        return failure.what() == "The " + std::string(argument) + " must not be null"
-                   ? testing::AssertionSuccess()
-                   : testing::AssertionFailure() << failure.what();
-    }
-    return testing::AssertionFailure() << "nothing thrown";
-}
-
-} // namespace
+using marlet::test::Refuses;
+using marlet::test::Surround;
 
 TEST(NoEntries, OfACompositionAreNoLayers)
 {

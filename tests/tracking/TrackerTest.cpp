@@ -71,11 +71,11 @@ TEST(Tracker, StartsWithTwoPointsOfWhichOneIsSeen)
         EXPECT_EQ(static_cast<int>(point->Type()), isPrimary ? 0 : 1);
         EXPECT_EQ(point->IsVisible(), isPrimary);
         EXPECT_EQ(point->ParentTrackerID(), tracker->ID());
-        const std::vector<NewProperty> expected = {{"featurePosition", position, true},
-                                                   {"featureDimensions", Point2{20, 20}, false},
-                                                   {"featureOffset", Point2{0, 0}, true},
-                                                   {"searchPosition", Point2{0, 0}, false},
-                                                   {"searchDimensions", Point2{60, 60}, false}};
+        const std::vector<NewProperty> expected = {{"featurePosition", position},
+                                                   {"featureDimensions", Point2{20, 20}, kFixed},
+                                                   {"featureOffset", Point2{0, 0}},
+                                                   {"searchPosition", Point2{0, 0}, kFixed},
+                                                   {"searchDimensions", Point2{60, 60}, kFixed}};
         EXPECT_EQ(PropertiesOf(point->Animation()), expected);
     }
 }
