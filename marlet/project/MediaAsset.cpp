@@ -1,18 +1,13 @@
 #include <marlet/project/MediaAsset.h>
 
 #include <marlet/foundation/Arguments.h>
-#include <marlet/foundation/KyCriticalSection.h>
 #include <marlet/foundation/xml/XmlReader.h>
 #include <marlet/foundation/xml/XmlWriter.h>
 #include <marlet/platform/images/ImageFile.h>
 #include <marlet/platform/media/KyAbstractAudioStream.h>
-#include <marlet/platform/media/KyAbstractMediaFile.h>
 #include <marlet/platform/media/KyAbstractVideoStream.h>
-#include <marlet/platform/media/KyMedia.h>
 #include <marlet/project/InstancesXml.h>
-#include <marlet/project/MediaAudioStream.h>
-#include <marlet/project/MediaPaths.h>
-#include <marlet/project/MediaVideoStream.h>
+#include <marlet/project/MediaAssetImpl.h>
 
 #include <algorithm>
 #include <utility>
@@ -26,12 +21,7 @@ using kyh::media::KyAbstractVideoStream;
 using kytl::thread::KyCriticalSection;
 using kytl::thread::KyScopedLock;
 
-namespace
-{
-
-constexpr int kNotSet = -1;
-
-MediaAsset::Status StatusOf(int code)
+MediaAsset::Status MediaAsset_Impl::StatusOf(int code)
 {
     switch (code) {
     case kyh::media::kSuccess:
@@ -47,63 +37,6 @@ MediaAsset::Status StatusOf(int code)
         return MediaAsset::Status::Failed;
     }
 }
-
-} // namespace
-
-struct MediaAsset_Impl {
-    kytl::KyID id;
-    WideString name;
-    MediaPath path;
-    bool isImageSequence = false;
-    bool isDirty = false;
-    Uncopied<AbstractAsset::InstanceList> instances;
-    kytl::KyID parentFolderID;
-    KeptXml kept;
-    // The path, the status, the file and the streams change under both locks, and are asked under the short
-    // one alone, which nobody holds while a frame is decoded or a file is opened. The file is not touched
-    // when an asset ends: its manager may have released it by then.
-    mutable MediaAsset::Status status = MediaAsset::Status::Failed;
-    mutable int fileState = kyh::media::kSuccess; ///< that the status has taken in
-    KyAbstractMediaFile *mediaFile = nullptr;
-    mutable Uncopied<std::shared_ptr<MediaVideoStream>> videoStream;
-    mutable Uncopied<std::shared_ptr<MediaAudioStream>> audioStream;
-    MediaAsset::OverrideOptions override;
-    mutable int trimmerInPoint = kNotSet;
-    mutable int trimmerOutPoint = kNotSet;
-    mutable Uncopied<KyCriticalSection> lock;
-    mutable Uncopied<KyCriticalSection> shortLock; ///< taken after the other one
-
-    // Under the short lock:
-
-    int FileState() const { return mediaFile ? mediaFile->State() : kyh::media::kSuccess; }
-
-    void SetStatus(int code)
-    {
-        status = StatusOf(code);
-        // What was told of a file stands until the file tells of something else; no file is usable that says
-        // it is not.
-        fileState = status == MediaAsset::Status::Usable ? kyh::media::kSuccess : FileState();
-    }
-
-    MediaAsset::Status FollowFile() const
-    {
-        const int state = FileState();
-        if (std::exchange(fileState, state) != state)
-            status = StatusOf(state);
-        return status;
-    }
-
-    template <class Stream> std::shared_ptr<Stream> StreamOfFile(int kind) const
-    {
-        return mediaFile ? std::static_pointer_cast<Stream>(mediaFile->Stream(kind)) : nullptr;
-    }
-
-    void DropStreams()
-    {
-        audioStream->reset();
-        videoStream->reset();
-    }
-};
 
 namespace
 {
@@ -128,7 +61,7 @@ template <class Xml, class Self> void MediaAssetFields(Xml &xml, Self &self)
 /// Moves a point beyond the end to the last frame.
 int CorrectedPoint(int &point, const MediaAsset &asset)
 {
-    if (point == kNotSet)
+    if (point == MediaAsset_Impl::kNotSet)
         return point;
     if (const auto video = asset.VideoStream())
         point = std::min(point, video->FrameCount() - 1);
@@ -319,7 +252,7 @@ void MediaAsset::Relink(const WideString &path, KyAbstractMediaFile *file, int c
         impl_->mediaFile = file;
         impl_->SetStatus(code);
     }
-    if (file && StatusOf(code) == Status::Usable)
+    if (file && MediaAsset_Impl::StatusOf(code) == Status::Usable)
         file->NotifyRelinked();
 }
 
