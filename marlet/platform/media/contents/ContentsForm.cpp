@@ -1,5 +1,6 @@
 #include <marlet/platform/media/contents/ContentsForm.h>
 
+#include <marlet/platform/media/contents/FormBytes.h>
 #include <marlet/platform/media/decoding/SampleFormat.h>
 
 #include <algorithm>
@@ -16,19 +17,12 @@ namespace kyh::media
 namespace
 {
 
+using namespace form;
+
 /// Another for every change of the form, and of what an index means.
 constexpr std::int64_t kFormNumber = 1;
 constexpr std::string_view kBeginning = "marlet media index\n";
 constexpr std::size_t kSumBytes = 8;
-
-struct Damaged {
-};
-
-void Require(bool condition)
-{
-    if (!condition)
-        throw Damaged();
-}
 
 std::uint64_t SumOf(std::string_view bytes)
 {
@@ -45,160 +39,18 @@ std::uint64_t SumOf(std::string_view bytes)
     return sum;
 }
 
-/// Writes numbers in as few bytes as they need, seven bits in each. Reading has the same operations, so that
-/// both directions share the descriptions below.
-class Writing
-{
-public:
-    void Number(std::int64_t number)
-    {
-        const auto bits = static_cast<std::uint64_t>(number);
-        // Small numbers below 0 are small as well.
-        std::uint64_t rest = bits << 1 ^ (number < 0 ? ~std::uint64_t{0} : 0);
-        for (; rest > 127; rest >>= 7)
-            bytes_.push_back(static_cast<char>(rest | 128));
-        bytes_.push_back(static_cast<char>(rest));
-    }
-    void Text(std::string_view text)
-    {
-        Number(static_cast<std::int64_t>(text.size()));
-        bytes_ += text;
-    }
-    std::string &Bytes() { return bytes_; }
-
-private:
-    std::string bytes_;
-};
-
-class Reading
-{
-public:
-    explicit Reading(std::string_view bytes) : left_(bytes) {}
-
-    std::int64_t Number()
-    {
-        std::uint64_t bits = 0;
-        for (int shift = 0;; shift += 7) {
-            Require(!left_.empty() && shift < 64);
-            const auto byte = static_cast<unsigned char>(left_.front());
-            left_.remove_prefix(1);
-            bits |= std::uint64_t{byte & 127u} << shift;
-            if (byte < 128)
-                break;
-        }
-        return static_cast<std::int64_t>(bits >> 1 ^ (bits & 1 ? ~std::uint64_t{0} : 0));
-    }
-    std::string_view Text()
-    {
-        const std::size_t size = Size();
-        const std::string_view text = left_.substr(0, size);
-        left_.remove_prefix(size);
-        return text;
-    }
-    /// Of something that takes at least a byte for each.
-    std::size_t Size()
-    {
-        const std::int64_t size = Number();
-        Require(size >= 0 && static_cast<std::uint64_t>(size) <= left_.size());
-        return static_cast<std::size_t>(size);
-    }
-    bool IsAtEnd() const { return left_.empty(); }
-
-private:
-    std::string_view left_;
-};
-
-template <class Integer> void Field(Writing &to, const Integer &value)
-{
-    to.Number(static_cast<std::int64_t>(value));
-}
-
-template <class Integer> void Field(Reading &from, Integer &value)
-{
-    const std::int64_t number = from.Number();
-    value = static_cast<Integer>(number);
-    Require(static_cast<std::int64_t>(value) == number);
-}
-
-void Field(Reading &from, AVCodecID &codec)
-{
-    const std::int64_t number = from.Number();
-    Require(number >= 0 && number <= AV_CODEC_ID_WRAPPED_AVFRAME);
-    codec = static_cast<AVCodecID>(number);
-}
-
-void Field(Reading &from, AVSampleFormat &format)
-{
-    const std::int64_t number = from.Number();
-    Require(number >= 0 && number < AV_SAMPLE_FMT_NB);
-    format = static_cast<AVSampleFormat>(number);
-}
-
-void Field(Writing &to, const double &value)
-{
-    to.Number(std::bit_cast<std::int64_t>(value));
-}
-
-void Field(Reading &from, double &value)
-{
-    value = std::bit_cast<double>(from.Number());
-}
-
-/// As what it is more than the one before, which mostly stays the same from packet to packet.
-template <class Integer> void Step(Writing &to, const Integer &value, std::uint64_t &before)
-{
-    const auto bits = static_cast<std::uint64_t>(static_cast<std::int64_t>(value));
-    to.Number(static_cast<std::int64_t>(bits - std::exchange(before, bits)));
-}
-
-template <class Integer> void Step(Reading &from, Integer &value, std::uint64_t &before)
-{
-    before += static_cast<std::uint64_t>(from.Number());
-    const auto number = static_cast<std::int64_t>(before);
-    value = static_cast<Integer>(number);
-    Require(static_cast<std::int64_t>(value) == number);
-}
-
-template <class Item> void Sized(Writing &to, const std::vector<Item> &items)
-{
-    Field(to, items.size());
-}
-
-template <class Item> void Sized(Reading &from, std::vector<Item> &items)
-{
-    items.resize(from.Size());
-}
-
-template <class Form, class Facts> void TurnFields(Form &form, Facts &turn)
-{
-    Field(form, turn.isTransposed);
-    Field(form, turn.isMirroredAcross);
-    Field(form, turn.isMirroredDown);
-}
-
 template <class Form, class Facts> void VideoFactFields(Form &form, Facts &facts)
 {
-    Field(form, facts.width);
-    Field(form, facts.height);
-    TurnFields(form, facts.turn);
-    Field(form, facts.pixelAspect);
-    Field(form, facts.frameRate);
-    Field(form, facts.frameCount);
-    Field(form, facts.fieldOrder);
-    Field(form, facts.hasAlpha);
-    Field(form, facts.isStill);
-    Field(form, facts.codec);
-    Field(form, facts.profile);
+    Fields(form, facts.width, facts.height);
+    Fields(form, facts.turn.isTransposed, facts.turn.isMirroredAcross, facts.turn.isMirroredDown);
+    Fields(form, facts.pixelAspect, facts.frameRate, facts.frameCount, facts.fieldOrder);
+    Fields(form, facts.hasAlpha, facts.isStill, facts.codec, facts.profile);
 }
 
 template <class Form, class Facts> void SoundFactFields(Form &form, Facts &facts)
 {
-    Field(form, facts.sampleRate);
-    Field(form, facts.channels);
-    Field(form, facts.bytesPerSample);
-    Field(form, facts.count);
-    Field(form, facts.codec);
-    Field(form, facts.profile);
+    Fields(form, facts.sampleRate, facts.channels, facts.bytesPerSample);
+    Fields(form, facts.count, facts.codec, facts.profile);
 }
 
 template <class Form, class Marks> void PacketFields(Form &form, Marks &packets)
@@ -250,10 +102,7 @@ template <class Form, class Contents> void ContentFields(Form &form, Contents &c
 
 template <class Form, class Sound> void SoundFormFields(Form &form, Sound &sound)
 {
-    Field(form, sound.sampleRate);
-    Field(form, sound.channels);
-    Field(form, sound.format);
-    Field(form, sound.profile);
+    Fields(form, sound.sampleRate, sound.channels, sound.format, sound.profile);
 }
 
 void Write(Writing &to, const VideoContents &video)
@@ -347,11 +196,8 @@ void WriteOrigin(Writing &to, const ContentsOrigin &origin)
     Field(to, avformat_version());
     Field(to, avcodec_version());
     to.Text(origin.path);
-    Field(to, origin.identity.device);
-    Field(to, origin.identity.inode);
-    Field(to, origin.identity.size);
-    Field(to, origin.identity.writtenAt);
-    Field(to, origin.identity.changedAt);
+    const FileIdentity &file = origin.identity;
+    Fields(to, file.device, file.inode, file.size, file.writtenAt, file.changedAt);
 }
 
 std::string Signed(std::string_view content)
