@@ -28,6 +28,15 @@ ScalerPtr NewScaler(const Scalers::Form &form)
     return scaler;
 }
 
+/// By what contexts of many sizes and formats were seen to allocate, which grows with the sides alone.
+std::size_t BytesOf(const Scalers::Form &form)
+{
+    constexpr std::size_t kAtLeast = 90'000;
+    const auto inside = static_cast<std::size_t>(form.width + form.height);
+    const auto outside = static_cast<std::size_t>(form.outWidth + form.outHeight);
+    return kAtLeast + 40 * inside + 60 * outside;
+}
+
 } // namespace
 
 ScalerPtr Scalers::Take(const Form &form)
@@ -38,6 +47,7 @@ ScalerPtr Scalers::Take(const Form &form)
                                         [&form](const Resting &resting) { return resting.form == form; });
         if (place != resting_.end()) {
             ScalerPtr scaler = std::move(place->scaler);
+            bytes_ -= BytesOf(form);
             resting_.erase(place);
             return scaler;
         }
@@ -50,8 +60,17 @@ void Scalers::Keep(const Form &form, ScalerPtr scaler)
     std::list<Resting> gone; // behind the lock
     const KyScopedLock lock(lock_);
     resting_.push_front({form, std::move(scaler)});
-    if (resting_.size() > kMost)
+    bytes_ += BytesOf(form);
+    while (resting_.size() > kMost || bytes_ > kMostBytes) {
+        bytes_ -= BytesOf(resting_.back().form);
         gone.splice(gone.begin(), resting_, std::prev(resting_.end()));
+    }
+}
+
+std::size_t Scalers::Bytes() const
+{
+    const KyScopedLock lock(lock_);
+    return bytes_;
 }
 
 } // namespace kyh::media

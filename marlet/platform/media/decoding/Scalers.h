@@ -10,12 +10,13 @@
 namespace kyh::media
 {
 
-/// Keeps scalers for the next frame of their form, whichever stream it is of: each has about a megabyte. Any
-/// thread may use it; nothing is made or freed while its lock is held.
+/// Keeps scalers for the next frame of their form, whichever stream it is of, beside the budget for frames:
+/// few, and few bytes. Any thread may use it; nothing is made or freed while its lock is held.
 class Scalers
 {
 public:
     static constexpr std::size_t kMost = 8;
+    static constexpr std::size_t kMostBytes = std::size_t{4} << 20;
 
     /// What a scaler is made for.
     struct Form {
@@ -33,8 +34,10 @@ public:
 
     /// One that was kept, or else a new one. @throws MediaFailure
     ScalerPtr Take(const Form &form);
-    /// The one that was kept longest goes when there are too many.
+    /// Those that were kept longest go when there are too many, or too large ones.
     void Keep(const Form &form, ScalerPtr scaler);
+    /// Of memory, about, in those that are kept.
+    std::size_t Bytes() const;
 
 private:
     struct Resting {
@@ -42,8 +45,9 @@ private:
         ScalerPtr scaler;
     };
 
-    kytl::thread::KyCriticalSection lock_; ///< of what follows
-    std::list<Resting> resting_;           ///< the last that came stands at the front
+    mutable kytl::thread::KyCriticalSection lock_; ///< of what follows
+    std::list<Resting> resting_;                   ///< the last that came stands at the front
+    std::size_t bytes_ = 0;
 };
 
 } // namespace kyh::media
