@@ -36,12 +36,15 @@ struct LayerIndex::Entry {
         }
     }
 
-    std::shared_ptr<AbstractLayer> Find(const kytl::KyID &id) const
+    /// Among so many places from the first on.
+    std::shared_ptr<AbstractLayer> Find(const kytl::KyID &id, std::size_t among) const
     {
         const auto found = placesByID.find(id);
-        auto layer = found == placesByID.end() ? nullptr : places[found->second].layer.lock();
+        auto layer = found == placesByID.end() || found->second >= among ? nullptr
+                                                                         : places[found->second].layer.lock();
         return layer && layer->ID() == id ? layer : nullptr;
     }
+    std::shared_ptr<AbstractLayer> Find(const kytl::KyID &id) const { return Find(id, places.size()); }
 
     bool HasTheEndsOf(const LayerList &layers) const
     {
@@ -49,10 +52,16 @@ struct LayerIndex::Entry {
                                                                      places.back().Holds(layers.back())));
     }
 
+    /// The first place, and the first layer of the list, that differ.
+    auto Difference(const LayerList &layers) const
+    {
+        return std::ranges::mismatch(
+            places, layers, [](const Place &place, const auto &layer) { return place.Holds(layer); });
+    }
+
     bool Describes(const LayerList &layers) const
     {
-        return std::ranges::equal(places, layers,
-                                  [](const Place &place, const auto &layer) { return place.Holds(layer); });
+        return places.size() == layers.size() && Difference(layers).in1 == places.end();
     }
 
     std::vector<Place> places;
@@ -73,7 +82,25 @@ std::shared_ptr<AbstractLayer> LayerIndex::Find(const LayerList &layers, const k
     if (entry && !changesExpected_.load(std::memory_order_acquire) && entry->HasTheEndsOf(layers))
         if (auto layer = entry->Find(id))
             return layer;
-    return Current(layers).Find(id);
+    if (!entry || entry->Describes(layers))
+        return Current(layers).Find(id);
+    const auto [place, behind] = entry->Difference(layers);
+    const auto known = static_cast<std::size_t>(place - entry->places.begin());
+    if (auto layer = entry->Find(id, known))
+        return layer;
+    if (IsWorthMaking(layers.size() - known, layers.size()))
+        return Current(layers).Find(id);
+    const auto found =
+        std::find_if(behind, layers.end(), [&id](const auto &layer) { return layer && layer->ID() == id; });
+    return found == layers.end() ? nullptr : *found;
+}
+
+/// Where changes and searches take turns, an index that is made for each would be of use only once. So layers
+/// that the last one does not know are looked through until that has cost as much as an index does.
+bool LayerIndex::IsWorthMaking(std::size_t unknown, std::size_t all) const
+{
+    constexpr std::size_t kLooksPerLayer = 64;
+    return lookedThrough_.fetch_add(unknown, std::memory_order_relaxed) + unknown > kLooksPerLayer * all;
 }
 
 const LayerIndex::Entry &LayerIndex::Current(const LayerList &layers) const
@@ -90,6 +117,7 @@ const LayerIndex::Entry &LayerIndex::Current(const LayerList &layers) const
             entry->older.reset();
         made->older.reset(entry);
         entry = made.release();
+        lookedThrough_.store(0, std::memory_order_relaxed);
     }
     changesExpected_.store(false, std::memory_order_release);
     return *entry;
