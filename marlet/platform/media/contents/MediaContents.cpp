@@ -123,6 +123,17 @@ bool MayHaveTables(Demuxer &demuxer, const Scan &scan)
            (scan.video < 0 || AreTablesEnough(*demuxer.Stream(scan.video).codecpar));
 }
 
+/// Whether the packets are read sooner than it takes to see whether an index is true.
+bool IsShort(const FileSource &source, Demuxer &demuxer, const Scan &scan)
+{
+    constexpr std::int64_t kSmall = 1 << 20;
+    constexpr int kFew = 300;
+    int packets = 0;
+    for (const int stream : {scan.video, scan.audio})
+        packets += stream < 0 ? 0 : avformat_index_get_entries_count(&demuxer.Stream(stream));
+    return source.Size() < kSmall && packets < kFew;
+}
+
 /// Reads until it is clear what each stream begins with, and how its sound is counted.
 void ReadFirstPackets(Scan &scan, Demuxer &demuxer)
 {
@@ -158,9 +169,7 @@ enum class Tables {
 /// Takes over what the index of the container says.
 Tables ReadTables(Scan &scan, const FileSource &source, Demuxer &demuxer)
 {
-    // So much is read sooner than it takes to see whether an index is true.
-    constexpr std::int64_t kSmall = 1 << 20;
-    if (source.Size() < kSmall || !MayHaveTables(demuxer, scan))
+    if (!MayHaveTables(demuxer, scan) || IsShort(source, demuxer, scan))
         return Tables::Insufficient;
     const auto tracks = ReadMovTracks(source);
     if (!tracks)
