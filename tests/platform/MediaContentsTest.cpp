@@ -1,86 +1,17 @@
-// What is learnt of a file when it is opened: how much of it that takes, and what is kept for the next time.
+// What is learnt of a file when it is opened, and how much of it that takes.
 
-#include "MediaClips.h"
+#include "CodedClips.h"
+#include "PlainDecoding.h"
 
-#include <marlet/platform/media/contents/ContentsForm.h>
-#include <marlet/platform/media/contents/IndexFolder.h>
 #include <marlet/platform/media/contents/SoundCounter.h>
 
-#include <encode/EncoderOutput.h>
-
 #include <algorithm>
-#include <csignal>
-#include <utility>
-
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 using namespace clips;
 namespace fs = std::filesystem;
 
 namespace
 {
-
-MediaContents ContentsOf(const std::string &path, UseOfTables use = UseOfTables::Allowed)
-{
-    const auto source = std::make_shared<FileSource>(path);
-    return LearnContents(source, std::make_unique<Demuxer>(source), use);
-}
-
-/// Frames of noise, which are large, by a codec with sound in AAC.
-std::string CodedClip(const std::string &path, AVCodecID codec, int bFrames, int frames)
-{
-    marlet::tool::EncoderOutput output(path);
-    const auto video = output.NewEncoder(codec);
-    const AVPixelFormat *formats = video->codec->pix_fmts;
-    video->width = 192;
-    video->height = 128;
-    video->pix_fmt = formats ? formats[0] : AV_PIX_FMT_YUV420P;
-    video->time_base = {1, 25};
-    video->gop_size = 12;
-    video->max_b_frames = bFrames;
-    video->bit_rate = 8'000'000;
-    output.Check(avcodec_open2(video.get(), nullptr, nullptr));
-    const auto audio = output.NewEncoder(AV_CODEC_ID_AAC);
-    audio->sample_fmt = AV_SAMPLE_FMT_FLTP;
-    audio->sample_rate = 16000;
-    audio->time_base = {1, 16000};
-    av_channel_layout_default(&audio->ch_layout, 1);
-    output.Check(avcodec_open2(audio.get(), nullptr, nullptr));
-    const AVStream *videoStream = output.AddStream(*video);
-    const AVStream *audioStream = output.AddStream(*audio);
-    output.WriteHeader();
-    const marlet::tool::FramePtr picture(av_frame_alloc());
-    picture->width = video->width;
-    picture->height = video->height;
-    picture->format = video->pix_fmt;
-    output.Check(av_frame_get_buffer(picture.get(), 0));
-    const marlet::tool::FramePtr sound(av_frame_alloc());
-    sound->nb_samples = audio->frame_size;
-    sound->format = audio->sample_fmt;
-    sound->ch_layout = audio->ch_layout;
-    output.Check(av_frame_get_buffer(sound.get(), 0));
-    unsigned int noise = 1;
-    for (int i = 0; i < frames; ++i) {
-        output.Check(av_frame_make_writable(picture.get()));
-        for (int plane = 0; plane < 3; ++plane)
-            for (int k = 0; k < picture->linesize[plane] * picture->height / (plane ? 2 : 1); ++k)
-                picture->data[plane][k] =
-                    static_cast<unsigned char>((noise = noise * 1664525 + 1013904223) >> 24);
-        picture->pts = i;
-        output.Encode(*video, *videoStream, picture.get());
-        output.Check(av_frame_make_writable(sound.get()));
-        std::fill_n(reinterpret_cast<float *>(sound->data[0]), sound->nb_samples,
-                    0.25f * static_cast<float>(i % 3));
-        sound->pts = i * sound->nb_samples;
-        output.Encode(*audio, *audioStream, sound.get());
-    }
-    output.Encode(*video, *videoStream, nullptr);
-    output.Encode(*audio, *audioStream, nullptr);
-    output.Finish();
-    return path;
-}
 
 /// As NumberIn, of the frame as it was decoded.
 int NumberInLuma(const AVFrame &frame)
@@ -93,34 +24,6 @@ int NumberInLuma(const AVFrame &frame)
         number |= (shade > 128) << bit;
     }
     return number;
-}
-
-/// Visits the frames as a decoder gives them that reads the pictures of a clip, its first stream, from front
-/// to back. The time of each is the number of its packet.
-template <class Visit> void DecodePlainly(const std::string &path, Visit &&visit)
-{
-    AVFormatContext *format = nullptr;
-    EXPECT_GE(avformat_open_input(&format, path.c_str(), nullptr, nullptr), 0);
-    EXPECT_GE(avformat_find_stream_info(format, nullptr), 0);
-    const AVCodecParameters &parameters = *format->streams[0]->codecpar;
-    const marlet::tool::CodecPtr decoder(avcodec_alloc_context3(nullptr));
-    avcodec_parameters_to_context(decoder.get(), &parameters);
-    EXPECT_GE(avcodec_open2(decoder.get(), avcodec_find_decoder(parameters.codec_id), nullptr), 0);
-    const marlet::tool::PacketPtr packet(av_packet_alloc());
-    const marlet::tool::FramePtr frame(av_frame_alloc());
-    const auto send = [&](const AVPacket *next) {
-        avcodec_send_packet(decoder.get(), next);
-        while (avcodec_receive_frame(decoder.get(), frame.get()) >= 0)
-            visit(*frame);
-    };
-    for (int number = 0; av_read_frame(format, packet.get()) >= 0; av_packet_unref(packet.get())) {
-        if (packet->stream_index != 0)
-            continue;
-        packet->pts = packet->dts = number++;
-        send(packet.get());
-    }
-    send(nullptr);
-    avformat_close_input(&format);
 }
 
 /// The numbers that are seen in the frames.
@@ -332,163 +235,4 @@ TEST(MediaContents, OfAClipThatIsCutEveryFrameIsGivenThatAPlainDecoderGives)
             EXPECT_TRUE(std::includes(given.begin(), given.end(), plain.begin(), plain.end()))
                 << testing::PrintToString(given) << testing::PrintToString(plain);
         }
-}
-
-TEST(MediaContents, AreKeptForTheSameFileAlone)
-{
-    const Folder folder;
-    const std::string path = CodedClip(folder.Path("clip.mp4"), AV_CODEC_ID_MPEG4, 2, 40);
-    const MediaContents contents = ContentsOf(path);
-    const ContentsOrigin origin{path, FileSource(path).Identity()};
-    const std::string bytes = ContentsToBytes(origin, contents);
-    EXPECT_EQ(ContentsFromBytes(origin, bytes), contents);
-    for (std::size_t i = 0; i < bytes.size(); ++i) {
-        std::string damaged = bytes;
-        damaged[i] = static_cast<char>(damaged[i] ^ 4);
-        EXPECT_FALSE(ContentsFromBytes(origin, damaged)) << i;
-        EXPECT_FALSE(ContentsFromBytes(origin, std::string_view(bytes).substr(0, i))) << i;
-    }
-    for (std::int64_t FileIdentity::*field :
-         {&FileIdentity::size, &FileIdentity::writtenAt, &FileIdentity::changedAt}) {
-        ContentsOrigin other = origin;
-        other.identity.*field += 1;
-        EXPECT_FALSE(ContentsFromBytes(other, bytes));
-    }
-    EXPECT_FALSE(ContentsFromBytes({path + "2", origin.identity}, bytes));
-}
-
-TEST(MediaContents, AFolderKeepsThemWhateverElseIsInIt)
-{
-    const Folder folder;
-    const std::string path = CodedClip(folder.Path("clip.mp4"), AV_CODEC_ID_MPEG4, 1, 30);
-    const FileIdentity identity = FileSource(path).Identity();
-    const MediaContents contents = ContentsOf(path);
-    IndexFolder index;
-    index.Keep(path, identity, contents);
-    EXPECT_FALSE(index.Find(path, identity));
-    EXPECT_FALSE(index.Describe(path));
-    index.SetPath(folder.Path("deep/kept"));
-    EXPECT_FALSE(index.Find(path, identity));
-    index.Keep(path, identity, contents);
-    EXPECT_EQ(index.Find(path, identity), contents);
-    const KeptIndex kept = *index.Describe(path);
-    EXPECT_TRUE(kept.isKept);
-    EXPECT_EQ(kept.bytes, fs::file_size(kept.place));
-    EXPECT_EQ(kept.frames, 30);
-    EXPECT_EQ(kept.sounds, static_cast<int>(contents.sound->samples.Packets().size()));
-
-    std::ofstream(kept.place, std::ios::binary) << "rubbish";
-    EXPECT_FALSE(index.Find(path, identity));
-    index.Keep(path, identity, contents);
-    EXPECT_TRUE(index.Find(path, identity));
-    fs::remove(kept.place);
-    fs::create_directories(kept.place + "/in the way");
-    EXPECT_FALSE(index.Find(path, identity));
-    index.Keep(path, identity, contents);
-    EXPECT_EQ(fs::directory_iterator(kept.place)->path().filename(), "in the way");
-    // A file is no folder.
-    index.SetPath(path);
-    index.Keep(path, identity, contents);
-    EXPECT_FALSE(index.Find(path, identity));
-}
-
-TEST(MediaContents, AreNotKeptInAFolderThatTakesNoMore)
-{
-    const Folder folder;
-    const std::string path = CodedClip(folder.Path("clip.mp4"), AV_CODEC_ID_MPEG4, 1, 30);
-    const FileIdentity identity = FileSource(path).Identity();
-    const MediaContents contents = ContentsOf(path);
-    IndexFolder index;
-    index.SetPath("/proc/self/kept");
-    index.Keep(path, identity, contents);
-    EXPECT_FALSE(index.Find(path, identity));
-
-    index.SetPath(folder.Path("kept"));
-    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
-    struct rlimit before {
-    };
-    ::getrlimit(RLIMIT_FSIZE, &before);
-    const struct rlimit full = {100, before.rlim_max};
-    ::setrlimit(RLIMIT_FSIZE, &full);
-    index.Keep(path, identity, contents);
-    ::setrlimit(RLIMIT_FSIZE, &before);
-    std::signal(SIGXFSZ, handler);
-    EXPECT_FALSE(index.Find(path, identity));
-    EXPECT_EQ(fs::directory_iterator(folder.Path("kept")), fs::directory_iterator());
-    index.Keep(path, identity, contents);
-    EXPECT_EQ(index.Find(path, identity), contents);
-}
-
-TEST(MediaContents, AreKeptWholeByTwoProcessesAtOnce)
-{
-    constexpr int kTimes = 200;
-    const Folder folder;
-    const std::string path = CodedClip(folder.Path("clip.mp4"), AV_CODEC_ID_MPEG4, 1, 30);
-    const FileIdentity identity = FileSource(path).Identity();
-    const MediaContents contents = ContentsOf(path);
-    IndexFolder index;
-    index.SetPath(folder.Path("kept"));
-    index.Keep(path, identity, contents);
-    const ::pid_t other = ::fork();
-    for (int i = 0; i < kTimes; ++i) {
-        index.Keep(path, identity, contents);
-        if (other != 0) {
-            EXPECT_EQ(index.Find(path, identity), contents) << i;
-        }
-    }
-    if (other == 0)
-        ::_exit(0);
-    int status = -1;
-    EXPECT_EQ(::waitpid(other, &status, 0), other);
-    EXPECT_EQ(status, 0);
-    // The entry, and the mark of the last pruning.
-    EXPECT_EQ(std::distance(fs::directory_iterator(folder.Path("kept")), {}), 2);
-}
-
-TEST(MediaContents, ThatAreKeptOpenAFileAsItIs)
-{
-    const Folder folder;
-    const auto resources = std::make_shared<MediaResources>();
-    resources->Index().SetPath(folder.Path("kept"));
-    for (const char *name : {"clip.mp4", "clip.avi", "clip.mkv"}) {
-        SCOPED_TRACE(name);
-        const std::string path = CodedClip(folder.Path(name), AV_CODEC_ID_MPEG4, 2, 60);
-        const Media first(path, std::nullopt, resources);
-        std::optional<Media> again;
-        EXPECT_LT(BytesReadBy([&] { again.emplace(path, std::nullopt, resources); }), 20'000u);
-        const Media &second = *again;
-        ASSERT_EQ(second.code, kSuccess);
-        for (const int number : {59, 0, 31})
-            EXPECT_EQ(second.Frame(number), first.Frame(number));
-        EXPECT_EQ(second.Samples<std::int32_t>(5000, 100), first.Samples<std::int32_t>(5000, 100));
-        // Another file in its place is another.
-        CodedClip(path, AV_CODEC_ID_MPEG4, 0, 20);
-        EXPECT_EQ(Media(path, std::nullopt, resources).video->FrameCount(), 20);
-    }
-}
-
-TEST(MediaContents, AreThrownAwayByAgeAndBySize)
-{
-    const Folder folder;
-    IndexFolder index;
-    index.SetPath(folder.Path(""));
-    const auto now = fs::file_time_type::clock::now();
-    for (int day = 0; day < 70; day += 10) {
-        const std::string entry = folder.Write(std::to_string(day) + ".mix", std::string(1000, 'x'));
-        fs::last_write_time(entry, now - std::chrono::hours(24 * day) - std::chrono::minutes(1));
-    }
-    const std::string other = folder.Write("other.txt", std::string(9000, 'x'));
-    fs::last_write_time(other, now - std::chrono::hours(24 * 100));
-    const auto left = [&folder] {
-        std::vector<std::string> names;
-        for (const auto &entry : fs::directory_iterator(folder.Path("")))
-            names.push_back(entry.path().filename().string());
-        std::ranges::sort(names);
-        return names;
-    };
-    index.Prune();
-    EXPECT_EQ(left(), (std::vector<std::string>{"0.mix", "10.mix", "20.mix", "30.mix", "40.mix", "50.mix",
-                                                "other.txt"}));
-    index.Prune(3500);
-    EXPECT_EQ(left(), (std::vector<std::string>{"0.mix", "10.mix", "20.mix", "other.txt"}));
 }

@@ -2,6 +2,7 @@
 // cost no more of the file than they have to.
 
 #include "MediaClips.h"
+#include "PlainDecoding.h"
 
 #include <encode/EncoderOutput.h>
 
@@ -92,35 +93,16 @@ bool MakeClipOf(const Codec &codec, const std::string &path, int frames)
 std::vector<std::pair<int, Bytes>> DecodeBare(const std::string &path)
 {
     std::vector<std::pair<int, Bytes>> pictures;
-    AVFormatContext *opened = nullptr;
-    EXPECT_GE(avformat_open_input(&opened, path.c_str(), nullptr, nullptr), 0);
-    const FormatPtr format(opened);
-    avformat_find_stream_info(opened, nullptr);
-    const AVCodecParameters *parameters = opened->streams[0]->codecpar;
-    const AVCodec *decoder = avcodec_find_decoder(parameters->codec_id);
-    const CodecPtr context(avcodec_alloc_context3(decoder));
-    avcodec_parameters_to_context(context.get(), parameters);
-    context->thread_count = 1;
-    EXPECT_GE(avcodec_open2(context.get(), decoder, nullptr), 0);
-    VideoFacts facts;
-    facts.width = parameters->width;
-    facts.height = parameters->height;
     FrameCache memory;
     Scalers scalers;
-    const FrameConverter converter(facts, memory, scalers);
-    const PacketPtr packet = NewPacket();
-    const FramePtr frame = NewFrame();
-    for (int number = 0, isMore = 1; isMore; ++number) {
-        isMore = av_read_frame(opened, packet.get()) >= 0;
-        packet->pts = packet->dts = number;
-        avcodec_send_packet(context.get(), isMore ? packet.get() : nullptr);
-        av_packet_unref(packet.get());
-        while (avcodec_receive_frame(context.get(), frame.get()) >= 0) {
-            Bytes bytes(static_cast<std::size_t>(facts.width * facts.height * 4));
-            converter.Convert(*frame, KyImageChannels::Four, bytes.data());
-            pictures.emplace_back(static_cast<int>(frame->pts), std::move(bytes));
-        }
-    }
+    DecodePlainly(path, [&](const AVFrame &frame) {
+        VideoFacts facts;
+        facts.width = frame.width;
+        facts.height = frame.height;
+        Bytes bytes(static_cast<std::size_t>(facts.width * facts.height * 4));
+        FrameConverter(facts, memory, scalers).Convert(frame, KyImageChannels::Four, bytes.data());
+        pictures.emplace_back(PacketOf(frame), std::move(bytes));
+    });
     return pictures;
 }
 
@@ -288,4 +270,21 @@ TEST(MediaReading, AFrameThatDoesNotDecodeCostsItsGroupOnce)
         const std::size_t group = fs::file_size(path) / 12;
         EXPECT_LE(BytesReadBy([&] { frames.Frame(206); }), 2 * group + 70'000);
     }
+}
+
+TEST(MediaReading, ScalersAreKeptWithinTheirBytes)
+{
+    Scalers scalers;
+    std::size_t most = 0;
+    for (int side = 64; side <= 16384; side *= 2) {
+        Scalers::Form form = {.width = side, .height = side, .format = AV_PIX_FMT_YUV420P};
+        form.outWidth = form.outHeight = side;
+        scalers.Keep(form, scalers.Take(form));
+        most = std::max(most, scalers.Bytes());
+        // It is taken out as often as it is put in.
+        scalers.Keep(form, scalers.Take(form));
+        EXPECT_LE(scalers.Bytes(), most);
+    }
+    EXPECT_GT(most, Scalers::kMostBytes / 2);
+    EXPECT_LE(most, Scalers::kMostBytes);
 }

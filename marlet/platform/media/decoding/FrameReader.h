@@ -23,6 +23,9 @@ public:
     }
 
     const AVCodecContext &Context() const { return feed_.Context(); }
+    const AVCodecParameters &Parameters() { return *packets_.Stream().codecpar; }
+    /// Sends all packets to another decoder too, which must stay as long as the reader.
+    void Share(DecoderFeed &other) { other_ = &other; }
 
     /// The number of the packet that is decoded next.
     int Position() const { return packets_.Position(); }
@@ -32,7 +35,16 @@ public:
         if (packet > 0 && !hasSeenFirst_)
             SeeFirst();
         hasSeenFirst_ = true;
+        JumpTo(packet);
+    }
+
+    /// With a decoder that has not seen the first packet, and keeps what it does not forget when it is told
+    /// to.
+    void JumpTo(int packet)
+    {
         feed_.Flush();
+        if (other_)
+            other_->Flush();
         packets_.GoTo(packet);
     }
 
@@ -54,7 +66,10 @@ public:
             const int number = packets_.Position();
             if (feed_.IsAtEnd() || number >= end)
                 return false;
-            feed_.Send(packets_.Read(), number);
+            AVPacket *packet = packets_.Read();
+            if (other_)
+                other_->Send(packet, number);
+            feed_.Send(packet, number);
         }
         return true;
     }
@@ -62,7 +77,7 @@ public:
     bool IsAtEnd() const { return feed_.IsAtEnd(); }
 
 private:
-    CodecPtr NewDecoder() { return OpenDecoder(*packets_.Stream().codecpar, threads_, cache_); }
+    CodecPtr NewDecoder() { return OpenDecoder(Parameters(), threads_, cache_); }
 
     /// What an encoder says of itself in the first packet alone, decoders go by to the end of the stream.
     void SeeFirst()
@@ -75,6 +90,7 @@ private:
     DecoderThreads threads_;
     FrameCache *cache_;
     DecoderFeed feed_;
+    DecoderFeed *other_ = nullptr;
     bool hasSeenFirst_ = false;
 };
 

@@ -15,15 +15,33 @@ SoundDecoder::SoundDecoder(FileSourcePtr source, int stream, const SoundIndex &i
 
 std::size_t SoundDecoder::Bytes() const
 {
-    constexpr std::size_t kBesideStretch = std::size_t{1} << 20;
+    constexpr std::size_t kOfDecoder = std::size_t{1} << 20;
     const AVBufferRef *bytes = stretch_.bytes->buf[0];
-    return kBesideStretch + (bytes ? bytes->size : 0);
+    return (check_ ? 2 : 1) * kOfDecoder + (bytes ? bytes->size : 0);
 }
 
-void SoundDecoder::StartAt(std::int64_t sample, int preroll)
+bool SoundDecoder::BeginToCheck()
 {
-    reader_.StartAfreshAt(std::max(index_.PacketAt(sample) - preroll, 0));
-    packet_ = -1;
+    check_ = NoiseCheck::For(reader_.Parameters());
+    if (check_)
+        reader_.Share(check_->Feed());
+    return check_ != nullptr;
+}
+
+void SoundDecoder::StartAt(std::int64_t sample, const Preroll &preroll)
+{
+    // Of each packet, that much at most is not for others to borrow.
+    constexpr int kHeaders = 38;
+    int first = std::max(index_.PacketAt(sample) - preroll.packets, 0);
+    for (int bytes = preroll.bytes; bytes > 0 && first > 0; --first)
+        bytes -= std::max(index_.Packets()[static_cast<std::size_t>(first - 1)].size - kHeaders, 1);
+    // Where the noise that it carries on is no matter, a decoder need not be new.
+    if (check_)
+        reader_.JumpTo(first);
+    else
+        reader_.StartAfreshAt(first);
+    isSure_ = true;
+    packet_ = check_ ? first - 1 : -1;
     offset_ = 0;
     from_ = 0;
     to_ = -1;
@@ -34,10 +52,18 @@ void SoundDecoder::DecodeTo(std::int64_t end)
     // The last frame may reach into a stretch that was begun behind it.
     CopyFrame();
     while (stretch_.decodedTo < end && reader_.Next(*frame_)) {
+        if (check_)
+            Check();
         PlaceFrame();
         CopyFrame();
     }
     stretch_.decodedTo = std::max(stretch_.decodedTo, end);
+}
+
+/// Behind a packet that does not decode, too, something of those before it is left.
+void SoundDecoder::Check()
+{
+    isSure_ = isSure_ && PacketOf(*frame_) == packet_ + 1 && check_->Agrees(*frame_);
 }
 
 void SoundDecoder::PlaceFrame()

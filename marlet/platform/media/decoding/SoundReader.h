@@ -27,25 +27,34 @@ public:
     void Close() { cache_.Clear(); }
 
 private:
-    /// How the samples of a codec depend on where decoding began.
-    struct Dependence {
-        int preroll;    ///< packets to decode in front, until they no longer do
-        bool isCarried; ///< they always do, if only by a noise that is made up
+    /// How samples depend on where decoding began.
+    enum class Dependence {
+        Over,   ///< on no more than what the preroll covers
+        ToSee,  ///< the same, if there is no noise that is made up, for which is looked
+        Carried ///< always, if only by a noise
+    };
+    struct Kind {
+        Dependence dependence;
+        Preroll preroll;
     };
 
-    static Dependence DependenceOf(AVCodecID codec);
+    static const Kind kCarried;
+
+    static Kind KindOf(AVCodecID codec, int profile);
+    bool IsCarried() const { return kind_->dependence == Dependence::Carried; }
     std::int64_t FrameBytes() const;
     std::unique_ptr<SoundDecoder> TakeDecoder();
     SoundStretch StretchAt(std::int64_t sample) const;
     bool FindStretch(SoundStretch &stretch, std::int64_t end);
-    void Decode(SoundStretch &stretch, std::int64_t end);
+    bool Decode(SoundStretch &stretch, std::int64_t end);
+    void CarryOn();
     void Begin(SoundDecoder &decoder, const SoundStretch &stretch);
 
     FileSourcePtr source_;
     int stream_;
     SoundIndex index_;
-    std::optional<Dependence> dependence_; ///< once a decoder was there
-    StreamCache cache_;                    // goes first: its decoder reads the index
+    std::optional<Kind> kind_; ///< once a decoder was there
+    StreamCache cache_;        // goes first: its decoder reads the index
 };
 
 } // namespace kyh::media
