@@ -1,6 +1,7 @@
 #include <bench/support/BareMedia.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <stdexcept>
 #include <thread>
 
@@ -86,6 +87,48 @@ bool BareLoop::DecodeNext()
         const bool isMore = av_read_frame(format_, packet_) >= 0;
         avcodec_send_packet(decoder_, isMore ? packet_ : nullptr);
         av_packet_unref(packet_);
+    }
+}
+
+BareSound::BareSound(const std::string &path)
+{
+    Require(avformat_open_input(&format_, path.c_str(), nullptr, nullptr) >= 0);
+    Require(avformat_find_stream_info(format_, nullptr) >= 0);
+    const AVCodec *codec = nullptr;
+    stream_ = av_find_best_stream(format_, AVMEDIA_TYPE_AUDIO, -1, -1, &codec, 0);
+    Require(stream_ >= 0);
+    for (unsigned int i = 0; i < format_->nb_streams; ++i)
+        if (static_cast<int>(i) != stream_)
+            format_->streams[i]->discard = AVDISCARD_ALL;
+    decoder_ = avcodec_alloc_context3(codec);
+    avcodec_parameters_to_context(decoder_, format_->streams[stream_]->codecpar);
+    Require(avcodec_open2(decoder_, codec, nullptr) >= 0);
+}
+
+BareSound::~BareSound()
+{
+    av_frame_free(&frame_);
+    av_packet_free(&packet_);
+    avcodec_free_context(&decoder_);
+    avformat_close_input(&format_);
+}
+
+void BareSound::Read(int start, int count)
+{
+    const AVStream &stream = *format_->streams[stream_];
+    const AVRational perSample = {1, decoder_->sample_rate};
+    const auto sampleOf = [&](std::int64_t time) { return av_rescale_q(time, stream.time_base, perSample); };
+    // A packet overlaps with the one before.
+    const std::int64_t from = std::max(start - decoder_->frame_size, 0);
+    Require(av_seek_frame(format_, stream_, av_rescale_q(from, perSample, stream.time_base),
+                          AVSEEK_FLAG_BACKWARD) >= 0);
+    avcodec_flush_buffers(decoder_);
+    for (std::int64_t end = 0; end < start + count && av_read_frame(format_, packet_) >= 0;) {
+        if (packet_->stream_index == stream_)
+            avcodec_send_packet(decoder_, packet_);
+        av_packet_unref(packet_);
+        while (avcodec_receive_frame(decoder_, frame_) >= 0)
+            end = sampleOf(frame_->pts) + frame_->nb_samples;
     }
 }
 

@@ -48,4 +48,24 @@ private:
     AVFrame *frame_ = av_frame_alloc();
 };
 
+/// The least program that decodes pieces of the sound of a file.
+class BareSound
+{
+public:
+    explicit BareSound(const std::string &path);
+    BareSound(const BareSound &) = delete;
+    BareSound &operator=(const BareSound &) = delete;
+    ~BareSound();
+
+    /// Decodes from a seek on until all samples have come.
+    void Read(int start, int count);
+
+private:
+    AVFormatContext *format_ = nullptr;
+    AVCodecContext *decoder_ = nullptr;
+    int stream_ = -1;
+    AVPacket *packet_ = av_packet_alloc();
+    AVFrame *frame_ = av_frame_alloc();
+};
+
 } // namespace bench

@@ -136,6 +136,8 @@ CodecPtr OpenAudioEncoder()
     encoder->bit_rate = 96000;
     encoder->time_base = {1, kSampleRate};
     encoder->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
+    // Few other encoders leave noise to the decoder to make up.
+    av_opt_set_int(encoder->priv_data, "aac_pns", 0, 0);
     Check(avcodec_open2(encoder.get(), codec, nullptr));
     return encoder;
 }
