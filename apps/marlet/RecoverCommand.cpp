@@ -26,14 +26,16 @@ void Run(const Arguments &arguments, Output &output)
                       "What cannot be told today may be told tomorrow: it is not saved over the file that "
                       "it was read from");
     RequireWritable(out);
+    const std::string bytes = ReadWholeFile(file);
     LoadReport report;
-    const WideString text =
-        RecoverProject(ReadWholeFile(file), ProjectFile::FolderOf(file), Plugins(), EffectFactory(), report);
+    const std::string recovered =
+        ToUtf8(RecoverProject(bytes, ProjectFile::FolderOf(file), Plugins(), EffectFactory(), report));
     for (const LoadEntry &entry : report.Entries())
         output.Line(PlaceLine(file, PlaceOf(entry), entry.severity, WhatAndWhere(entry.what, entry.path)));
-    WriteFile(out, ToUtf8(text));
+    WriteFile(out, recovered);
     if (report.Count() == 0)
-        output.Line("Nothing is damaged; the copy is the same");
+        output.Line(recovered == bytes ? "Nothing is damaged; the copy is the same"
+                                       : "Nothing is damaged; the copy is the same text in UTF-8");
     else
         output.Line(Counted(report.Count(LoadEntry::Severity::Loss), "place") + " where something is gone, " +
                     Counted(report.Count(LoadEntry::Severity::Warning), "place") +

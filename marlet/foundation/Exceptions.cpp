@@ -19,6 +19,11 @@ const char *MessageException::what() const noexcept
     return message_.c_str();
 }
 
+XmlParseException::XmlParseException(NarrowString message, Missing missing, NarrowString name)
+    : MessageException(std::move(message)), missing_(missing), name_(std::move(name))
+{
+}
+
 XmlParseException::~XmlParseException() = default;
 
 MissingPluginException::~MissingPluginException() = default;

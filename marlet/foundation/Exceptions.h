@@ -29,8 +29,21 @@ private:
 class MARLET_EXPORT XmlParseException : public MessageException
 {
 public:
+    /// What is not where it has to be.
+    enum class Missing : int { Unknown, Element, Attribute };
+
     using MessageException::MessageException;
+    XmlParseException(NarrowString message, Missing missing, NarrowString name);
     ~XmlParseException() override;
+
+    /// These are for the program, not for what().
+    Missing WhatIsMissing() const { return missing_; }
+    /// The tag, or the name of the attribute; empty if that is not known.
+    const NarrowString &MissingName() const { return name_; }
+
+private:
+    Missing missing_ = Missing::Unknown;
+    NarrowString name_;
 };
 
 /// The project uses a plug-in that the manager does not have.

@@ -1,5 +1,6 @@
 #include <marlet/project/ProjectFile.h>
 
+#include <marlet/foundation/EncodedText.h>
 #include <marlet/foundation/Exceptions.h>
 #include <marlet/foundation/LoadReport.h>
 #include <marlet/foundation/TextPlace.h>
@@ -24,19 +25,6 @@ struct Malformed {
     std::optional<TextPlace> place = {};
 };
 
-WideString DecodeUtf16(std::string_view bytes, bool bigEndian)
-{
-    if (bytes.size() % 2 != 0)
-        throw Malformed{"The text is cut off in the middle of a character"};
-    WideString text(bytes.size() / 2, u'\0');
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const auto first = static_cast<unsigned char>(bytes[2 * i]);
-        const auto second = static_cast<unsigned char>(bytes[2 * i + 1]);
-        text[i] = static_cast<char16_t>(bigEndian ? first << 8 | second : second << 8 | first);
-    }
-    return text;
-}
-
 WideString DecodeUtf8(std::string_view bytes)
 {
     constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
@@ -56,11 +44,12 @@ WideString DecodeUtf8(std::string_view bytes)
 
 WideString Decode(std::string_view bytes)
 {
-    if (bytes.starts_with("\xFF\xFE"))
-        return DecodeUtf16(bytes.substr(2), false);
-    if (bytes.starts_with("\xFE\xFF"))
-        return DecodeUtf16(bytes.substr(2), true);
-    return DecodeUtf8(bytes.starts_with("\xEF\xBB\xBF") ? bytes.substr(3) : bytes);
+    const EncodedText text(bytes);
+    if (!text.IsUtf16())
+        return DecodeUtf8(text.bytes);
+    if (text.bytes.size() % 2 != 0)
+        throw Malformed{"The text is cut off in the middle of a character"};
+    return DecodeUtf16(text);
 }
 
 void TellOfFailure(LoadReport *report, const char *what, const std::optional<TextPlace> &place = {})

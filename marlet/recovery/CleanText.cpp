@@ -1,5 +1,8 @@
 #include <marlet/recovery/CleanText.h>
 
+#include <marlet/foundation/Utf8.h>
+#include <marlet/foundation/xml/XmlCharacters.h>
+
 #include <algorithm>
 #include <cstdint>
 
@@ -8,19 +11,6 @@ namespace marlet::project
 
 namespace
 {
-
-bool IsContinuation(char c)
-{
-    return (c & 0xC0) == 0x80;
-}
-
-bool IsAllowed(std::uint32_t character)
-{
-    if (character < 0x20)
-        return character == '\t' || character == '\n' || character == '\r';
-    return character < 0xD800 || (character > 0xDFFF && character < 0xFFFE) ||
-           (character > 0xFFFF && character <= 0x10FFFF);
-}
 
 /// The size of the reference that a text begins with, 0 if there is none.
 std::size_t ReferenceSize(std::string_view text)
@@ -49,7 +39,7 @@ std::size_t ReferenceSize(std::string_view text)
             return 0;
         character = character * (isHex ? 16 : 10) + static_cast<std::uint32_t>(digit);
     }
-    return !name.empty() && IsAllowed(character) ? end + 1 : 0;
+    return !name.empty() && IsXmlCharacter(character) ? end + 1 : 0;
 }
 
 void AppendSection(std::string_view text, std::string &to)
@@ -81,20 +71,10 @@ std::size_t MarkupSize(std::string_view text, std::string_view open, std::string
 
 std::size_t CharacterSize(std::string_view text)
 {
-    const auto lead = static_cast<unsigned char>(text[0]);
-    if (lead < 0x80)
-        return IsAllowed(lead) ? 1 : 0;
-    const std::size_t size = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
-    if (lead < 0xC2 || lead > 0xF4 || text.size() < size)
-        return 0;
-    std::uint32_t character = lead & (0x7Fu >> size);
-    for (std::size_t i = 1; i < size; ++i) {
-        if (!IsContinuation(text[i]))
-            return 0;
-        character = character << 6 | (static_cast<unsigned char>(text[i]) & 0x3Fu);
-    }
-    constexpr std::uint32_t kLeast[] = {0, 0, 0x80, 0x800, 0x10000};
-    return character >= kLeast[size] && IsAllowed(character) ? size : 0;
+    const char *at = text.data();
+    const char32_t character = TakeCharacter(at, text.data() + text.size());
+    const bool isMalformed = character == kReplacementCharacter && !text.starts_with("\xEF\xBF\xBD");
+    return IsXmlCharacter(character) && !isMalformed ? static_cast<std::size_t>(at - text.data()) : 0;
 }
 
 bool IsCleanText(std::string_view text)
@@ -116,6 +96,17 @@ bool IsCleanText(std::string_view text)
     return true;
 }
 
+bool HasForbiddenCharacter(std::string_view text)
+{
+    while (!text.empty()) {
+        const std::size_t size = CharacterSize(text);
+        if (size == 0)
+            return true;
+        text.remove_prefix(size);
+    }
+    return false;
+}
+
 std::string CleanText(std::string_view text)
 {
     std::string clean;
@@ -124,6 +115,8 @@ std::string CleanText(std::string_view text)
         const std::string_view rest = text.substr(at);
         if (const std::size_t comment = MarkupSize(rest, "<!--", "-->")) {
             at += comment;
+        } else if (const std::size_t instruction = MarkupSize(rest, "<?", "?>")) {
+            at += instruction;
         } else if (const std::size_t section = MarkupSize(rest, "<![CDATA[", "]]>")) {
             AppendSection(rest.substr(9, section - 12), clean);
             at += section;

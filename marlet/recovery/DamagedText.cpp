@@ -1,5 +1,6 @@
 #include <marlet/recovery/DamagedText.h>
 
+#include <marlet/foundation/xml/WellFormed.h>
 #include <marlet/recovery/CleanText.h>
 #include <marlet/recovery/KnownElements.h>
 #include <marlet/recovery/TagScan.h>
@@ -16,7 +17,8 @@ namespace
 /// More than a document can have; deeper elements are not taken.
 constexpr std::size_t kDeepest = 900;
 
-constexpr std::size_t kMostFaults = LoadReport::kMostEntries;
+constexpr char kCharactersLeftOut[] = "characters that XML cannot hold are left out of a text";
+constexpr char kTextDropped[] = "a text between elements is dropped";
 
 std::string Quoted(std::string_view name)
 {
@@ -39,8 +41,7 @@ DamagedText::DamagedText(RecoveredTree &tree, const KnownElements *known)
 
 void DamagedText::Add(Severity severity, std::size_t place, const RecoveredElement *element, std::string what)
 {
-    if (faults_.size() < kMostFaults)
-        faults_.push_back({severity, place, element, std::move(what)});
+    faults_.Add({severity, place, element, std::move(what)});
 }
 
 void DamagedText::Read()
@@ -61,7 +62,7 @@ void DamagedText::Read()
             TakeBroken(tag);
             break;
         case Tag::Kind::Section:
-            Top().hasSections = true;
+            TakeSection(tag);
             break;
         case Tag::Kind::None:
             EndText(false);
@@ -73,9 +74,49 @@ void DamagedText::Read()
             return;
         }
     }
-    if (const std::string_view rest = Text().substr(at_);
-        !IsBlank(rest) && NextTag(rest, 0).kind != Tag::Kind::Section)
-        Add(Severity::Loss, at_, nullptr, "what stands behind the end of the project is dropped");
+    TakeRest();
+}
+
+/// Behind the end of the project comments and instructions may stand.
+void DamagedText::TakeRest()
+{
+    for (Tag tag = NextTag(Text(), at_); at_ < Text().size(); tag = NextTag(Text(), at_)) {
+        const std::string_view between = Text().substr(at_, tag.at - at_);
+        const bool mayStay =
+            tag.kind == Tag::Kind::None || (tag.kind == Tag::Kind::Section && IsCleanSection(tag));
+        if (!mayStay || !IsBlank(between)) {
+            const std::size_t place = IsBlank(between) ? tag.at : Text().find(Trimmed(between), at_);
+            Add(Severity::Loss, place, nullptr, "what stands behind the end of the project is dropped");
+            return;
+        }
+        at_ = tag.behind;
+    }
+}
+
+void DamagedText::TakeSection(const Tag &section)
+{
+    Top().hasSections = true;
+    if (IsCleanSection(section))
+        return;
+    RecoveredElement &top = *Top().element;
+    tree_.Spoil(&top);
+    const bool isData = Text().substr(section.at).starts_with("<![");
+    Add(Severity::Loss, section.at, &top,
+        !isData       ? "a comment or an instruction that XML cannot hold there is left out"
+        : isRootSeen_ ? kCharactersLeftOut
+                      : kTextDropped);
+}
+
+/// Whether XML takes a section where it stands: in an element, or in front of the project or behind it.
+bool DamagedText::IsCleanSection(const Tag &section) const
+{
+    const std::string text(Text().substr(section.at, section.behind - section.at));
+    if (open_.empty())
+        return !FindXmlFault("<a/>" + text);
+    if (isRootSeen_)
+        return !FindXmlFault("<a>" + text + "</a>");
+    // A declaration has to be the first of all.
+    return !FindXmlFault((section.at > 0 ? " " : "") + text + "<a/>");
 }
 
 /// What stands between the last tag and the next one.
@@ -87,19 +128,25 @@ void DamagedText::TakeText(const Tag &next)
     RecoveredElement &element = *Top().element;
     if (!IsCleanText(run)) {
         tree_.Spoil(&element);
-        Add(Severity::Loss, at_, &element, "characters that XML cannot hold are left out of a text");
+        if (HasForbiddenCharacter(run))
+            Add(Severity::Loss, at_, &element, kCharactersLeftOut);
+        else
+            Add(Severity::Warning, at_, &element,
+                "a character of markup that stands for itself is written as a reference");
     }
     if (!known_ || !known_->IsContainer(element))
         return;
     tree_.Spoil(&element);
     // It may be the value of an element whose start tag is broken.
     if (next.kind != Tag::Kind::End || !known_->HasChild(element, next.name))
-        Add(Severity::Loss, at_, &element, "a text between elements is dropped");
+        Add(Severity::Loss, at_, &element, kTextDropped);
 }
 
 void DamagedText::TakeStart(const Tag &tag)
 {
     const bool isRoot = !isRootSeen_ && IsProject(tag.name);
+    hasProject_ |= (isRoot || KnownElements::IsObject(tag.name)) &&
+                   tag.attributes.find(" Version=") != std::string_view::npos;
     RecoveredElement &root = tree_.Root();
     RecoveredElement *element = &root;
     if (isRoot) {
@@ -111,14 +158,13 @@ void DamagedText::TakeStart(const Tag &tag)
         if (!isRootSeen_ && root.children.empty())
             Add(Severity::Warning, tag.at, nullptr, "the start tag of the project is missing");
         CloseMissing(tag);
+        if (open_.size() >= kDeepest) {
+            PassOver(tag);
+            return;
+        }
         element = &tree_.Make();
         element->name = tag.name;
-        if (open_.size() < kDeepest) {
-            tree_.Append(*Top().element, *element);
-        } else {
-            tree_.Spoil(Top().element);
-            element->parent = Top().element;
-        }
+        tree_.Append(*Top().element, *element);
     }
     element->start = tag.at;
     element->attributes = tag.attributes;
@@ -137,6 +183,25 @@ void DamagedText::TakeStart(const Tag &tag)
     open_.push_back({element, tag.behind});
     if (tag.kind == Tag::Kind::Empty)
         CloseTop(RecoveredElement::End::Own, tag.behind, tag.behind);
+}
+
+/// Drops an element with all that is in it.
+void DamagedText::PassOver(const Tag &start)
+{
+    RecoveredElement &top = *Top().element;
+    tree_.Spoil(&top);
+    Add(Severity::Loss, start.at, &top, Quoted(start.name) + " is nested too deep; it is dropped");
+    at_ = start.behind;
+    for (std::size_t depth = start.kind == Tag::Kind::Start ? 1 : 0; depth > 0;) {
+        const Tag tag = NextTag(Text(), at_);
+        at_ = tag.behind;
+        if (tag.kind == Tag::Kind::Start)
+            ++depth;
+        else if (tag.kind == Tag::Kind::End)
+            --depth;
+        else if (tag.kind == Tag::Kind::None)
+            return;
+    }
 }
 
 /// Closes elements whose end tags are missing, if that shows by the element that begins.
@@ -335,7 +400,9 @@ std::ptrdiff_t DamagedText::NextClosed(std::size_t from)
             inner.push_back(tag.name);
         if (tag.kind != Tag::Kind::End)
             continue;
-        if (const auto own = std::find(inner.rbegin(), inner.rend(), tag.name); own != inner.rend())
+        const auto own = std::find(inner.rbegin(), inner.rend(), tag.name);
+        lookAhead_ -= std::min(lookAhead_, static_cast<std::size_t>(own - inner.rbegin()));
+        if (own != inner.rend())
             inner.erase(own.base() - 1, inner.end());
         else if (const std::ptrdiff_t index = IndexOf(tag.name); index != kNone)
             return index;

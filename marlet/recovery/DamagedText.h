@@ -1,8 +1,8 @@
 #pragma once
 
-#include <marlet/foundation/LoadReport.h>
 #include <marlet/recovery/RecoveredTree.h>
 #include <marlet/recovery/TagScan.h>
+#include <marlet/recovery/TextFaults.h>
 
 #include <string>
 #include <vector>
@@ -11,14 +11,6 @@ namespace marlet::project
 {
 
 class KnownElements;
-
-/// Something that is wrong with a text.
-struct TextFault {
-    LoadEntry::Severity severity;
-    std::size_t place = 0; ///< in bytes
-    const RecoveredElement *element = nullptr;
-    std::string what;
-};
 
 /// Reads a text whose tags may be missing, wrong or broken, and finds out which elements it had. Where tags
 /// do not fit, the next tags and what is known of elements decide whose tag is at fault.
@@ -29,7 +21,9 @@ public:
     DamagedText(RecoveredTree &tree, const KnownElements *known);
 
     void Read();
-    const std::vector<TextFault> &Faults() const { return faults_; }
+    /// Whether the start of a project or of a part of one was read, with its version.
+    bool HasProject() const { return hasProject_; }
+    const TextFaults &Faults() const { return faults_; }
 
 private:
     using Severity = LoadEntry::Severity;
@@ -43,6 +37,10 @@ private:
     static constexpr std::ptrdiff_t kNone = -1;
 
     void TakeText(const Tag &next);
+    void TakeSection(const Tag &section);
+    void TakeRest();
+    void PassOver(const Tag &start);
+    bool IsCleanSection(const Tag &section) const;
     void TakeStart(const Tag &tag);
     void TakeEnd(const Tag &tag);
     void TakeBroken(const Tag &tag);
@@ -61,9 +59,10 @@ private:
     RecoveredTree &tree_;
     const KnownElements *known_;
     std::vector<Open> open_;
-    std::vector<TextFault> faults_;
+    TextFaults faults_;
     std::size_t at_ = 0; ///< what is read next
     bool isRootSeen_ = false;
+    bool hasProject_ = false;
     std::size_t lookAhead_;                          ///< how many bytes may be looked at ahead
     const RecoveredElement *closedBefore_ = nullptr; ///< the element that NextClosed was asked for last
     std::ptrdiff_t closedNext_ = kNone;

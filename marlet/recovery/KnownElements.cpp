@@ -63,12 +63,12 @@ constexpr std::string_view kObjects[] = {
     "TextLayer", "GradeLayer",       "CameraLayer", "LightLayer", "PointLayer",   "Mask",       "Point",
     "Tracker",   "EditorSequence",   "VideoTrack",  "AudioTrack", "VisualObject", "AudioObject"};
 
-bool IsObject(std::string_view tag)
+} // namespace
+
+bool KnownElements::IsObject(std::string_view tag)
 {
     return std::ranges::find(kObjects, tag) != std::end(kObjects);
 }
-
-} // namespace
 
 const KnownElements &KnownElements::Get()
 {

@@ -17,6 +17,8 @@ public:
     /// Made once, by the classes of the library themselves.
     static const KnownElements &Get();
 
+    /// Whether a tag is that of an object: a project, an asset, a layer, a track and so on.
+    static bool IsObject(std::string_view tag);
     /// Whether it is known what stands in an element.
     bool IsKnown(const RecoveredElement &element) const;
     /// Whether other elements stand in it, or could, in place of a value.

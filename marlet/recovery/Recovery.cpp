@@ -1,5 +1,6 @@
 #include <marlet/recovery/Recovery.h>
 
+#include <marlet/foundation/EncodedText.h>
 #include <marlet/foundation/Exceptions.h>
 #include <marlet/foundation/TextPlace.h>
 #include <marlet/plugins/AbstractPluginManager.h>
@@ -8,11 +9,12 @@
 #include <marlet/project/MediaManager.h>
 #include <marlet/project/MediaPaths.h>
 #include <marlet/project/Project.h>
+#include <marlet/recovery/DamagedText.h>
 #include <marlet/recovery/KnownElements.h>
+#include <marlet/recovery/RecoveredPaths.h>
 #include <marlet/recovery/Repair.h>
 
 #include <algorithm>
-#include <cstring>
 #include <utility>
 
 namespace marlet::project
@@ -38,27 +40,10 @@ private:
 };
 
 /// Bytes of a file as one text in UTF-8, in which bytes that are none are still found.
-std::string Utf8Of(std::string_view bytes)
+std::string Utf8Of(std::string_view file)
 {
-    const bool isBig = bytes.starts_with("\xFE\xFF");
-    if (!isBig && !bytes.starts_with("\xFF\xFE"))
-        return std::string(bytes.substr(bytes.starts_with("\xEF\xBB\xBF") ? 3 : 0));
-    WideString text;
-    for (std::size_t at = 2; at + 1 < bytes.size(); at += 2) {
-        const auto first = static_cast<unsigned char>(bytes[at]);
-        const auto second = static_cast<unsigned char>(bytes[at + 1]);
-        text += static_cast<char16_t>(isBig ? first << 8 | second : second << 8 | first);
-    }
-    return ToUtf8(text);
-}
-
-std::string Behind(std::string_view words, std::string_view start)
-{
-    const std::size_t at = words.find(start);
-    if (at == std::string_view::npos)
-        return {};
-    words.remove_prefix(at + start.size());
-    return std::string(words.substr(0, words.find('\n')));
+    const EncodedText text(file);
+    return text.IsUtf16() ? ToUtf8(DecodeUtf16(text)) : std::string(text.bytes);
 }
 
 /// Tries texts, and tells why they do not load.
@@ -92,10 +77,10 @@ public:
                 failure.missingChild = error.Detail();
         } catch (const XmlParseException &error) {
             failure.words = error.what();
-            failure.missingChild = Behind(failure.words, "Missing element\n");
-            if (failure.missingChild.empty())
-                failure.missingChild = Behind(failure.words, "Wrong tag name\n");
-            failure.missingAttribute = Behind(failure.words, " is missing attribute ");
+            if (error.WhatIsMissing() == XmlParseException::Missing::Element)
+                failure.missingChild = error.MissingName();
+            else
+                failure.missingAttribute = error.MissingName();
         } catch (const std::exception &error) {
             failure.words = error.what();
         }
@@ -138,7 +123,7 @@ public:
         return MendUntilItLoads(true, false);
     }
 
-    const std::vector<TextFault> &Faults() const { return repair_.Faults(); }
+    const TextFaults &Faults() const { return repair_.Faults(); }
 
 private:
     std::string MendUntilItLoads(bool withItems, bool withPlugins)
@@ -190,45 +175,25 @@ private:
     Repair repair_;
 };
 
-NarrowString Step(const RecoveredElement &element)
+void Tell(std::string_view text, TextFaults &faults, LoadReport &report)
 {
-    NarrowString step(element.name);
-    const RecoveredElement *name = element.Child("Name");
-    if (const RecoveredElement *const base = element.Child("LayerBase"); base && !name)
-        name = base->Child("Name");
-    if (name && !name->content.empty() && element.name != "LayerBase")
-        return step + " \"" + NarrowString(name->content) + '"';
-    if (!element.parent)
-        return step;
-    const std::vector<RecoveredElement *> &all = element.parent->children;
-    const auto end = std::ranges::find(all, &element);
-    if (end != all.end() && std::ranges::count(all, element.name, &RecoveredElement::name) > 1)
-        step += "[" +
-                std::to_string(1 + std::count_if(all.begin(), end,
-                                                 [&](const RecoveredElement *other) {
-                                                     return other->name == element.name;
-                                                 })) +
-                "]";
-    return step;
-}
-
-NarrowString PathTo(const RecoveredElement *element)
-{
-    NarrowString path;
-    for (; element; element = element->parent)
-        path = path.empty() ? Step(*element) : Step(*element) + "/" + path;
-    return path;
-}
-
-void Tell(std::string_view text, std::vector<TextFault> faults, LoadReport &report)
-{
-    std::ranges::stable_sort(faults, {}, &TextFault::place);
+    std::ranges::stable_sort(faults.First(), {}, &TextFault::place);
+    RecoveredPaths paths;
     TextPlace place;
-    for (const TextFault &fault : faults) {
+    for (const TextFault &fault : faults.First()) {
         place.GoTo(text, fault.place);
-        report.Add(
-            {fault.severity, fault.what, PathTo(fault.element), place.line, place.column, fault.place, {}});
+        report.Add({fault.severity,
+                    fault.what,
+                    fault.element ? paths.PathTo(*fault.element) : NarrowString(),
+                    place.line,
+                    place.column,
+                    fault.place,
+                    {}});
     }
+    // The report is full by then, and counts.
+    for (const auto severity : {LoadEntry::Severity::Warning, LoadEntry::Severity::Loss})
+        for (std::size_t other = faults.Others(severity); other > 0; --other)
+            report.Add({severity, {}, {}, 0, 0, 0, {}});
 }
 
 } // namespace
@@ -241,13 +206,15 @@ WideString RecoverProject(std::string_view bytes, const WideString &texturesFold
     RecoveredTree tree(Utf8Of(bytes));
     DamagedText damaged(tree, &KnownElements::Get());
     damaged.Read();
+    if (!damaged.HasProject())
+        throw MessageException("There is nothing of a project in it");
     const Trial trial(texturesFolder, pluginManager, effectFactory);
     Recovery recovery(tree, trial);
     const std::string recovered = recovery.Run();
-    std::vector<TextFault> faults = damaged.Faults();
-    faults.insert(faults.end(), recovery.Faults().begin(), recovery.Faults().end());
-    const bool isWhole = faults.empty() && tree.Root().isIntact;
-    Tell(tree.Text(), std::move(faults), report);
+    TextFaults faults = damaged.Faults();
+    faults.Add(recovery.Faults());
+    const bool isWhole = faults.IsEmpty() && tree.Root().isIntact;
+    Tell(tree.Text(), faults, report);
     return FromUtf8(isWhole ? tree.Text() : recovered);
 }
 

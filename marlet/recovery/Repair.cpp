@@ -62,7 +62,7 @@ bool IsId(std::string_view text)
 
 void Repair::Add(Severity severity, const RecoveredElement &element, std::string what)
 {
-    faults_.push_back({severity, element.start, &element, std::move(what)});
+    faults_.Add({severity, element.start, &element, std::move(what)});
 }
 
 bool Repair::Mend(RecoveredElement &written, const LoadFailure &failure)

@@ -1,11 +1,10 @@
 #pragma once
 
-#include <marlet/recovery/DamagedText.h>
 #include <marlet/recovery/RecoveredTree.h>
+#include <marlet/recovery/TextFaults.h>
 
 #include <optional>
 #include <string>
-#include <vector>
 
 namespace marlet::project
 {
@@ -32,7 +31,7 @@ public:
     /// @return false if nothing is left that could be changed
     bool Mend(RecoveredElement &written, const LoadFailure &failure);
 
-    const std::vector<TextFault> &Faults() const { return faults_; }
+    const TextFaults &Faults() const { return faults_; }
 
 private:
     RecoveredElement *OwnerOf(RecoveredElement &from, const std::string &tag) const;
@@ -45,7 +44,7 @@ private:
 
     RecoveredTree &tree_;
     const KnownElements &known_;
-    std::vector<TextFault> faults_;
+    TextFaults faults_;
 };
 
 } // namespace marlet::project

@@ -32,6 +32,15 @@ TEST_F(RecoverTest, WritesWhatCanBeHadAndTellsWhatIsGone)
 
     EXPECT_THAT(Run({"recover", "a.xml", "same.xml"}).out, StartsWith("Nothing is damaged"));
     EXPECT_EQ(Read("same.xml"), text);
+    Write("mark.xml", "\xEF\xBB\xBF" + text);
+    EXPECT_EQ(Run({"recover", "mark.xml", "same.xml"}).out,
+              "Nothing is damaged; the copy is the same text in UTF-8\n");
+    EXPECT_EQ(Read("same.xml"), text);
+    Write("page.xml", "<html><title>No project</title></html>");
+    const ToolRun page = Run({"recover", "page.xml", "none.xml"});
+    EXPECT_EQ(page.exitCode, 1);
+    EXPECT_EQ(page.err, "marlet: page.xml: There is nothing of a project in it\n");
+    EXPECT_EQ(Run({"info", "none.xml"}).exitCode, 1);
     EXPECT_EQ(Run({"recover", "cut.xml", "./cut.xml"}).exitCode, 1);
     EXPECT_EQ(Read("cut.xml").size(), cut);
 }

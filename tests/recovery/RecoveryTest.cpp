@@ -1,3 +1,4 @@
+#include <marlet/foundation/Exceptions.h>
 #include <marlet/foundation/LoadReport.h>
 #include <marlet/layers/PointLayer.h>
 #include <marlet/project/AssetList.h>
@@ -130,7 +131,8 @@ TEST(Recovery, KeepsWhatStoodWholeBeforeACut)
         const std::string text = ReadExample(name);
         const std::vector<Item> items = ItemsOf(text);
         ASSERT_GT(items.size(), 10u);
-        for (std::size_t cut = 0; cut < text.rfind("</Project") && !HasFatalFailure(); cut += kStep) {
+        for (std::size_t cut = text.find('>') + 1; cut < text.rfind("</Project") && !HasFatalFailure();
+             cut += kStep) {
             SCOPED_TRACE(name + std::string(" cut at ") + std::to_string(cut));
             cutAt(text, items, cut);
         }
@@ -139,7 +141,8 @@ TEST(Recovery, KeepsWhatStoodWholeBeforeACut)
     // A 3D effect is read by the host, whose failures have no place in the text.
     cutAt(titles, ItemsOf(titles), titles.find("<radius Spatial=") + 50);
     const std::string small = SmallProject();
-    for (std::size_t cut = 0; cut < small.rfind("</Project") && !HasFatalFailure(); cut += 31) {
+    for (std::size_t cut = small.find('>') + 1; cut < small.rfind("</Project") && !HasFatalFailure();
+         cut += 31) {
         SCOPED_TRACE(cut);
         cutAt(small, ItemsOf(small), cut);
     }
@@ -154,10 +157,12 @@ TEST(Recovery, KeepsWhatStandsBehindADamage)
         std::string line; ///< what stands in the line of the first entry, or empty
         std::vector<std::string> there;
         std::vector<std::string> gone;
+        std::string what = {}; ///< what the first entry says, or empty
     };
     const std::vector<std::string> all = {"<Name>One</Name>", "<Name>Two</Name>", "<Name>Three</Name>"};
     const std::string two = "<Name>Two</Name>";
     const std::string twoBase = "<LayerBase Version=\"0\">\n<ID>" + std::string(kTwoID) + "</ID>";
+    constexpr char kSection[] = "a comment or an instruction that XML cannot hold there is left out";
     const Damage damages[] = {
         {"a value without its end tag", "<CTI>0</CTI>", "<CTI>0", "<InPoint>", {all[0], "<CTI>0</CTI>"}, {}},
         {"a value with another end tag", two, "<Name>Two</Nome>", "Two</Nome>", all, {}},
@@ -205,14 +210,50 @@ TEST(Recovery, KeepsWhatStandsBehindADamage)
          all,
          {}},
         {"a tag that does not end", "<BinFolder Version=\"0\">", "<BinFolder Version=\"0\"", "", all, {}},
-        {"bytes that are no UTF-8", two, "<Name>T\xFFw\xC0o</Name>", "T\xFFw", all, {"\xFF", "\xC0"}},
+        {"bytes that are no UTF-8",
+         two,
+         "<Name>T\xFFw\xC0o</Name>",
+         "T\xFFw",
+         all,
+         {"\xFF", "\xC0"},
+         "characters that XML cannot hold are left out of a text"},
         {"a control character", two, "<Name>Two\x01</Name>", "Two\x01", all, {"\x01"}},
         {"a character that stands for itself",
          two,
          "<Name>Two & <</Name>",
          "Two & <",
          {all[0], "<Name>Two &amp; &lt;</Name>", all[2]},
-         {}},
+         {},
+         "a character of markup that stands for itself is written as a reference"},
+        {"two hyphens in a comment",
+         "<Layers>\n",
+         "<Layers>\n<!-- a -- b -->",
+         "<!--",
+         all,
+         {"-- b"},
+         kSection},
+        {"a declaration in a value",
+         two,
+         "<Name>Two<?xml version=\"1.0\"?></Name>",
+         "<?xml",
+         all,
+         {"?"},
+         kSection},
+        {"a control character in a CDATA section",
+         two,
+         "<Name><![CDATA[Two & \x01]]></Name>",
+         "<![",
+         {all[0], "<Name>Two &amp; </Name>", all[2]},
+         {"\x01"},
+         "characters that XML cannot hold are left out of a text"},
+        {"two hyphens in front", "<Project ", "<!-- a -- b --><Project ", "<!--", all, {"-- b"}, kSection},
+        {"a late declaration",
+         "<Project ",
+         "\n<?xml version=\"1.0\"?><Project ",
+         "<?xml",
+         all,
+         {"?"},
+         kSection},
         {"a run of garbage between elements",
          "<Layers>\n",
          "<Layers>\n\x02<<&>\xFE</x>\x7F<!-- ",
@@ -228,6 +269,12 @@ TEST(Recovery, KeepsWhatStandsBehindADamage)
         {"a property that is gone", "<position Type", "<posi Type", "", all, {}},
         {"a version that is gone", "<BinFolder Version=\"0\">", "<BinFolder>", "<BinFolder", all, {}},
         {"something behind the end", "</Project>\n", "</Project>\n<Project/>", "", all, {"<Project/>"}},
+        {"something behind a comment behind the end",
+         "</Project>\n",
+         "</Project>\n<!-- end -->\n<x/>",
+         "<x/>",
+         all,
+         {"<x/>"}},
     };
     for (const Damage &damage : damages) {
         SCOPED_TRACE(damage.name);
@@ -242,6 +289,9 @@ TEST(Recovery, KeepsWhatStandsBehindADamage)
         for (const std::string &gone : damage.gone)
             EXPECT_THAT(recovered, Not(HasSubstr(gone)));
         ASSERT_GE(report.Count(), 1u);
+        if (!damage.what.empty()) {
+            EXPECT_EQ(report.Entries()[0].what, damage.what);
+        }
         if (!damage.line.empty()) {
             const auto place = static_cast<std::ptrdiff_t>(text.find(damage.line));
             EXPECT_EQ(report.Entries()[0].line, 1 + std::count(text.begin(), text.begin() + place, '\n'));
@@ -249,17 +299,18 @@ TEST(Recovery, KeepsWhatStandsBehindADamage)
     }
 }
 
-TEST(Recovery, MakesSomethingThatLoadsOfAnything)
+TEST(Recovery, MakesSomethingThatLoadsOfAnythingWithAStart)
 {
-    for (const std::string &text :
-         {std::string(), std::string("\0\0", 2), std::string("<"), std::string("no XML"),
-          std::string("<html><ID>x</ID></html>"), std::string("<Project"), std::string("\xFF\xFE<\0P\0", 6),
-          std::string(5000, '<'), std::string("</Project>")})
+    for (const char *text : {"<Project Version=\"0\">", "no XML <Project Version=\"0\"/>",
+                             "<html><AssetLayer Version=\"0\">x</html>"})
         Recovered(text);
-    std::string deep;
-    for (int i = 0; i < 5000; ++i)
-        deep += "<BinFolder Version=\"0\">";
-    Recovered("<Project Version=\"0\"><AssetList Version=\"0\">" + deep);
+    // As deep as no document is, in a time that grows with the text alone.
+    for (const char *tag : {"<BinFolder Version=\"0\">", "<x>", "<Layers>"}) {
+        std::string deep = "<Project Version=\"0\"><AssetList Version=\"0\">";
+        for (int i = 0; i < 20'000; ++i)
+            deep += tag;
+        Recovered(deep);
+    }
 
     const std::string small = SmallProject();
     std::mt19937 random(7);
@@ -274,5 +325,23 @@ TEST(Recovery, MakesSomethingThatLoadsOfAnything)
         }
         SCOPED_TRACE(round);
         Recovered(text);
+    }
+}
+
+TEST(Recovery, RefusesWhatHasNothingOfAProject)
+{
+    const std::string files[] = {"",
+                                 std::string("\0\0", 2),
+                                 "no XML",
+                                 std::string("\xFF\xFE<\0P\0", 6),
+                                 std::string(5000, '<'),
+                                 "<html><title>x</title><Name>x</Name><Point><Name>x</Name></Point></html>",
+                                 "<project xmlns=\"http://other.org\"><version>1</version></project>",
+                                 "<Project ToolsVersion=\"15\"><Asset/></Project>",
+                                 "<Project Version=\"0\"",
+                                 "</Project>"};
+    for (const std::string &file : files) {
+        LoadReport report;
+        EXPECT_THROW(RecoverProject(file, u"", nullptr, EffectFactory(), report), MessageException) << file;
     }
 }

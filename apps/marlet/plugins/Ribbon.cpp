@@ -56,7 +56,8 @@ QString IDText(const kytl::KyID &id)
 QString RequireAttribute(const QDomElement &element, const char *name)
 {
     if (!element.hasAttribute(name))
-        throw XmlParseException(element.tagName().toStdString() + " is missing attribute " + name + "\n");
+        throw XmlParseException(element.tagName().toStdString() + " is missing attribute " + name + "\n",
+                                XmlParseException::Missing::Attribute, name);
     return element.attribute(name);
 }
 

@@ -39,29 +39,38 @@ NarrowString Quoted(std::string_view name)
 
 } // namespace
 
-NarrowString ElementPaths::PlaceAmongEqual(pugi::xml_node_struct *element)
+NarrowString PathStep(std::string_view tag, std::string_view name, int place)
+{
+    NarrowString step(tag);
+    if (!name.empty())
+        step += Quoted(name);
+    else if (place > 0)
+        step += "[" + std::to_string(place) + "]";
+    return step;
+}
+
+int ElementPaths::PlaceAmongEqual(pugi::xml_node_struct *element)
 {
     const pugi::xml_node node(element);
     const char *const tag = node.name();
     pugi::xml_node before = node.previous_sibling(tag);
     if (!before && !node.next_sibling(tag))
-        return {};
+        return 0;
     int place = 1;
     for (; before; before = before.previous_sibling(tag), ++place)
         if (const auto known = places_.find(before.internal_object()); known != places_.end()) {
             place += known->second;
             break;
         }
-    places_[element] = place;
-    return "[" + std::to_string(place) + "]";
+    return places_[element] = place;
 }
 
 NarrowString ElementPaths::StepOf(pugi::xml_node_struct *element)
 {
     const pugi::xml_node node(element);
-    const NarrowString tag = node.name();
+    const std::string_view tag = node.name();
     const std::string_view name = tag.ends_with("Base") ? "" : Field(node, "Name").child_value();
-    return tag + (name.empty() ? PlaceAmongEqual(element) : Quoted(name));
+    return PathStep(tag, name, name.empty() ? PlaceAmongEqual(element) : 0);
 }
 
 const NarrowString &ElementPaths::PathOf(const XmlCursor &element)

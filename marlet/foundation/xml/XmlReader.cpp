@@ -190,7 +190,8 @@ XmlCursor XmlCursor::Require(const char *name) const
     const XmlCursor child = Find(name);
     if (child.IsNull()) {
         FailAt(*this);
-        throw XmlParseException(NarrowString("Missing element\n") + name);
+        throw XmlParseException(NarrowString("Missing element\n") + name, XmlParseException::Missing::Element,
+                                name);
     }
     return child;
 }
@@ -214,7 +215,8 @@ void XmlCursor::RequireTag(const char *tag) const
 {
     if (!EqualIgnoringCase(Name(), tag)) {
         FailAt(*this);
-        throw XmlParseException(NarrowString("Wrong tag name\n") + tag);
+        throw XmlParseException(NarrowString("Wrong tag name\n") + tag, XmlParseException::Missing::Element,
+                                tag);
     }
     MarkKnown();
 }
@@ -260,7 +262,8 @@ std::string_view XmlCursor::RequiredText(const char *name) const
     const pugi::xml_attribute attribute = pugi::xml_node(node_).attribute(name);
     if (attribute.empty()) {
         FailAt(*this);
-        throw XmlParseException(NarrowString(Name()) + " is missing attribute " + name + "\n");
+        throw XmlParseException(NarrowString(Name()) + " is missing attribute " + name + "\n",
+                                XmlParseException::Missing::Attribute, name);
     }
     MarkAttribute(attribute);
     return attribute.value();
