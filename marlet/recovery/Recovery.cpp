@@ -9,6 +9,7 @@
 #include <marlet/project/MediaManager.h>
 #include <marlet/project/MediaPaths.h>
 #include <marlet/project/Project.h>
+#include <marlet/recovery/CleanText.h>
 #include <marlet/recovery/DamagedText.h>
 #include <marlet/recovery/KnownElements.h>
 #include <marlet/recovery/RecoveredPaths.h>
@@ -92,6 +93,9 @@ public:
             }
         return failure;
     }
+
+    /// With the host's plug-ins and without any.
+    bool Loads(const std::string &text) const { return !Failure(text) && !Failure(text, false); }
 
 private:
     const WideString &textures_;
@@ -204,18 +208,19 @@ WideString RecoverProject(std::string_view bytes, const WideString &texturesFold
 {
     report.Clear();
     RecoveredTree tree(Utf8Of(bytes));
+    const Trial trial(texturesFolder, pluginManager, effectFactory);
+    if (!HasForbiddenCharacter(tree.Text()) && trial.Loads(std::string(tree.Text())))
+        return FromUtf8(tree.Text());
     DamagedText damaged(tree, &KnownElements::Get());
     damaged.Read();
     if (!damaged.HasProject())
         throw MessageException("There is nothing of a project in it");
-    const Trial trial(texturesFolder, pluginManager, effectFactory);
     Recovery recovery(tree, trial);
     const std::string recovered = recovery.Run();
     TextFaults faults = damaged.Faults();
     faults.Add(recovery.Faults());
-    const bool isWhole = faults.IsEmpty() && tree.Root().isIntact;
     Tell(tree.Text(), faults, report);
-    return FromUtf8(isWhole ? tree.Text() : recovered);
+    return FromUtf8(recovered);
 }
 
 } // namespace marlet::project

@@ -17,8 +17,8 @@ class AbstractPluginManager;
 /// with these plug-ins and without any. Elements that stand whole in what is there are kept, in their place;
 /// one whose end is missing is closed where it has all that it needs, and dropped with the nearest layer,
 /// effect, point, key frame or the like around it where not. What a composition, a track or an element that
-/// is damaged inside lacks of its own is put in as a new one has it. A text without a fault is given back as
-/// it is.
+/// is damaged inside lacks of its own is put in as a new one has it. A text that loads is given back as it
+/// is.
 ///
 /// No media are opened and no file is written. Takes the time of a few loads, however many damages there are.
 /// @param bytes of the file: UTF-8, or UTF-16 with a byte order mark

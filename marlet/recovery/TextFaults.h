@@ -40,7 +40,6 @@ public:
             others_[severity] += more.others_[severity];
     }
 
-    bool IsEmpty() const { return first_.empty(); }
     std::vector<TextFault> &First() { return first_; }
     std::size_t Others(LoadEntry::Severity severity) const
     {
