@@ -104,6 +104,7 @@ set(MARLET_PUBLIC_HEADERS
     project/MediaManager.h
     project/MediaProgress.h
     project/MediaVideoStream.h
+    project/MissingFiles.h
     project/PanelRenderState.h
     project/Project.h
     project/ProjectFile.h

@@ -3,12 +3,12 @@
 #include "Failure.h"
 #include "MediaSource.h"
 #include "Output.h"
-#include "RelinkSearch.h"
 
 #include <marlet/layers/AssetLayer.h>
 #include <marlet/project/AssetList.h>
 #include <marlet/project/MediaAsset.h>
 #include <marlet/project/MediaManager.h>
+#include <marlet/project/MissingFiles.h>
 #include <marlet/project/Project.h>
 
 #include <filesystem>
@@ -52,17 +52,20 @@ void RelinkOne(const Arguments &arguments)
 }
 
 /// Whether the file is found.
-bool Tell(const RelinkedAsset &asset, Output &output)
+bool Tell(const MissingFile &file, Output &output)
 {
-    const std::string what = Quoted(FromUtf8(asset.name)) + " " + OneLine(asset.before);
-    if (asset.found.size() == 1) {
-        output.Line("found     " + what + " -> " + OneLine(asset.found.front()));
-        return true;
-    }
-    output.Line((asset.found.empty() ? "missing   " : "ambiguous ") + what);
-    for (const std::string &path : asset.found)
-        output.Line("          " + OneLine(path));
-    return false;
+    const std::string what = Quoted(file.asset->Name()) + " " + OneLine(ToUtf8(file.before));
+    const bool isFound = file.found.size() == 1;
+    if (isFound)
+        output.Line("found     " + what + " -> " + OneLine(file.found.front().string()));
+    else
+        output.Line((file.found.empty() ? "missing   " : "ambiguous ") + what);
+    if (!isFound)
+        for (const std::filesystem::path &path : file.found)
+            output.Line("          " + OneLine(path.string()));
+    for (const MissingFile::Refused &refused : file.refused)
+        output.Line("          not " + OneLine(refused.path.string()) + ": " + refused.reason);
+    return isFound;
 }
 
 void Run(const Arguments &arguments, Output &output)
@@ -73,8 +76,8 @@ void Run(const Arguments &arguments, Output &output)
         throw UsageError("--search goes alone");
     const ProjectPointer project = ReadProject(arguments.Operand(0));
     std::size_t left = 0;
-    for (const RelinkedAsset &asset : RelinkMissing(*project, arguments.Path("--search")))
-        left += Tell(asset, output) ? 0 : 1;
+    for (const MissingFile &file : FindMissingFiles(*project, arguments.Path("--search")))
+        left += Tell(file, output) ? 0 : 1;
     for (const MediaPointer &media : MediaAssets(*project))
         if (!media->IsOffline())
             RefreshLayers(std::as_const(*project), *media);
@@ -99,11 +102,12 @@ const CommandSpec &RelinkCommand()
           "look for all media and images that are missing, by name, in FOLDER and below"}},
         Run,
         "relink film.xml out.xml --search /media/archive",
-        "  Of several files of one name those are taken that have what the uses ask for, then those in "
-        "folders of\n"
-        "  the same names, then any of equal copies. Where it is still not clear, they are listed and the "
-        "asset is\n"
-        "  left as it is.\n"};
+        "  A file has to be readable and to have the picture and the sound that are used. Of several of one "
+        "name those\n"
+        "  are taken that are long enough, then those in folders of the same names, then any of equal "
+        "copies. "
+        "Where it\n"
+        "  is still not clear, they are listed and the asset is left as it is.\n"};
     return command;
 }
 

@@ -2,6 +2,9 @@
 
 #include <marlet/project/ImageAsset.h>
 
+#include <QImage>
+
+#include <algorithm>
 #include <filesystem>
 
 namespace marlet::test
@@ -17,57 +20,98 @@ using testing::Not;
 class RelinkTest : public ToolTest
 {
 protected:
-    void AddImage(const char16_t *path) { project_->Assets().All().Add(ImageAsset::Create(path)); }
-
-    void Put(const std::string &name, const std::string &bytes)
+    /// An image of so many pixels, or a file of bytes that are none for 0.
+    void Put(const std::string &name, int pixels)
     {
         fs::create_directories(fs::path(Path(name)).parent_path());
-        Write(name, bytes);
+        QImage image(std::max(pixels, 1), 1, QImage::Format_RGB32);
+        image.fill(Qt::gray);
+        if (pixels == 0)
+            Write(name, "no picture");
+        else
+            ASSERT_TRUE(image.save(QString::fromStdString(Path(name)), "png"));
     }
 };
 
-TEST_F(RelinkTest, FindsFilesByNameThenByWhatTheyAre)
+TEST_F(RelinkTest, FindsFilesByNameAndByWhatTheyAre)
 {
-    AddImage(u"/gone/shots/plain.png");
-    AddImage(u"/gone/shots/Case.PNG");
-    AddImage(u"/gone/shots/folder.png");
-    AddImage(u"/gone/shots/copies.png");
-    AddImage(u"/gone/shots/unclear.png");
-    AddImage(u"/gone/shots/nowhere.png");
-    Run({"clip", "clip.mov", "--frames", "3", "--size", "160x120"});
-    ASSERT_EQ(Run({"new", "film.xml", "--media", "clip.mov"}).exitCode, 0);
+    const struct {
+        std::string name;
+        std::vector<std::pair<const char *, int>> files;
+        std::string found;   ///< or empty
+        std::string listing; ///< the lines behind that of the asset
+    } cases[] = {
+        {"plain.png", {{"x/plain.png", 1}}, "x/plain.png", ""},
+        {"Case.PNG", {{"x/case.png", 1}}, "x/case.png", ""},
+        {"same-case.png", {{"w/Same-Case.png", 1}, {"x/same-case.png", 2}}, "x/same-case.png", ""},
+        {"folder.png", {{"shots/folder.png", 1}, {"other/folder.png", 2}}, "shots/folder.png", ""},
+        {"copies.png", {{"x/copies.png", 3}, {"y/copies.png", 3}}, "x/copies.png", ""},
+        {"unclear.png",
+         {{"x/unclear.png", 4}, {"y/unclear.png", 5}},
+         "",
+         "          found/x/unclear.png\n          found/y/unclear.png\n"},
+        {"nowhere.png", {}, "", ""},
+        {"junk.png",
+         {{"x/junk.png", 0}},
+         "",
+         "          not found/x/junk.png: it cannot be read as an image\n"},
+        {"readable.png",
+         {{"shots/readable.png", 0}, {"x/Readable.png", 6}},
+         "x/Readable.png",
+         "          not found/shots/readable.png: it cannot be read as an image\n"},
+    };
+    std::string listing;
+    for (const auto &one : cases) {
+        const std::string before = "/gone/shots/" + one.name;
+        project_->Assets().All().Add(ImageAsset::Create(FromUtf8(before)));
+        for (const auto &[path, pixels] : one.files)
+            Put("found/" + std::string(path), pixels);
+        listing += !one.found.empty()          ? "found     "
+                   : one.name == "unclear.png" ? "ambiguous "
+                                               : "missing   ";
+        listing += "\"" + one.name + "\" " + before +
+                   (one.found.empty() ? "\n" : " -> found/" + one.found + "\n") + one.listing;
+    }
     Save("a.xml");
-    Put("found/x/plain.png", "1");
-    Put("found/x/case.png", "2");
-    Put("found/shots/folder.png", "3");
-    Put("found/other/folder.png", "4");
-    Put("found/x/copies.png", "5");
-    Put("found/y/copies.png", "5");
-    Put("found/x/unclear.png", "6");
-    Put("found/y/unclear.png", "7");
-
     const ToolRun run = Run({"relink", "a.xml", "b.xml", "--search", "found"});
     EXPECT_EQ(run.exitCode, 1);
-    EXPECT_EQ(run.err, "marlet: a.xml: 2 files not found\n");
-    const std::string out = Read("b.xml");
-    for (const char *path : {"x/plain.png", "x/case.png", "shots/folder.png", "x/copies.png"})
-        EXPECT_THAT(out, HasSubstr("<Filename>" + Path("found") + "/" + path + "</Filename>"));
-    for (const char *path : {"/gone/shots/unclear.png", "/gone/shots/nowhere.png"})
-        EXPECT_THAT(out, HasSubstr(std::string("<Filename>") + path + "</Filename>"));
-    EXPECT_THAT(run.out, HasSubstr("ambiguous \"unclear.png\" /gone/shots/unclear.png\n"
-                                   "          found/x/unclear.png\n          found/y/unclear.png\n"));
-    EXPECT_THAT(run.out, HasSubstr("missing   \"nowhere.png\""));
-
-    // Of two clips of one name the one that has what the document shows of it.
-    fs::create_directories(Path("clips/a"));
-    Put("clips/a/clip.mov", "no clip");
-    fs::create_directories(Path("clips/b"));
-    fs::rename(Path("clip.mov"), Path("clips/b/clip.mov"));
-    const ToolRun clip = Run({"relink", "film.xml", "out.xml", "--search", "clips"});
-    EXPECT_EQ(clip.exitCode, 0) << clip.err;
-    EXPECT_THAT(clip.out, HasSubstr("clips/b/clip.mov\n"));
-    EXPECT_THAT(Run({"info", "out.xml"}).out, Not(HasSubstr("missing")));
+    EXPECT_EQ(run.out, listing);
+    EXPECT_EQ(run.err, "marlet: a.xml: 3 files not found\n");
+    for (const auto &one : cases)
+        EXPECT_THAT(Read("b.xml"),
+                    HasSubstr("<Filename>" + (one.found.empty() ? "/gone/shots/" + one.name
+                                                                : Path("found") + "/" + one.found)));
     EXPECT_EQ(Run({"relink", "a.xml", "c.xml", "--search", "no-folder"}).exitCode, 1);
+}
+
+TEST_F(RelinkTest, TakesAClipThatHasWhatIsShownOfIt)
+{
+    Run({"clip", "clip.mov", "--frames", "3", "--size", "160x120"});
+    Run({"clip", "long.mov", "--frames", "9", "--size", "160x120"});
+    ASSERT_EQ(Run({"samples", "clip.mov", "--start", "0", "--count", "99", "-o", "sound.wav"}).exitCode, 0);
+    ASSERT_EQ(Run({"new", "film.xml", "--media", "long.mov"}).exitCode, 0);
+    const auto put = [this](const char *file, const std::string &folder) {
+        fs::create_directories(Path(folder));
+        fs::copy(Path(file), Path(folder + "/long.mov"));
+    };
+    put("sound.wav", "sound");
+    put("film.xml", "all/junk");
+    put("sound.wav", "all/sound");
+    put("clip.mov", "all/short");
+    put("long.mov", "all/x");
+    fs::remove(Path("long.mov"));
+
+    const ToolRun sound = Run({"relink", "film.xml", "out.xml", "--search", "sound"});
+    EXPECT_EQ(sound.exitCode, 1);
+    EXPECT_THAT(sound.out, HasSubstr("not sound/long.mov: there is no picture in it\n"));
+    EXPECT_THAT(Run({"info", "out.xml"}).out, HasSubstr("missing"));
+
+    const ToolRun all = Run({"relink", "film.xml", "out.xml", "--search", "all"});
+    EXPECT_EQ(all.exitCode, 0) << all.err;
+    EXPECT_THAT(all.out, HasSubstr("-> all/x/long.mov\n"
+                                   "          not all/junk/long.mov: it cannot be read as a media file\n"
+                                   "          not all/sound/long.mov: there is no picture in it\n"));
+    EXPECT_THAT(Run({"info", "out.xml"}).out, Not(HasSubstr("missing")));
 }
 
 } // namespace

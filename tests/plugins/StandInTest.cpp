@@ -187,16 +187,28 @@ TEST_F(StandIns, AreEditedAndComeBackToTheirPlugin)
 
 TEST_F(StandIns, ReferToLayersAndFollowTheirCopies)
 {
-    const auto composition = Composition(*Load(text, nullptr));
+    const auto loaded = Load(text, nullptr);
+    const auto composition = Composition(*loaded);
     const auto layer = Layer(*composition, 0);
     const kytl::KyID below = Layer(*composition, 1)->ID();
+    const auto clone = std::static_pointer_cast<CompositionAsset>(composition->Clone());
+    loaded->Assets().All().Add(clone);
+    const auto followed = [](const CompositionAsset &of) {
+        return boost::get<kytl::KyID>(Layer(of, 0)->Effects().at(0)->Properties().StaticValue("layer"));
+    };
+    EXPECT_NE(Layer(*clone, 1)->ID(), below);
+    EXPECT_EQ(followed(*clone), Layer(*clone, 1)->ID());
+    EXPECT_EQ(followed(*composition), below);
+    // The plug-in finds the same once it is there again.
+    const auto back = Load(loaded->Serialize(), manager)->Assets().GetByType(AssetType::Composition);
+    EXPECT_EQ(followed(static_cast<CompositionAsset &>(*back.at(1))), Layer(*clone, 1)->ID());
+
     EXPECT_TRUE(layer->IsLayerReferenced(composition, below));
     layer->ChangeLayerReferences({{below.ToNarrowString(), plugin->id.ToNarrowString()}});
-    const auto &value = layer->Effects().at(0)->Properties().StaticValue("layer");
-    EXPECT_EQ(boost::get<kytl::KyID>(value), plugin->id);
+    EXPECT_EQ(followed(*composition), plugin->id);
     // Only the plug-in knows which of its IDs must be those of layers.
     layer->ClearInvalidLayerReferences({{below.ToNarrowString(), true}});
-    EXPECT_EQ(boost::get<kytl::KyID>(value), plugin->id);
+    EXPECT_EQ(followed(*composition), plugin->id);
 }
 
 TEST_F(StandIns, PropertiesThatAPluginNoLongerHasStay)

@@ -9,8 +9,11 @@
 
 #include <gmock/gmock.h>
 
+#include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 #include <csignal>
 
@@ -81,7 +84,57 @@ private:
     void (*handler_)(int);
 };
 
+/// For a while, the user of this process may not do everything.
+class WithoutPrivileges
+{
+public:
+    WithoutPrivileges()
+    {
+        if (before_ == 0)
+            isDone_ = ::seteuid(65534) == 0;
+    }
+    ~WithoutPrivileges() { isDone_ = ::seteuid(before_) == 0; }
+
+private:
+    const uid_t before_ = ::geteuid();
+    bool isDone_ = true;
+};
+
+/// What was done to files, in order, while it is wanted.
+std::vector<std::string> *fileCalls = nullptr;
+
+int Noted(const char *call, long result)
+{
+    if (fileCalls)
+        fileCalls->push_back(call);
+    return static_cast<int>(result);
+}
+
 } // namespace
+
+// In place of those of the C library, for the whole program.
+
+extern "C" int fsync(int file)
+{
+    struct stat status {
+    };
+    ::fstat(file, &status);
+    return Noted(S_ISDIR(status.st_mode) ? "sync folder" : "sync file", ::syscall(SYS_fsync, file));
+}
+
+extern "C" int rename(const char *from, const char *to) noexcept
+{
+    return Noted("rename", ::syscall(SYS_renameat, AT_FDCWD, from, AT_FDCWD, to));
+}
+
+TEST_F(ProjectFileTest, SyncsTheFileBeforeItTakesTheOldOnesPlace)
+{
+    std::vector<std::string> calls;
+    fileCalls = &calls;
+    ProjectFile::Save(*project_, Path("film.xml"));
+    fileCalls = nullptr;
+    EXPECT_THAT(calls, ElementsAre("sync file", "rename", "sync folder"));
+}
 
 TEST_F(ProjectFileTest, LoadsWhatItSavedAndKeepsAsManyVersionsAsAreAskedFor)
 {
@@ -122,6 +175,26 @@ TEST_F(ProjectFileTest, ASaveThatFailsLeavesWhatWasThere)
     EXPECT_THROW(ProjectFile::Save(*project_, Path("no/film.xml")), FileException);
     EXPECT_THROW(ProjectFile::Save(*project_, Path("")), FileException);
     EXPECT_THROW(ProjectFile::Save(*project_, "/dev/full"), FileException);
+
+    fs::create_directory(Path("closed"));
+    WriteWholeFile(Path("closed/film.xml"), "old");
+    fs::permissions(Path("closed"), fs::perms(0555));
+    fs::permissions(Path(""), fs::perms(0755));
+    WriteWholeFile(Path("protected.xml"), "old");
+    fs::permissions(Path("protected.xml"), fs::perms(0444));
+    for (const char *name : {"closed/film.xml", "closed/new.xml", "protected.xml"}) {
+        try {
+            const WithoutPrivileges user;
+            ProjectFile::Save(*project_, Path(name));
+            ADD_FAILURE() << name;
+        } catch (const FileException &error) {
+            EXPECT_EQ(error.what(), Path(name).string() + ": Permission denied");
+        }
+    }
+    EXPECT_EQ(ReadBytes(Path("closed/film.xml")), "old");
+    EXPECT_EQ(ReadBytes(Path("protected.xml")), "old");
+    EXPECT_THAT(Names("closed"), ElementsAre("film.xml"));
+    fs::permissions(Path("closed"), fs::perms(0755));
 }
 
 TEST_F(ProjectFileTest, KeepsRightsAndLinks)
