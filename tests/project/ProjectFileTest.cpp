@@ -179,7 +179,7 @@ TEST_F(ProjectFileTest, ASaveThatFailsLeavesWhatWasThere)
     fs::create_directory(Path("closed"));
     WriteWholeFile(Path("closed/film.xml"), "old");
     fs::permissions(Path("closed"), fs::perms(0555));
-    fs::permissions(Path(""), fs::perms(0755));
+    fs::permissions(Path(""), fs::perms(0777));
     WriteWholeFile(Path("protected.xml"), "old");
     fs::permissions(Path("protected.xml"), fs::perms(0444));
     for (const char *name : {"closed/film.xml", "closed/new.xml", "protected.xml"}) {
