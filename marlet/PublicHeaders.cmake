@@ -39,6 +39,10 @@ set(MARLET_PUBLIC_HEADERS
     foundation/TimeCode.h
     foundation/Tolerance.h
     foundation/ValuePtr.h
+    history/ChangeNotice.h
+    history/Edit.h
+    history/EditHistory.h
+    history/EditedPart.h
     layers/Abstract3DEffect.h
     layers/Abstract3DEffectFactory.h
     layers/AbstractLayer.h

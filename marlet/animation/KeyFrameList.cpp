@@ -71,6 +71,11 @@ KeyFrameList &KeyFrameList::operator=(KeyFrameList other)
     return *this;
 }
 
+void KeyFrameList::Swap(KeyFrameList &other) noexcept
+{
+    impl_.Swap(other.impl_);
+}
+
 bool KeyFrameList::IsEmpty() const
 {
     return impl_->Count() == 0;

@@ -32,6 +32,8 @@ public:
     KeyFrameList(const KeyFrameList &other);
     KeyFrameList &operator=(KeyFrameList other);
     ~KeyFrameList();
+    /// Exchanges everything, so that the key frames keep their addresses.
+    void Swap(KeyFrameList &other) noexcept;
 
     bool IsEmpty() const;
     unsigned int Count() const;

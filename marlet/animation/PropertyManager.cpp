@@ -116,6 +116,16 @@ std::shared_ptr<PropertyManager> PropertyManager::Copy(const std::shared_ptr<Pro
     return Copy(*other);
 }
 
+std::shared_ptr<PropertyManager> PropertyManager::CopyWithIDs(const PropertyManager &other)
+{
+    return std::shared_ptr<PropertyManager>(new PropertyManager(other));
+}
+
+void PropertyManager::Swap(PropertyManager &other) noexcept
+{
+    impl_.Swap(other.impl_);
+}
+
 void PropertyManager::TakeCopyOf(const PropertyManager &other)
 {
     impl_.Swap(Copy(other)->impl_);

@@ -56,6 +56,10 @@ public:
     static std::shared_ptr<PropertyManager> Copy(const PropertyManager &other);
     /// @throws std::invalid_argument if the pointer is null
     static std::shared_ptr<PropertyManager> Copy(const std::shared_ptr<PropertyManager> &other);
+    /// The same in which they keep their IDs.
+    static std::shared_ptr<PropertyManager> CopyWithIDs(const PropertyManager &other);
+    /// Exchanges all properties; each keeps the addresses of its values with it.
+    void Swap(PropertyManager &other) noexcept;
     /// Replaces all properties by those of a Copy.
     void TakeCopyOf(const PropertyManager &other);
     /// Removes all properties.

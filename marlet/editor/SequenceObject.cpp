@@ -55,8 +55,7 @@ SequenceObject::SequenceObject(const SequenceObjectKind &kind, const std::shared
     impl_->id = kytl::KyID::Generate();
     impl_->parentSequenceID = sequence->ID();
     impl_->name = asset->Name();
-    impl_->assetID = asset->ID();
-    impl_->Remember(asset);
+    SetAsset(asset);
     CreateProperties(*impl_->properties, kind.properties);
 }
 
@@ -170,6 +169,27 @@ void SequenceObject::SetAssetInstanceStart(int frame)
 int SequenceObject::AssetInstanceEnd() const
 {
     return Saturate(std::int64_t{impl_->assetInstanceStart} + impl_->endFrame - impl_->startFrame - 1);
+}
+
+void SequenceObject::SetAsset(const std::shared_ptr<AbstractAsset> &asset)
+{
+    Require(asset, "asset");
+    impl_->assetID = asset->ID();
+    impl_->Remember(asset);
+}
+
+AssetUse SequenceObject::Use() const
+{
+    AssetUse use;
+    use.assetID = impl_->assetID;
+    use.type = impl_->assetType.Load();
+    return use;
+}
+
+void SequenceObject::SetUse(const AssetUse &use)
+{
+    impl_->assetID = use.assetID;
+    impl_->assetType.Store(use.type);
 }
 
 const kytl::KyID &SequenceObject::ParentSequenceID() const

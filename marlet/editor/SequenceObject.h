@@ -29,6 +29,12 @@ public:
     void SetAssetInstanceStart(int frame) override;
     /// The last frame of the asset that is used; speed plays no part.
     int AssetInstanceEnd() const override;
+    /// Shows another asset from now on; name, frames and lists of instances stay.
+    /// @throws std::invalid_argument for a null pointer
+    void SetAsset(const std::shared_ptr<AbstractAsset> &asset);
+    /// Its ID and type; the rest of it is asked of the asset.
+    AssetUse Use() const;
+    void SetUse(const AssetUse &use);
     const kytl::KyID &ParentSequenceID() const override;
     PropertyManager &Properties() override;
     const PropertyManager &Properties() const override;

@@ -175,6 +175,29 @@ void SequenceObjectList::Insert(const Object &object, int startFrame)
     impl_->sequence->AddObjectToCache(inserted);
 }
 
+unsigned int SequenceObjectList::IndexOf(const Object &object) const
+{
+    Require(object, "object");
+    const std::size_t position = impl_->FindEntry(object);
+    return position == SequenceObjectList_Impl::kNone ? Count() : static_cast<unsigned int>(position);
+}
+
+void SequenceObjectList::InsertAt(const Object &object, int startFrame, unsigned int index)
+{
+    const Object inserted = object;
+    Insert(inserted, startFrame);
+    const std::size_t first = impl_->LowerBound(startFrame);
+    const std::size_t last = impl_->UpperBound(startFrame) - 1;
+    if (index < last)
+        impl_->Shift(last, std::max<std::size_t>(first, index));
+}
+
+void SequenceObjectList::ShiftFrom(unsigned int index, int frames)
+{
+    impl_->TakeBack();
+    impl_->ShiftFrom(index, frames);
+}
+
 void SequenceObjectList::Move(const Object &object, int startFrame, bool keepLength)
 {
     const Object moved = object;

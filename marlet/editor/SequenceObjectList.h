@@ -71,6 +71,14 @@ public:
     void Move(const Object &object, int startFrame, bool keepLength);
     /// @throws std::invalid_argument for a null pointer; std::logic_error if the object is not in the list
     void Remove(const Object &object);
+    /// The position of an object, or the count if it is not in the list.
+    unsigned int IndexOf(const Object &object) const;
+    /// Insert for an object that is to stand at a position, as far as its start frame lets it: among those
+    /// that start on one frame the position counts.
+    void InsertAt(const Object &object, int startFrame, unsigned int index);
+    /// Moves all objects from a position on by a number of frames, ends too, in one pass.
+    /// @throws std::invalid_argument if they would pass one before them or leave the range of frames
+    void ShiftFrom(unsigned int index, int frames);
     /// What GetByID finds is removed and returned.
     /// @throws std::logic_error if that says it is on this track and is not in the list
     Object Remove(const kytl::KyID &id);

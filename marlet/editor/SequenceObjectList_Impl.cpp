@@ -3,7 +3,9 @@
 #include <marlet/editor/AbstractSequenceObject.h>
 
 #include <algorithm>
+#include <limits>
 #include <stdexcept>
+#include <string>
 #include <utility>
 
 namespace marlet::project
@@ -104,6 +106,8 @@ std::size_t SequenceObjectList_Impl::RequireEntry(const Object &object) const
 
 void SequenceObjectList_Impl::TakeEndFrame(const AbstractSequenceObject &object)
 {
+    if (isShifting)
+        return;
     const int startFrame = object.StartFrame();
     for (std::size_t i = LowerBound(startFrame); i < Count() && StartFrame(i) == startFrame; ++i)
         if (At(i).get() == &object)
@@ -239,7 +243,6 @@ SequenceObjectList::Objects SequenceObjectList_Impl::TakeAll()
     return taken;
 }
 
-/// Takes an entry to another position; those between move up.
 void SequenceObjectList_Impl::Shift(std::size_t from, std::size_t to)
 {
     const auto at = [this](std::size_t i) { return entries.begin() + static_cast<std::ptrdiff_t>(i); };
@@ -247,6 +250,35 @@ void SequenceObjectList_Impl::Shift(std::size_t from, std::size_t to)
         std::rotate(at(from), at(from + 1), at(to + 1));
     else
         std::rotate(at(to), at(from), at(from + 1));
+}
+
+void SequenceObjectList_Impl::ShiftFrom(std::size_t first, int frames)
+{
+    if (first >= Count())
+        return;
+    const std::int64_t start = std::int64_t{StartFrame(first)} + frames;
+    if (first > 0 && start < StartFrame(first - 1))
+        throw std::invalid_argument("The objects would pass the one that starts on frame " +
+                                    std::to_string(StartFrame(first - 1)));
+    std::int64_t least = start;
+    std::int64_t greatest = start;
+    for (std::size_t i = first; i < Count(); ++i) {
+        least = std::min(least, std::int64_t{EndFrame(i)} + frames);
+        greatest =
+            std::max({greatest, std::int64_t{StartFrame(i)} + frames, std::int64_t{EndFrame(i)} + frames});
+    }
+    if (least < std::numeric_limits<int>::min() || greatest > std::numeric_limits<int>::max())
+        throw std::invalid_argument("The objects would leave the range of frames");
+
+    isShifting = true;
+    for (std::size_t i = first; i < Count(); ++i) {
+        Slot &slot = slots[entries[i].slot];
+        entries[i].startFrame += frames;
+        slot.endFrame = slot.object->EndFrame() + frames;
+        slot.object->SetStartFrame(entries[i].startFrame);
+        slot.object->SetEndFrame(slot.endFrame);
+    }
+    isShifting = false;
 }
 
 /// Sets the object's start frame, and takes its entries, of which there may be none or several, behind what

@@ -38,6 +38,8 @@ struct SequenceObjectList_Impl : std::enable_shared_from_this<SequenceObjectList
     bool mayHaveNullIDs = false;
     /// Some object may be on another list too, which has set its start frame and is told of its end frame.
     bool mayShareObjects = false;
+    /// The objects' new end frames are those that the list sets itself.
+    bool isShifting = false;
 
     std::size_t Count() const { return entries.size(); }
     const Object &At(std::size_t position) const { return slots[entries[position].slot].object; }
@@ -64,6 +66,10 @@ struct SequenceObjectList_Impl : std::enable_shared_from_this<SequenceObjectList
     /// Leaves the list empty.
     SequenceObjectList::Objects TakeAll();
     void MoveEntries(const Object &object, int startFrame);
+    /// Takes an entry to another position; those between move up.
+    void Shift(std::size_t from, std::size_t to);
+    /// @throws std::invalid_argument
+    void ShiftFrom(std::size_t first, int frames);
 
 private:
     void Adopt(AbstractSequenceObject &object);
@@ -72,7 +78,6 @@ private:
     bool IsToldBy(const AbstractSequenceObject &object) const;
     void Release(AbstractSequenceObject &object) const;
     std::uint32_t TakeSlot(const Object &object);
-    void Shift(std::size_t from, std::size_t to);
     void Refresh(std::size_t position);
     void SortAgain();
 };

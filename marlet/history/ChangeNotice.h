@@ -89,18 +89,19 @@ struct StaleFrames {
     int end = 0;
 };
 
+enum class ChangeCause : int { Commit, Undo, Redo };
+
 /// What an edit, an undo or a redo changed. Everything that is another one is told; what is told may be as
 /// it was before. Valid while observers are called.
 class MARLET_EXPORT ChangeNotice
 {
 public:
-    enum class Cause : int { Commit, Undo, Redo };
     using StaleSearch = std::function<std::vector<StaleFrames>(const std::vector<ObjectChange> &)>;
 
-    ChangeNotice(Cause cause, WideString label, std::vector<ObjectChange> changes, StaleSearch stale);
+    ChangeNotice(ChangeCause cause, WideString label, std::vector<ObjectChange> changes, StaleSearch stale);
     ~ChangeNotice();
 
-    project::ChangeNotice::Cause Cause() const { return cause_; }
+    ChangeCause Cause() const { return cause_; }
     /// Of the edit.
     const WideString &Label() const { return label_; }
     /// Each object once, in the order in which the edit came to them.
@@ -111,7 +112,7 @@ public:
     const std::vector<StaleFrames> &Stale() const;
 
 private:
-    project::ChangeNotice::Cause cause_;
+    ChangeCause cause_;
     WideString label_;
     std::vector<ObjectChange> changes_;
     mutable StaleSearch search_;

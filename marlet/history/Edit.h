@@ -22,6 +22,7 @@ class PluginInstance;
 class Project;
 class PropertyManager;
 class TextLayer;
+class TimelinePart;
 class Tracker;
 class TrackingPoint;
 
@@ -134,7 +135,14 @@ private:
     friend class EditHistory;
 
     struct Data;
+
+    void RequireOpen() const;
+    void End();
     void Add(std::unique_ptr<EditedPart> part);
+    void TouchPlace(const std::shared_ptr<AbstractSequenceTrack> &track,
+                    const std::shared_ptr<AbstractSequenceObject> &object);
+    TimelinePart &Timeline();
+    std::shared_ptr<AbstractSequenceTrack> TrackOf(const AbstractSequenceObject &object) const;
 
     std::unique_ptr<Data> data_;
 };

@@ -79,6 +79,9 @@ private:
     friend class Edit;
 
     struct Data;
+
+    void RequireNoEdit() const;
+
     std::unique_ptr<Data> data_;
 };
 

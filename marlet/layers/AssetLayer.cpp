@@ -46,10 +46,7 @@ AssetLayer::AssetLayer() = default;
 
 AssetLayer::AssetLayer(const std::shared_ptr<AbstractAsset> &asset) : AbstractLayer(NameOf(asset))
 {
-    impl_->assetID = asset->ID();
-    impl_->Remember(asset);
-    impl_->assetHadVideo = impl_->assetHasVideo.Load();
-    impl_->assetHadAudio = impl_->assetHasAudio.Load();
+    SetAsset(asset);
     CreateProperties(Animation(), AssetLayerProperties());
 }
 
@@ -114,6 +111,35 @@ void AssetLayer::SetDimensions(LayerDimensions dimensions)
     // Nothing but a composition has content in space.
     if (dimensions != LayerDimensions::ThreeDContent || impl_->assetType.Load() == AssetType::Composition)
         impl_->dimensions = dimensions;
+}
+
+void AssetLayer::SetAsset(const std::shared_ptr<AbstractAsset> &asset)
+{
+    Require(asset, "asset");
+    impl_->assetID = asset->ID();
+    impl_->Remember(asset);
+    impl_->assetHadVideo = impl_->assetHasVideo.Load();
+    impl_->assetHadAudio = impl_->assetHasAudio.Load();
+}
+
+AssetUse AssetLayer::Use() const
+{
+    return {impl_->assetID,
+            impl_->assetType.Load(),
+            impl_->assetHasVideo.Load(),
+            impl_->assetHasAudio.Load(),
+            impl_->assetHadVideo,
+            impl_->assetHadAudio};
+}
+
+void AssetLayer::SetUse(const AssetUse &use)
+{
+    impl_->assetID = use.assetID;
+    impl_->assetType.Store(use.type);
+    impl_->assetHasVideo.Store(use.hasVideo);
+    impl_->assetHasAudio.Store(use.hasAudio);
+    impl_->assetHadVideo = use.hadVideo;
+    impl_->assetHadAudio = use.hadAudio;
 }
 
 const kytl::KyID &AssetLayer::AssetID() const

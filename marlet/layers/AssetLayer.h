@@ -66,6 +66,11 @@ public:
     void SetAssetInstanceStart(int frame) override;
     int AssetInstanceEnd() const override;
 
+    /// Shows another asset from now on, as a new layer of it would. Lists of instances stay.
+    /// @throws std::invalid_argument for a null pointer
+    void SetAsset(const std::shared_ptr<AbstractAsset> &asset);
+    AssetUse Use() const;
+    void SetUse(const AssetUse &use);
     /// The asset, or an empty pointer if the list has none of that ID.
     std::shared_ptr<AbstractAsset> Asset(const AssetList &assets) const;
     /// What the asset offered when the layer was made.

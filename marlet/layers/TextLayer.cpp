@@ -197,6 +197,16 @@ const TextLayer::TokenList &TextLayer::Text() const
     return impl_->text.tokens;
 }
 
+TextLayer::FormatList &TextLayer::Formats()
+{
+    return impl_->text.formats;
+}
+
+const TextLayer::FormatList &TextLayer::Formats() const
+{
+    return impl_->text.formats;
+}
+
 TextLayer::EffectList &TextLayer::Effects()
 {
     return impl_->effects;

@@ -106,6 +106,9 @@ public:
 
     TokenList &Text();
     const TokenList &Text() const;
+    /// The table of formats. One that a token uses has to stay in it.
+    FormatList &Formats();
+    const FormatList &Formats() const;
     EffectList &Effects();
     const EffectList &Effects() const;
     MaskList &Masks();

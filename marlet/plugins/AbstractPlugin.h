@@ -17,8 +17,8 @@ class PropertyManager;
 /// One loaded plug-in, implemented by the host. The library calls it on the thread that calls the library.
 ///
 /// For one instance the order of calls is: InstanceCreated, any number of PropertyChanged and
-/// SerializeInstance, at most one DeserializeInstance, InstanceDestroyed. A plug-in must outlive the saving
-/// of its instances.
+/// SerializeInstance, at most one DeserializeInstance, InstanceDestroyed. An undo or a redo that puts back an
+/// instance adds one DeserializeInstance each. A plug-in must outlive the saving of its instances.
 class MARLET_EXPORT AbstractPlugin
 {
 public:
@@ -72,8 +72,9 @@ public:
     /// children of the element stand behind the library's own, and what stands in "PropertyManager" has to be
     /// a property, since that is read as one.
     virtual void SerializeInstance(AbstractPluginInstance *instance, void *document, void *element) = 0;
-    /// Last when an instance with private data is read or copied. InstanceData may be null then. The bytes
-    /// are the library's, and stay for the length of the call.
+    /// Last when an instance with private data is read or copied. InstanceData may be null then. When it is
+    /// called by an undo or a redo, the instance has the data that the bytes are to replace, and no bytes
+    /// stand for having none. The bytes are the library's, and stay for the length of the call.
     virtual void DeserializeInstance(AbstractPluginInstance *instance, unsigned char *bytes, int size) = 0;
     virtual void HostOperation7() = 0;
     virtual void PropertyChanged(AbstractPluginInstance *instance, const char *name) = 0;

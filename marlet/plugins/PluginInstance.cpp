@@ -87,6 +87,27 @@ const PropertyManager &PluginInstance::Properties() const
     return *impl_->properties;
 }
 
+std::unordered_map<NarrowString, PluginInstance::UIState> PluginInstance::PanelStates() const
+{
+    return impl_->uiStates;
+}
+
+void PluginInstance::SetPanelStates(const std::unordered_map<NarrowString, UIState> &states)
+{
+    impl_->uiStates = states;
+}
+
+std::optional<std::vector<unsigned char>> PluginInstance::PrivateBytes() const
+{
+    // The plug-in is handed an instance that it may change; asking is const to everybody else.
+    return impl_->PrivateBytes(const_cast<PluginInstance *>(this));
+}
+
+void PluginInstance::SetPrivateBytes(const std::optional<std::vector<unsigned char>> &bytes)
+{
+    impl_->SetPrivateBytes(this, bytes);
+}
+
 PropertyManager &PluginInstance::Animation()
 {
     return Properties();

@@ -2,6 +2,10 @@
 
 #include <marlet/plugins/AbstractPluginInstance.h>
 
+#include <optional>
+#include <unordered_map>
+#include <vector>
+
 namespace marlet::project
 {
 
@@ -44,6 +48,18 @@ public:
     /// Whether the plug-in is one of the library's own, which takes the place of one that the host does not
     /// have, or only in an older version. The instance is saved as it was read then, with what was changed.
     bool IsStandIn() const;
+
+    // What an undo puts back beside properties.
+
+    /// The states of the panel's controls, by the names of the properties.
+    std::unordered_map<NarrowString, UIState> PanelStates() const;
+    void SetPanelStates(const std::unordered_map<NarrowString, UIState> &states);
+    /// What the plug-in saves of its private data; nothing if it saves none.
+    /// @throws std::logic_error if the plug-in is gone
+    std::optional<std::vector<unsigned char>> PrivateBytes() const;
+    /// Hands them to the plug-in; an instance that is to have none is handed no bytes at all.
+    /// @throws std::logic_error if the plug-in is gone
+    void SetPrivateBytes(const std::optional<std::vector<unsigned char>> &bytes);
 
     /// The same as Properties.
     PropertyManager &Animation();

@@ -306,12 +306,32 @@ void PluginInstance_Impl::Read(const XmlCursor &element, AbstractPluginInstance 
 void PluginInstance_Impl::CopyPrivateData(AbstractPluginInstance *instance,
                                           AbstractPluginInstance *copy) const
 {
+    // The copy of a stand-in shares what is kept.
+    if (const std::optional<std::vector<unsigned char>> bytes = PrivateBytes(instance))
+        SetPrivateBytes(copy, bytes);
+}
+
+std::optional<std::vector<unsigned char>>
+PluginInstance_Impl::PrivateBytes(AbstractPluginInstance *instance) const
+{
     if (standIn)
-        return; // the copy shares what is kept
+        return std::nullopt;
     const std::shared_ptr<AbstractPlugin> locked = RequirePlugin();
     const PluginElement saved(*this, *locked, instance);
-    if (const QDomElement bytes = saved.Bytes(); !bytes.isNull())
-        HandOver(*locked, copy, bytes.attribute(kBytesAttribute).toLatin1());
+    const QDomElement element = saved.Bytes();
+    if (element.isNull())
+        return std::nullopt;
+    const QByteArray bytes = QByteArray::fromBase64(element.attribute(kBytesAttribute).toLatin1());
+    return std::vector<unsigned char>(bytes.begin(), bytes.end());
+}
+
+void PluginInstance_Impl::SetPrivateBytes(AbstractPluginInstance *instance,
+                                          const std::optional<std::vector<unsigned char>> &bytes) const
+{
+    if (standIn)
+        return;
+    std::vector<unsigned char> handed = bytes.value_or(std::vector<unsigned char>());
+    RequirePlugin()->DeserializeInstance(instance, handed.data(), static_cast<int>(handed.size()));
 }
 
 void WritePluginNameAndVersion(XmlWriter &writer, const AbstractPlugin &plugin)

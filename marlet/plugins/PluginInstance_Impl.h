@@ -45,6 +45,10 @@ struct PluginInstance_Impl {
     void KeepElement(const XmlCursor &element);
     /// Hands private data from an instance to its copy, as it is saved and read.
     void CopyPrivateData(AbstractPluginInstance *instance, AbstractPluginInstance *copy) const;
+    /// What the plug-in saves of its private data. A stand-in's stay in what is kept.
+    std::optional<std::vector<unsigned char>> PrivateBytes(AbstractPluginInstance *instance) const;
+    void SetPrivateBytes(AbstractPluginInstance *instance,
+                         const std::optional<std::vector<unsigned char>> &bytes) const;
 
     kytl::KyID id = kytl::KyID::Generate();
     kytl::KyID pluginID;

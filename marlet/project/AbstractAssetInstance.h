@@ -8,6 +8,19 @@ namespace marlet::project
 
 enum class AssetType : int;
 
+/// What an instance of an asset remembers of it, so that it outlives it.
+struct AssetUse {
+    kytl::KyID assetID;
+    project::AssetType type{};
+    bool hasVideo = false;
+    bool hasAudio = false;
+    /// What the asset offered when it was first used here. Layers alone keep these.
+    bool hadVideo = false;
+    bool hadAudio = false;
+
+    bool operator==(const AssetUse &other) const = default;
+};
+
 /// What uses an asset: a layer of a composition or an object of the editor timeline. Start and end are frames
 /// of the asset.
 class MARLET_EXPORT AbstractAssetInstance

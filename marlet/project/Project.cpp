@@ -263,4 +263,9 @@ void Project::SetExpressionEngine(const std::shared_ptr<AbstractExpressionEngine
     impl_->expressionEngine = engine;
 }
 
+EditHistory *Project::History() const
+{
+    return editing_.history;
+}
+
 } // namespace marlet::project

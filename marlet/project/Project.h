@@ -12,6 +12,8 @@ class Abstract3DEffectFactory;
 class AbstractExpressionEngine;
 class AbstractPluginManager;
 class AssetList;
+class Edit;
+class EditHistory;
 class EditorSequence;
 class MediaManager;
 class MediaProgress;
@@ -93,13 +95,26 @@ public:
     const std::shared_ptr<AbstractExpressionEngine> &ExpressionEngine() const;
     void SetExpressionEngine(const std::shared_ptr<AbstractExpressionEngine> &engine);
 
+    /// What keeps the steps of editing the project, or null.
+    EditHistory *History() const;
+
 private:
+    friend class Edit;
+    friend class EditHistory;
+
+    /// Set by those two, so that whoever is handed the project finds them.
+    struct Editing {
+        EditHistory *history = nullptr;
+        Edit *innermost = nullptr; ///< of the edits that go on
+    };
+
     void Read(const WideString &xml, const Abstract3DEffectFactory &effectFactory,
               const LoadOptions &options);
     void Deserialize(const XmlCursor &element, const Abstract3DEffectFactory &effectFactory,
                      MediaProgress *progress);
 
     std::unique_ptr<Project_Impl> impl_;
+    Editing editing_;
 };
 
 } // namespace marlet::project

@@ -33,6 +33,8 @@ public:
 
     void Remove(const kytl::KyID &id, unsigned int index) { values_.erase(Key(id, index)); }
 
+    bool operator==(const Family &other) const = default;
+
     void Serialize(XmlWriter &writer, const char *tag) const
     {
         const XmlElement section(writer, tag);
@@ -68,6 +70,8 @@ struct ProjectMetadata_Impl {
     Family<float> floats;
     Family<kytl::KyID> ids;
     Family<WideString> strings;
+
+    bool operator==(const ProjectMetadata_Impl &other) const = default;
 };
 
 namespace
@@ -95,6 +99,23 @@ ProjectMetadata::ProjectMetadata(const XmlCursor &element) : ProjectMetadata()
 }
 
 ProjectMetadata::~ProjectMetadata() = default;
+
+std::unique_ptr<ProjectMetadata> ProjectMetadata::Copy() const
+{
+    std::unique_ptr<ProjectMetadata> copy(new ProjectMetadata());
+    *copy->impl_ = *impl_;
+    return copy;
+}
+
+void ProjectMetadata::Swap(ProjectMetadata &other) noexcept
+{
+    impl_.swap(other.impl_);
+}
+
+bool ProjectMetadata::operator==(const ProjectMetadata &other) const
+{
+    return *impl_ == *other.impl_;
+}
 
 void ProjectMetadata::Serialize(XmlWriter &writer) const
 {

@@ -27,6 +27,11 @@ public:
     ProjectMetadata &operator=(const ProjectMetadata &) = delete;
     ~ProjectMetadata();
 
+    /// All values, for later.
+    std::unique_ptr<ProjectMetadata> Copy() const;
+    void Swap(ProjectMetadata &other) noexcept;
+    bool operator==(const ProjectMetadata &other) const;
+
     bool BooleanValue(const kytl::KyID &id, unsigned int index) const;
     void SetBooleanValue(const kytl::KyID &id, unsigned int index, bool value);
     bool GetOrSetBooleanValue(const kytl::KyID &id, unsigned int index, bool value);

@@ -16,6 +16,7 @@ set(below_project foundation animation plugins masks tracking layers platform)
 set(below_editor foundation animation plugins masks tracking layers project)
 set(below_checks foundation animation plugins masks tracking layers project editor)
 
+set(below_history foundation animation plugins masks tracking layers project editor)
 set(below_recovery foundation animation plugins masks tracking layers project editor platform)
 
 # Sources that must reach up, as "source folder".

@@ -1,0 +1,419 @@
+#include <marlet/history/Edit.h>
+
+#include <marlet/editor/AbstractSequenceObject.h>
+#include <marlet/editor/AbstractSequenceTrack.h>
+#include <marlet/editor/EditorSequence.h>
+#include <marlet/foundation/Arguments.h>
+#include <marlet/history/AnnouncementCheck.h>
+#include <marlet/history/EditHistory.h>
+#include <marlet/history/HistoryData.h>
+#include <marlet/history/Parts.h>
+#include <marlet/history/Step.h>
+#include <marlet/history/TimelinePart.h>
+#include <marlet/layers/TextLayer.h>
+#include <marlet/masks/Mask.h>
+#include <marlet/masks/PathPoint.h>
+#include <marlet/plugins/PluginInstance.h>
+#include <marlet/project/AssetList.h>
+#include <marlet/project/BinFolder.h>
+#include <marlet/project/CompositionAsset.h>
+#include <marlet/project/Project.h>
+#include <marlet/tracking/Tracker.h>
+#include <marlet/tracking/TrackingPoint.h>
+
+#include <stdexcept>
+#include <utility>
+
+namespace marlet::project
+{
+
+struct Edit::Data {
+    std::shared_ptr<Project> project;
+    WideString label;
+    WideString gesture;
+    Edit *outer = nullptr;
+    EditHistory *history = nullptr;
+    bool isOpen = true;
+    Step step;
+    /// One of the parts, once there is one. An inner edit has the outer ones hear of its places at once,
+    /// since positions mean something at that moment only.
+    TimelinePart *timeline = nullptr;
+    std::size_t outerMoment = 0;
+    std::optional<AnnouncementCheck> check;
+};
+
+Edit::Edit(const std::shared_ptr<Project> &project, const WideString &label, const WideString &gesture)
+    : data_(std::make_unique<Data>())
+{
+    Require(project, "project");
+    data_->project = project;
+    data_->label = label;
+    data_->gesture = gesture;
+    data_->outer = project->editing_.innermost;
+    data_->history = project->editing_.history;
+    if (data_->history && data_->history->data_->isTelling)
+        throw std::logic_error("An observer of changes must not edit");
+    if (data_->outer) {
+        const TimelinePart *timeline = data_->outer->data_->timeline;
+        data_->outerMoment = timeline ? timeline->Moment() : 0;
+    } else if (data_->history && data_->history->ChecksAnnouncements()) {
+        data_->check.emplace(*project);
+    }
+    project->editing_.innermost = this;
+}
+
+Edit::~Edit()
+{
+    if (!data_->isOpen)
+        return;
+    try {
+        Drop();
+    } catch (...) {
+        // What cannot be put back stays as it is.
+    }
+}
+
+bool Edit::IsOpen() const
+{
+    return data_->isOpen;
+}
+
+const std::shared_ptr<Project> &Edit::Document() const
+{
+    return data_->project;
+}
+
+void Edit::RequireOpen() const
+{
+    if (!data_->isOpen)
+        throw std::logic_error("The edit has ended");
+    if (data_->project->editing_.innermost != this)
+        throw std::logic_error("An edit that began later goes on");
+}
+
+void Edit::End()
+{
+    data_->isOpen = false;
+    data_->project->editing_.innermost = data_->outer;
+}
+
+void Edit::Commit()
+{
+    RequireOpen();
+    if (data_->outer) {
+        End();
+        for (std::unique_ptr<EditedPart> &part : data_->step.TakeParts())
+            if (part.get() != data_->timeline)
+                data_->outer->data_->step.Add(std::move(part));
+        return;
+    }
+    if (data_->check) {
+        try {
+            data_->check->Check(*data_->project, data_->step, data_->label);
+        } catch (...) {
+            Drop();
+            throw;
+        }
+    }
+    End();
+    data_->step.DropUnchanged();
+    if (data_->history && !data_->step.IsEmpty())
+        data_->history->data_->Take(data_->label, data_->gesture, std::move(data_->step));
+}
+
+void Edit::Drop()
+{
+    RequireOpen();
+    End();
+    data_->step.Undo();
+    if (data_->outer && data_->outer->data_->timeline)
+        data_->outer->data_->timeline->ForgetSince(data_->outerMoment);
+}
+
+void Edit::Add(std::unique_ptr<EditedPart> part)
+{
+    data_->step.Add(std::move(part));
+}
+
+void Edit::TouchPlace(const std::shared_ptr<AbstractSequenceTrack> &track,
+                      const std::shared_ptr<AbstractSequenceObject> &object)
+{
+    if (data_->outer)
+        data_->outer->TouchPlace(track, object);
+    Timeline().Touch(track, object);
+}
+
+TimelinePart &Edit::Timeline()
+{
+    if (!data_->timeline) {
+        const std::shared_ptr<EditorSequence> sequence = data_->project->Sequence();
+        auto part = std::make_unique<TimelinePart>(sequence ? sequence->ID() : kytl::KyID());
+        data_->timeline = part.get();
+        data_->step.Add(std::move(part));
+    }
+    return *data_->timeline;
+}
+
+void Edit::TouchProject()
+{
+    RequireOpen();
+    Add(MakePart(data_->project));
+}
+
+void Edit::TouchMetadata()
+{
+    RequireOpen();
+    Add(MakeMetadataPart(data_->project));
+}
+
+void Edit::TouchAssets()
+{
+    RequireOpen();
+    Add(MakeAssetsPart(data_->project));
+}
+
+void Edit::TouchRootFolder()
+{
+    RequireOpen();
+    Add(MakePart(std::shared_ptr<BinFolder>(data_->project, &data_->project->Assets().Bin())));
+}
+
+void Edit::Touch(const std::shared_ptr<BinFolder> &folder)
+{
+    RequireOpen();
+    Require(folder, "folder");
+    Add(MakePart(folder));
+}
+
+void Edit::Touch(const std::shared_ptr<AbstractAsset> &asset)
+{
+    RequireOpen();
+    Require(asset, "asset");
+    MakeParts(data_->project, asset, [this](std::unique_ptr<EditedPart> part) { Add(std::move(part)); });
+}
+
+void Edit::TouchLayers(const std::shared_ptr<CompositionAsset> &composition)
+{
+    RequireOpen();
+    Require(composition, "composition");
+    Add(MakeLayersPart(composition));
+}
+
+void Edit::TouchPanels(const std::shared_ptr<CompositionAsset> &composition)
+{
+    RequireOpen();
+    Require(composition, "composition");
+    Add(MakePanelsPart(composition));
+}
+
+void Edit::TouchPanels(const std::shared_ptr<EditorSequence> &sequence)
+{
+    RequireOpen();
+    Require(sequence, "sequence");
+    Add(MakePanelsPart(sequence));
+}
+
+void Edit::Touch(const std::shared_ptr<AbstractLayer> &layer)
+{
+    RequireOpen();
+    Require(layer, "layer");
+    MakeParts(layer, [this](std::unique_ptr<EditedPart> part) { Add(std::move(part)); });
+}
+
+void Edit::TouchText(const std::shared_ptr<TextLayer> &layer)
+{
+    RequireOpen();
+    Require(layer, "layer");
+    Add(MakeTextPart(layer));
+}
+
+void Edit::Touch(const std::shared_ptr<Mask> &mask)
+{
+    RequireOpen();
+    Require(mask, "mask");
+    Add(MakePart(mask));
+}
+
+void Edit::Touch(const std::shared_ptr<PathPoint> &point)
+{
+    RequireOpen();
+    Require(point, "point");
+    Add(MakePart(point));
+}
+
+void Edit::Touch(const std::shared_ptr<Tracker> &tracker)
+{
+    RequireOpen();
+    Require(tracker, "tracker");
+    Add(MakePart(tracker));
+}
+
+void Edit::Touch(const std::shared_ptr<TrackingPoint> &point)
+{
+    RequireOpen();
+    Require(point, "tracking point");
+    Add(MakePart(point));
+}
+
+void Edit::Touch(const std::shared_ptr<PluginInstance> &instance)
+{
+    RequireOpen();
+    Require(instance, "instance");
+    MakeParts(instance, [this](std::unique_ptr<EditedPart> part) { Add(std::move(part)); });
+}
+
+void Edit::Touch(const std::shared_ptr<EditorSequence> &sequence)
+{
+    RequireOpen();
+    Require(sequence, "sequence");
+    Add(MakePart(sequence));
+}
+
+void Edit::Touch(const std::shared_ptr<AbstractSequenceTrack> &track)
+{
+    RequireOpen();
+    Require(track, "track");
+    MakeParts(track, [this](std::unique_ptr<EditedPart> part) { Add(std::move(part)); });
+}
+
+void Edit::Touch(const std::shared_ptr<AbstractSequenceObject> &object)
+{
+    RequireOpen();
+    Require(object, "object");
+    Add(MakePart(object));
+    if (const std::shared_ptr<AbstractSequenceTrack> track = TrackOf(*object))
+        TouchPlace(track, object);
+}
+
+void Edit::Touch(const std::shared_ptr<AbstractSequenceTrack> &track,
+                 const std::shared_ptr<AbstractSequenceObject> &object)
+{
+    RequireOpen();
+    Require(track, "track");
+    Require(object, "object");
+    TouchPlace(track, object);
+}
+
+std::shared_ptr<AbstractSequenceTrack> Edit::TrackOf(const AbstractSequenceObject &object) const
+{
+    const std::shared_ptr<EditorSequence> sequence = data_->project->Sequence();
+    return sequence ? sequence->FindSequenceTrackByID(object.ParentTrackID()) : nullptr;
+}
+
+void Edit::ShiftFrom(const std::shared_ptr<AbstractSequenceTrack> &track, unsigned int position, int frames)
+{
+    RequireOpen();
+    Require(track, "track");
+    Timeline().ShiftFrom(track, position, frames);
+    for (Edit *outer = data_->outer; outer; outer = outer->data_->outer)
+        outer->Timeline().NoteShift(track, position, frames);
+}
+
+void Edit::Touch(const std::shared_ptr<AbstractLayer> &owner, const char *property)
+{
+    Touch(PropertiesOf(owner), property, ObjectKind::Layer, owner->ID());
+}
+
+void Edit::Touch(const std::shared_ptr<Mask> &owner, const char *property)
+{
+    Touch(PropertiesOf(owner), property, ObjectKind::Mask, owner->ID());
+}
+
+void Edit::Touch(const std::shared_ptr<PathPoint> &owner, const char *property)
+{
+    Touch(PropertiesOf(owner), property, ObjectKind::PathPoint, owner->ID());
+}
+
+void Edit::Touch(const std::shared_ptr<TrackingPoint> &owner, const char *property)
+{
+    Touch(PropertiesOf(owner), property, ObjectKind::TrackingPoint, owner->ID());
+}
+
+void Edit::Touch(const std::shared_ptr<PluginInstance> &owner, const char *property)
+{
+    const std::shared_ptr<PropertyManager> properties = PropertiesOf(owner);
+    const bool isEffect = owner->Type() == AbstractPluginInstance::InstanceType::Effect;
+    Touch(properties, property, isEffect ? ObjectKind::Effect : ObjectKind::Transition, owner->ID());
+}
+
+void Edit::Touch(const std::shared_ptr<AbstractSequenceObject> &owner, const char *property)
+{
+    Touch(PropertiesOf(owner), property, ObjectKind::SequenceObject, owner->ID());
+}
+
+void Edit::Touch(const std::shared_ptr<PropertyManager> &properties, const char *property, ObjectKind kind,
+                 const kytl::KyID &owner)
+{
+    RequireOpen();
+    Require(properties, "property manager");
+    Require(property, "property name");
+    Add(MakePropertyPart(properties, property, {kind, owner}));
+}
+
+void Edit::TouchKeyFrame(const std::shared_ptr<PropertyManager> &properties, const char *property,
+                         const kytl::KyID &keyFrame, ObjectKind kind, const kytl::KyID &owner)
+{
+    RequireOpen();
+    Require(properties, "property manager");
+    Require(property, "property name");
+    Add(MakeKeyFramePart(properties, property, keyFrame, {kind, owner}));
+}
+
+void Edit::TouchAll(const std::shared_ptr<PropertyManager> &properties, ObjectKind kind,
+                    const kytl::KyID &owner)
+{
+    RequireOpen();
+    Require(properties, "property manager");
+    Add(MakePropertiesPart(properties, {kind, owner}));
+}
+
+void Edit::Touch(std::unique_ptr<EditedPart> part)
+{
+    RequireOpen();
+    Require(part, "part");
+    Add(std::move(part));
+}
+
+namespace
+{
+
+template <class Owner> std::shared_ptr<PropertyManager> Animated(const std::shared_ptr<Owner> &owner)
+{
+    Require(owner, "owner");
+    return {owner, &owner->Animation()};
+}
+
+} // namespace
+
+std::shared_ptr<PropertyManager> PropertiesOf(const std::shared_ptr<AbstractLayer> &layer)
+{
+    return Animated(layer);
+}
+
+std::shared_ptr<PropertyManager> PropertiesOf(const std::shared_ptr<Mask> &mask)
+{
+    return Animated(mask);
+}
+
+std::shared_ptr<PropertyManager> PropertiesOf(const std::shared_ptr<PathPoint> &point)
+{
+    return Animated(point);
+}
+
+std::shared_ptr<PropertyManager> PropertiesOf(const std::shared_ptr<TrackingPoint> &point)
+{
+    return Animated(point);
+}
+
+std::shared_ptr<PropertyManager> PropertiesOf(const std::shared_ptr<PluginInstance> &instance)
+{
+    return Animated(instance);
+}
+
+std::shared_ptr<PropertyManager> PropertiesOf(const std::shared_ptr<AbstractSequenceObject> &object)
+{
+    Require(object, "owner");
+    return {object, &object->Properties()};
+}
+
+} // namespace marlet::project

@@ -1,0 +1,121 @@
+#include <marlet/history/Fields.h>
+#include <marlet/history/Parts.h>
+#include <marlet/layers/AssetLayer.h>
+#include <marlet/layers/CameraLayer.h>
+#include <marlet/layers/GradeLayer.h>
+#include <marlet/layers/LightLayer.h>
+#include <marlet/layers/PointLayer.h>
+#include <marlet/layers/TextLayer.h>
+#include <marlet/masks/Mask.h>
+#include <marlet/plugins/EffectInstance.h>
+#include <marlet/tracking/Tracker.h>
+
+namespace marlet::project
+{
+
+namespace
+{
+
+constexpr std::tuple kLayerFields(
+    Setting(Aspect::Frames, &AbstractLayer::StartFrame, &AbstractLayer::SetStartFrame),
+    Setting(Aspect::Frames, &AbstractLayer::EndFrame, &AbstractLayer::SetEndFrame),
+    Setting(Aspect::Name, &AbstractLayer::Name, &AbstractLayer::SetName),
+    Setting(Aspect::Settings, &AbstractLayer::BlendMode, &AbstractLayer::SetBlendMode),
+    Setting(Aspect::Settings, &AbstractLayer::IsVisible, &AbstractLayer::SetVisible),
+    Setting(Aspect::View, &AbstractLayer::IsSelected, &AbstractLayer::SetSelected),
+    Setting(Aspect::Settings, &AbstractLayer::IsMuted, &AbstractLayer::SetMuted),
+    Setting(Aspect::Settings, &AbstractLayer::IsLocked, &AbstractLayer::SetLocked),
+    Setting(Aspect::Settings, &AbstractLayer::IsMotionBlurEnabled, &AbstractLayer::SetMotionBlur),
+    Field{Aspect::Links, [](const AbstractLayer &layer) { return layer.ParentCompositionID(); },
+          [](AbstractLayer &layer, const kytl::KyID &id) { layer.SetParentComposition(id); }},
+    Field{Aspect::Links, [](const AbstractLayer &layer) { return layer.ParentLayerID(); },
+          [](AbstractLayer &layer, const kytl::KyID &id) { layer.SetParentLayer(id); }});
+
+constexpr std::tuple kAssetLayerFields(
+    // In this order: what a layer takes depends on the kind of its asset, and on its dimensions.
+    Setting(Aspect::Links, &AssetLayer::Use, &AssetLayer::SetUse),
+    Setting(Aspect::Settings, &AssetLayer::Dimensions, &AssetLayer::SetDimensions),
+    Setting(Aspect::Frames, &AssetLayer::AssetInstanceStart, &AssetLayer::SetAssetInstanceStart),
+    Setting(Aspect::Settings, &AssetLayer::AutoOrientation, &AssetLayer::SetAutoOrientation),
+    Setting(Aspect::Settings, &AssetLayer::PromoteLights, &AssetLayer::SetPromoteLights),
+    Held(Aspect::Members, &AssetLayer::Effects, &AssetLayer::Effects),
+    Held(Aspect::Members, &AssetLayer::Masks, &AssetLayer::Masks),
+    Held(Aspect::Members, &AssetLayer::Trackers, &AssetLayer::Trackers));
+
+constexpr std::tuple
+    kCameraFields(Setting(Aspect::Settings, &CameraLayer::HasDepthOfField, &CameraLayer::SetDepthOfField),
+                  Setting(Aspect::Settings, &CameraLayer::NearClip, &CameraLayer::SetNearClip),
+                  Setting(Aspect::Settings, &CameraLayer::FarClip, &CameraLayer::SetFarClip),
+                  Setting(Aspect::Settings, &CameraLayer::AutoOrientation, &CameraLayer::SetAutoOrientation));
+
+constexpr std::tuple
+    kLightFields(Setting(Aspect::Settings, &LightLayer::LightSourceType, &LightLayer::SetLightSourceType),
+                 Setting(Aspect::Settings, &LightLayer::AutoOrientation, &LightLayer::SetAutoOrientation));
+
+constexpr std::tuple kGradeFields(Setting(Aspect::Settings, &GradeLayer::Dimensions,
+                                          &GradeLayer::SetDimensions),
+                                  Setting(Aspect::Settings, &GradeLayer::Width, &GradeLayer::SetWidth),
+                                  Setting(Aspect::Settings, &GradeLayer::Height, &GradeLayer::SetHeight),
+                                  Held(Aspect::Members, &GradeLayer::Effects, &GradeLayer::Effects),
+                                  Held(Aspect::Members, &GradeLayer::Masks, &GradeLayer::Masks));
+
+constexpr std::tuple kPointFields(Setting(Aspect::Settings, &PointLayer::Dimensions,
+                                          &PointLayer::SetDimensions));
+
+constexpr std::tuple kTextLayerFields(Setting(Aspect::Settings, &TextLayer::Dimensions,
+                                              &TextLayer::SetDimensions),
+                                      Held(Aspect::Members, &TextLayer::Effects, &TextLayer::Effects),
+                                      Held(Aspect::Members, &TextLayer::Masks, &TextLayer::Masks));
+
+class LayerPart final : public FieldsPart<AbstractLayer, kLayerFields>
+{
+public:
+    using FieldsPart::FieldsPart;
+
+    void Describe(ChangeList &changes) const override
+    {
+        FieldsPart::Describe(changes);
+        const int start = std::get<0>(Kept());
+        const int end = std::get<1>(Kept());
+        if (start != Live().StartFrame() || end != Live().EndFrame())
+            changes.AddFormerFrames(Live().ParentCompositionID(), Live().ID(), start, end);
+    }
+};
+
+template <const auto &fields, class Layer>
+void MakeOwn(const std::shared_ptr<Layer> &layer, const PartSink &sink)
+{
+    if (layer)
+        sink(std::make_unique<FieldsPart<Layer, fields>>(layer, ObjectKind::Layer, layer->ID()));
+}
+
+} // namespace
+
+void MakeParts(const std::shared_ptr<AbstractLayer> &layer, const PartSink &sink)
+{
+    sink(std::make_unique<LayerPart>(layer, ObjectKind::Layer, layer->ID()));
+    switch (layer->Type()) {
+    case LayerType::Asset:
+        MakeOwn<kAssetLayerFields>(std::dynamic_pointer_cast<AssetLayer>(layer), sink);
+        break;
+    case LayerType::Camera:
+        MakeOwn<kCameraFields>(std::dynamic_pointer_cast<CameraLayer>(layer), sink);
+        break;
+    case LayerType::Light:
+        MakeOwn<kLightFields>(std::dynamic_pointer_cast<LightLayer>(layer), sink);
+        break;
+    case LayerType::Grade:
+        MakeOwn<kGradeFields>(std::dynamic_pointer_cast<GradeLayer>(layer), sink);
+        break;
+    case LayerType::Text:
+        MakeOwn<kTextLayerFields>(std::dynamic_pointer_cast<TextLayer>(layer), sink);
+        break;
+    case LayerType::Point:
+        MakeOwn<kPointFields>(std::dynamic_pointer_cast<PointLayer>(layer), sink);
+        break;
+    case LayerType::Effect3D:
+        break;
+    }
+}
+
+} // namespace marlet::project
