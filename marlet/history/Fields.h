@@ -153,17 +153,18 @@ protected:
 private:
     static constexpr auto kIndices = std::make_index_sequence<std::tuple_size_v<Values>>();
 
+    /// All is taken first, since setting one field may change another.
     template <std::size_t... i> void ExchangeAll(std::index_sequence<i...>)
     {
-        (ExchangeOne(std::get<i>(fields), std::get<i>(kept_)), ...);
+        Values live = Take(*object_, fields);
+        (GiveOne(std::get<i>(fields), std::get<i>(kept_)), ...);
+        kept_ = std::move(live);
     }
 
-    template <class F, class Value> void ExchangeOne(const F &field, Value &kept)
+    template <class F, class Value> void GiveOne(const F &field, const Value &kept)
     {
-        Value live = field.get(*object_);
-        if (!AreSame(live, kept))
+        if (!AreSame(field.get(*object_), kept))
             field.set(*object_, kept);
-        kept = std::move(live);
     }
 
     template <std::size_t... i> void DescribeAll(ChangeList &changes, std::index_sequence<i...>) const

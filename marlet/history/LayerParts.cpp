@@ -8,6 +8,7 @@
 #include <marlet/layers/TextLayer.h>
 #include <marlet/masks/Mask.h>
 #include <marlet/plugins/EffectInstance.h>
+#include <marlet/project/AbstractAsset.h>
 #include <marlet/tracking/Tracker.h>
 
 namespace marlet::project
@@ -31,16 +32,47 @@ constexpr std::tuple kLayerFields(
     Field{Aspect::Links, [](const AbstractLayer &layer) { return layer.ParentLayerID(); },
           [](AbstractLayer &layer, const kytl::KyID &id) { layer.SetParentLayer(id); }});
 
-constexpr std::tuple kAssetLayerFields(
-    // In this order: what a layer takes depends on the kind of its asset, and on its dimensions.
-    Setting(Aspect::Links, &AssetLayer::Use, &AssetLayer::SetUse),
-    Setting(Aspect::Settings, &AssetLayer::Dimensions, &AssetLayer::SetDimensions),
-    Setting(Aspect::Frames, &AssetLayer::AssetInstanceStart, &AssetLayer::SetAssetInstanceStart),
-    Setting(Aspect::Settings, &AssetLayer::AutoOrientation, &AssetLayer::SetAutoOrientation),
-    Setting(Aspect::Settings, &AssetLayer::PromoteLights, &AssetLayer::SetPromoteLights),
-    Held(Aspect::Members, &AssetLayer::Effects, &AssetLayer::Effects),
-    Held(Aspect::Members, &AssetLayer::Masks, &AssetLayer::Masks),
-    Held(Aspect::Members, &AssetLayer::Trackers, &AssetLayer::Trackers));
+/// What an asset layer takes of these depends on the kind of its asset, but what it has stays.
+struct AssetLayerState {
+    AssetUse use;
+    LayerDimensions dimensions{};
+    bool promotesLights = false;
+
+    bool operator==(const AssetLayerState &other) const = default;
+};
+
+AssetLayerState StateOf(const AssetLayer &layer)
+{
+    return {layer.Use(), layer.Dimensions(), layer.PromoteLights()};
+}
+
+/// A composition is what takes everything.
+void SetState(AssetLayer &layer, const AssetLayerState &state)
+{
+    AssetUse any;
+    any.type = AssetType::Composition;
+    layer.SetUse(any);
+    layer.SetDimensions(state.dimensions);
+    layer.SetPromoteLights(state.promotesLights);
+    layer.SetUse(state.use);
+}
+
+void DescribeField(ObjectChange &change, Aspect, const AssetLayerState &live, const AssetLayerState &kept)
+{
+    if (!(live.use == kept.use))
+        change.aspects |= Aspect::Links;
+    if (live.dimensions != kept.dimensions || live.promotesLights != kept.promotesLights)
+        change.aspects |= Aspect::Settings;
+}
+
+constexpr std::tuple kAssetLayerFields(Field{Aspect::Links, StateOf, SetState},
+                                       Setting(Aspect::Frames, &AssetLayer::AssetInstanceStart,
+                                               &AssetLayer::SetAssetInstanceStart),
+                                       Setting(Aspect::Settings, &AssetLayer::AutoOrientation,
+                                               &AssetLayer::SetAutoOrientation),
+                                       Held(Aspect::Members, &AssetLayer::Effects, &AssetLayer::Effects),
+                                       Held(Aspect::Members, &AssetLayer::Masks, &AssetLayer::Masks),
+                                       Held(Aspect::Members, &AssetLayer::Trackers, &AssetLayer::Trackers));
 
 constexpr std::tuple
     kCameraFields(Setting(Aspect::Settings, &CameraLayer::HasDepthOfField, &CameraLayer::SetDepthOfField),

@@ -16,7 +16,6 @@ namespace marlet::project
 namespace
 {
 
-// The points come before the switch, which a path of two points does not take.
 constexpr std::tuple
     kMaskFields(Setting(Aspect::Name, &Mask::Name, &Mask::SetName),
                 Setting(Aspect::Settings, &Mask::IsVisible, &Mask::SetVisible),
@@ -25,8 +24,8 @@ constexpr std::tuple
                       [](Mask &mask, const kytl::KyID &id) { mask.Path().SetParentID(id); }},
                 Field{Aspect::Members, [](const Mask &mask) { return mask.Path().Points(); },
                       [](Mask &mask, const MotionPath::PointList &points) { mask.Path().Points() = points; }},
-                Field{Aspect::Settings, [](const Mask &mask) { return mask.Path().IsClosed(); },
-                      [](Mask &mask, bool closed) { mask.Path().SetClosed(closed); }});
+                Field{Aspect::Settings, [](const Mask &mask) { return mask.Path().WantsToBeClosed(); },
+                      [](Mask &mask, bool closed) { mask.Path().SetWantsToBeClosed(closed); }});
 
 // What is made linear becomes locked, too.
 constexpr std::tuple kPathPointFields(Setting(Aspect::Links, &PathPoint::ParentPathID,

@@ -112,6 +112,16 @@ void MotionPath::SetClosed(bool closed)
     impl_->closed = closed && CanBeClosed(impl_->points);
 }
 
+bool MotionPath::WantsToBeClosed() const
+{
+    return impl_->closed;
+}
+
+void MotionPath::SetWantsToBeClosed(bool closed)
+{
+    impl_->closed = closed;
+}
+
 MotionPath::PointList &MotionPath::Points()
 {
     return impl_->points;

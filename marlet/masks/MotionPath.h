@@ -37,6 +37,9 @@ public:
     bool IsClosed() const;
     /// True counts only on a path of at least 3 points. What is stored stays when points come and go.
     void SetClosed(bool closed);
+    /// What is stored, however many points there are.
+    bool WantsToBeClosed() const;
+    void SetWantsToBeClosed(bool closed);
     PointList &Points();
     const PointList &Points() const;
 

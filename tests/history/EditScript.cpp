@@ -4,6 +4,8 @@
 #include <marlet/layers/CameraLayer.h>
 #include <marlet/layers/GradeLayer.h>
 #include <marlet/layers/LightLayer.h>
+#include <marlet/project/CompositionRenderSettings.h>
+#include <marlet/project/PanelRenderState.h>
 #include <marlet/project/ProjectMetadata.h>
 #include <marlet/project/ProjectSettings.h>
 
@@ -129,8 +131,14 @@ void EditScript::SomeActions(Edit &edit)
 
 void EditScript::Look(const NarrowString &after)
 {
-    if (document_.project->Serialize() != states_[state_])
-        fault_("the text is another one after " + after);
+    const WideString text = document_.project->Serialize();
+    if (text != states_[state_]) {
+        const auto place =
+            static_cast<std::size_t>(std::ranges::mismatch(text, states_[state_]).in1 - text.begin());
+        fault_("the text is another one after " + after + ": " +
+               ToUtf8(text.substr(place - std::min<std::size_t>(place, 200), 300)) + "\n instead of\n" +
+               ToUtf8(states_[state_].substr(place - std::min<std::size_t>(place, 200), 300)));
+    }
     if (const std::string difference = mirror_.DifferenceTo(*document_.project); !difference.empty())
         fault_("after " + after + " the mirror was " + difference);
     LookAtAddresses(after);

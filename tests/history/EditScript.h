@@ -42,7 +42,7 @@ private:
     WideString Word();
     template <class List> auto AnyOf(const List &list)
     {
-        return *std::next(list.begin(), Below(list.size()));
+        return *std::next(list.begin(), Below(static_cast<unsigned int>(list.size())));
     }
 
     void OneEdit();
@@ -91,7 +91,7 @@ private:
     std::shared_ptr<Observer> observer_;
     std::vector<WideString> states_;
     std::size_t state_ = 0;
-    std::map<std::pair<ObjectKind, NarrowString>, const void *> addresses_;
+    std::map<std::string, const void *> addresses_;
 };
 
 } // namespace marlet::test

@@ -276,6 +276,7 @@ FactsByKey FactsOf(const Project &project)
 void Mirror::Take(const Project &project, const ChangeNotice &notice)
 {
     const FactsByKey live = FactsOf(project);
+    const FactsByKey before = facts_;
     const auto read = [&](const std::string &key) {
         facts_.erase(key);
         if (const auto found = live.find(key); found != live.end())
@@ -293,7 +294,6 @@ void Mirror::Take(const Project &project, const ChangeNotice &notice)
             (change.kind == ObjectKind::Track && change.aspects.Has(Aspect::Frames)))
             holders.insert(key);
     }
-    FactsByKey before = facts_;
     for (const auto &[key, facts] : before)
         if (!live.contains(key) && (holders.contains(facts.holder) || IsInside(before, key, moved)))
             facts_.erase(key);
