@@ -116,8 +116,7 @@ void Edit::Commit()
         }
     }
     End();
-    data_->step.DropUnchanged();
-    if (data_->history && !data_->step.IsEmpty())
+    if (data_->history && data_->step.IsChange())
         data_->history->data_->Take(data_->label, data_->gesture, std::move(data_->step));
 }
 

@@ -50,8 +50,8 @@ public:
 
     /// Puts what is kept into the document and keeps what stood there. Should not throw.
     virtual void Exchange() = 0;
-    /// Adds what differs between the document and what is kept. Nothing for a part that was not changed
-    /// after all, which is then let go of.
+    /// Adds what differs between the document and what is kept. An edit whose parts add nothing makes no
+    /// step.
     virtual void Describe(ChangeList &changes) const = 0;
     /// About how many bytes it keeps.
     virtual std::size_t Size() const = 0;

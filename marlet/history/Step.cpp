@@ -38,14 +38,12 @@ std::vector<std::unique_ptr<EditedPart>> Step::TakeParts()
     return std::exchange(parts_, {});
 }
 
-void Step::DropUnchanged()
+bool Step::IsChange() const
 {
-    std::erase_if(parts_, [this](const std::unique_ptr<EditedPart> &part) {
+    return std::ranges::any_of(parts_, [](const std::unique_ptr<EditedPart> &part) {
         ChangeList changes;
         part->Describe(changes);
-        if (changes.IsEmpty())
-            places_.erase(part->At());
-        return changes.IsEmpty();
+        return !changes.IsEmpty();
     });
 }
 

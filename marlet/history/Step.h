@@ -16,12 +16,12 @@ public:
     /// Whether it was of a place that has no part yet.
     bool Add(std::unique_ptr<EditedPart> part);
     bool Has(const EditedPart::Place &place) const { return places_.contains(place); }
-    bool IsEmpty() const { return parts_.empty(); }
     const std::vector<std::unique_ptr<EditedPart>> &Parts() const { return parts_; }
     std::vector<std::unique_ptr<EditedPart>> TakeParts();
 
-    /// Lets go of the parts in which nothing differs.
-    void DropUnchanged();
+    /// Whether anything differs. A part in which nothing does may still be needed beside others: a key frame
+    /// that came and went lies under what was kept of its property in between.
+    bool IsChange() const;
     /// What differs in all of them.
     void Describe(ChangeList &changes) const;
     /// Puts back what was there before. If a part throws, those that were put back are done again.

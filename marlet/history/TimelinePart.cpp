@@ -202,9 +202,13 @@ void TimelinePart::ShiftFrom(const Track &track, unsigned int position, int fram
 
 void TimelinePart::NoteShift(const Track &track, unsigned int position, int frames)
 {
+    const SequenceObjectList &objects = std::as_const(*track).Objects();
+    if (frames == 0 || position >= objects.Count())
+        return;
+    const int start = objects[position]->StartFrame();
     epochs_.reserve(epochs_.size() + 2);
     const TimelinePlaces *former = epochs_.empty() ? nullptr : std::get_if<TimelinePlaces>(&epochs_.back());
-    epochs_.emplace_back(Shift{track, position, frames});
+    epochs_.emplace_back(Shift{track, position, frames, std::min(start, start - frames)});
     if (!former)
         return;
     TimelinePlaces &again = Current();
@@ -273,13 +277,8 @@ void TimelinePart::Describe(ChangeList &changes, const TimelineStand &kept) cons
 
 void TimelinePart::Describe(ChangeList &changes, const Shift &shift) const
 {
-    const SequenceObjectList &objects = std::as_const(*shift.track).Objects();
-    if (shift.frames == 0 || shift.position >= objects.Count())
-        return;
     changes.Of(ObjectKind::Track, shift.track->ID()).aspects |= Aspect::Frames;
-    const int start = objects[shift.position]->StartFrame();
-    changes.AddFormerFrames(sequence_, shift.track->ID(), std::min(start, start - shift.frames),
-                            std::numeric_limits<int>::max());
+    changes.AddFormerFrames(sequence_, shift.track->ID(), shift.firstFrame, std::numeric_limits<int>::max());
 }
 
 std::size_t TimelinePart::Size() const

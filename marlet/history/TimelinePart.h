@@ -103,6 +103,7 @@ private:
         Track track;
         unsigned int position = 0;
         int frames = 0;
+        int firstFrame = 0; ///< the earliest that a moved object stood on, before or after
     };
 
     using Epoch = std::variant<Shift, TimelinePlaces>;

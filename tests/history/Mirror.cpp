@@ -300,6 +300,10 @@ void Mirror::Take(const Project &project, const ChangeNotice &notice)
     for (const auto &[key, facts] : live)
         if (holders.contains(facts.holder) || IsInside(live, key, moved))
             read(key);
+    // Two objects hold a transition: it goes with the last of them.
+    for (auto &[key, facts] : facts_)
+        if (const auto found = live.find(key); found != live.end())
+            facts.holder = found->second.holder;
 }
 
 std::string Mirror::DifferenceTo(const Project &project) const
