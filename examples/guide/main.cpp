@@ -1,6 +1,7 @@
 // Puts what the guide for hosts shows to use, and stops at the first thing that is not as the guide says.
 
 #include "Checking.h"
+#include "Editing.h"
 #include "ExpressionEngine.h"
 #include "Fade.h"
 #include "Files.h"
@@ -237,6 +238,39 @@ void CheckProblems()
     Expect(Problems(*project).empty() && !layer->HasParentLayer(), "nothing of it is left");
 }
 
+std::shared_ptr<AssetLayer> SolidLayer(Project &project, const std::shared_ptr<CompositionAsset> &composition)
+{
+    const auto solid = SolidAsset::Create(u"Solid", {1, 0, 0, 1}, 64, 64, PAR::Square);
+    project.Assets().All().Add(solid);
+    const auto layer = AssetLayer::Create(solid);
+    layer->SetParentComposition(composition);
+    layer->SetEndFrame(50);
+    composition->Layers().Add(layer);
+    return layer;
+}
+
+void CheckEditing()
+{
+    const auto project = Project::Create(nullptr);
+    const auto composition = CompositionAsset::Create(u"Main", AudioVideoSettings::Preset::Hd720At25, 50);
+    project->Assets().All().Add(composition);
+    const auto layer = SolidLayer(*project, composition);
+    EditHistory history(project);
+    const auto panel = std::make_shared<LayerPanel>();
+    history.AddObserver(panel);
+    Rename(project, layer, u"Backdrop");
+    for (const float opacity : {90.f, 70.f, 50.f})
+        DragOpacity(project, layer, opacity);
+    history.EndGesture();
+    Expect(history.UndoCount() == 2, "a drag is one step");
+    Expect(panel->LayersToDraw().size() == 1 && !panel->NeedsRows() && panel->FirstStaleFrame() == 0,
+           "a panel hears of what changed");
+    history.Undo();
+    Expect(boost::get<float>(layer->Animation().StaticValue("opacity")) == 100, "an undo goes back at once");
+    history.Undo();
+    Expect(history.IsSaved() && layer->Name() == u"Solid", "and to the beginning");
+}
+
 void CheckTracking(const std::string &folder)
 {
     const auto project = Project::Create(nullptr);
@@ -281,6 +315,7 @@ try {
     guide::CheckExpression();
     guide::CheckMedia(folder);
     guide::CheckSharedMedia(folder);
+    guide::CheckEditing();
     guide::CheckTracking(folder);
     guide::CheckProblems();
     std::cout << "all as the guide says\n";

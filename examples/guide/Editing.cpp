@@ -1,0 +1,41 @@
+#include "Editing.h"
+
+#include <marlet/animation/PropertyManager.h>
+
+namespace guide
+{
+
+// An edit hears first of what it is going to change. Without Commit it puts everything back.
+void Rename(const std::shared_ptr<Project> &project, const std::shared_ptr<AbstractLayer> &layer,
+            const WideString &name)
+{
+    Edit edit(project, u"Rename layer");
+    edit.Touch(layer);
+    layer->SetName(name);
+    edit.Commit();
+}
+
+// All moves of one slider are one step: the host calls EndGesture when the mouse button comes up.
+void DragOpacity(const std::shared_ptr<Project> &project, const std::shared_ptr<AbstractLayer> &layer,
+                 float opacity)
+{
+    Edit edit(project, u"Opacity", u"opacity slider");
+    edit.Touch(layer, "opacity");
+    layer->Animation().StaticValue("opacity") = opacity;
+    edit.Commit();
+}
+
+// Comes after each commit, undo and redo, on the thread that edits.
+void LayerPanel::Changed(const ChangeNotice &notice)
+{
+    for (const ObjectChange &change : notice.Changes()) {
+        if (change.kind == ObjectKind::Asset && change.aspects.Has(Aspect::Members))
+            needsRows_ = true;
+        if (change.kind == ObjectKind::Layer)
+            layersToDraw_.insert(change.id.ToNarrowString());
+    }
+    for (const StaleFrames &frames : notice.Stale())
+        firstStaleFrame_ = frames.first; // drop rendered frames from here to frames.end
+}
+
+} // namespace guide
