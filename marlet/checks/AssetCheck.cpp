@@ -1,13 +1,12 @@
 #include <marlet/checks/CheckScope.h>
 
 #include <marlet/project/AbstractAssetInstance.h>
+#include <marlet/project/AssetLength.h>
 #include <marlet/project/AssetList.h>
 #include <marlet/project/BinFolder.h>
 #include <marlet/project/CompositionAsset.h>
 #include <marlet/project/ImageAsset.h>
 #include <marlet/project/MediaAsset.h>
-#include <marlet/project/MediaAudioStream.h>
-#include <marlet/project/MediaVideoStream.h>
 #include <marlet/project/Project.h>
 
 #include <algorithm>
@@ -216,21 +215,6 @@ NarrowString FileFault(const AbstractAsset &asset)
                : NarrowString();
 }
 
-/// In frames of that rate, whatever the asset's own; none if there is no end or nobody knows it.
-std::optional<int> LengthOf(const AbstractAsset &asset, double rate)
-{
-    if (const auto *composition = dynamic_cast<const CompositionAsset *>(&asset))
-        return composition->Settings().FrameCount();
-    const auto *media = dynamic_cast<const MediaAsset *>(&asset);
-    if (!media || media->IsOffline())
-        return std::nullopt;
-    if (const auto video = media->VideoStream())
-        return video->FrameCount(rate);
-    if (const auto audio = media->AudioStream())
-        return audio->FrameCount(rate);
-    return std::nullopt;
-}
-
 /// Takes all entries of an asset but the first out of the project.
 void DropRepeatedAsset(Project &project, const AbstractAsset *asset)
 {
@@ -275,7 +259,7 @@ void CheckShownFrames(CheckScope &scope, const Place &place, const AbstractAsset
 {
     const auto [known, isNew] = scope.lengths.try_emplace({&asset, rate});
     if (isNew)
-        known->second = LengthOf(asset, rate);
+        known->second = AssetLength(asset, rate);
     if (known->second && (start < 0 || end > *known->second))
         scope.findings.Warn(FindingKind::BeyondAsset, place,
                             "it shows frames " + std::to_string(start) + " to " + std::to_string(end) +
