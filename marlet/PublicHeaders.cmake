@@ -62,6 +62,15 @@ set(MARLET_PUBLIC_HEADERS
     masks/Mask.h
     masks/MotionPath.h
     masks/PathPoint.h
+    operations/OperationException.h
+    operations/SequenceClipboard.h
+    operations/SequenceObjects.h
+    operations/SequenceOptions.h
+    operations/SequencePlacing.h
+    operations/SequenceRemoval.h
+    operations/SequenceTransitions.h
+    operations/SequenceTrimming.h
+    operations/Timeline.h
     platform/files/WholeFile.h
     platform/media/KyAbstractAudioStream.h
     platform/media/KyAbstractCodecInfo.h

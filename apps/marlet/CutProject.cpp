@@ -1,7 +1,8 @@
 #include "CutProject.h"
 
+#include "Document.h"
 #include "FindByIdOrName.h"
-#include "SequenceEdit.h"
+#include "Timeline.h"
 #include "TitlesProject.h"
 #include "plugins/PluginManager.h"
 #include "plugins/Plugins.h"
@@ -13,6 +14,8 @@
 #include <marlet/editor/Transition.h>
 #include <marlet/editor/VideoTrack.h>
 #include <marlet/editor/VisualObject.h>
+#include <marlet/operations/SequencePlacing.h>
+#include <marlet/operations/SequenceTransitions.h>
 #include <marlet/plugins/EffectInstance.h>
 #include <marlet/project/AssetList.h>
 #include <marlet/project/BinFolder.h>
@@ -38,8 +41,7 @@ using VisualPointer = std::shared_ptr<VisualObject>;
 class Cut
 {
 public:
-    explicit Cut(const ProjectPointer &project)
-        : project_(project), sequence_(project->Sequence()), edit_(project)
+    explicit Cut(const ProjectPointer &project) : project_(project), sequence_(project->Sequence())
     {
         sequence_->VideoTracks().Add(VideoTrack::Create(sequence_, u"Video 2"));
         sequence_->AudioTracks().Add(AudioTrack::Create(sequence_, u"Audio 2"));
@@ -98,14 +100,14 @@ private:
                              int assetStart = 0, const TrackPointer &sound = {})
     {
         const auto added =
-            edit_.Insert({asset, Track(track), sound, At(from), assetStart, At(to) - At(from)});
+            PlaceAsset(project_, {asset, Track(track), sound, At(from), assetStart, At(to) - At(from)});
         return std::static_pointer_cast<VisualObject>(added[0]);
     }
 
     void AddTransition(const ObjectPointer &object, ObjectEnd end, const kytl::KyID &plugin, int fiftieths,
-                       bool mayShare = true)
+                       Sharing sharing = Sharing::WithNeighbour)
     {
-        edit_.SetTransition(object, end, Plugins()->FindPlugin(plugin), At(fiftieths), mayShare);
+        SetTransition(project_, object, end, Plugins()->FindPlugin(plugin), At(fiftieths), sharing);
     }
 
     std::shared_ptr<EffectInstance> AddEffect(AbstractSequenceObject &object, const kytl::KyID &plugin)
@@ -122,7 +124,7 @@ private:
         const TrackPointer sound = Track("Audio 1");
         const auto opening = AddPicture(FindComposition(*project_, "Opening"), "Video 1", 0, 8);
         const auto talk = AddPicture(interview_, "Video 1", 8, 20, At(2), sound);
-        const auto sea = AddPicture(sea_, "Video 1", 20, 32, 0, sound);
+        const auto sea = AddPicture(sea_, "Video 1", 20, 32, At(1), sound);
         const auto end = AddPicture(interview_, "Video 1", 36, 46, At(20), sound);
         AddTransition(opening, ObjectEnd::Head, kCrossDissolveID, 1);
         AddTransition(opening, ObjectEnd::Tail, kCrossDissolveID, 2);
@@ -158,7 +160,7 @@ private:
 
     void AddMusic()
     {
-        const auto added = edit_.Insert({music_, Track("Audio 2"), {}, 0, 0, At(49)});
+        const auto added = PlaceAsset(project_, {music_, Track("Audio 2"), {}, 0, 0, At(49)});
         const auto music = std::static_pointer_cast<AudioObject>(added[0]);
         AddTransition(music, ObjectEnd::Tail, kCrossDissolveID, 4);
         music->SetLevels(-12);
@@ -184,7 +186,6 @@ private:
 
     ProjectPointer project_;
     SequencePointer sequence_;
-    SequenceEdit edit_;
     std::shared_ptr<BinFolder> footage_;
     AssetPointer interview_;
     AssetPointer sea_;

@@ -12,7 +12,6 @@
 #include <marlet/project/AbstractAsset.h>
 #include <marlet/project/Project.h>
 
-#include <algorithm>
 #include <charconv>
 
 namespace marlet::tool
@@ -74,39 +73,9 @@ SequencePointer SequenceOf(const Project &project)
     return sequence;
 }
 
-std::vector<TrackPointer> TracksOf(const EditorSequence &sequence)
-{
-    std::vector<TrackPointer> tracks(sequence.VideoTracks().begin(), sequence.VideoTracks().end());
-    tracks.insert(tracks.end(), sequence.AudioTracks().begin(), sequence.AudioTracks().end());
-    return tracks;
-}
-
-std::vector<ObjectPointer> ObjectsOf(const AbstractSequenceTrack &track)
-{
-    std::vector<ObjectPointer> objects;
-    for (unsigned int i = 0; i < track.Objects().Count(); ++i)
-        objects.push_back(track.Objects()[i]);
-    return objects;
-}
-
-std::vector<ObjectPointer> ObjectsOf(const EditorSequence &sequence)
-{
-    std::vector<ObjectPointer> objects;
-    for (const TrackPointer &track : TracksOf(sequence)) {
-        const std::vector<ObjectPointer> onTrack = ObjectsOf(*track);
-        objects.insert(objects.end(), onTrack.begin(), onTrack.end());
-    }
-    return objects;
-}
-
 std::string TrackTypeName(TrackType type)
 {
     return type == TrackType::Video ? "video" : "audio";
-}
-
-bool HasFrames(AssetType type)
-{
-    return type == AssetType::Media || type == AssetType::Composition;
 }
 
 std::string TransitionName(const Transition &transition)
@@ -129,31 +98,6 @@ std::string TransitionEnds(const EditorSequence &sequence, const Transition &tra
         return "at the tail";
     return "from " + ObjectName(sequence, transition.FromObject()) + " to " +
            ObjectName(sequence, transition.ToObject());
-}
-
-bool AreLinked(const AbstractSequenceObject &a, const AbstractSequenceObject &b)
-{
-    return a.LinkedObjectID() == b.ID() && b.LinkedObjectID() == a.ID();
-}
-
-ObjectPointer PartnerOf(const EditorSequence &sequence, const AbstractSequenceObject &object)
-{
-    ObjectPointer partner = sequence.FindObjectByID(object.LinkedObjectID());
-    return partner && partner.get() != &object && AreLinked(object, *partner) ? partner : nullptr;
-}
-
-long long FramesIntoHead(const AbstractSequenceObject &object)
-{
-    const TransitionPointer &transition = object.IncomingTransition();
-    return transition ? std::max(0LL, static_cast<long long>(transition->RelativeStartFrame()) +
-                                          transition->Length())
-                      : 0;
-}
-
-long long FramesIntoTail(const AbstractSequenceObject &object)
-{
-    const TransitionPointer &transition = object.OutgoingTransition();
-    return transition ? std::max(0LL, -static_cast<long long>(transition->RelativeStartFrame())) : 0;
 }
 
 TrackPointer FindTrack(const EditorSequence &sequence, const std::string &idOrName)

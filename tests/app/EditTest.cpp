@@ -45,6 +45,16 @@ TEST_F(EditTest, KeepsPartnersAndSharedTransitionsInStep)
          "0-40@0*|<40-80@30*|80-100@0> /  / 0-40@0*|40-80@30*"},
         {{"insert", "Main", "--track", "Spare", "--sound", "Audio 1", "--at", "100", "--from", "10"},
          "0-40@0*=40-80@30*|80-100@0> / 100-190@10* / 0-40@0*|40-80@30*|100-190@10*"},
+        {{"insert", "Main", "--track", "Video 1", "--at", "40", "--length", "10", "--ripple"},
+         "0-40@0*|40-50@0|50-90@30*|90-110@0> /  / 0-40@0*|50-90@30*"},
+        {{"copy", "Video 1@10", "--at", "110", "--track", "Spare"},
+         "0-40@0*=40-80@30*|80-100@0> / 110-150@0* / 0-40@0*|40-80@30*|110-150@0*"},
+        {{"remove", "Video 1@50", "--ripple", "--tracks", "Audio 1,Spare"}, "0-40@0*|40-60@0> /  / 0-40@0*"},
+        {{"lift", "--start", "20", "--end", "60", "--tracks", "Video 1"},
+         "0-20@0*|60-80@50*|80-100@0> /  / 0-40@0*|40-80@30*"},
+        {{"roll", "Video 1@10", "--to", "30"}, "0-30@0*=30-80@20*|80-100@0> /  / 0-30@0*|30-80@20*"},
+        {{"slip", "Video 1@50", "--by", "-5", "--unlinked"},
+         "0-40@0*=40-80@25*|80-100@0> /  / 0-40@0*|40-80@30*"},
     };
     for (const auto &edit : cases) {
         SCOPED_TRACE(testing::PrintToString(edit.words));
@@ -94,6 +104,8 @@ TEST_F(EditTest, RefusesWhatDoesNotFitAndWritesNothing)
         {{"split", "Red", "--to", "90"}, 2, "edit: --to does not go with split\n"},
         {{"move", "Red", "--to", "1", "--by", "1"}, 2, "either --to or --by is needed, not both\n"},
         {{"turn", "Red"}, 2, "there is no operation \"turn\"\n"},
+        {{"lift", "Red", "--start", "1", "--end", "2"}, 2, "\"Red\" is one too many\n"},
+        {{"remove", "Red", "--tracks", "Spare"}, 2, "--tracks goes with --ripple\n"},
     };
     for (const auto &edit : cases) {
         SCOPED_TRACE(testing::PrintToString(edit.words));
@@ -101,6 +113,47 @@ TEST_F(EditTest, RefusesWhatDoesNotFitAndWritesNothing)
         EXPECT_EQ(run.exitCode, edit.exitCode);
         EXPECT_THAT(run.err, testing::HasSubstr(edit.message));
     }
+    EXPECT_THAT(FileNames(), testing::ElementsAre("cut.xml"));
+}
+
+TEST_F(EditTest, RunsAScriptOrNothingOfIt)
+{
+    Write("script", "# a shorter beginning\n"
+                    "split \"Video 1@10\" --at 20   # in two\n"
+                    "\n"
+                    "remove 'Video 1'@10 --ripple\n");
+    const ToolRun run = Edit("out.xml", {"--script", "script"});
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    EXPECT_EQ(Layout("out.xml"), "0-20@20*=20-60@30*|60-80@0> /  / 0-20@20*|20-60@30*");
+
+    const struct {
+        const char *lines;
+        const char *message;
+    } wrong[] = {
+        {"remove Red\nmove \"Video 1@10\" --to 300\n", "marlet: wrong:2: The frames 300 to 340 are not all"},
+        {"remove Red\nremove Red\n", "marlet: wrong:2: There is no object \"Red\""},
+        {"\nturn Red\n", "marlet: wrong:2: there is no operation \"turn\"\n"},
+        {"remove \"Red\n", "marlet: wrong:1: A quotation mark has no other one\n"},
+    };
+    for (const auto &script : wrong) {
+        Write("wrong", script.lines);
+        const ToolRun refused = Edit("not.xml", {"--script", "wrong"});
+        EXPECT_EQ(refused.exitCode, 1);
+        EXPECT_THAT(refused.err, testing::HasSubstr(script.message));
+    }
+    EXPECT_EQ(Edit("not.xml", {"remove", "--script", "script"}).exitCode, 2);
+    EXPECT_THAT(FileNames(), testing::UnorderedElementsAre("cut.xml", "out.xml", "script", "wrong"));
+}
+
+TEST_F(EditTest, TellsInADryRunWhatWouldChangeAndWritesNothing)
+{
+    const ToolRun run = Edit("out.xml", {"trim", "Red", "--end", "90", "--dry-run"});
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    EXPECT_THAT(run.OutLines(),
+                testing::ElementsAre("step      \"Trim\"",
+                                     testing::MatchesRegex("changed   object \"Red\" \\(.*\\): frames"),
+                                     testing::MatchesRegex("stale     frames 80 to 100 of .*"),
+                                     testing::StartsWith("trimmed   \"Red\"  frames 80 to 90")));
     EXPECT_THAT(FileNames(), testing::ElementsAre("cut.xml"));
 }
 

@@ -17,6 +17,7 @@ set(below_editor foundation animation plugins masks tracking layers project)
 set(below_checks foundation animation plugins masks tracking layers project editor)
 
 set(below_history foundation animation plugins masks tracking layers project editor)
+set(below_operations foundation animation plugins masks tracking layers project editor history)
 set(below_recovery foundation animation plugins masks tracking layers project editor platform)
 
 # Sources that must reach up, as "source folder".
