@@ -11,6 +11,9 @@
 #include <marlet/editor/SequenceObjectList.h>
 #include <marlet/editor/VideoTrack.h>
 #include <marlet/editor/VisualObject.h>
+#include <marlet/history/EditHistory.h>
+#include <marlet/operations/SequencePlacing.h>
+#include <marlet/project/AssetList.h>
 #include <marlet/project/Project.h>
 #include <marlet/project/SolidAsset.h>
 
@@ -281,5 +284,30 @@ void ParseTrack(benchmark::State &state)
 
 BENCHMARK(LoadTrack)->Arg(kMost / 10)->Arg(kMost)->UseManualTime()->Unit(benchmark::kMillisecond);
 BENCHMARK(ParseTrack)->Arg(kMost)->UseManualTime()->Unit(benchmark::kMillisecond);
+
+// An operation with all that it announces to a history
+
+void InsertWithRipple(benchmark::State &state)
+{
+    const auto project = Project::Create(nullptr);
+    const auto sequence = MakeSequence(1, kMost);
+    project->SetSequence(sequence);
+    SequenceObjectList &objects = sequence->VideoTracks()[0]->Objects();
+    const auto asset = objects.FirstByTime()->Asset(project->Assets());
+    project->Assets().All().Add(asset);
+    objects.ForEach([&asset](const Object &object) { asset->Instances().Add(object); });
+    const Placement placement{
+        .asset = asset, .track = sequence->VideoTracks()[0], .length = kDistance - kLength};
+    EditHistory history(project);
+    for (auto _ : state) {
+        const auto start = bench::Clock::now();
+        PlaceAsset(project, placement, PlaceMode::Insert, TrackChoice::All());
+        state.SetIterationTime(bench::SecondsSince(start));
+        history.Undo();
+    }
+    asset->Instances().Clear();
+}
+
+BENCHMARK(InsertWithRipple)->UseManualTime()->Unit(benchmark::kMillisecond);
 
 } // namespace

@@ -127,6 +127,8 @@ constexpr Figure kFigures[] = {
      Bound::AtMost, 1.5},
     {"undo and redo 10,000 edits / make them", Kind::Ratio, "UndoAndRedoManyEdits", "MakeManyEdits",
      Bound::AtMost, 2},
+    {"insert with ripple before 100,000 objects, ms", Kind::Milliseconds, "InsertWithRipple", nullptr,
+     Bound::AtMost, 10},
     {"match by optical flow, ms", Kind::Milliseconds, "MatchByFlow", nullptr, Bound::AtMost, 10},
     {"match by template, ms", Kind::Milliseconds, "MatchByTemplate", nullptr, Bound::AtMost, 10},
     {"match by template in colour, ms", Kind::Milliseconds, "MatchByTemplateInColour", nullptr, Bound::AtMost,
