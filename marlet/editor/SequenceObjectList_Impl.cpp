@@ -270,8 +270,12 @@ void SequenceObjectList_Impl::ShiftFrom(std::size_t first, int frames)
     if (least < std::numeric_limits<int>::min() || greatest > std::numeric_limits<int>::max())
         throw std::invalid_argument("The objects would leave the range of frames");
 
+    // Objects lie anywhere in memory, and fetching them is most of the work.
+    constexpr std::size_t kAhead = 16;
     isShifting = true;
     for (std::size_t i = first; i < Count(); ++i) {
+        if (i + kAhead < Count())
+            __builtin_prefetch(slots[entries[i + kAhead].slot].object.get());
         Slot &slot = slots[entries[i].slot];
         entries[i].startFrame += frames;
         slot.endFrame = slot.object->EndFrame() + frames;

@@ -20,7 +20,7 @@
 #include <marlet/project/CompositionAsset.h>
 #include <marlet/project/Project.h>
 
-#include <limits>
+#include <algorithm>
 
 namespace marlet::project
 {
@@ -127,8 +127,9 @@ void ProjectUses::AddSequence(const Project &project)
     if (!sequence)
         return;
     sequence_ = sequence->ID();
-    sequenceFrames_ = {0, std::numeric_limits<int>::max()};
+    sequenceFrames_ = {0, sequence->Settings().FrameCount()};
     const auto addObject = [this](const std::shared_ptr<const AbstractSequenceObject> &object) {
+        sequenceFrames_.end = std::max(sequenceFrames_.end, object->EndFrame());
         objectsOf_[object->AssetID()].push_back(object->ID());
         for (const std::shared_ptr<EffectInstance> &effect : object->Effects())
             if (effect)

@@ -33,7 +33,10 @@ public:
     explicit ProjectUses(const Project &project);
 
     const CompositionsByID &Compositions() const { return compositions_; }
-    /// All frames of a composition or of the sequence, and none of anything else.
+    /// The null ID if there is none.
+    const kytl::KyID &Sequence() const { return sequence_; }
+    /// All frames of a composition, those of the sequence as far as its objects reach at least, and none of
+    /// anything else.
     Frames FramesOf(const kytl::KyID &timeline) const;
     /// Null if it is in no composition.
     const LayerUse *Layer(const kytl::KyID &id) const;

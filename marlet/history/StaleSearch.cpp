@@ -210,7 +210,9 @@ private:
         if (known.second)
             order_.push_back(timeline);
         const ProjectUses::Frames all = uses_.FramesOf(timeline);
-        const Span grown = frames.And({all.first, all.end});
+        // What stood there before may have reached further than what is there.
+        const bool isAll = frames.end == kLast || !(timeline == uses_.Sequence());
+        const Span grown = frames.And({all.first, isAll ? all.end : kLast});
         if (!grown.IsEmpty() && Grow(known.first->second, grown) && uses_.Compositions().contains(timeline))
             waiting_.push_back(timeline);
     }
