@@ -8,6 +8,9 @@ set(MARLET_PUBLIC_HEADERS
     checks/Finding.h
     checks/FindingPlaces.h
     checks/Validate.h
+    compare/Compare.h
+    compare/Difference.h
+    compare/Merge.h
     editor/AbstractSequenceObject.h
     editor/AbstractSequenceTrack.h
     editor/AudioObject.h

@@ -32,6 +32,7 @@ const CommandSpec &FrameCommand();
 const CommandSpec &ReportCommand();
 const CommandSpec &TreeCommand();
 const CommandSpec &DiffCommand();
+const CommandSpec &MergeCommand();
 const CommandSpec &CurveCommand();
 const CommandSpec &InfoCommand();
 const CommandSpec &ValueCommand();

@@ -1,10 +1,11 @@
 #include "Arguments.h"
+#include "DifferenceText.h"
 #include "Document.h"
 #include "Failure.h"
 #include "Json.h"
 #include "Output.h"
-#include "ProjectDiff.h"
 
+#include <marlet/compare/Compare.h>
 #include <marlet/foundation/Exceptions.h>
 #include <marlet/project/Project.h>
 
@@ -16,51 +17,11 @@ using namespace project;
 namespace
 {
 
-struct KindName {
-    const char *sign;
-    const char *word;
-};
-
-KindName NameOf(Difference::Kind kind)
-{
-    switch (kind) {
-    case Difference::Kind::Added:
-        return {"+", "added"};
-    case Difference::Kind::Removed:
-        return {"-", "removed"};
-    case Difference::Kind::Moved:
-        return {"^", "moved"};
-    default:
-        return {"~", "changed"};
-    }
-}
-
-std::string DifferenceText(const Difference &difference)
-{
-    const KindName name = NameOf(difference.kind);
-    std::string text = name.sign;
-    for (const std::string &place : difference.place)
-        text += (text.size() > 1 ? ", " : " ") + place;
-    if (!difference.what.empty())
-        text += (text.size() > 1 ? ": " : " ") + difference.what;
-    if (difference.kind == Difference::Kind::Moved)
-        return text + ": moved from place " + difference.before + " to " + difference.after;
-    if (difference.kind == Difference::Kind::Changed)
-        return text + " " + difference.before + " -> " + difference.after;
-    return text + " " + name.word;
-}
-
 std::string DifferenceJson(const Difference &difference)
 {
     JsonWriter json;
-    json.BeginObject().Member("change", NameOf(difference.kind).word).Key("place").BeginArray();
-    for (const std::string &place : difference.place)
-        json.Value(place);
-    json.EndArray();
-    if (!difference.what.empty())
-        json.Member("what", difference.what);
-    if (!difference.before.empty() || !difference.after.empty())
-        json.Member("before", difference.before).Member("after", difference.after);
+    json.BeginObject();
+    WriteDifference(json, difference);
     return json.EndObject().Text();
 }
 
@@ -77,7 +38,7 @@ void Run(const Arguments &arguments, Output &output)
     } catch (const std::exception &failure) {
         throw Failure(arguments.Operand(1), failure.what());
     }
-    const std::vector<Difference> differences = CompareProjects(*before, *after);
+    const std::vector<Difference> differences = Compare(*before, *after);
     for (const Difference &difference : differences)
         output.Line(arguments.Has("--json") ? DifferenceJson(difference) : DifferenceText(difference));
     if (!arguments.Has("--json"))

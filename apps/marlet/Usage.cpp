@@ -10,12 +10,12 @@ namespace marlet::tool
 const std::vector<const CommandSpec *> &Commands()
 {
     static const std::vector<const CommandSpec *> commands{
-        &InfoCommand(),       &CheckCommand(),  &ReportCommand(),  &TimelineCommand(), &TreeCommand(),
-        &DiffCommand(),       &ValueCommand(),  &CurveCommand(),   &MatrixCommand(),   &FrameCommand(),
-        &PostFilterCommand(), &NewCommand(),    &EditCommand(),    &SaveCommand(),     &ParentCommand(),
-        &CloneCommand(),      &DeleteCommand(), &RecoverCommand(), &MediaCommand(),    &DecodeCommand(),
-        &SamplesCommand(),    &RelinkCommand(), &TrackCommand(),   &ImageCommand(),    &TimecodeCommand(),
-        &PluginsCommand(),    &FontsCommand(),  &ClipCommand(),
+        &InfoCommand(),     &CheckCommand(),      &ReportCommand(), &TimelineCommand(), &TreeCommand(),
+        &DiffCommand(),     &MergeCommand(),      &ValueCommand(),  &CurveCommand(),    &MatrixCommand(),
+        &FrameCommand(),    &PostFilterCommand(), &NewCommand(),    &EditCommand(),     &SaveCommand(),
+        &ParentCommand(),   &CloneCommand(),      &DeleteCommand(), &RecoverCommand(),  &MediaCommand(),
+        &DecodeCommand(),   &SamplesCommand(),    &RelinkCommand(), &TrackCommand(),    &ImageCommand(),
+        &TimecodeCommand(), &PluginsCommand(),    &FontsCommand(),  &ClipCommand(),
     };
     return commands;
 }

@@ -15,9 +15,10 @@ set(below_layers foundation animation plugins masks tracking project platform)
 set(below_project foundation animation plugins masks tracking layers platform)
 set(below_editor foundation animation plugins masks tracking layers project)
 set(below_checks foundation animation plugins masks tracking layers project editor)
-
 set(below_history foundation animation plugins masks tracking layers project editor)
 set(below_operations foundation animation plugins masks tracking layers project editor history)
+set(below_compare foundation animation plugins masks tracking layers project editor history operations)
+
 set(below_recovery foundation animation plugins masks tracking layers project editor platform)
 
 # Sources that must reach up, as "source folder".
