@@ -8,6 +8,7 @@ set(MARLET_PUBLIC_HEADERS
     checks/Finding.h
     checks/FindingPlaces.h
     checks/Validate.h
+    compare/Apply.h
     compare/Compare.h
     compare/Difference.h
     compare/Merge.h

@@ -43,6 +43,8 @@ constexpr Figure kFigures[] = {
      Bound::AtMost, 8},
     {"peak of a load of 100 MB, resident bytes per byte", Kind::Count, "PeakOfLoad/100:resident", nullptr,
      Bound::AtMost, 8},
+    {"compare two projects of 100 MB / load one", Kind::Ratio, "Compare/100", "Load/100", Bound::AtMost, 4},
+    {"peak of that / what the two hold", Kind::Count, "Compare/100:heap", nullptr, Bound::AtMost, 1.5},
     {"QDomDocument::toString 1 MB / save", Kind::Ratio, "ToString/1", "Save/1", Bound::AtLeast, 8},
     {"QDomDocument::toString 10 MB / save", Kind::Ratio, "ToString/10", "Save/10", Bound::AtLeast, 8},
     {"validate 100 MB / load it", Kind::Ratio, "Validate/100", "Load/100", Bound::AtMost, 0.25},

@@ -1,6 +1,7 @@
 // Puts what the guide for hosts shows to use, and stops at the first thing that is not as the guide says.
 
 #include "Checking.h"
+#include "Comparing.h"
 #include "Editing.h"
 #include "ExpressionEngine.h"
 #include "Fade.h"
@@ -238,6 +239,23 @@ void CheckProblems()
     Expect(Problems(*project).empty() && !layer->HasParentLayer(), "nothing of it is left");
 }
 
+void CheckChanges()
+{
+    const auto project = Project::Create(nullptr);
+    project->Assets().All().Add(SolidAsset::Create(u"Sky", {}, 64, 64, PAR::Square));
+    project->Assets().All().Add(SolidAsset::Create(u"Sea", {}, 64, 64, PAR::Square));
+    const auto theirs = Project::CreateFromXml(project->Serialize(), u"", nullptr, EffectFactory());
+    const WideString base = project->Serialize();
+    const auto sea = project->Assets().All()[1];
+    project->Assets().All()[0]->SetName(u"Blue");
+    theirs->Assets().All()[0]->SetName(u"Grey");
+    theirs->Assets().All()[1]->SetName(u"Water");
+    Expect(TakeChanges(project, base, theirs->Serialize()) ==
+               std::vector<std::string>{"solid \"Sky\": Blue or Grey"},
+           "what both changed is told");
+    Expect(sea->Name() == u"Water", "what theirs alone changed is taken over in place");
+}
+
 std::shared_ptr<AssetLayer> SolidLayer(Project &project, const std::shared_ptr<CompositionAsset> &composition)
 {
     const auto solid = SolidAsset::Create(u"Solid", {1, 0, 0, 1}, 64, 64, PAR::Square);
@@ -318,6 +336,7 @@ try {
     guide::CheckEditing();
     guide::CheckTracking(folder);
     guide::CheckProblems();
+    guide::CheckChanges();
     std::cout << "all as the guide says\n";
 } catch (const std::exception &error) {
     std::cerr << error.what() << "\n";

@@ -31,6 +31,10 @@ struct Side {
         const auto found = places.find(key);
         return found == places.end() ? nullptr : &found->second;
     }
+    NarrowString KeyInFrontOf(std::size_t place) const
+    {
+        return place == 0 ? NarrowString() : keys[place - 1];
+    }
 
     TextElement owner;
     std::vector<TextElement> children;
@@ -164,11 +168,13 @@ private:
         after.MakeKeys();
         for (std::size_t i = 0; i < before.keys.size(); ++i) {
             const Step step(path_, before.keys[i]);
-            if (const std::size_t *place = after.Find(before.keys[i]))
+            if (const std::size_t *place = after.Find(before.keys[i])) {
                 CompareChild(before.children[i], after.children[*place], before.owner);
-            else
-                ReportWhole(Kind::Removed, before.children[i], before.owner).oldXml =
-                    before.children[i].Source();
+                continue;
+            }
+            Difference &removed = ReportWhole(Kind::Removed, before.children[i], before.owner);
+            removed.oldXml = before.children[i].Source();
+            removed.behind = before.KeyInFrontOf(i);
         }
         for (std::size_t i = 0; i < after.keys.size(); ++i) {
             if (before.Find(after.keys[i]))
@@ -176,7 +182,7 @@ private:
             const Step step(path_, after.keys[i]);
             Difference &added = ReportWhole(Kind::Added, after.children[i], after.owner);
             added.newXml = after.children[i].Source();
-            added.behind = i == 0 ? NarrowString() : after.keys[i - 1];
+            added.behind = after.KeyInFrontOf(i);
         }
         ReportMoves(before, after);
     }
@@ -230,7 +236,7 @@ private:
             const Step place(place_, name.empty() ? NarrowString(before.children[kept[i]].Tag()) : name);
             Difference &move =
                 Report(Kind::Moved, "", std::to_string(kept[i] + 1), std::to_string(targets[i] + 1));
-            move.behind = targets[i] == 0 ? NarrowString() : after.keys[targets[i] - 1];
+            move.behind = after.KeyInFrontOf(targets[i]);
         }
     }
 

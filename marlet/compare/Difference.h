@@ -28,8 +28,8 @@ struct Difference {
     std::vector<NarrowString> path;
     /// The attribute that changed; empty where the element itself is meant.
     NarrowString attribute;
-    /// Of what is added or moved: the key of the neighbour, or the name of the attribute, in front of it;
-    /// empty if it comes first.
+    /// Of what is added, removed or moved: the key of the neighbour, or the name of the attribute, in front
+    /// of it where it is, or was; empty if it comes first.
     NarrowString behind;
     /// The element, or the attribute with its value; empty where there is none.
     NarrowString oldXml;

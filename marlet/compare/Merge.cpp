@@ -3,6 +3,7 @@
 #include <marlet/compare/CompareElements.h>
 #include <marlet/project/Project.h>
 
+#include <algorithm>
 #include <map>
 
 namespace marlet::project
@@ -59,6 +60,21 @@ public:
         return IsWhole(other) ? FindBelow(path) : nullptr;
     }
 
+    /// The neighbour in front of a place as this side has it: what is gone does not count.
+    NarrowString NeighbourOf(std::vector<NarrowString> path, NarrowString behind) const
+    {
+        while (!behind.empty()) {
+            path.back() = behind;
+            const auto [first, last] = byPath_.equal_range(PathText(path));
+            const auto removed = std::find_if(
+                first, last, [](const auto &entry) { return entry.second->kind == Kind::Removed; });
+            if (removed == last)
+                break;
+            behind = removed->second->behind;
+        }
+        return behind;
+    }
+
 private:
     /// Whether what stands in the element goes or comes with it.
     static bool IsWhole(const Difference &difference)
@@ -104,6 +120,8 @@ MergeResult MergeElements(const TextElement &base, const TextElement &ours, cons
     for (Difference &other : CompareElements(base, theirs)) {
         const Difference *met = side.FindMet(other);
         if (met == nullptr) {
+            if (other.kind == Kind::Added || other.kind == Kind::Moved)
+                other.behind = side.NeighbourOf(other.path, other.behind);
             result.changes.push_back(std::move(other));
             continue;
         }

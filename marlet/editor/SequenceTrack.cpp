@@ -53,6 +53,12 @@ SequenceTrack::SequenceTrack(const SequenceTrackKind &kind, EditorSequence *sequ
 
 SequenceTrack::~SequenceTrack() = default;
 
+void SequenceTrack::SetID(const kytl::KyID &id)
+{
+    impl_->id = id;
+    impl_->objects.SetTrackID(id);
+}
+
 /// What was put in the place of an object and is not of the track's class is left out, since no reader would
 /// take it.
 void SequenceTrack::Serialize(XmlWriter &writer) const

@@ -37,6 +37,9 @@ protected:
     SequenceTrack(const SequenceTrackKind &kind, EditorSequence *sequence, const XmlCursor &element,
                   const std::shared_ptr<AbstractPluginManager> &pluginManager);
 
+    /// Of a track without objects.
+    void SetID(const kytl::KyID &id);
+
     std::unique_ptr<SequenceTrack_Impl> impl_;
 
 private:

@@ -50,6 +50,14 @@ std::shared_ptr<VideoTrack> VideoTrack::Create(const std::shared_ptr<EditorSeque
     return Create(sequence.get(), name);
 }
 
+std::shared_ptr<VideoTrack> VideoTrack::Create(const std::shared_ptr<EditorSequence> &sequence,
+                                               const WideString &name, const kytl::KyID &id)
+{
+    auto track = Create(sequence, name);
+    track->SetID(id);
+    return track;
+}
+
 bool VideoTrack::IsVisible() const
 {
     return impl_->visible;

@@ -14,6 +14,9 @@ public:
     static std::shared_ptr<VideoTrack> Create(EditorSequence *sequence, const WideString &name);
     static std::shared_ptr<VideoTrack> Create(const std::shared_ptr<EditorSequence> &sequence,
                                               const WideString &name);
+    /// The same with an ID that is known, as that of a track in another version of the project.
+    static std::shared_ptr<VideoTrack> Create(const std::shared_ptr<EditorSequence> &sequence,
+                                              const WideString &name, const kytl::KyID &id);
     ~VideoTrack() override;
 
     bool IsVisible() const;

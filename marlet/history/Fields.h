@@ -186,4 +186,19 @@ private:
     Values kept_;
 };
 
+template <class F, class Object> void TakeOverField(const F &field, Object &object, const Object &other)
+{
+    if (field.aspect == Aspect::Members)
+        return;
+    const auto value = field.get(other);
+    if (!AreSame(field.get(std::as_const(object)), value))
+        field.set(object, value);
+}
+
+/// Makes what an object says of itself that of another one. Its lists stay.
+template <const auto &fields, class Object> void TakeOverFields(Object &object, const Object &other)
+{
+    std::apply([&](const auto &...field) { (TakeOverField(field, object, other), ...); }, fields);
+}
+
 } // namespace marlet::project

@@ -121,6 +121,11 @@ void MakeOwn(const std::shared_ptr<Layer> &layer, const PartSink &sink)
         sink(std::make_unique<FieldsPart<Layer, fields>>(layer, ObjectKind::Layer, layer->ID()));
 }
 
+template <const auto &fields, class Layer> void TakeOverOwn(AbstractLayer &layer, const AbstractLayer &other)
+{
+    TakeOverFields<fields>(dynamic_cast<Layer &>(layer), dynamic_cast<const Layer &>(other));
+}
+
 } // namespace
 
 void MakeParts(const std::shared_ptr<AbstractLayer> &layer, const PartSink &sink)
@@ -147,6 +152,29 @@ void MakeParts(const std::shared_ptr<AbstractLayer> &layer, const PartSink &sink
         break;
     case LayerType::Effect3D:
         break;
+    }
+}
+
+void TakeOver(AbstractLayer &layer, const AbstractLayer &other)
+{
+    const bool isSelected = layer.IsSelected();
+    TakeOverFields<kLayerFields>(layer, other);
+    layer.SetSelected(isSelected);
+    switch (layer.Type()) {
+    case LayerType::Asset:
+        return TakeOverOwn<kAssetLayerFields, AssetLayer>(layer, other);
+    case LayerType::Camera:
+        return TakeOverOwn<kCameraFields, CameraLayer>(layer, other);
+    case LayerType::Light:
+        return TakeOverOwn<kLightFields, LightLayer>(layer, other);
+    case LayerType::Grade:
+        return TakeOverOwn<kGradeFields, GradeLayer>(layer, other);
+    case LayerType::Text:
+        return TakeOverOwn<kTextLayerFields, TextLayer>(layer, other);
+    case LayerType::Point:
+        return TakeOverOwn<kPointFields, PointLayer>(layer, other);
+    case LayerType::Effect3D:
+        return;
     }
 }
 

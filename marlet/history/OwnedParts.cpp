@@ -152,4 +152,33 @@ void MakeParts(const std::shared_ptr<PluginInstance> &instance, const PartSink &
         sink(Make<kTransitionFields>(transition, kind));
 }
 
+void TakeOver(Mask &mask, const Mask &other)
+{
+    TakeOverFields<kMaskFields>(mask, other);
+}
+
+void TakeOver(PathPoint &point, const PathPoint &other)
+{
+    TakeOverFields<kPathPointFields>(point, other);
+}
+
+void TakeOver(Tracker &tracker, const Tracker &other)
+{
+    TakeOverFields<kTrackerFields>(tracker, other);
+}
+
+void TakeOver(TrackingPoint &point, const TrackingPoint &other)
+{
+    TakeOverFields<kTrackingPointFields>(point, other);
+}
+
+void TakeOver(PluginInstance &instance, const PluginInstance &other)
+{
+    TakeOverFields<kInstanceFields>(instance, other);
+    if (auto *effect = dynamic_cast<EffectInstance *>(&instance))
+        TakeOverFields<kEffectFields>(*effect, dynamic_cast<const EffectInstance &>(other));
+    else if (auto *transition = dynamic_cast<Transition *>(&instance))
+        TakeOverFields<kTransitionFields>(*transition, dynamic_cast<const Transition &>(other));
+}
+
 } // namespace marlet::project

@@ -64,4 +64,21 @@ std::unique_ptr<EditedPart> MakeKeyFramePart(const std::shared_ptr<PropertyManag
 std::unique_ptr<EditedPart> MakePropertiesPart(const std::shared_ptr<PropertyManager> &properties,
                                                const PropertyOwner &owner);
 
+// The same fields the other way: make what an object says of itself that of another one of its class, in
+// place. Lists, properties, transitions and panels stay.
+
+void TakeOver(Project &project, const Project &other);
+void TakeOver(BinFolder &folder, const BinFolder &other);
+void TakeOver(AbstractAsset &asset, const AbstractAsset &other); ///< but for the file of media
+void TakeOver(AbstractLayer &layer, const AbstractLayer &other);
+void TakeOverText(TextLayer &layer, const TextLayer &other); ///< shares tokens and formats
+void TakeOver(Mask &mask, const Mask &other);
+void TakeOver(PathPoint &point, const PathPoint &other);
+void TakeOver(Tracker &tracker, const Tracker &other);
+void TakeOver(TrackingPoint &point, const TrackingPoint &other);
+void TakeOver(PluginInstance &instance, const PluginInstance &other);
+void TakeOver(EditorSequence &sequence, const EditorSequence &other);
+void TakeOver(AbstractSequenceTrack &track, const AbstractSequenceTrack &other);
+void TakeOver(AbstractSequenceObject &object, const AbstractSequenceObject &other);
+
 } // namespace marlet::project

@@ -252,4 +252,29 @@ std::unique_ptr<EditedPart> MakePanelsPart(const std::shared_ptr<CompositionAsse
     return Make<kCompositionPanels>(composition, ObjectKind::Asset);
 }
 
+void TakeOver(Project &project, const Project &other)
+{
+    TakeOverFields<kProjectFields>(project, other);
+}
+
+void TakeOver(BinFolder &folder, const BinFolder &other)
+{
+    TakeOverFields<kFolderFields>(folder, other);
+}
+
+void TakeOver(AbstractAsset &asset, const AbstractAsset &other)
+{
+    const AbstractAsset::InstanceList instances = asset.Instances();
+    TakeOverFields<kAssetFields>(asset, other);
+    asset.Instances() = instances;
+    if (auto *solid = dynamic_cast<SolidAsset *>(&asset))
+        TakeOverFields<kSolidFields>(*solid, dynamic_cast<const SolidAsset &>(other));
+    else if (auto *image = dynamic_cast<ImageAsset *>(&asset))
+        TakeOverFields<kImageFields>(*image, dynamic_cast<const ImageAsset &>(other));
+    else if (auto *media = dynamic_cast<MediaAsset *>(&asset))
+        TakeOverFields<kMediaFields>(*media, dynamic_cast<const MediaAsset &>(other));
+    else if (auto *composition = dynamic_cast<CompositionAsset *>(&asset))
+        TakeOverFields<kCompositionFields>(*composition, dynamic_cast<const CompositionAsset &>(other));
+}
+
 } // namespace marlet::project

@@ -115,4 +115,23 @@ std::unique_ptr<EditedPart> MakePart(const std::shared_ptr<AbstractSequenceObjec
     return Make<kObjectFields>(object, ObjectKind::SequenceObject);
 }
 
+void TakeOver(EditorSequence &sequence, const EditorSequence &other)
+{
+    TakeOverFields<kSequenceFields>(sequence, other);
+}
+
+void TakeOver(AbstractSequenceTrack &track, const AbstractSequenceTrack &other)
+{
+    TakeOverFields<kTrackFields>(track, other);
+    if (auto *video = dynamic_cast<VideoTrack *>(&track))
+        TakeOverFields<kVideoTrackFields>(*video, dynamic_cast<const VideoTrack &>(other));
+    else if (auto *audio = dynamic_cast<AudioTrack *>(&track))
+        TakeOverFields<kAudioTrackFields>(*audio, dynamic_cast<const AudioTrack &>(other));
+}
+
+void TakeOver(AbstractSequenceObject &object, const AbstractSequenceObject &other)
+{
+    TakeOverFields<kObjectFields>(object, other);
+}
+
 } // namespace marlet::project

@@ -203,4 +203,13 @@ std::unique_ptr<EditedPart> MakeTextPart(const std::shared_ptr<TextLayer> &layer
     return std::make_unique<TextPart>(layer);
 }
 
+void TakeOverText(TextLayer &layer, const TextLayer &other)
+{
+    layer.Text() = other.Text();
+    layer.Formats() = other.Formats();
+    PutBack(Bounds{other.MinX(), other.MaxX(), other.MinY(), other.MaxY()}, layer);
+    layer.ClearSelection();
+    layer.SetCursorPosition({}, {});
+}
+
 } // namespace marlet::project

@@ -145,6 +145,11 @@ PanelRenderState &PanelRenderState::operator=(PanelRenderState other)
 
 PanelRenderState::~PanelRenderState() = default;
 
+void PanelRenderState::Swap(PanelRenderState &other) noexcept
+{
+    impl_.Swap(other.impl_);
+}
+
 PanelRenderState PanelRenderState::WithNewViews() const
 {
     PanelRenderState copy;

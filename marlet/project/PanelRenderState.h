@@ -62,6 +62,8 @@ public:
     PanelRenderState(const PanelRenderState &other);
     PanelRenderState &operator=(PanelRenderState other);
     ~PanelRenderState();
+    /// Exchanges everything; views keep their addresses and their order.
+    void Swap(PanelRenderState &other) noexcept;
 
     // A layout is 0 to 4 and a splitter 0 to 2: std::out_of_range for others wherever they are looked up.
 

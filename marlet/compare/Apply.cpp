@@ -1,0 +1,138 @@
+#include <marlet/compare/Apply.h>
+
+#include <marlet/compare/CompareElements.h>
+#include <marlet/compare/ElementNames.h>
+#include <marlet/compare/Update.h>
+#include <marlet/foundation/Arguments.h>
+#include <marlet/history/Edit.h>
+#include <marlet/history/Parts.h>
+#include <marlet/operations/OperationException.h>
+#include <marlet/plugins/AbstractPluginManager.h>
+#include <marlet/plugins/WithoutHostOperations.h>
+#include <marlet/project/AssetList.h>
+#include <marlet/project/LoadOptions.h>
+#include <marlet/project/Project.h>
+#include <marlet/project/ProjectMetadata.h>
+#include <marlet/project/ProjectTextureImageCache.h>
+
+#include <algorithm>
+
+namespace marlet::project
+{
+
+namespace
+{
+
+/// Hands out the plug-ins of the host's manager, which is not told of a project that nobody is to see.
+class QuietPluginManager final : public WithoutHostOperations<AbstractPluginManager>
+{
+public:
+    explicit QuietPluginManager(std::shared_ptr<AbstractPluginManager> manager) : manager_(std::move(manager))
+    {
+    }
+
+    void AttachProject(const std::shared_ptr<Project> &) override {}
+    std::shared_ptr<AbstractPlugin> FindPlugin(const kytl::KyID &id) override
+    {
+        return manager_->FindPlugin(id);
+    }
+
+private:
+    std::shared_ptr<AbstractPluginManager> manager_;
+};
+
+std::shared_ptr<Project> ReadAside(const Project &project, const WideString &text,
+                                   const Abstract3DEffectFactory &effectFactory)
+{
+    std::shared_ptr<AbstractPluginManager> plugins;
+    if (project.PluginManager())
+        plugins = std::make_shared<QuietPluginManager>(project.PluginManager());
+    const LoadOptions options{.media = project.SharedMedia(), .keepUnknown = true};
+    return Project::CreateFromXml(text, project.TextureImageCache().TexturesFolderPath(), plugins,
+                                  effectFactory, options);
+}
+
+void Run(const Update &update, const ElementPair &root)
+{
+    update.edit.TouchProject();
+    TakeOver(*update.project, update.fresh);
+    if (!root.Child("Metadata").IsSame()) {
+        update.edit.TouchMetadata();
+        update.project->Metadata().Swap(update.fresh.Metadata());
+    }
+    const ElementPair assets = root.Child("AssetList");
+    UpdateAssets(update, assets);
+    if (!assets.IsSame())
+        UpdateFolders(update, assets.Child("BinFolder"));
+    UpdateSequence(update, root.Child("EditorSequence"));
+    UpdateInstances(update, assets.after.Child("Assets"));
+}
+
+[[noreturn]] void Refuse(const Difference &difference)
+{
+    NarrowString place;
+    for (const NarrowString &step : difference.place)
+        place += step + ", ";
+    throw OperationException("The project cannot take over " + place +
+                             (difference.what.empty() ? "what differs in it" : difference.what));
+}
+
+} // namespace
+
+std::vector<std::pair<kytl::KyID, ElementPair>> ObjectsIn(const ElementPair &list)
+{
+    const auto idOf = [](const TextElement &element) {
+        const NarrowString id = BaseOf(element).ChildText("ID");
+        return id.empty() ? kytl::KyID() : kytl::KyID::FromString(id);
+    };
+    std::unordered_map<kytl::KyID, TextElement> before;
+    for (const TextElement &element : list.before.Children())
+        before.emplace(idOf(element), element);
+    std::vector<std::pair<kytl::KyID, ElementPair>> objects;
+    for (const TextElement &element : list.after.Children()) {
+        const kytl::KyID id = idOf(element);
+        const auto found = before.find(id);
+        objects.emplace_back(id, ElementPair{found == before.end() ? TextElement() : found->second, element});
+    }
+    return objects;
+}
+
+bool Update::Exchanges(const ElementPair &object) const
+{
+    if (inPlace || object.IsSame())
+        return false;
+    // What is in these is exchanged by itself.
+    constexpr std::string_view kLists[] = {"Effects", "Masks",  "Trackers", "Layers",   "Video",
+                                           "Audio",   "Points", "InTrans",  "OutTrans", "Instances"};
+    const std::vector<Difference> differences = CompareElements(object.before, object.after);
+    return std::ranges::any_of(differences, [&](const Difference &difference) {
+        return std::ranges::none_of(difference.path, [&](const NarrowString &step) {
+            return std::ranges::find(kLists, step) != std::end(kLists);
+        });
+    });
+}
+
+void Apply(const std::shared_ptr<Project> &project, const std::vector<Difference> &differences,
+           const Abstract3DEffectFactory &effectFactory, const WideString &label)
+{
+    Require(project, "project");
+    if (differences.empty())
+        return;
+    Edit edit(project, label);
+    auto current = std::make_unique<DocumentText>(ToUtf8(project->Serialize()));
+    const DocumentText target(Patched(current->Root(), differences));
+    const WideString text = FromUtf8(target.Text());
+    for (const bool inPlace : {true, false}) {
+        if (current->Text() == target.Text())
+            break;
+        const std::shared_ptr<Project> fresh = ReadAside(*project, text, effectFactory);
+        Run({edit, project, *fresh, inPlace}, {current->Root(), target.Root()});
+        current = std::make_unique<DocumentText>(ToUtf8(project->Serialize()));
+    }
+    const std::vector<Difference> left = CompareElements(current->Root(), target.Root());
+    if (!left.empty())
+        Refuse(left.front());
+    edit.Commit();
+}
+
+} // namespace marlet::project
