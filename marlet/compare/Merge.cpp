@@ -57,6 +57,8 @@ public:
         for (auto [at, end] = byPath_.equal_range(path); at != end; ++at)
             if (Meets(*at->second, other))
                 return at->second;
+        if (other.kind == Kind::Moved)
+            return FindMove(other.path, other.behind);
         return IsWhole(other) ? FindBelow(path) : nullptr;
     }
 
@@ -98,6 +100,16 @@ private:
                 if (IsWhole(*at->second))
                     return at->second;
         }
+        return nullptr;
+    }
+
+    /// That of the neighbour behind which something is to stand.
+    const Difference *FindMove(std::vector<NarrowString> path, const NarrowString &neighbour) const
+    {
+        path.back() = neighbour;
+        for (auto [at, end] = byPath_.equal_range(PathText(path)); at != end; ++at)
+            if (at->second->kind == Kind::Moved)
+                return at->second;
         return nullptr;
     }
 

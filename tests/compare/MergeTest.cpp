@@ -71,11 +71,17 @@ TEST(Merge, TakesWhatOneSideChangedAndTellsOfWhatBothDid)
          {}},
         {"moved and changed", "f: 1a 2b 3c", "f: 3c 1a 2b", "f: 1a 2b 3z", "f: 3z 1a 2b", {}},
         {"one moved by both",
+         "f: 1a 2b 3c 4d",
+         "f: 4d 1a 2b 3c",
+         "f: 1a 4d 2b 3c",
+         "f: 4d 1a 2b 3c",
+         {"null point \"d\",  1|2"}},
+        {"moved behind one that ours moved",
          "f: 1a 2b 3c",
          "f: 3c 1a 2b",
          "f: 1a 3c 2b",
          "f: 3c 1a 2b",
-         {"null point \"c\",  1|2"}},
+         {"null point \"b\",  1|3"}},
     };
     for (const Case &row : cases) {
         const WideString ours = Document(row.ours);
