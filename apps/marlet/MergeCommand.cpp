@@ -4,12 +4,16 @@
 #include "Failure.h"
 #include "Json.h"
 #include "Output.h"
+#include "Warning.h"
 
+#include <marlet/checks/Validate.h>
 #include <marlet/compare/Compare.h>
 #include <marlet/compare/Merge.h>
 #include <marlet/foundation/Exceptions.h>
 #include <marlet/project/Project.h>
 #include <marlet/project/ProjectFile.h>
+
+#include <set>
 
 namespace marlet::tool
 {
@@ -68,18 +72,41 @@ WideString WrittenText(const std::string &path, ProjectPointer &project)
     return ProjectFile::TextFor(*project, path);
 }
 
+using Problems = std::set<std::string>;
+
+void AddProblems(const Project &project, Problems &problems)
+{
+    for (const Finding &finding : Validate(project))
+        if (finding.severity != Finding::Severity::Note)
+            problems.insert(finding.place + ": " + finding.what);
+}
+
+/// Changes that are right each by itself need not go together.
+void TellOfNewProblems(const Project &merged, const Problems &known, const std::string &file)
+{
+    Problems problems;
+    AddProblems(merged, problems);
+    for (const std::string &problem : problems)
+        if (!known.contains(problem))
+            Warn(file, problem);
+}
+
 void Run(const Arguments &arguments, Output &output)
 {
     ProjectPointer project;
+    Problems known;
     const WideString base = WrittenText(arguments.Operand(0), project);
     const WideString theirs = WrittenText(arguments.Operand(2), project);
+    AddProblems(*project, known);
     const std::string &ourFile = arguments.Operand(1);
     const WideString ours = WrittenText(ourFile, project);
+    AddProblems(*project, known);
 
     const MergeResult result = MergeTexts(base, ours, theirs);
     const WideString merged = ApplyToText(ours, result.changes);
     project = Document(ourFile, Document::Voice::Silent).OpenText(merged, project->SharedMedia());
     WriteProject(*project, arguments.Operand(3));
+    TellOfNewProblems(*project, known, arguments.Operand(3));
     for (const MergeConflict &conflict : result.conflicts)
         output.Line(arguments.Has("--json") ? ConflictJson(conflict) : ConflictText(conflict));
     if (!result.conflicts.empty())
@@ -102,7 +129,9 @@ const CommandSpec &MergeCommand()
         "merge film.xml mine.xml yours.xml film.xml",
         "  OUT is what OURS holds, with what THEIRS changed since BASE. Where both changed the same, ours "
         "stays, and a\n"
-        "  line tells of both; the exit code is then 1. OUT may be one of the others.\n"};
+        "  line tells of both; the exit code is then 1. Warnings tell of what is wrong in OUT and in neither "
+        "side, such as\n"
+        "  a parent that the other side removed. OUT may be one of the others.\n"};
     return command;
 }
 

@@ -104,12 +104,13 @@ bool Update::Exchanges(const ElementPair &object) const
     // What is in these is exchanged by itself.
     constexpr std::string_view kLists[] = {"Effects", "Masks",  "Trackers", "Layers",   "Video",
                                            "Audio",   "Points", "InTrans",  "OutTrans", "Instances"};
-    const std::vector<Difference> differences = CompareElements(object.before, object.after);
-    return std::ranges::any_of(differences, [&](const Difference &difference) {
-        return std::ranges::none_of(difference.path, [&](const NarrowString &step) {
-            return std::ranges::find(kLists, step) != std::end(kLists);
+    const auto isInList = [&](const Difference &difference) {
+        return std::any_of(difference.path.begin(), difference.path.end(), [&](const NarrowString &step) {
+            return std::find(std::begin(kLists), std::end(kLists), step) != std::end(kLists);
         });
-    });
+    };
+    const std::vector<Difference> differences = CompareElements(object.before, object.after);
+    return !std::all_of(differences.begin(), differences.end(), isInList);
 }
 
 void Apply(const std::shared_ptr<Project> &project, const std::vector<Difference> &differences,

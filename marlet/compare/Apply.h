@@ -10,9 +10,9 @@ namespace marlet::project
 class Abstract3DEffectFactory;
 class Project;
 
-/// Makes a project another one by its differences from that, as one edit with the label. Its text is then what
-/// ApplyToText makes of it: applied to the first of two projects that were compared, the differences make it
-/// the second.
+/// Makes a project another one by its differences from that, as one edit with the label. Its text is then
+/// what ApplyToText makes of it: applied to the first of two projects that were compared, the differences
+/// make it the second.
 ///
 /// What stays keeps its address, and takes over what differs in it; what is new is read as a load reads it,
 /// with the project's own plug-ins, media and textures, and has the IDs that it is to have. An object of

@@ -9,10 +9,10 @@ namespace marlet::project
 /// What differs between two elements, which are both roots.
 std::vector<Difference> CompareElements(const TextElement &before, const TextElement &after);
 
-/// What of an element's differences makes it into another one. Differences are those of the root.
+/// The text of a root with differences applied to it. @throws OperationException as ApplyToText
 NarrowString Patched(const TextElement &root, const std::vector<Difference> &differences);
 
-/// A text that is whole, as one of UTF-8. @throws XmlParseException
+/// A text in UTF-8. @throws XmlParseException if it is not whole
 NarrowString WholeText(const WideString &text);
 
 } // namespace marlet::project

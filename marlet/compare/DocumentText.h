@@ -45,7 +45,7 @@ public:
     NarrowString ChildText(std::string_view tag) const { return Child(tag).Text(); }
     /// Whether there is a text, be it an empty one, which an end tag shows: `<Name></Name>`.
     bool HasEndTag() const { return !source_.ends_with("/>"); }
-    /// Whether both stand so in their texts.
+    /// Whether the sources are the same.
     bool operator==(const TextElement &other) const { return source_ == other.source_; }
 
 private:

@@ -47,6 +47,19 @@ TEST_F(MergeTest, TellsOfConflictsInWhichOursStays)
                 HasSubstr("\"before\":\"Front\",\"after\":\"Other\""));
 }
 
+TEST_F(MergeTest, WarnsOfChangesThatDoNotGoTogether)
+{
+    const auto parent = composition_->Layers().front();
+    composition_->Layers().back()->SetParentLayer(parent);
+    Save("child.xml");
+    composition_->Layers().back()->RemoveParentLayer();
+    composition_->Layers().pop_front();
+    Save("orphan.xml");
+    const ToolRun run = Run({"merge", "both.xml", "child.xml", "orphan.xml", "out.xml"});
+    EXPECT_EQ(run.exitCode, 0) << run.out;
+    EXPECT_THAT(run.err, HasSubstr("out.xml: warning: layer \"Theirs\""));
+}
+
 TEST_F(MergeTest, AFileThatIsNoProjectLeavesTheOutputAlone)
 {
     Write("broken.xml", "<Project");
