@@ -120,7 +120,7 @@ void Apply(const std::shared_ptr<Project> &project, const std::vector<Difference
     if (differences.empty())
         return;
     Edit edit(project, label);
-    auto current = std::make_unique<DocumentText>(ToUtf8(project->Serialize()));
+    auto current = std::make_unique<DocumentText>(project->SerializeUtf8());
     const DocumentText target(Patched(current->Root(), differences));
     const WideString text = FromUtf8(target.Text());
     for (const bool inPlace : {true, false}) {
@@ -128,7 +128,7 @@ void Apply(const std::shared_ptr<Project> &project, const std::vector<Difference
             break;
         const std::shared_ptr<Project> fresh = ReadAside(*project, text, effectFactory);
         Run({edit, project, *fresh, inPlace}, {current->Root(), target.Root()});
-        current = std::make_unique<DocumentText>(ToUtf8(project->Serialize()));
+        current = std::make_unique<DocumentText>(project->SerializeUtf8());
     }
     const std::vector<Difference> left = CompareElements(current->Root(), target.Root());
     if (!left.empty())

@@ -23,8 +23,8 @@ NarrowString WholeText(const WideString &text)
 
 std::vector<Difference> Compare(const Project &before, const Project &after)
 {
-    const DocumentText old(ToUtf8(before.Serialize()));
-    const DocumentText current(ToUtf8(after.Serialize()));
+    const DocumentText old(before.SerializeUtf8());
+    const DocumentText current(after.SerializeUtf8(old.Text().size()));
     return CompareElements(old.Root(), current.Root());
 }
 

@@ -11,8 +11,8 @@ class Project;
 /// the same ID, wherever it stands among its neighbours, a key frame with that at the same time. Nothing that
 /// a file holds is left out, so Apply makes the one project into the other.
 ///
-/// Changes neither project; both must stay as they are meanwhile. Needs about as much memory as their texts
-/// in UTF-8, and for moments that of one in UTF-16.
+/// Changes neither project; both must stay as they are meanwhile. Needs as much memory as their texts in
+/// UTF-8, or little more.
 MARLET_EXPORT std::vector<Difference> Compare(const Project &before, const Project &after);
 
 /// The same for texts as Project::Serialize and ProjectFile::TextFor make them.

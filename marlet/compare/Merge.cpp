@@ -150,9 +150,9 @@ MergeResult MergeElements(const TextElement &base, const TextElement &ours, cons
 
 MergeResult Merge(const Project &base, const Project &ours, const Project &theirs)
 {
-    const DocumentText old(ToUtf8(base.Serialize()));
-    const DocumentText own(ToUtf8(ours.Serialize()));
-    const DocumentText other(ToUtf8(theirs.Serialize()));
+    const DocumentText old(base.SerializeUtf8());
+    const DocumentText own(ours.SerializeUtf8(old.Text().size()));
+    const DocumentText other(theirs.SerializeUtf8(old.Text().size()));
     return MergeElements(old.Root(), own.Root(), other.Root());
 }
 

@@ -117,16 +117,26 @@ void Project::Read(const WideString &xml, const Abstract3DEffectFactory &effectF
 WideString Project::Serialize() const
 {
     XmlWriter writer;
-    {
-        const XmlElement element(writer, "Project", 0, impl_->kept);
-        ProjectFields(writer, *impl_);
-        impl_->settings.Serialize(writer);
-        impl_->assets.Serialize(writer, impl_->textureImages);
-        if (impl_->sequence)
-            impl_->sequence->Serialize(writer);
-        impl_->metadata.Serialize(writer);
-    }
+    Serialize(writer);
     return writer.Take();
+}
+
+NarrowString Project::SerializeUtf8(std::size_t expectedBytes) const
+{
+    XmlWriter writer(expectedBytes);
+    Serialize(writer);
+    return writer.TakeUtf8();
+}
+
+void Project::Serialize(XmlWriter &writer) const
+{
+    const XmlElement element(writer, "Project", 0, impl_->kept);
+    ProjectFields(writer, *impl_);
+    impl_->settings.Serialize(writer);
+    impl_->assets.Serialize(writer, impl_->textureImages);
+    if (impl_->sequence)
+        impl_->sequence->Serialize(writer);
+    impl_->metadata.Serialize(writer);
 }
 
 void Project::Deserialize(const XmlCursor &element, const Abstract3DEffectFactory &effectFactory,

@@ -21,6 +21,7 @@ class ProjectMetadata;
 class ProjectSettings;
 class ProjectTextureImageCache;
 class XmlCursor;
+class XmlWriter;
 struct LoadOptions;
 struct Project_Impl;
 
@@ -64,6 +65,9 @@ public:
 
     /// The text of the whole project. Changes nothing.
     WideString Serialize() const;
+    /// The same in UTF-8, in a third of the memory. With room for so many bytes at first, as the text of
+    /// another version of the project has.
+    NarrowString SerializeUtf8(std::size_t expectedBytes = 0) const;
 
     const kytl::KyID &ID() const;
     const WideString &Name() const;
@@ -108,6 +112,7 @@ private:
         Edit *innermost = nullptr; ///< of the edits that go on
     };
 
+    void Serialize(XmlWriter &writer) const;
     void Read(const WideString &xml, const Abstract3DEffectFactory &effectFactory,
               const LoadOptions &options);
     void Deserialize(const XmlCursor &element, const Abstract3DEffectFactory &effectFactory,

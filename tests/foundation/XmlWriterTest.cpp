@@ -99,6 +99,22 @@ TEST(XmlWriterTest, LayoutIsThatOfQtsDocuments)
     }
 }
 
+TEST(XmlWriterTest, ATextInOnePieceIsThatOfAllPieces)
+{
+    const auto write = [](XmlWriter &writer) {
+        const XmlElement root(writer, "Root");
+        for (int i = 0; i < 10'000; ++i)
+            writer.Child("Text", WideString(kTexts[static_cast<std::size_t>(i) % std::size(kTexts)]));
+    };
+    const std::string pieces = ToUtf8(XmlText(write));
+    EXPECT_GT(pieces.size(), 200'000u) << "several pieces";
+    for (const std::size_t expected : {std::size_t{0}, pieces.size()}) {
+        XmlWriter writer(expected);
+        write(writer);
+        EXPECT_TRUE(writer.TakeUtf8() == pieces) << expected;
+    }
+}
+
 TEST(XmlWriterTest, EveryTextReadsBackAsItself)
 {
     for (const std::u16string &first : kTexts) {

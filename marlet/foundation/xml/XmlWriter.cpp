@@ -89,6 +89,11 @@ std::string_view Escaped(char c, bool attribute, bool afterBrackets)
 
 XmlWriter::XmlWriter() = default;
 
+XmlWriter::XmlWriter(std::size_t expectedBytes) : gathers_(true)
+{
+    gathered_.reserve(expectedBytes);
+}
+
 void XmlWriter::AppendEscaped(std::string_view utf8, bool attribute)
 {
     std::size_t plain = 0;
@@ -120,9 +125,20 @@ void XmlWriter::StartBlockIfFull()
 {
     if (block_.size() < kBlockSize || (!open_.empty() && open_.back().state == State::OpenTag))
         return;
+    if (gathers_)
+        return Gather();
     fullBlocks_.push_back(std::move(block_));
     block_ = NarrowString();
     block_.reserve(kBlockSize + kBlockSize / 8);
+}
+
+/// Grows by less than a string does by itself, since a text may be most of the memory there is.
+void XmlWriter::Gather()
+{
+    if (gathered_.capacity() - gathered_.size() < block_.size())
+        gathered_.reserve(gathered_.size() + gathered_.size() / 4 + block_.size());
+    gathered_ += block_;
+    block_.clear();
 }
 
 void XmlWriter::StartTag(std::string_view tag)
@@ -418,6 +434,12 @@ WideString XmlWriter::Take()
     text.resize(static_cast<std::size_t>(to - text.data()));
     fullBlocks_.clear();
     return text;
+}
+
+NarrowString XmlWriter::TakeUtf8()
+{
+    Gather();
+    return std::move(gathered_);
 }
 
 } // namespace marlet::project

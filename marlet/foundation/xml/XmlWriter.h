@@ -19,6 +19,8 @@ class XmlWriter
 {
 public:
     XmlWriter();
+    /// Gathers the text in one piece, for TakeUtf8, with room for so many bytes at first.
+    explicit XmlWriter(std::size_t expectedBytes);
 
     /// Leaves out what is kept of the elements that begin from now on.
     void LeaveKept() { writesKept_ = false; }
@@ -72,6 +74,8 @@ public:
 
     /// The finished text.
     WideString Take();
+    /// The same in UTF-8, of a writer that gathers it.
+    NarrowString TakeUtf8();
 
 private:
     enum class State { OpenTag, Children, Text };
@@ -93,6 +97,7 @@ private:
     void AppendContent(std::u16string_view text, bool attribute);
     void AppendContent(std::string_view utf8, bool attribute);
     void StartBlockIfFull();
+    void Gather();
     void StartTag(std::string_view tag);
     void StartLine();
     void CloseStartTag();
@@ -109,6 +114,8 @@ private:
     // The text in UTF-8, which is half as much to write until it is taken, and in blocks, which never move.
     std::vector<NarrowString> fullBlocks_;
     NarrowString block_;
+    NarrowString gathered_;
+    bool gathers_ = false;
     std::vector<Open> open_;
     std::vector<Kept> kept_; ///< of the open elements that have something
     const KeptPlace *keptOfChild_ = nullptr;
