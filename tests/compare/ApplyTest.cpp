@@ -35,7 +35,10 @@ struct NoEffects : Abstract3DEffectFactory {
 /// A project as it was read, with what the changes below are about. Of what a change before has removed there
 /// may be none.
 struct World {
-    explicit World(const std::shared_ptr<Project> &of, unsigned int seed) : project(of), random(seed) {}
+    World(const CheckedProject &like, const std::shared_ptr<Project> &of, unsigned int seed)
+        : checked(like), project(of), random(seed)
+    {
+    }
 
     int Number(int below) { return static_cast<int>(random() % static_cast<unsigned int>(below)); }
     WideString Name() { return u"Name " + FromUtf8(std::to_string(Number(1000))); }
@@ -66,6 +69,7 @@ struct World {
                           : Track().Objects()[static_cast<unsigned int>(Number(static_cast<int>(count)))];
     }
 
+    const CheckedProject &checked; ///< whose plug-in the project uses
     std::shared_ptr<Project> project;
     std::mt19937 random;
 };
@@ -236,13 +240,9 @@ const NamedChange kChanges[] = {
          const auto object = world.AnyObject();
          if (!object)
              return;
-         const auto before = object->OutgoingTransition();
-         object->SetOutgoingTransition(
-             before ? nullptr
-                    : Transition::Create(world.project->PluginManager()->FindPlugin(
-                          world.Find<AssetLayer>() && !world.Find<AssetLayer>()->Effects().empty()
-                              ? world.Find<AssetLayer>()->Effects()[0]->PluginID()
-                              : KyID())));
+         const bool hasOne = object->OutgoingTransition() != nullptr;
+         object->SetOutgoingTransition(hasOne ? nullptr
+                                              : Transition::Create(world.checked.plugins->plugins[0]));
      }},
     {"the length of a transition",
      [](World &world) {
@@ -268,7 +268,7 @@ const NamedChange kChanges[] = {
 /// One change of the table after the other comes first as seeds go on; some at random follow.
 std::shared_ptr<Project> Changed(const CheckedProject &checked, const WideString &text, unsigned int seed)
 {
-    World world(checked.Reload(text), seed);
+    World world(checked, checked.Reload(text), seed);
     std::size_t next = seed % std::size(kChanges);
     for (int count = 1 + world.Number(4); count > 0; --count) {
         kChanges[next].change(world);
@@ -351,7 +351,7 @@ TEST(Apply, WhatStaysKeepsItsAddress)
 {
     const CheckedProject checked;
     const auto project = checked.Reload(checked.project->Serialize());
-    World world(checked.Reload(checked.project->Serialize()), 1);
+    World world(checked, checked.Reload(checked.project->Serialize()), 1);
     const auto layer = world.Find<AssetLayer>();
     layer->SetName(u"Another");
     layer->Effects()[0]->Properties().StaticValue("amount") = 3.F;
@@ -359,16 +359,16 @@ TEST(Apply, WhatStaysKeepsItsAddress)
     const auto moved = world.Track().Objects()[0];
     world.Track().Objects().Move(moved, 200, true);
 
-    const World own(project, 1);
+    const World own(checked, project, 1);
     const auto composition = own.Main();
-    const auto own_layer = own.Find<AssetLayer>();
-    const auto effect = own_layer->Effects()[0];
+    const auto ownLayer = own.Find<AssetLayer>();
+    const auto effect = ownLayer->Effects()[0];
     const PropertyValue *amount = &effect->Properties().StaticValue("amount");
     const auto object = own.Track().Objects()[0];
     Apply(project, Compare(*project, *world.project), NoEffects());
     EXPECT_EQ(own.Main(), composition);
-    EXPECT_EQ(own.Find<AssetLayer>(), own_layer);
-    EXPECT_EQ(own_layer->Effects()[0], effect);
+    EXPECT_EQ(own.Find<AssetLayer>(), ownLayer);
+    EXPECT_EQ(ownLayer->Effects()[0], effect);
     EXPECT_EQ(boost::get<float>(*amount), 3.F);
     EXPECT_EQ(project->Sequence()->FindObjectByID(moved->ID()), object);
     EXPECT_EQ(object->StartFrame(), 200);
