@@ -56,7 +56,8 @@ void CommitAndUndo(benchmark::State &state)
     Edited edited(WithoutCurves(Load(TextOfMegabytes(static_cast<int>(state.range(0))))));
     std::size_t layer = 0;
     for (auto _ : state) {
-        edited.Rotate(layer++, static_cast<float>(layer));
+        edited.Rotate(layer, static_cast<float>(layer));
+        ++layer;
         edited.history.Undo();
     }
 }
