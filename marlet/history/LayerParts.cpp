@@ -2,6 +2,7 @@
 #include <marlet/history/Parts.h>
 #include <marlet/layers/AssetLayer.h>
 #include <marlet/layers/CameraLayer.h>
+#include <marlet/layers/Effect3DLayer.h>
 #include <marlet/layers/GradeLayer.h>
 #include <marlet/layers/LightLayer.h>
 #include <marlet/layers/PointLayer.h>
@@ -91,6 +92,9 @@ constexpr std::tuple kGradeFields(Setting(Aspect::Settings, &GradeLayer::Dimensi
                                   Held(Aspect::Members, &GradeLayer::Effects, &GradeLayer::Effects),
                                   Held(Aspect::Members, &GradeLayer::Masks, &GradeLayer::Masks));
 
+constexpr std::tuple kEffect3DFields(Setting(Aspect::Settings, &Effect3DLayer::Effect,
+                                             &Effect3DLayer::SetEffect));
+
 constexpr std::tuple kPointFields(Setting(Aspect::Settings, &PointLayer::Dimensions,
                                           &PointLayer::SetDimensions));
 
@@ -151,6 +155,7 @@ void MakeParts(const std::shared_ptr<AbstractLayer> &layer, const PartSink &sink
         MakeOwn<kPointFields>(std::dynamic_pointer_cast<PointLayer>(layer), sink);
         break;
     case LayerType::Effect3D:
+        MakeOwn<kEffect3DFields>(std::dynamic_pointer_cast<Effect3DLayer>(layer), sink);
         break;
     }
 }

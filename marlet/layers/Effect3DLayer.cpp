@@ -68,9 +68,7 @@ Effect3DLayer::Effect3DLayer() = default;
 Effect3DLayer::Effect3DLayer(std::shared_ptr<Abstract3DEffect> effect, const WideString &name)
     : AbstractLayer(name)
 {
-    Require(effect, "effect");
-    impl_->effect = std::move(effect);
-    impl_->effect->SetLayerID(ID());
+    SetEffect(std::move(effect));
     CreateProperties(Animation(), Properties());
 }
 
@@ -163,6 +161,13 @@ AbstractLayer::Matrix Effect3DLayer::AlignToMotion(const Matrix &, int, const st
 std::shared_ptr<Abstract3DEffect> Effect3DLayer::Effect() const
 {
     return impl_->effect;
+}
+
+void Effect3DLayer::SetEffect(std::shared_ptr<Abstract3DEffect> effect)
+{
+    Require(effect, "effect");
+    impl_->effect = std::move(effect);
+    impl_->effect->SetLayerID(ID());
 }
 
 std::vector<ObjectPropertyList> Effect3DLayer::ChildLayerReferencePropertyNames() const

@@ -38,6 +38,8 @@ public:
                          bool avoidZeroScale) const override;
 
     std::shared_ptr<Abstract3DEffect> Effect() const;
+    /// The effect is told which layer holds it. @throws std::invalid_argument if it is empty
+    void SetEffect(std::shared_ptr<Abstract3DEffect> effect);
 
 private:
     friend class LayerMaker;
