@@ -11,7 +11,7 @@ namespace marlet::project
 std::optional<int> AssetLength(const AbstractAsset &asset, double frameRate)
 {
     if (const auto *composition = dynamic_cast<const CompositionAsset *>(&asset))
-        return composition->Settings().FrameCount();
+        return composition->Settings().FrameCount(frameRate);
     const auto *media = dynamic_cast<const MediaAsset *>(&asset);
     if (!media || media->IsOffline())
         return std::nullopt;
