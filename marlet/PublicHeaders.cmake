@@ -66,7 +66,13 @@ set(MARLET_PUBLIC_HEADERS
     masks/Mask.h
     masks/MotionPath.h
     masks/PathPoint.h
+    operations/AssetUses.h
+    operations/LayerClipboard.h
+    operations/LayerOperations.h
+    operations/LayerTiming.h
+    operations/MediaImport.h
     operations/OperationException.h
+    operations/ProjectOperations.h
     operations/SequenceClipboard.h
     operations/SequenceObjects.h
     operations/SequenceOptions.h
