@@ -3,10 +3,9 @@
 #include "LayerContent.h"
 #include "Output.h"
 
+#include <marlet/operations/LayerOperations.h>
 #include <marlet/project/CompositionAsset.h>
-#include <marlet/project/Project.h>
 
-#include <algorithm>
 #include <stdexcept>
 
 namespace marlet::tool
@@ -51,17 +50,16 @@ void ListReferences(const CompositionPointer &composition, const AbstractLayer &
     }
 }
 
-void ClearDanglingReferences(const CompositionAsset &composition, Output &output)
+/// What leads nowhere once the layer is gone.
+void ListCleared(const CompositionAsset &composition, const LayerPointer &deleted, Output &output)
 {
-    std::unordered_map<NarrowString, bool> valid;
+    std::unordered_map<kytl::KyID, LayerPointer> valid = LayersByID(composition);
+    valid.erase(deleted->ID());
     for (const LayerPointer &layer : composition.Layers())
-        valid.emplace(layer->ID().ToNarrowString(), true);
-    for (const LayerPointer &layer : composition.Layers()) {
-        for (const LayerReference &reference : LayerReferences(*layer))
-            if (valid.count(reference.target.ToNarrowString()) == 0)
-                output.Line("cleared " + HolderPlace(*layer, reference));
-        layer->ClearInvalidLayerReferences(valid);
-    }
+        if (layer != deleted)
+            for (const LayerReference &reference : LayerReferences(*layer))
+                if (valid.count(reference.target) == 0)
+                    output.Line("cleared " + HolderPlace(*layer, reference));
 }
 
 void Run(const Arguments &arguments, Output &output)
@@ -73,10 +71,8 @@ void Run(const Arguments &arguments, Output &output)
     const LayerPointer layer = FindLayer(*composition, layerName);
 
     ListReferences(composition, *layer, output);
-    CompositionAsset::LayerList &layers = composition->Layers();
-    layers.erase(std::find(layers.begin(), layers.end(), layer));
-    ClearDanglingReferences(*composition, output);
-    FillInstances(*project);
+    ListCleared(*composition, layer, output);
+    RemoveLayers(project, {layer});
     WriteProject(*project, arguments.Operand(1));
     output.Line("Layer " + Quoted(layer->Name()) + " is deleted");
 }

@@ -3,13 +3,7 @@
 #include "Failure.h"
 #include "Output.h"
 
-#include <marlet/layers/AbstractLayer.h>
-#include <marlet/layers/ParentHelper.h>
-#include <marlet/project/AssetList.h>
-#include <marlet/project/CompositionAsset.h>
-#include <marlet/project/Project.h>
-
-#include <utility>
+#include <marlet/operations/LayerOperations.h>
 
 namespace marlet::tool
 {
@@ -18,18 +12,6 @@ using namespace project;
 
 namespace
 {
-
-/// A layer that hangs on itself, over whatever way, would have no place any more.
-void RefuseCircle(const CompositionAsset &composition, const AbstractLayer &layer, const LayerPointer &parent)
-{
-    LayerPointer ancestor = parent;
-    // A chain that is longer than there are layers runs in a circle itself, which is told of elsewhere.
-    for (std::size_t i = 0; ancestor && i <= composition.Layers().size(); ++i) {
-        if (ancestor->ID() == layer.ID())
-            throw Failure("Layer " + Quoted(layer.Name()) + " would become its own parent");
-        ancestor = composition.FindLayerByID(ancestor->ParentLayerID());
-    }
-}
 
 void Run(const Arguments &arguments, Output &)
 {
@@ -41,17 +23,11 @@ void Run(const Arguments &arguments, Output &)
 
     const ProjectPointer project = ReadProject(arguments.Operand(0));
     const CompositionPointer composition = FindComposition(*project, compositionName);
-    LayerPointer layer = FindLayer(*composition, layerName);
-    const int time = layer->GlobalFrameToRelativeTime(frame, std::as_const(*project).Assets());
-    if (arguments.Has("--to")) {
-        const LayerPointer parent = FindLayer(*composition, arguments.Text("--to"));
-        RefuseCircle(*composition, *layer, parent);
-        ParentHelper::Parent(project, time, parent, layer);
-    } else {
-        if (!layer->HasParentLayer())
-            throw Failure("Layer " + Quoted(layer->Name()) + " has no parent");
-        ParentHelper::RemoveParent(project, time, layer);
-    }
+    const LayerPointer layer = FindLayer(*composition, layerName);
+    if (arguments.Has("--to"))
+        SetParent(project, layer, FindLayer(*composition, arguments.Text("--to")), frame);
+    else
+        RemoveParent(project, layer, frame);
     WriteProject(*project, arguments.Operand(1));
 }
 

@@ -5,9 +5,9 @@
 #include "Output.h"
 
 #include <marlet/layers/AssetLayer.h>
+#include <marlet/operations/MediaImport.h>
 #include <marlet/project/AssetList.h>
 #include <marlet/project/MediaAsset.h>
-#include <marlet/project/MediaManager.h>
 #include <marlet/project/MissingFiles.h>
 #include <marlet/project/Project.h>
 
@@ -41,13 +41,9 @@ void RelinkOne(const Arguments &arguments)
         FromUtf8(std::filesystem::absolute(arguments.Path("--to")).lexically_normal().string());
 
     const ProjectPointer project = ReadProject(arguments.Operand(0));
-    MediaPointer media = FindMedia(*project, asset);
-    if (media->IsImageSequence())
-        project->Media().RelinkImageSequence(media, path);
-    else
-        project->Media().RelinkMediaFile(media, path);
+    const MediaPointer media = FindMedia(*project, asset);
+    RelinkAsset(project, media, path);
     RequireUsable(*media);
-    RefreshLayers(std::as_const(*project), *media);
     WriteProject(*project, arguments.Operand(1));
 }
 
