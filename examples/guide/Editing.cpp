@@ -1,6 +1,8 @@
 #include "Editing.h"
 
 #include <marlet/animation/PropertyManager.h>
+#include <marlet/operations/LayerTiming.h>
+#include <marlet/operations/OperationException.h>
 
 namespace guide
 {
@@ -23,6 +25,24 @@ void DragOpacity(const std::shared_ptr<Project> &project, const std::shared_ptr<
     edit.Touch(layer, "opacity");
     layer->Animation().StaticValue("opacity") = opacity;
     edit.Commit();
+}
+
+// An operation is a step of its own, or a part of the edit that goes on around it. What it refuses has
+// changed nothing, and is for the user to read.
+std::string SplitAll(const std::shared_ptr<Project> &project,
+                     const std::shared_ptr<CompositionAsset> &composition, int frame)
+{
+    Edit edit(project, u"Split layers");
+    const CompositionAsset::LayerList layers = composition->Layers();
+    try {
+        for (const std::shared_ptr<AbstractLayer> &layer : layers)
+            if (!layer->IsLocked())
+                SplitLayer(project, layer, frame);
+    } catch (const OperationException &refusal) {
+        return refusal.what(); // the edit ends without Commit
+    }
+    edit.Commit();
+    return {};
 }
 
 // Comes after each commit, undo and redo, on the thread that edits.

@@ -2,6 +2,7 @@
 
 #include <marlet/history/EditHistory.h>
 #include <marlet/layers/AbstractLayer.h>
+#include <marlet/project/CompositionAsset.h>
 #include <marlet/project/Project.h>
 
 #include <memory>
@@ -33,5 +34,8 @@ void Rename(const std::shared_ptr<Project> &project, const std::shared_ptr<Abstr
             const WideString &name);
 void DragOpacity(const std::shared_ptr<Project> &project, const std::shared_ptr<AbstractLayer> &layer,
                  float opacity);
+/// Returns why not, or nothing.
+std::string SplitAll(const std::shared_ptr<Project> &project,
+                     const std::shared_ptr<CompositionAsset> &composition, int frame);
 
 } // namespace guide

@@ -287,6 +287,13 @@ void CheckEditing()
     Expect(boost::get<float>(layer->Animation().StaticValue("opacity")) == 100, "an undo goes back at once");
     history.Undo();
     Expect(history.IsSaved() && layer->Name() == u"Solid", "and to the beginning");
+
+    layer->SetEndFrame(50);
+    Expect(SplitAll(project, composition, 20).empty() && composition->Layers().size() == 2,
+           "a layer falls in two");
+    Expect(SplitAll(project, composition, 30) == "Frame 30 is not inside of layer \"Solid\"" &&
+               composition->Layers().size() == 2,
+           "all layers or none");
 }
 
 void CheckTracking(const std::string &folder)
