@@ -71,6 +71,8 @@ set(MARLET_PUBLIC_HEADERS
     operations/LayerOperations.h
     operations/LayerTiming.h
     operations/MediaImport.h
+    operations/AnimatedProperty.h
+    operations/KeyFrameOperations.h
     operations/OperationException.h
     operations/ProjectOperations.h
     operations/SequenceClipboard.h
