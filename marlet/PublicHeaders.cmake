@@ -82,6 +82,7 @@ set(MARLET_PUBLIC_HEADERS
     operations/SequenceRemoval.h
     operations/SequenceTransitions.h
     operations/SequenceTrimming.h
+    operations/TextOperations.h
     operations/Timeline.h
     platform/files/WholeFile.h
     platform/media/KyAbstractAudioStream.h
