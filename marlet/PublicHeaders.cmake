@@ -73,8 +73,10 @@ set(MARLET_PUBLIC_HEADERS
     operations/MediaImport.h
     operations/AnimatedProperty.h
     operations/KeyFrameOperations.h
+    operations/MaskOperations.h
     operations/OperationException.h
     operations/ProjectOperations.h
+    operations/PictureRectangle.h
     operations/SequenceClipboard.h
     operations/SequenceObjects.h
     operations/SequenceOptions.h
@@ -84,6 +86,7 @@ set(MARLET_PUBLIC_HEADERS
     operations/SequenceTrimming.h
     operations/TextOperations.h
     operations/Timeline.h
+    operations/TrackerOperations.h
     platform/files/WholeFile.h
     platform/media/KyAbstractAudioStream.h
     platform/media/KyAbstractCodecInfo.h
