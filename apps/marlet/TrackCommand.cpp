@@ -10,6 +10,7 @@
 #include "TrackerRun.h"
 
 #include <marlet/animation/PropertyManager.h>
+#include <marlet/history/Edit.h>
 #include <marlet/layers/AssetLayer.h>
 #include <marlet/project/AssetList.h>
 #include <marlet/project/CompositionAsset.h>
@@ -163,6 +164,14 @@ void MovePlayhead(const CompositionPointer &composition, const TrackerJob &job)
     composition->SetCurrentTimeIndicator(job.layer->StartFrame() + job.from);
 }
 
+void AnnounceRun(Edit &edit, const CompositionPointer &composition, const TrackerPointer &tracker)
+{
+    edit.Touch(composition);
+    edit.Touch(tracker);
+    edit.Touch(tracker->PrimaryTrackingPoint(), "featurePosition");
+    edit.Touch(tracker->SecondaryTrackingPoint(), "featurePosition");
+}
+
 void RequirePoints(const Tracker &tracker)
 {
     if (!tracker.PrimaryTrackingPoint() || !tracker.SecondaryTrackingPoint())
@@ -193,6 +202,8 @@ void TrackInProject(const Arguments &arguments, Output &output)
     job.layer = FindAssetLayer(*composition, layerName);
     job.tracker = FindTracker(*job.layer, trackerName);
     RequirePoints(*job.tracker);
+    Edit edit(job.project, u"Track");
+    AnnounceRun(edit, composition, job.tracker);
     TakeOptions(arguments, job);
     MovePlayhead(composition, job);
     RequireWritable(out);
@@ -201,6 +212,7 @@ void TrackInProject(const Arguments &arguments, Output &output)
     const Interruption interruption;
     const auto reason = Track(job, json, output, interruption,
                               [&](const TrackedFrame &tracked) { WriteKeyFrames(job, tracked); });
+    edit.Commit();
     WriteProject(*job.project, out);
     TellOfFinish(reason, json, output);
 }
