@@ -3,8 +3,8 @@
 #include <marlet/animation/Interpolation.h>
 #include <marlet/history/Edit.h>
 #include <marlet/operations/OperationException.h>
+#include <marlet/operations/RefusalWords.h>
 #include <marlet/operations/ValueComponents.h>
-#include <marlet/operations/Words.h>
 
 #include <algorithm>
 #include <array>
@@ -165,7 +165,7 @@ std::optional<SplitHandles> Split(const KeyFrame &a, const KeyFrame &b, int time
 kytl::KyID InsertKeyFrame(const std::shared_ptr<Project> &project, const AnimatedProperty &property, int time)
 {
     if (!property.Properties()->CanAnimate(property.Name().c_str()))
-        throw OperationException(InQuotes(property.Name()) + " cannot be animated");
+        throw OperationException(Quoted(FromUtf8(property.Name())) + " cannot be animated");
     Edit edit(project, u"Insert key frame");
     if (property.Keys().Exists(time))
         return property.Keys().At(time).ID();

@@ -2,7 +2,7 @@
 
 #include <marlet/history/Edit.h>
 #include <marlet/operations/OperationException.h>
-#include <marlet/operations/Words.h>
+#include <marlet/operations/RefusalWords.h>
 
 #include <algorithm>
 #include <cmath>
@@ -52,8 +52,8 @@ std::vector<Retiming> Retimed(const AnimatedProperty &property, const IDs &keys,
         const auto stays = [&](const kytl::KyID &id) { return !chosen.contains(id); };
         const bool meetsOthers = retimed[i].to != retimed[i].from && std::ranges::any_of(there, stays);
         if (meetsChosen || meetsOthers)
-            throw OperationException("Two key frames of " + InQuotes(property.Name()) + " would stand at " +
-                                     std::to_string(retimed[i].to) + " ms");
+            throw OperationException("Two key frames of " + Quoted(FromUtf8(property.Name())) +
+                                     " would stand at " + std::to_string(retimed[i].to) + " ms");
     }
     return retimed;
 }

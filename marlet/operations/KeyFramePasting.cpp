@@ -3,7 +3,7 @@
 #include <marlet/foundation/Numbers.h>
 #include <marlet/history/Edit.h>
 #include <marlet/operations/OperationException.h>
-#include <marlet/operations/Words.h>
+#include <marlet/operations/RefusalWords.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -18,12 +18,12 @@ void RequireFit(const AnimatedProperty &property, const std::vector<KeyFrame> &c
 {
     const PropertyManager &properties = *property.Properties();
     if (!properties.CanAnimate(property.Name().c_str()))
-        throw OperationException(InQuotes(property.Name()) + " cannot be animated");
+        throw OperationException(Quoted(FromUtf8(property.Name())) + " cannot be animated");
     const int type = properties.DefaultValue(property.Name().c_str()).which();
     for (const KeyFrame &key : copied)
         if (key.Value().which() != type)
             throw OperationException("The key frames have values of another type than " +
-                                     InQuotes(property.Name()));
+                                     Quoted(FromUtf8(property.Name())));
 }
 
 /// With a new ID.

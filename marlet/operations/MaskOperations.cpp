@@ -10,7 +10,7 @@
 #include <marlet/masks/MotionPath.h>
 #include <marlet/masks/PathPoint.h>
 #include <marlet/operations/OperationException.h>
-#include <marlet/operations/Words.h>
+#include <marlet/operations/RefusalWords.h>
 
 #include <cmath>
 #include <numbers>
@@ -35,7 +35,7 @@ AssetLayer::MaskList &MasksOf(AbstractLayer &layer)
         return grade->Masks();
     if (auto *text = dynamic_cast<TextLayer *>(&layer))
         return text->Masks();
-    throw OperationException("Layer " + InQuotes(layer.Name()) + " is of a kind that has no masks");
+    throw OperationException("Layer " + Quoted(layer.Name()) + " is of a kind that has no masks");
 }
 
 void RequireSize(const PictureRectangle &rectangle)

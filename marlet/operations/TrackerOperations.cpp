@@ -5,7 +5,7 @@
 #include <marlet/layers/AssetLayer.h>
 #include <marlet/operations/KeyFrameOperations.h>
 #include <marlet/operations/OperationException.h>
-#include <marlet/operations/Words.h>
+#include <marlet/operations/RefusalWords.h>
 #include <marlet/project/AbstractAsset.h>
 #include <marlet/project/AssetList.h>
 #include <marlet/project/CompositionAsset.h>
@@ -42,11 +42,11 @@ struct Following {
         const std::shared_ptr<CompositionAsset> composition = layer->ParentComposition(assets);
         tracked = std::dynamic_pointer_cast<AssetLayer>(composition->FindLayerByID(tracker.ParentLayerID()));
         if (!tracked)
-            throw OperationException("Tracker " + InQuotes(tracker.Name()) +
-                                     " is on no layer of the composition of " + InQuotes(layer->Name()));
+            throw OperationException("Tracker " + Quoted(tracker.Name()) +
+                                     " is on no layer of the composition of " + Quoted(layer->Name()));
         asset = tracked->Asset(assets);
         if (!asset)
-            throw OperationException("The asset of layer " + InQuotes(tracked->Name()) + " is missing");
+            throw OperationException("The asset of layer " + Quoted(tracked->Name()) + " is missing");
         RequireIndependent(*composition);
     }
 
@@ -75,7 +75,7 @@ private:
         for (std::shared_ptr<AbstractLayer> moving = tracked; moving;
              moving = composition.FindLayerByID(moving->ParentLayerID()))
             if (moving == follower)
-                throw OperationException("Layer " + InQuotes(follower->Name()) +
+                throw OperationException("Layer " + Quoted(follower->Name()) +
                                          " moves the one that was tracked");
     }
 };
@@ -92,7 +92,7 @@ std::map<int, Point> PathOf(const Tracker &tracker, const Following &following)
                 following.StandOn(time, boost::get<Place>(properties.ValueAtTime(kFeaturePosition, time))));
     }
     if (path.empty())
-        throw OperationException("Tracker " + InQuotes(tracker.Name()) + " has no path yet");
+        throw OperationException("Tracker " + Quoted(tracker.Name()) + " has no path yet");
     return path;
 }
 
