@@ -66,17 +66,17 @@ set(MARLET_PUBLIC_HEADERS
     masks/Mask.h
     masks/MotionPath.h
     masks/PathPoint.h
+    operations/AnimatedProperty.h
     operations/AssetUses.h
+    operations/KeyFrameOperations.h
     operations/LayerClipboard.h
     operations/LayerOperations.h
     operations/LayerTiming.h
-    operations/MediaImport.h
-    operations/AnimatedProperty.h
-    operations/KeyFrameOperations.h
     operations/MaskOperations.h
+    operations/MediaImport.h
     operations/OperationException.h
-    operations/ProjectOperations.h
     operations/PictureRectangle.h
+    operations/ProjectOperations.h
     operations/SequenceClipboard.h
     operations/SequenceObjects.h
     operations/SequenceOptions.h
