@@ -12,7 +12,7 @@
 #include <marlet/editor/VideoTrack.h>
 #include <marlet/editor/VisualObject.h>
 #include <marlet/history/EditHistory.h>
-#include <marlet/operations/SequencePlacing.h>
+#include <marlet/operations/sequence/SequencePlacing.h>
 #include <marlet/project/AssetList.h>
 #include <marlet/project/Project.h>
 #include <marlet/project/SolidAsset.h>

@@ -66,27 +66,27 @@ set(MARLET_PUBLIC_HEADERS
     masks/Mask.h
     masks/MotionPath.h
     masks/PathPoint.h
-    operations/AnimatedProperty.h
-    operations/AssetUses.h
-    operations/KeyFrameOperations.h
-    operations/LayerClipboard.h
-    operations/LayerOperations.h
-    operations/LayerTiming.h
-    operations/MaskOperations.h
-    operations/MediaImport.h
     operations/OperationException.h
-    operations/PictureRectangle.h
-    operations/ProjectOperations.h
-    operations/SequenceClipboard.h
-    operations/SequenceObjects.h
-    operations/SequenceOptions.h
-    operations/SequencePlacing.h
-    operations/SequenceRemoval.h
-    operations/SequenceTransitions.h
-    operations/SequenceTrimming.h
-    operations/TextOperations.h
-    operations/Timeline.h
-    operations/TrackerOperations.h
+    operations/assets/AssetUses.h
+    operations/assets/MediaImport.h
+    operations/assets/ProjectOperations.h
+    operations/curves/AnimatedProperty.h
+    operations/curves/KeyFrameOperations.h
+    operations/layers/LayerClipboard.h
+    operations/layers/LayerOperations.h
+    operations/layers/LayerTiming.h
+    operations/layers/MaskOperations.h
+    operations/layers/PictureRectangle.h
+    operations/layers/TextOperations.h
+    operations/layers/TrackerOperations.h
+    operations/sequence/SequenceClipboard.h
+    operations/sequence/SequenceObjects.h
+    operations/sequence/SequenceOptions.h
+    operations/sequence/SequencePlacing.h
+    operations/sequence/SequenceRemoval.h
+    operations/sequence/SequenceTransitions.h
+    operations/sequence/SequenceTrimming.h
+    operations/sequence/Timeline.h
     platform/files/WholeFile.h
     platform/media/KyAbstractAudioStream.h
     platform/media/KyAbstractCodecInfo.h

@@ -1,8 +1,8 @@
-#include "Arguments.h"
-#include "Command.h"
-#include "Failure.h"
-#include "Output.h"
-#include "Usage.h"
+#include "options/Arguments.h"
+#include "options/Command.h"
+#include "options/Usage.h"
+#include "output/Failure.h"
+#include "output/Output.h"
 
 #include <marlet/foundation/Exceptions.h>
 

@@ -1,8 +1,8 @@
 #include "Editing.h"
 
 #include <marlet/animation/PropertyManager.h>
-#include <marlet/operations/LayerTiming.h>
 #include <marlet/operations/OperationException.h>
+#include <marlet/operations/layers/LayerTiming.h>
 
 namespace guide
 {

@@ -4,7 +4,7 @@
 #include <tests/support/OddCurves.h>
 #include <tests/support/PropertyValuePrinter.h>
 
-#include <marlet/operations/KeyFrameOperations.h>
+#include <marlet/operations/curves/KeyFrameOperations.h>
 
 #include <cmath>
 

@@ -1,7 +1,7 @@
 #include <tests/operations/UndoableProject.h>
 #include <tests/support/OddCurves.h>
 
-#include <marlet/operations/KeyFrameOperations.h>
+#include <marlet/operations/curves/KeyFrameOperations.h>
 
 #include <sstream>
 

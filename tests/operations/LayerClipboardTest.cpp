@@ -3,8 +3,8 @@
 #include <tests/support/Ball.h>
 
 #include <marlet/layers/Effect3DLayer.h>
-#include <marlet/operations/LayerClipboard.h>
-#include <marlet/operations/ProjectOperations.h>
+#include <marlet/operations/assets/ProjectOperations.h>
+#include <marlet/operations/layers/LayerClipboard.h>
 
 #include <gtest/gtest.h>
 

@@ -4,8 +4,8 @@
 
 #include <marlet/layers/Effect3DLayer.h>
 #include <marlet/layers/LightLayer.h>
-#include <marlet/operations/LayerOperations.h>
-#include <marlet/operations/LayerTiming.h>
+#include <marlet/operations/layers/LayerOperations.h>
+#include <marlet/operations/layers/LayerTiming.h>
 
 #include <gtest/gtest.h>
 

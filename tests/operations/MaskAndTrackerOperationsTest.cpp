@@ -3,9 +3,9 @@
 #include <tests/support/PropertyValuePrinter.h>
 
 #include <marlet/animation/PropertyManager.h>
-#include <marlet/operations/KeyFrameOperations.h>
-#include <marlet/operations/MaskOperations.h>
-#include <marlet/operations/TrackerOperations.h>
+#include <marlet/operations/curves/KeyFrameOperations.h>
+#include <marlet/operations/layers/MaskOperations.h>
+#include <marlet/operations/layers/TrackerOperations.h>
 
 #include <cmath>
 #include <sstream>

@@ -1,9 +1,9 @@
 #include "LayerDrawing.h"
 
 #include <marlet/layers/CameraLayer.h>
-#include <marlet/operations/AssetUses.h>
-#include <marlet/operations/MediaImport.h>
-#include <marlet/operations/ProjectOperations.h>
+#include <marlet/operations/assets/AssetUses.h>
+#include <marlet/operations/assets/MediaImport.h>
+#include <marlet/operations/assets/ProjectOperations.h>
 #include <marlet/project/MediaAsset.h>
 #include <marlet/project/MediaVideoStream.h>
 

@@ -7,9 +7,9 @@
 #include <marlet/editor/Transition.h>
 #include <marlet/history/EditHistory.h>
 #include <marlet/operations/OperationException.h>
-#include <marlet/operations/SequenceClipboard.h>
-#include <marlet/operations/SequenceObjects.h>
-#include <marlet/operations/SequenceTrimming.h>
+#include <marlet/operations/sequence/SequenceClipboard.h>
+#include <marlet/operations/sequence/SequenceObjects.h>
+#include <marlet/operations/sequence/SequenceTrimming.h>
 
 #include <gmock/gmock.h>
 

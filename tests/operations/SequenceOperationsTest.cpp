@@ -4,12 +4,12 @@
 #include <marlet/editor/AbstractSequenceTrack.h>
 #include <marlet/history/EditHistory.h>
 #include <marlet/operations/OperationException.h>
-#include <marlet/operations/SequenceClipboard.h>
-#include <marlet/operations/SequenceObjects.h>
-#include <marlet/operations/SequencePlacing.h>
-#include <marlet/operations/SequenceRemoval.h>
-#include <marlet/operations/SequenceTransitions.h>
-#include <marlet/operations/SequenceTrimming.h>
+#include <marlet/operations/sequence/SequenceClipboard.h>
+#include <marlet/operations/sequence/SequenceObjects.h>
+#include <marlet/operations/sequence/SequencePlacing.h>
+#include <marlet/operations/sequence/SequenceRemoval.h>
+#include <marlet/operations/sequence/SequenceTransitions.h>
+#include <marlet/operations/sequence/SequenceTrimming.h>
 
 #include <gmock/gmock.h>
 

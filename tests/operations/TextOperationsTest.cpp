@@ -1,7 +1,7 @@
 #include <tests/operations/UndoableProject.h>
 #include <tests/support/Texts.h>
 
-#include <marlet/operations/TextOperations.h>
+#include <marlet/operations/layers/TextOperations.h>
 
 #include <gmock/gmock.h>
 

@@ -2,8 +2,8 @@
 
 #include <marlet/editor/AbstractSequenceObject.h>
 #include <marlet/editor/EditorSequence.h>
-#include <marlet/operations/SequenceOptions.h>
-#include <marlet/operations/Timeline.h>
+#include <marlet/operations/sequence/SequenceOptions.h>
+#include <marlet/operations/sequence/Timeline.h>
 #include <marlet/plugins/AbstractPlugin.h>
 #include <marlet/project/Project.h>
 

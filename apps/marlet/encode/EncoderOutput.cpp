@@ -1,6 +1,6 @@
 #include "EncoderOutput.h"
 
-#include "Failure.h"
+#include "output/Failure.h"
 
 #include <marlet/foundation/KyID.h>
 

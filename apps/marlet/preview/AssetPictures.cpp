@@ -1,7 +1,7 @@
 #include "AssetPictures.h"
 
-#include "QuietStandardError.h"
 #include "Values.h"
+#include "output/QuietStandardError.h"
 
 #include <marlet/platform/media/KyMedia.h>
 #include <marlet/project/ImageAsset.h>

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "AssetPictures.h"
-#include "Document.h"
 #include "Filters.h"
+#include "document/Document.h"
 
 #include <QImage>
 

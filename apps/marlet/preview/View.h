@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Document.h"
 #include "Surface.h"
+#include "document/Document.h"
 
 #include <marlet/foundation/KyMatrix.h>
 
