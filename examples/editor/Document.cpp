@@ -4,6 +4,7 @@
 #include "SmallProject.h"
 
 #include <marlet/animation/PropertyManager.h>
+#include <marlet/foundation/Exceptions.h>
 #include <marlet/project/AssetList.h>
 
 #include <filesystem>
@@ -17,7 +18,7 @@ namespace
 {
 
 std::shared_ptr<Project> OpenOrMake(const std::string &path)
-{
+try {
     if (!std::filesystem::exists(path))
         return MakeSmallProject();
     std::vector<std::string> told;
@@ -25,6 +26,10 @@ std::shared_ptr<Project> OpenOrMake(const std::string &path)
     for (const std::string &line : told)
         std::cerr << path << ": " << line << "\n";
     return project;
+} catch (const ProjectException &error) {
+    throw std::runtime_error(error.Code() == ProjectException::kMissingEffect
+                                 ? "The project uses a 3D effect that is not installed"
+                                 : "The project is damaged: " + error.Detail() + " is missing");
 }
 
 std::shared_ptr<CompositionAsset> FirstComposition(const Project &project)

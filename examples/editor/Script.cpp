@@ -8,6 +8,8 @@
 #include <algorithm>
 #include <functional>
 #include <stdexcept>
+#include <string>
+#include <vector>
 
 namespace editor
 {
@@ -33,18 +35,24 @@ QString ColorOf(EditorWindow &window)
     return "#" + level(color.red()) + level(color.green()) + level(color.blue());
 }
 
-// The selected layer as each panel shows it, then the buttons and the mark of the title.
+} // namespace
+
 QString Shown(EditorWindow &window)
 {
-    const QListWidgetItem &row = *window.Layers().currentItem();
+    const QListWidgetItem *const row = window.Layers().currentItem();
+    if (!row)
+        return "no layer";
     const Timeline::Bar *const bar = window.Bars().BarOf(window.Layers().Selected());
-    const QString box = row.checkState() == Qt::Checked ? "[x] " : "[ ] ";
+    const QString box = row->checkState() == Qt::Checked ? "[x] " : "[ ] ";
     const QString frames = bar ? QString("%1 to %2").arg(bar->first).arg(bar->end) : "no bar";
     const auto button = [](const QPushButton &each) { return each.isEnabled() ? each.text() : "-"; };
-    return box + row.text() + ", " + QString::number(window.Opacity().value()) + " %, " + frames + ", " +
+    return box + row->text() + ", " + QString::number(window.Opacity().value()) + " %, " + frames + ", " +
            ColorOf(window) + "; " + button(window.UndoButton()) + ", " + button(window.RedoButton()) +
            (window.isWindowModified() ? ", changed" : ", saved");
 }
+
+namespace
+{
 
 void Click(QAbstractButton &button)
 {

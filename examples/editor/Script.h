@@ -7,6 +7,10 @@
 namespace editor
 {
 
+/// The selected layer as each panel shows it with the colour in the middle of the picture, then the buttons
+/// and the mark of the title.
+QString Shown(EditorWindow &window);
+
 /// Works with an editor of the small project as a user does, by mouse and keys, and compares what the panels
 /// show after each step. @throws std::runtime_error with the first step after which they show another thing
 void RunScript(EditorWindow &window);

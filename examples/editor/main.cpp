@@ -28,6 +28,7 @@ int Run(QApplication &application)
         return QApplication::exec();
     if (parser.isSet("script"))
         editor::RunScript(window);
+    std::cout << editor::Shown(window).toStdString() << "\n";
     if (parser.isSet("photo"))
         editor::TakePhoto(window, parser.value("photo").toStdString());
     return 0;
