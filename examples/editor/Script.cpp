@@ -6,7 +6,9 @@
 #include <QTest>
 
 #include <algorithm>
+#include <exception>
 #include <functional>
+#include <memory>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -135,10 +137,14 @@ const std::vector<Step> steps = {
 
 } // namespace
 
-void RunScript(EditorWindow &window)
+void RunScript(Document &document, EditorWindow &window)
 {
+    const auto failure = std::make_shared<std::exception_ptr>();
+    document.History().SetFailureFunction([failure](std::exception_ptr thrown) { *failure = thrown; });
     for (const Step &step : steps) {
         step.take(window);
+        if (*failure)
+            std::rethrow_exception(*failure);
         if (const QString shown = Shown(window); shown != step.shown)
             throw std::runtime_error(std::string(step.name) + ": the panels show\n  " + shown.toStdString() +
                                      "\ninstead of\n  " + step.shown);

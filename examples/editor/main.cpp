@@ -27,7 +27,7 @@ int Run(QApplication &application)
     if (!parser.isSet("script") && !parser.isSet("photo"))
         return QApplication::exec();
     if (parser.isSet("script"))
-        editor::RunScript(window);
+        editor::RunScript(document, window);
     std::cout << editor::Shown(window).toStdString() << "\n";
     if (parser.isSet("photo"))
         editor::TakePhoto(window, parser.value("photo").toStdString());
