@@ -41,7 +41,7 @@ void EditHistory::Data::Take(const WideString &label, const WideString &gesture,
     const bool joins = Joins(label, gesture);
     ForgetUndone();
     if (joins) {
-        Join(done.back(), std::move(step));
+        Join(std::move(step));
     } else {
         done.push_back({label, gesture, std::move(step)});
         Measure(done.back());
@@ -58,9 +58,11 @@ bool EditHistory::Data::Joins(const WideString &label, const WideString &gesture
            done.back().gesture == gesture && done.back().label == label;
 }
 
-/// The parts of places that the entry has already keep what stood there still earlier.
-void EditHistory::Data::Join(Entry &entry, Step step)
+/// The parts of places that the last entry has already keep what stood there still earlier. A gesture that
+/// comes back to where it began leaves no step.
+void EditHistory::Data::Join(Step step)
 {
+    Entry &entry = done.back();
     const auto lastTimeline = [](const Step &of) {
         const TimelinePart *last = nullptr;
         for (const std::unique_ptr<EditedPart> &part : of.Parts())
@@ -75,6 +77,10 @@ void EditHistory::Data::Join(Entry &entry, Step step)
             entry.step.Add(std::move(part));
     }
     Measure(entry);
+    if (!entry.step.IsChange()) {
+        size -= entry.size;
+        done.pop_back();
+    }
 }
 
 void EditHistory::Data::Measure(Entry &entry)

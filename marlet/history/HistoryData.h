@@ -49,7 +49,7 @@ struct EditHistory::Data {
 
 private:
     bool Joins(const WideString &label, const WideString &gesture) const;
-    void Join(Entry &entry, Step step);
+    void Join(Step step);
     void ForgetUndone();
     void Measure(Entry &entry);
 };

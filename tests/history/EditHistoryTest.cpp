@@ -103,6 +103,8 @@ TEST_F(EditHistoryTest, JoinsTheEditsOfOneGestureUntilItEnds)
     EXPECT_EQ(Turned(), 3);
     Turn(8, u"slider"); // a redo ends the gesture
     EXPECT_EQ(history.UndoCount(), 2U);
+    Turn(3, u"slider"); // and back to where it began
+    EXPECT_EQ(history.UndoCount(), 1U);
 }
 
 TEST_F(EditHistoryTest, KnowsWhetherTheDocumentIsAsSaved)
