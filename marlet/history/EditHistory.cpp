@@ -40,13 +40,13 @@ void EditHistory::Data::Take(const WideString &label, const WideString &gesture,
         step.Describe(changes);
     const bool joins = Joins(label, gesture);
     ForgetUndone();
+    hasGestureEnded = gesture.empty();
     if (joins) {
         Join(std::move(step));
     } else {
         done.push_back({label, gesture, std::move(step)});
         Measure(done.back());
     }
-    hasGestureEnded = gesture.empty();
     KeepToLimits();
     Tell(ChangeCause::Commit, label, changes);
 }
@@ -80,6 +80,7 @@ void EditHistory::Data::Join(Step step)
     if (!entry.step.IsChange()) {
         size -= entry.size;
         done.pop_back();
+        hasGestureEnded = true; // the one before it may be an earlier gesture of that name
     }
 }
 

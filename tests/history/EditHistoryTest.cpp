@@ -105,6 +105,8 @@ TEST_F(EditHistoryTest, JoinsTheEditsOfOneGestureUntilItEnds)
     EXPECT_EQ(history.UndoCount(), 2U);
     Turn(3, u"slider"); // and back to where it began
     EXPECT_EQ(history.UndoCount(), 1U);
+    Turn(9, u"slider");
+    EXPECT_EQ(history.UndoCount(), 2U);
 }
 
 TEST_F(EditHistoryTest, KnowsWhetherTheDocumentIsAsSaved)
