@@ -31,7 +31,9 @@ enum class ObjectKind : int {
 /// What of an object may be another one. Values are bits.
 enum class Aspect : unsigned int {
     Name = 1U << 0,
-    Frames = 1U << 1,     ///< where it stands in time, and which frames of its asset it shows
+    /// Where it stands in time, and which frames of its asset it shows. Of a track: where its objects stand,
+    /// of which any may have moved without being named.
+    Frames = 1U << 1,
     Settings = 1U << 2,   ///< switches, sizes, colours, formats: plain values
     Links = 1U << 3,      ///< objects that it names by ID: parent, folder, asset, partner, transition
     Members = 1U << 4,    ///< what is in its lists, and in which order

@@ -32,13 +32,12 @@ struct Edit::Data {
     WideString label;
     WideString gesture;
     Edit *outer = nullptr;
-    EditHistory *history = nullptr;
     bool isOpen = true;
     Step step;
     /// One of the parts, once there is one. An inner edit has the outer ones hear of its places at once,
     /// since positions mean something at that moment only.
     TimelinePart *timeline = nullptr;
-    std::size_t outerMoment = 0;
+    std::vector<std::size_t> outerMoments; ///< of the edits around this one, from the inside out
     std::optional<AnnouncementCheck> check;
 };
 
@@ -50,15 +49,15 @@ Edit::Edit(const std::shared_ptr<Project> &project, const WideString &label, con
     data_->label = label;
     data_->gesture = gesture;
     data_->outer = project->editing_.innermost;
-    data_->history = project->editing_.history;
-    if (data_->history && data_->history->data_->isTelling)
+    const EditHistory *const history = project->editing_.history;
+    if (history && history->data_->isTelling)
         throw std::logic_error("An observer of changes must not edit");
-    if (data_->outer) {
-        const TimelinePart *timeline = data_->outer->data_->timeline;
-        data_->outerMoment = timeline ? timeline->Moment() : 0;
-    } else if (data_->history && data_->history->ChecksAnnouncements()) {
-        data_->check.emplace(*project);
+    for (const Edit *outer = data_->outer; outer; outer = outer->data_->outer) {
+        const TimelinePart *timeline = outer->data_->timeline;
+        data_->outerMoments.push_back(timeline ? timeline->Moment() : 0);
     }
+    if (!data_->outer && history && history->ChecksAnnouncements())
+        data_->check.emplace(*project);
     project->editing_.innermost = this;
 }
 
@@ -66,8 +65,15 @@ Edit::~Edit()
 {
     if (!data_->isOpen)
         return;
+    // Edits inside of this one that outlive it go on in the one around it.
+    for (Edit *inner = data_->project->editing_.innermost; inner && inner != this;) {
+        Edit *const next = inner->data_->outer;
+        if (next == this)
+            inner->data_->outer = data_->outer;
+        inner = next;
+    }
     try {
-        Drop();
+        PutBack();
     } catch (...) {
         // What cannot be put back stays as it is.
     }
@@ -116,17 +122,36 @@ void Edit::Commit()
         }
     }
     End();
-    if (data_->history && data_->step.IsChange())
-        data_->history->data_->Take(data_->label, data_->gesture, std::move(data_->step));
+    if (EditHistory *const history = data_->project->editing_.history; history && data_->step.IsChange())
+        history->data_->Take(data_->label, data_->gesture, std::move(data_->step));
 }
 
 void Edit::Drop()
 {
     RequireOpen();
-    End();
-    data_->step.Undo();
-    if (data_->outer && data_->outer->data_->timeline)
-        data_->outer->data_->timeline->ForgetSince(data_->outerMoment);
+    PutBack();
+}
+
+/// The edits around this one forget the shifts in it. If something cannot be put back, the steps of the
+/// history do not fit the document any more.
+void Edit::PutBack()
+{
+    if (data_->project->editing_.innermost == this)
+        End();
+    data_->isOpen = false;
+    auto moment = data_->outerMoments.begin();
+    for (Edit *outer = data_->outer; outer && moment != data_->outerMoments.end(); ++moment) {
+        if (outer->data_->timeline)
+            outer->data_->timeline->ForgetSince(*moment);
+        outer = outer->data_->outer;
+    }
+    try {
+        data_->step.Undo();
+    } catch (...) {
+        if (EditHistory *const history = data_->project->editing_.history)
+            history->data_->Break();
+        throw;
+    }
 }
 
 void Edit::Add(std::unique_ptr<EditedPart> part)

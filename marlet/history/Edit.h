@@ -55,7 +55,8 @@ public:
     ~Edit();
 
     /// @throws std::logic_error if the edit has ended, if one that began later goes on, and where a history
-    /// that checks finds a change that nobody announced, which is then dropped
+    /// that checks finds that the edit changed what it had not announced, which stays while the edit is
+    /// dropped
     void Commit();
     /// Puts everything back that was announced.
     void Drop();
@@ -138,6 +139,7 @@ private:
 
     void RequireOpen() const;
     void End();
+    void PutBack();
     void Add(std::unique_ptr<EditedPart> part);
     void TouchPlace(const std::shared_ptr<AbstractSequenceTrack> &track,
                     const std::shared_ptr<AbstractSequenceObject> &object);

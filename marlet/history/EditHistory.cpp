@@ -38,7 +38,7 @@ void EditHistory::Data::Take(const WideString &label, const WideString &gesture,
     ChangeList changes;
     if (!observers.empty())
         step.Describe(changes);
-    const bool joins = Joins(label, gesture);
+    const bool joins = Joins(label, gesture, step);
     ForgetUndone();
     hasGestureEnded = gesture.empty();
     if (joins) {
@@ -51,11 +51,12 @@ void EditHistory::Data::Take(const WideString &label, const WideString &gesture,
     Tell(ChangeCause::Commit, label, changes);
 }
 
-/// What was saved in between has to stay a state of its own.
-bool EditHistory::Data::Joins(const WideString &label, const WideString &gesture) const
+/// A gesture is about one place at least that it had in the last edit. What was saved in between has to stay
+/// a state of its own.
+bool EditHistory::Data::Joins(const WideString &label, const WideString &gesture, const Step &step) const
 {
     return !hasGestureEnded && !done.empty() && undone.empty() && saved != Position() &&
-           done.back().gesture == gesture && done.back().label == label;
+           done.back().gesture == gesture && done.back().label == label && done.back().step.Meets(step);
 }
 
 /// The parts of places that the last entry has already keep what stood there still earlier. A gesture that
@@ -102,11 +103,24 @@ void EditHistory::Data::ForgetUndone()
 
 void EditHistory::Data::KeepToLimits()
 {
-    while (done.size() > 1 && (done.size() > limits.steps || size > limits.bytes)) {
+    const auto isTooMuch = [this] {
+        return done.size() + undone.size() > limits.steps || size > limits.bytes;
+    };
+    while (done.size() > 1 && isTooMuch()) {
         size -= done.front().size;
         done.pop_front();
         ++letGoOf;
     }
+    while (undone.size() > 1 && isTooMuch()) {
+        size -= undone.front().size;
+        undone.pop_front();
+    }
+}
+
+void EditHistory::Data::Break()
+{
+    Clear();
+    saved.reset();
 }
 
 void EditHistory::Data::Clear()
@@ -135,8 +149,7 @@ bool EditHistory::Data::Go(ChangeCause cause)
     try {
         isUndo ? step.Undo() : step.Redo();
     } catch (...) {
-        // The document is not what the steps say.
-        Clear();
+        Break();
         throw;
     }
     to.push_back(std::move(from.back()));
@@ -146,6 +159,7 @@ bool EditHistory::Data::Go(ChangeCause cause)
     if (!observers.empty())
         to.back().step.Describe(changes);
     const WideString label = to.back().label;
+    KeepToLimits();
     Tell(cause, label, changes);
     return true;
 }

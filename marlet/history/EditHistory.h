@@ -26,7 +26,9 @@ class MARLET_EXPORT EditHistory
 public:
     struct Limits {
         std::size_t steps = 1000;
-        std::size_t bytes = std::size_t{256} << 20; ///< of what the steps keep, about
+        /// Of what the steps keep, about. An object that a step took out of the project counts with its place
+        /// alone, whatever it holds.
+        std::size_t bytes = std::size_t{256} << 20;
     };
 
     /// Tells the host of an exception that an observer threw.
@@ -53,7 +55,7 @@ public:
     std::size_t RedoCount() const;
     /// About how many bytes the steps keep, those that can be redone too.
     std::size_t Size() const;
-    /// The oldest steps go first, and never the last one.
+    /// The oldest steps go first, then those furthest away to redo, and never the last one.
     Limits GetLimits() const;
     void SetLimits(const Limits &limits);
     /// Forgets all steps. The saved mark stays only if the document is as saved.

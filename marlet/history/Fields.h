@@ -6,10 +6,12 @@
 #include <algorithm>
 #include <cstring>
 #include <memory>
+#include <optional>
 #include <tuple>
 #include <type_traits>
 #include <unordered_map>
 #include <utility>
+#include <vector>
 
 namespace marlet::project
 {
@@ -68,6 +70,11 @@ bool AreSame(const kytl::KyList<T, C> &a, const kytl::KyList<T, C> &b)
 {
     return std::equal(a.begin(), a.end(), b.begin(), b.end(),
                       [](const T &x, const T &y) { return AreSame(x, y); });
+}
+
+template <class T> std::size_t SizeBeyond(const std::optional<std::vector<T>> &value)
+{
+    return value ? value->capacity() * sizeof(T) : 0;
 }
 
 template <class T> std::size_t SizeBeyond(const T &value)

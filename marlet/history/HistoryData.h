@@ -24,6 +24,8 @@ struct EditHistory::Data {
     bool Go(ChangeCause cause);
     void Tell(ChangeCause cause, const WideString &label, const ChangeList &changes);
     void Clear();
+    /// The document is not what the steps say, and not what was saved.
+    void Break();
     void KeepToLimits();
 
     /// Which edits a document holds is told by how many steps lead to it, those that were let go of
@@ -48,7 +50,7 @@ struct EditHistory::Data {
 #endif
 
 private:
-    bool Joins(const WideString &label, const WideString &gesture) const;
+    bool Joins(const WideString &label, const WideString &gesture, const Step &step) const;
     void Join(Step step);
     void ForgetUndone();
     void Measure(Entry &entry);

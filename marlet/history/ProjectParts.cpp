@@ -84,8 +84,7 @@ constexpr std::tuple kImageFields(Setting(Aspect::File, &ImageAsset::Filename, &
                                           &ImageAsset::SetPixelAspectRatio));
 
 constexpr std::tuple
-    kMediaFields(Held(Aspect::Settings, &MediaAsset::Override, &MediaAsset::Override),
-                 Setting(Aspect::View, &MediaAsset::TrimmerInPoint, &MediaAsset::SetTrimmerInPoint),
+    kMediaFields(Setting(Aspect::View, &MediaAsset::TrimmerInPoint, &MediaAsset::SetTrimmerInPoint),
                  Setting(Aspect::View, &MediaAsset::TrimmerOutPoint, &MediaAsset::SetTrimmerOutPoint));
 
 using Composition = CompositionAsset;
@@ -156,52 +155,59 @@ private:
     std::unique_ptr<ProjectMetadata> kept_;
 };
 
-/// Which file a media asset has. Going back opens the former one again, or asks for it where it is open.
+/// Which file a media asset has, and what the user says of it, which counts when an image sequence is opened.
+/// Going back opens the former one again, or asks for it where it is open.
 class MediaFilePart final : public EditedPart
 {
+    struct State {
+        explicit State(const MediaAsset &asset)
+            : filename(asset.Filename()), isSequence(asset.IsImageSequence()), options(asset.Override())
+        {
+        }
+
+        bool HasFileOf(const State &other) const
+        {
+            return filename == other.filename && isSequence == other.isSequence;
+        }
+
+        WideString filename;
+        bool isSequence;
+        MediaAsset::OverrideOptions options;
+    };
+
 public:
     MediaFilePart(const std::shared_ptr<Project> &project, const std::shared_ptr<MediaAsset> &asset)
-        : EditedPart({asset.get(), &kMediaFields, "file"}),
-          project_(project),
-          asset_(asset),
-          kept_(asset->Filename()),
-          keptIsSequence_(asset->IsImageSequence())
+        : EditedPart({asset.get(), &kMediaFields, "file"}), project_(project), asset_(asset), kept_(*asset)
     {
     }
 
     void Exchange() override
     {
-        if (!IsChanged())
-            return;
-        const WideString live = asset_->Filename();
-        const bool liveIsSequence = asset_->IsImageSequence();
+        State live(*asset_);
+        asset_->Override() = kept_.options;
         std::shared_ptr<MediaAsset> asset = asset_;
-        if (keptIsSequence_)
-            project_->Media().RelinkImageSequence(asset, kept_);
-        else
-            project_->Media().RelinkMediaFile(asset, kept_);
-        kept_ = live;
-        keptIsSequence_ = liveIsSequence;
+        if (!kept_.HasFileOf(live) && kept_.isSequence)
+            project_->Media().RelinkImageSequence(asset, kept_.filename);
+        else if (!kept_.HasFileOf(live))
+            project_->Media().RelinkMediaFile(asset, kept_.filename);
+        kept_ = std::move(live);
     }
 
     void Describe(ChangeList &changes) const override
     {
-        if (IsChanged())
+        const State live(*asset_);
+        if (!kept_.HasFileOf(live))
             changes.Of(ObjectKind::Asset, asset_->ID()).aspects |= Aspect::File;
+        if (!(kept_.options == live.options))
+            changes.Of(ObjectKind::Asset, asset_->ID()).aspects |= Aspect::Settings;
     }
 
-    std::size_t Size() const override { return sizeof *this + SizeBeyond(kept_); }
+    std::size_t Size() const override { return sizeof *this + SizeBeyond(kept_.filename); }
 
 private:
-    bool IsChanged() const
-    {
-        return asset_->Filename() != kept_ || asset_->IsImageSequence() != keptIsSequence_;
-    }
-
     std::shared_ptr<Project> project_;
     std::shared_ptr<MediaAsset> asset_;
-    WideString kept_;
-    bool keptIsSequence_;
+    State kept_;
 };
 
 } // namespace
@@ -271,9 +277,10 @@ void TakeOver(AbstractAsset &asset, const AbstractAsset &other)
         TakeOverFields<kSolidFields>(*solid, dynamic_cast<const SolidAsset &>(other));
     else if (auto *image = dynamic_cast<ImageAsset *>(&asset))
         TakeOverFields<kImageFields>(*image, dynamic_cast<const ImageAsset &>(other));
-    else if (auto *media = dynamic_cast<MediaAsset *>(&asset))
+    else if (auto *media = dynamic_cast<MediaAsset *>(&asset)) {
         TakeOverFields<kMediaFields>(*media, dynamic_cast<const MediaAsset &>(other));
-    else if (auto *composition = dynamic_cast<CompositionAsset *>(&asset))
+        media->Override() = dynamic_cast<const MediaAsset &>(other).Override();
+    } else if (auto *composition = dynamic_cast<CompositionAsset *>(&asset))
         TakeOverFields<kCompositionFields>(*composition, dynamic_cast<const CompositionAsset &>(other));
 }
 

@@ -64,7 +64,9 @@ std::optional<PropertyChange> Difference(const KeyFrameList &first, const KeyFra
 /// What a property holds, without its key frames where there are none.
 struct PropertyState {
     PropertyState(const PropertyManager &properties, const char *name)
-        : staticValue(properties.StaticValue(name)), expression(properties.Expression(name))
+        : staticValue(properties.StaticValue(name)),
+          expression(properties.Expression(name)),
+          spatialType(properties.KeyFrames(name).SpatialType())
     {
         const KeyFrameList &live = properties.KeyFrames(name);
         if (!live.IsEmpty())
@@ -76,19 +78,20 @@ struct PropertyState {
         std::swap(staticValue, properties.StaticValue(name));
         std::swap(expression, properties.Expression(name));
         KeyFrameList &live = properties.KeyFrames(name);
-        if (!keys && live.IsEmpty())
-            return;
-        if (!keys) {
+        const KeyFrameList::SpatialDataType liveType = live.SpatialType();
+        if (!keys && !live.IsEmpty())
             keys = std::make_unique<KeyFrameList>();
-            keys->SetSpatialType(live.SpatialType());
-        }
-        live.Swap(*keys);
+        if (keys)
+            live.Swap(*keys);
+        if (live.SpatialType() != spatialType)
+            live.SetSpatialType(spatialType);
+        spatialType = liveType;
     }
 
     std::optional<PropertyChange> DifferenceTo(const PropertyManager &properties, const char *name) const
     {
         const KeyFrameList &live = properties.KeyFrames(name);
-        if (expression != properties.Expression(name) ||
+        if (expression != properties.Expression(name) || spatialType != live.SpatialType() ||
             (live.IsEmpty() && !AreSameToTheBit(staticValue, properties.StaticValue(name))))
             return PropertyChange();
         if (!keys)
@@ -102,6 +105,7 @@ struct PropertyState {
 
     PropertyValue staticValue;
     NarrowString expression;
+    KeyFrameList::SpatialDataType spatialType;
     std::unique_ptr<KeyFrameList> keys;
 };
 

@@ -138,9 +138,10 @@ private:
     {
         const bool isSeen = change.aspects.Has(Aspect::Settings) || change.aspects.Has(Aspect::File);
         const bool isComposition = uses_.Compositions().contains(change.id);
+        // A composition may have been longer, so that all of what shows it counts.
         if (isSeen && isComposition)
             AddTimeline(change.id, {});
-        else if (isSeen)
+        if (isSeen)
             FollowAsset(change.id, {});
         if (!isComposition || !change.aspects.Has(Aspect::Members))
             return;

@@ -32,6 +32,12 @@ bool Step::Add(std::unique_ptr<EditedPart> part)
     return true;
 }
 
+bool Step::Meets(const Step &other) const
+{
+    const auto isKnown = [this](const EditedPart::Place &place) { return places_.contains(place); };
+    return places_.empty() || other.places_.empty() || std::ranges::any_of(other.places_, isKnown);
+}
+
 std::vector<std::unique_ptr<EditedPart>> Step::TakeParts()
 {
     places_.clear();

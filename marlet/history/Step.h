@@ -15,7 +15,8 @@ class Step
 public:
     /// Whether it was of a place that has no part yet.
     bool Add(std::unique_ptr<EditedPart> part);
-    bool Has(const EditedPart::Place &place) const { return places_.contains(place); }
+    /// Whether both have a part of one place, or one of them has none but places on tracks.
+    bool Meets(const Step &other) const;
     const std::vector<std::unique_ptr<EditedPart>> &Parts() const { return parts_; }
     std::vector<std::unique_ptr<EditedPart>> TakeParts();
 

@@ -178,6 +178,44 @@ TEST_F(EditHistoryTest, DropsWhatEndsByAnExceptionAndOnlyTheInnerEditOfTwo)
     EXPECT_EQ(document.project->Serialize(), before);
 }
 
+TEST_F(EditHistoryTest, ForgetsShiftsThatAreDroppedDeepInside)
+{
+    const WideString before = document.project->Serialize();
+    const std::shared_ptr<AbstractSequenceTrack> track = document.sequence->VideoTracks()[0];
+    {
+        Edit outer(document.project, u"Outer");
+        Edit middle(document.project, u"Middle");
+        {
+            Edit inner(document.project, u"Inner");
+            inner.ShiftFrom(track, 0, 7);
+        }
+        EXPECT_EQ(document.project->Serialize(), before);
+        middle.ShiftFrom(track, 1, 3);
+        middle.Commit();
+        outer.Commit();
+    }
+    EXPECT_EQ(document.second->StartFrame(), 43);
+    history.Undo();
+    EXPECT_EQ(document.project->Serialize(), before);
+}
+
+TEST_F(EditHistoryTest, OutlivesEditsThatEndInTheWrongOrder)
+{
+    const WideString before = document.project->Serialize();
+    auto outer = std::make_unique<Edit>(document.project, u"Outer");
+    outer->Touch(document.point);
+    document.point->SetName(u"outer");
+    Edit inner(document.project, u"Inner");
+    inner.Touch(document.text);
+    document.text->SetName(u"inner");
+    outer.reset();
+    EXPECT_EQ(document.point->Name(), u"Point");
+    inner.Commit();
+    EXPECT_EQ(history.UndoLabel(), u"Inner");
+    history.Undo();
+    EXPECT_EQ(document.project->Serialize(), before);
+}
+
 TEST_F(EditHistoryTest, IsAllOrNothingWithoutAHistory)
 {
     CheckedProject other;

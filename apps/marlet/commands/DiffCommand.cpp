@@ -8,6 +8,9 @@
 #include <marlet/compare/Compare.h>
 #include <marlet/foundation/Exceptions.h>
 #include <marlet/project/Project.h>
+#include <marlet/project/ProjectFile.h>
+
+#include <filesystem>
 
 namespace marlet::tool
 {
@@ -25,8 +28,42 @@ std::string DifferenceJson(const Difference &difference)
     return json.EndObject().Text();
 }
 
-void Run(const Arguments &arguments, Output &output)
+/// What version control hands over where there is no file.
+bool IsNothing(const std::string &path)
 {
+    std::error_code error;
+    return path == "/dev/null" || (std::filesystem::file_size(path, error) == 0 && !error);
+}
+
+/// A project that came or went as a whole.
+Difference WholeProject(const std::string &path, Difference::Kind kind)
+{
+    Difference difference;
+    difference.kind = kind;
+    difference.place = {"project " + Quoted(ReadProject(path)->Name())};
+    return difference;
+}
+
+/// Paths of media are relative to the project where the two stand in different folders.
+std::vector<Difference> DifferencesOf(const Project &before, const Project &after, const Arguments &arguments)
+{
+    const std::filesystem::path first = arguments.Operand(0);
+    const std::filesystem::path second = arguments.Operand(1);
+    if (first.parent_path() == second.parent_path())
+        return Compare(before, after);
+    return CompareTexts(ProjectFile::TextFor(before, first), ProjectFile::TextFor(after, second));
+}
+
+std::vector<Difference> CompareFiles(const Arguments &arguments)
+{
+    const bool hadNone = IsNothing(arguments.Operand(0));
+    const bool hasNone = IsNothing(arguments.Operand(1));
+    if (hadNone && hasNone)
+        return {};
+    if (hadNone)
+        return {WholeProject(arguments.Operand(1), Difference::Kind::Added)};
+    if (hasNone)
+        return {WholeProject(arguments.Operand(0), Difference::Kind::Removed)};
     const ProjectPointer before = ReadProject(arguments.Operand(0));
     ProjectPointer after;
     try {
@@ -38,7 +75,12 @@ void Run(const Arguments &arguments, Output &output)
     } catch (const std::exception &failure) {
         throw Failure(arguments.Operand(1), failure.what());
     }
-    const std::vector<Difference> differences = Compare(*before, *after);
+    return DifferencesOf(*before, *after, arguments);
+}
+
+void Run(const Arguments &arguments, Output &output)
+{
+    const std::vector<Difference> differences = CompareFiles(arguments);
     for (const Difference &difference : differences)
         output.Line(arguments.Has("--json") ? DifferenceJson(difference) : DifferenceText(difference));
     if (!arguments.Has("--json"))

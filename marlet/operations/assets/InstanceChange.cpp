@@ -47,9 +47,10 @@ public:
         if (isListed_) {
             if (index_ >= instances.size() || !IsSame(instances[index_], instance_))
                 index_ = IndexOf(instances, instance_);
-            if (index_ < instances.size())
+            wasThere_ = index_ < instances.size();
+            if (wasThere_)
                 instances.erase(instances.begin() + static_cast<std::ptrdiff_t>(index_));
-        } else {
+        } else if (wasThere_) {
             const std::size_t index = std::min(index_, instances.size());
             instances.insert(instances.begin() + static_cast<std::ptrdiff_t>(index), instance_);
         }
@@ -67,7 +68,8 @@ private:
     Asset asset_;
     Instance instance_;
     std::size_t index_;
-    bool isListed_; ///< once the change is made
+    bool isListed_;        ///< once the change is made
+    bool wasThere_ = true; ///< when it was last to be taken out
 };
 
 } // namespace
