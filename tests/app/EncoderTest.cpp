@@ -2,7 +2,7 @@
 
 #include <encode/Encoder.h>
 
-#include <Failure.h>
+#include <output/Failure.h>
 
 #include <gmock/gmock.h>
 
