@@ -10,8 +10,12 @@ namespace marlet::project
 
 std::optional<int> AssetLength(const AbstractAsset &asset, double frameRate)
 {
-    if (const auto *composition = dynamic_cast<const CompositionAsset *>(&asset))
-        return composition->Settings().FrameCount(frameRate);
+    if (const auto *composition = dynamic_cast<const CompositionAsset *>(&asset)) {
+        const AudioVideoSettings &format = composition->Settings();
+        // Without rates there are no frames to count.
+        return format.FrameRate() > 0 && frameRate > 0 ? std::optional(format.FrameCount(frameRate))
+                                                       : std::nullopt;
+    }
     const auto *media = dynamic_cast<const MediaAsset *>(&asset);
     if (!media || media->IsOffline())
         return std::nullopt;
