@@ -180,7 +180,7 @@ void EditScript::ChangeValue(Edit &edit)
         return;
     const auto layer = AnyLayer();
     edit.Touch(layer, "orientation");
-    layer->Animation().StaticValue("orientation") = Orientation3D(float(Below(100)), 0, 1);
+    layer->Animation().StaticValue("orientation") = Orientation3D{float(Below(100)), 0, 1};
     if (Chance(2)) {
         edit.Touch(layer, "rotationZ");
         layer->Animation().Expression("rotationZ") = "wiggle(" + std::to_string(Below(9)) + ")";
@@ -375,7 +375,7 @@ void EditScript::ChangeMask(Edit &edit)
     points.back()->SetLocked(Chance(2));
     points.back()->SetLinear(Chance(2));
     edit.Touch(points.back(), "position");
-    points.back()->Animation().StaticValue("position") = kytl::matl::KyPoint<2, float>(float(Below(9)), 1);
+    points.back()->Animation().StaticValue("position") = kytl::matl::KyPoint<2, float>{float(Below(9)), 1};
 }
 
 void EditScript::ChangeTracker(Edit &edit)
@@ -391,7 +391,7 @@ void EditScript::ChangeTracker(Edit &edit)
     tracker->PrimaryTrackingPoint()
         ->Animation()
         .KeyFrames("featurePosition")
-        .Set(static_cast<int>(Below(500)), kytl::matl::KyPoint<2, float>(float(Below(9)), 1));
+        .Set(static_cast<int>(Below(500)), kytl::matl::KyPoint<2, float>{float(Below(9)), 1});
 }
 
 void EditScript::ChangeEffect(Edit &edit)
