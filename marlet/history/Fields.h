@@ -208,4 +208,10 @@ template <const auto &fields, class Object> void TakeOverFields(Object &object, 
     std::apply([&](const auto &...field) { (TakeOverField(field, object, other), ...); }, fields);
 }
 
+template <const auto &fields, class Object>
+std::unique_ptr<EditedPart> Make(const std::shared_ptr<Object> &object, ObjectKind kind)
+{
+    return std::make_unique<FieldsPart<Object, fields>>(object, kind, object->ID());
+}
+
 } // namespace marlet::project

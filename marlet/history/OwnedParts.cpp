@@ -112,12 +112,6 @@ constexpr std::tuple kInstanceFields(
                   instance.SetPrivateBytes(bytes);
           }});
 
-template <const auto &fields, class Object>
-std::unique_ptr<EditedPart> Make(const std::shared_ptr<Object> &object, ObjectKind kind)
-{
-    return std::make_unique<FieldsPart<Object, fields>>(object, kind, object->ID());
-}
-
 } // namespace
 
 std::unique_ptr<EditedPart> MakePart(const std::shared_ptr<Mask> &mask)

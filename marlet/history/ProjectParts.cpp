@@ -106,12 +106,6 @@ constexpr std::tuple
     kCompositionPanels(Held(Aspect::View, &Composition::ViewerPanelState, &Composition::ViewerPanelState),
                        Held(Aspect::View, &Composition::LayerPanelState, &Composition::LayerPanelState));
 
-template <const auto &fields, class Object>
-std::unique_ptr<EditedPart> Make(const std::shared_ptr<Object> &object, ObjectKind kind)
-{
-    return std::make_unique<FieldsPart<Object, fields>>(object, kind, object->ID());
-}
-
 class LayersPart final : public FieldsPart<CompositionAsset, kLayersFields>
 {
 public:

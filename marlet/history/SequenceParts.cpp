@@ -83,12 +83,6 @@ constexpr std::tuple
                   Setting(Aspect::Links, &Object::OutgoingTransition, &Object::SetOutgoingTransition),
                   Held(Aspect::Members, &Object::Effects, &Object::Effects));
 
-template <const auto &fields, class T>
-std::unique_ptr<EditedPart> Make(const std::shared_ptr<T> &object, ObjectKind kind)
-{
-    return std::make_unique<FieldsPart<T, fields>>(object, kind, object->ID());
-}
-
 } // namespace
 
 std::unique_ptr<EditedPart> MakePart(const std::shared_ptr<EditorSequence> &sequence)
