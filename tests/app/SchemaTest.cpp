@@ -1,6 +1,7 @@
 #include "ToolTest.h"
 
 #include <tests/support/LayerTexts.h>
+#include <tests/support/TestDocuments.h>
 #include <tests/support/TestPlugins.h>
 
 #include <marlet/editor/Transition.h>

@@ -1,5 +1,6 @@
 #include <tests/support/LayerStage.h>
 #include <tests/support/LayerTexts.h>
+#include <tests/support/TestDocuments.h>
 
 #include <marlet/layers/TextLayer.h>
 

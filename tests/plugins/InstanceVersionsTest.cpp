@@ -1,3 +1,4 @@
+#include <tests/support/TestDocuments.h>
 #include <tests/support/TestPlugins.h>
 
 #include <marlet/animation/KeyFrameList.h>

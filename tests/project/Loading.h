@@ -1,5 +1,7 @@
 #pragma once
 
+#include <tests/support/TestDocuments.h>
+
 #include <marlet/foundation/Strings.h>
 #include <marlet/layers/Abstract3DEffect.h>
 #include <marlet/layers/Abstract3DEffectFactory.h>
