@@ -1,8 +1,8 @@
 #include "document/MediaSource.h"
 #include "options/Arguments.h"
+#include "output/ImageFile.h"
 #include "output/Json.h"
 #include "output/Output.h"
-#include "output/PngFile.h"
 #include "output/TextFile.h"
 
 #include <marlet/project/MediaAsset.h>

@@ -3,12 +3,13 @@
 #include "options/Arguments.h"
 #include "options/Interruption.h"
 #include "output/Failure.h"
+#include "output/ImageFile.h"
 #include "output/Output.h"
-#include "output/PngFile.h"
 #include "output/ProgressBar.h"
 #include "output/TextFile.h"
 #include "output/Warning.h"
 #include "preview/FrameRenderer.h"
+#include "preview/FramesAhead.h"
 
 #include <marlet/project/CompositionAsset.h>
 #include <marlet/project/Project.h>
@@ -65,9 +66,9 @@ void RequireFrame(const CompositionAsset &composition, int frame)
 }
 
 /// What a picture lacks is told of, and the others are drawn.
-void TellOfLeftOut(const FrameRenderer &renderer, const std::string &file)
+void TellOfLeftOut(const std::vector<LeftOutLayer> &layers, const std::string &file)
 {
-    for (const LeftOutLayer &layer : renderer.LeftOut())
+    for (const LeftOutLayer &layer : layers)
         Warn(file, layer.place + " is left out: " + layer.why);
 }
 
@@ -84,24 +85,36 @@ public:
             throw Failure(path, error.message());
     }
 
-    void Add(int frame, const QImage &picture)
+    /// What is made of a frame while others are drawn.
+    static FramesAhead::Finish Preparing(const std::string &path)
+    {
+        if (NamesClip(path))
+            return [](FramesAhead::Frame &frame) {
+                frame.picture = frame.picture.convertToFormat(QImage::Format_RGB32);
+            };
+        return [](FramesAhead::Frame &frame) {
+            frame.file = EncodePng(frame.picture);
+            frame.picture = {};
+        };
+    }
+
+    void Add(int number, const FramesAhead::Frame &frame)
     {
         if (!NamesClip(path_)) {
-            std::string number = std::to_string(frame);
-            number.insert(0, number.size() < 5 ? 5 - number.size() : 0, '0');
-            WriteFile((std::filesystem::path(path_) / ("frame_" + number + ".png")).string(),
-                      EncodePng(picture));
+            std::string name = std::to_string(number);
+            name.insert(0, name.size() < 5 ? 5 - name.size() : 0, '0');
+            WriteFile((std::filesystem::path(path_) / ("frame_" + name + ".png")).string(), frame.file);
             return;
         }
-        const QImage opaque = picture.convertToFormat(QImage::Format_RGB32);
+        const QImage &picture = frame.picture;
         if (!encoder_) {
             EncoderOptions options;
-            options.width = opaque.width();
-            options.height = opaque.height();
+            options.width = picture.width();
+            options.height = picture.height();
             options.frameRate = RateOf(settings_.FrameRate());
             encoder_ = std::make_unique<Encoder>(path_, options);
         }
-        encoder_->AddFrame(opaque.constBits(), static_cast<int>(opaque.bytesPerLine()));
+        encoder_->AddFrame(picture.constBits(), static_cast<int>(picture.bytesPerLine()));
     }
 
     void Finish()
@@ -116,8 +129,8 @@ private:
     std::unique_ptr<Encoder> encoder_;
 };
 
-void RenderRange(FrameRenderer &renderer, const CompositionPointer &composition, const Arguments &arguments,
-                 Output &output)
+void RenderRange(const ProjectPointer &project, const CompositionPointer &composition,
+                 const Arguments &arguments, Output &output)
 {
     const int first = arguments.Has("--from") ? arguments.Integer("--from") : 0;
     const int last =
@@ -129,20 +142,23 @@ void RenderRange(FrameRenderer &renderer, const CompositionPointer &composition,
     const QSize size = SizeOf(arguments);
     const std::string &path = arguments.NewPath("-o");
     const int count = last - first + 1;
+    std::vector<LeftOutLayer> leftOut;
     {
         // A clip that is cut off leaves nothing behind; of a folder's files each is whole.
         const Interruption interruption;
         FrameSink sink(path, composition->Settings());
         ProgressBar progress(count, "frames");
+        FramesAhead frames(project, composition, {first, last}, size, FrameSink::Preparing(path));
         for (int done = 0; done < count; ++done) {
             if (interruption.Requested())
                 throw Failure(path, "Interrupted");
-            sink.Add(first + done, renderer.Render(composition, first + done, size));
+            sink.Add(first + done, frames.Next());
             progress.Show(done + 1);
         }
         sink.Finish();
+        leftOut = frames.LeftOut();
     }
-    TellOfLeftOut(renderer, arguments.Operand(0));
+    TellOfLeftOut(leftOut, arguments.Operand(0));
     output.Line("wrote " + Counted(static_cast<std::size_t>(count), "frame") + " to " + OneLine(path));
 }
 
@@ -161,15 +177,15 @@ void Run(const Arguments &arguments, Output &output)
     const QSize size = SizeOf(arguments);
     const ProjectPointer project = ReadProject(arguments.Operand(0));
     const CompositionPointer composition = FindComposition(*project, name);
-    FrameRenderer renderer(project);
     if (isRange)
-        return RenderRange(renderer, composition, arguments, output);
+        return RenderRange(project, composition, arguments, output);
+    FrameRenderer renderer(project);
     const int frame = arguments.Integer("--frame");
     RequireFrame(*composition, frame);
     RequireWritable(path);
     const QImage picture = renderer.Render(composition, frame, size);
     WriteFile(path, EncodePng(picture));
-    TellOfLeftOut(renderer, arguments.Operand(0));
+    TellOfLeftOut(renderer.LeftOut(), arguments.Operand(0));
     output.Line("wrote " + std::to_string(picture.width()) + "x" + std::to_string(picture.height()) + " to " +
                 OneLine(path));
 }

@@ -1,9 +1,9 @@
 #include "options/Arguments.h"
 #include "output/Failure.h"
+#include "output/ImageFile.h"
 #include "output/Json.h"
 #include "output/Names.h"
 #include "output/Output.h"
-#include "output/PngFile.h"
 #include "output/QuietStandardError.h"
 #include "output/TextFile.h"
 

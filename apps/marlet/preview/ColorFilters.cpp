@@ -19,15 +19,23 @@ using Levels = std::array<unsigned char, 256>;
 /// Red, green, blue; from 0 to 1.
 using Light = std::array<float, 3>;
 
-/// Changes the pixels of a picture that is not premultiplied.
+/// Changes the pixels of a picture, each handed over as one that is not premultiplied.
 template <class Change> void ForEachPixel(Surface &surface, Change change)
 {
-    QImage picture = surface.picture.convertToFormat(QImage::Format_ARGB32);
-    for (int y = 0; y < picture.height(); ++y) {
-        auto *row = reinterpret_cast<QRgb *>(picture.scanLine(y));
-        std::transform(row, row + picture.width(), row, change);
+    // Neighbours are often alike, and most of all where there is nothing.
+    QRgb before = 0;
+    QRgb after = qPremultiply(change(0));
+    const int width = surface.picture.width();
+    for (int y = 0; y < surface.picture.height(); ++y) {
+        auto *row = reinterpret_cast<QRgb *>(surface.picture.scanLine(y));
+        for (QRgb *pixel = row; pixel != row + width; ++pixel) {
+            if (*pixel != before) {
+                before = *pixel;
+                after = qPremultiply(change(qUnpremultiply(before)));
+            }
+            *pixel = after;
+        }
     }
-    surface.picture = picture.convertToFormat(QImage::Format_ARGB32_Premultiplied);
 }
 
 unsigned char Byte(float level)

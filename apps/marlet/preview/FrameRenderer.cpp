@@ -2,7 +2,7 @@
 
 #include "GuiSession.h"
 #include "Markers.h"
-#include "MaskPainter.h"
+#include "ShownKey.h"
 #include "TextPainter.h"
 #include "Values.h"
 #include "View.h"
@@ -54,6 +54,28 @@ bool IsInSpace(const AbstractLayer &layer)
     return layer.Dimensions() != LayerDimensions::TwoD;
 }
 
+/// Puts one picture in the place of another as far as it covers that.
+void Mix(QImage &canvas, const QImage &with, const MaskCoverage &coverage, double opacity)
+{
+    const int whole = qRound(opacity * 255);
+    const int width = canvas.width();
+    auto covered = coverage.begin();
+    for (int y = 0; y < canvas.height(); ++y) {
+        auto *row = reinterpret_cast<QRgb *>(canvas.scanLine(y));
+        const auto *other = reinterpret_cast<const QRgb *>(with.constScanLine(y));
+        for (int x = 0; x < width; ++x) {
+            const int share = coverage.empty() ? whole : *covered++ * whole / 255;
+            const auto mixed = [share](int from, int to) {
+                return (from * (255 - share) + to * share + 127) / 255;
+            };
+            if (row[x] != other[x])
+                row[x] =
+                    qRgba(mixed(qRed(row[x]), qRed(other[x])), mixed(qGreen(row[x]), qGreen(other[x])),
+                          mixed(qBlue(row[x]), qBlue(other[x])), mixed(qAlpha(row[x]), qAlpha(other[x])));
+        }
+    }
+}
+
 const AssetList &AssetsOf(const ProjectPointer &project)
 {
     return std::as_const(*project).Assets();
@@ -61,13 +83,15 @@ const AssetList &AssetsOf(const ProjectPointer &project)
 
 } // namespace
 
-FrameRenderer::FrameRenderer(ProjectPointer project) : project_(std::move(project))
+FrameRenderer::FrameRenderer(ProjectPointer project, std::shared_ptr<SharedPictures> shared)
+    : project_(std::move(project)), shared_(std::move(shared))
 {
     RequireGuiSession();
 }
 
 QImage FrameRenderer::Render(const CompositionPointer &composition, int frame, QSize size)
 {
+    frame_ = frame;
     const QImage picture = Draw(composition, frame);
     return size.isEmpty() ? picture : picture.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
 }
@@ -115,7 +139,7 @@ void FrameRenderer::LeaveOut(const CompositionPointer &composition, const Abstra
     if (leftOutLayers_.insert(&layer).second)
         leftOut_.push_back(
             {"layer \"" + ToUtf8(layer.Name()) + "\" of composition \"" + ToUtf8(composition->Name()) + "\"",
-             why});
+             why, &layer, frame_});
 }
 
 void FrameRenderer::DrawLayer(const Scene &scene, const AbstractLayer &layer)
@@ -130,10 +154,9 @@ void FrameRenderer::DrawLayer(const Scene &scene, const AbstractLayer &layer)
     default:
         return DrawMarker(scene, layer, time);
     }
-    Surface surface = ContentOf(scene, layer);
+    const Surface surface = FinishedOf(scene, layer, time);
     if (surface.picture.isNull())
         return;
-    Finish(scene, layer, time, surface);
     const View::Matrix world = layer.WorldTransformationAtTime(time, project_, true);
     const auto place = scene.view.OfPlane(world, IsInSpace(layer), surface);
     if (!place)
@@ -153,24 +176,10 @@ void FrameRenderer::DrawGrade(const Scene &scene, const AbstractLayer &layer, in
     const auto &grade = dynamic_cast<const GradeLayer &>(layer);
     ApplyEffects(surface, grade.Effects(), time, LayersOf(scene));
     // A grade changes what is in the frame, and no more.
-    Surface graded{surface.picture.copy(QRect(surface.corner, surface.content)), {}, surface.content};
-    ApplyMasks(graded, grade.Masks(), time);
-    Surface hole{QImage(scene.canvas.size(), scene.canvas.format()), {}, scene.canvas.size()};
-    hole.picture.fill(Qt::white);
-    ApplyMasks(hole, grade.Masks(), time);
-    QImage below = scene.canvas;
-    {
-        QPainter painter(&below);
-        painter.setCompositionMode(QPainter::CompositionMode_DestinationOut);
-        painter.drawImage(0, 0, hole.picture);
-        painter.setCompositionMode(QPainter::CompositionMode_Plus);
-        painter.drawImage(0, 0, graded.picture);
-    }
-    const double opacity = OpacityOf(layer, time);
-    QPainter painter(&scene.canvas);
-    painter.setCompositionMode(QPainter::CompositionMode_Source);
-    painter.setOpacity(opacity);
-    painter.drawImage(0, 0, below);
+    const QRect frame(surface.corner, surface.content);
+    const QImage graded = surface.picture.rect() == frame ? surface.picture : surface.picture.copy(frame);
+    const auto coverage = CoverageOf(grade.Masks(), {scene.canvas, {}, scene.canvas.size()}, time);
+    Mix(scene.canvas, graded, *coverage, OpacityOf(layer, time));
 }
 
 void FrameRenderer::DrawMarker(const Scene &scene, const AbstractLayer &layer, int time)
@@ -183,10 +192,61 @@ void FrameRenderer::DrawMarker(const Scene &scene, const AbstractLayer &layer, i
     });
 }
 
+Surface FrameRenderer::FinishedOf(const Scene &scene, const AbstractLayer &layer, int time)
+{
+    const auto make = [&] {
+        Surface surface = ContentOf(scene, layer);
+        if (!surface.picture.isNull())
+            Finish(scene, layer, time, surface);
+        return surface;
+    };
+    const std::optional<ShownKey> key = KeyOf(scene, layer, time);
+    return key ? *shared_->surfaces.Get(key->Bytes(), make) : make();
+}
+
+bool FrameRenderer::IsStill(const AbstractLayer &layer) const
+{
+    if (layer.Type() == LayerType::Text)
+        return true;
+    const auto *shown = dynamic_cast<const AssetLayer *>(&layer);
+    const auto asset = shown ? shown->Asset(AssetsOf(project_)) : nullptr;
+    return asset && (asset->Type() == AssetType::Solid || asset->Type() == AssetType::Image);
+}
+
+std::optional<ShownKey> FrameRenderer::KeyOf(const Scene &scene, const AbstractLayer &layer, int time) const
+{
+    if (!IsStill(layer))
+        return std::nullopt;
+    ShownKey key("finished");
+    key.Add(&layer);
+    const auto add = [&](const auto &masks, const auto &effects) {
+        key.Add(masks, time);
+        key.Add(effects, time);
+        return !effects.empty() || !masks.empty();
+    };
+    try {
+        const auto *shown = dynamic_cast<const AssetLayer *>(&layer);
+        const auto *text = dynamic_cast<const TextLayer *>(&layer);
+        if (!(shown ? add(shown->Masks(), shown->Effects()) : text && add(text->Masks(), text->Effects())))
+            return std::nullopt;
+    } catch (const std::exception &) {
+        // Drawing says what is wrong, if it meets that at all.
+        return std::nullopt;
+    }
+    const bool areStill = std::all_of(key.IDs().begin(), key.IDs().end(), [&](const kytl::KyID &id) {
+        const LayerPointer other = scene.composition->FindLayerByID(id);
+        return !other || IsStill(*other);
+    });
+    return areStill ? std::optional(key) : std::nullopt;
+}
+
 Surface FrameRenderer::ContentOf(const Scene &scene, const AbstractLayer &layer)
 {
-    if (const auto *text = dynamic_cast<const TextLayer *>(&layer))
-        return PaintText(*text);
+    if (const auto *text = dynamic_cast<const TextLayer *>(&layer)) {
+        ShownKey key("text");
+        key.Add(&layer);
+        return *shared_->surfaces.Get(key.Bytes(), [text] { return PaintText(*text); });
+    }
     Surface surface;
     const auto *shown = dynamic_cast<const AssetLayer *>(&layer);
     if (!shown)
@@ -217,10 +277,10 @@ QImage FrameRenderer::PictureOf(const Scene &scene, const AssetLayer &layer)
     if (const auto solid = std::dynamic_pointer_cast<SolidAsset>(asset))
         return AssetPictures::PictureOf(*solid);
     if (const auto image = std::dynamic_pointer_cast<ImageAsset>(asset))
-        return pictures_.PictureOf(*image);
+        return shared_->assets.PictureOf(*image);
     if (const auto media = std::dynamic_pointer_cast<MediaAsset>(asset))
-        return pictures_.FrameOf(*media, scene.composition->Settings().FrameRate(),
-                                 layer.AssetInstanceStart() + scene.frame - layer.StartFrame());
+        return AssetPictures::FrameOf(*media, scene.composition->Settings().FrameRate(),
+                                      layer.AssetInstanceStart() + scene.frame - layer.StartFrame());
     if (const auto nested = std::dynamic_pointer_cast<CompositionAsset>(asset))
         return PictureOfNested(scene, layer, nested);
     return {};
@@ -255,13 +315,31 @@ LayerPictures FrameRenderer::LayersOf(const Scene &scene)
 void FrameRenderer::Finish(const Scene &scene, const AbstractLayer &layer, int time, Surface &surface)
 {
     const auto finish = [&](const auto &masks, const auto &effects) {
-        ApplyMasks(surface, masks, time);
+        if (const auto coverage = CoverageOf(masks, surface, time); !coverage->empty())
+            Cut(surface.picture, *coverage);
         ApplyEffects(surface, effects, time, LayersOf(scene));
     };
     if (const auto *shown = dynamic_cast<const AssetLayer *>(&layer))
         finish(shown->Masks(), shown->Effects());
     else if (const auto *text = dynamic_cast<const TextLayer *>(&layer))
         finish(text->Masks(), text->Effects());
+}
+
+std::shared_ptr<const MaskCoverage>
+FrameRenderer::CoverageOf(const kytl::KyList<std::shared_ptr<Mask>, std::vector> &masks,
+                          const Surface &surface, int time)
+{
+    const auto make = [&] { return CoverageOfMasks(masks, surface, time); };
+    ShownKey key("coverage");
+    for (const int number : {surface.picture.width(), surface.picture.height(), surface.corner.x(),
+                             surface.corner.y(), surface.content.width(), surface.content.height()})
+        key.Add(number);
+    try {
+        key.Add(masks, time);
+    } catch (const std::exception &) {
+        return std::make_shared<const MaskCoverage>(make());
+    }
+    return shared_->coverages.Get(key.Bytes(), make);
 }
 
 } // namespace marlet::tool

@@ -63,14 +63,14 @@ QPainterPath Outline(const MotionPath &path, int time)
     return outline;
 }
 
-/// How much of each pixel lies inside, as the alpha of a white picture.
-QImage Coverage(const Mask &mask, const Surface &surface, int time)
+/// How much of each pixel lies inside.
+MaskCoverage Coverage(const Mask &mask, const Surface &surface, int time)
 {
-    QImage coverage(surface.picture.size(), QImage::Format_ARGB32_Premultiplied);
-    coverage.fill(Qt::transparent);
+    QImage inside(surface.picture.size(), QImage::Format_Alpha8);
+    inside.fill(Qt::transparent);
     const QPainterPath outline = Outline(mask.Path(), time);
     if (mask.Path().IsClosed()) {
-        QPainter painter(&coverage);
+        QPainter painter(&inside);
         painter.setRenderHint(QPainter::Antialiasing);
         painter.translate(QPointF(surface.corner) + QRectF(QPointF(), surface.content).center());
         painter.fillPath(outline, Qt::white);
@@ -82,8 +82,10 @@ QImage Coverage(const Mask &mask, const Surface &surface, int time)
                                              Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
         }
     }
+    MaskCoverage coverage = BytesOf(inside);
     const int feather = static_cast<int>(LengthOr0(mask.Animation(), "feather", time));
-    return Blurred(coverage, {feather, feather});
+    BlurBytes(coverage, inside.size(), {feather, feather});
+    return coverage;
 }
 
 int Joined(int below, int mask, MaskMode mode)
@@ -100,18 +102,14 @@ int Joined(int below, int mask, MaskMode mode)
     }
 }
 
-void Join(std::vector<int> &coverage, const QImage &of, const Mask &mask, MaskMode mode, int time)
+void Join(MaskCoverage &coverage, const MaskCoverage &of, const Mask &mask, MaskMode mode, int time)
 {
     const float percent = std::clamp(NumberOr(mask.Animation(), "opacity", time, 100), 0.f, 100.f);
     const int opacity = static_cast<int>(percent * 2.55f);
     const bool inverted = ValueOr(mask.Animation(), "inverted", time, false);
-    auto pixel = coverage.begin();
-    for (int y = 0; y < of.height(); ++y) {
-        const auto *row = reinterpret_cast<const QRgb *>(of.constScanLine(y));
-        for (int x = 0; x < of.width(); ++x, ++pixel) {
-            const int inside = inverted ? 255 - qAlpha(row[x]) : qAlpha(row[x]);
-            *pixel = Joined(*pixel, inside * opacity / 255, mode);
-        }
+    for (std::size_t i = 0; i < of.size(); ++i) {
+        const int inside = inverted ? 255 - of[i] : of[i];
+        coverage[i] = static_cast<unsigned char>(Joined(coverage[i], inside * opacity / 255, mode));
     }
 }
 
@@ -120,39 +118,42 @@ MaskMode ModeOf(const Mask &mask)
     return MaskMode{ValueOr(mask.Animation(), "blendMode", 0, static_cast<int>(MaskMode::Add))};
 }
 
-void Cut(QImage &picture, const std::vector<int> &coverage)
-{
-    auto pixel = coverage.begin();
-    for (int y = 0; y < picture.height(); ++y) {
-        auto *row = reinterpret_cast<QRgb *>(picture.scanLine(y));
-        for (int x = 0; x < picture.width(); ++x, ++pixel) {
-            const auto share = [&](int level) { return level * *pixel / 255; };
-            row[x] = qRgba(share(qRed(row[x])), share(qGreen(row[x])), share(qBlue(row[x])),
-                           share(qAlpha(row[x])));
-        }
-    }
-}
-
 } // namespace
 
-void ApplyMasks(Surface &surface, const kytl::KyList<std::shared_ptr<Mask>, std::vector> &masks, int time)
+MaskCoverage CoverageOfMasks(const kytl::KyList<std::shared_ptr<Mask>, std::vector> &masks,
+                             const Surface &surface, int time)
 {
     std::vector<const Mask *> used;
     for (const std::shared_ptr<Mask> &mask : masks)
         if (mask->IsVisible() && ModeOf(*mask) != MaskMode::None)
             used.push_back(mask.get());
     if (used.empty() || surface.picture.isNull())
-        return;
+        return {};
 
     // What takes away takes away from everything, what adds adds to nothing.
     const MaskMode first = ModeOf(*used.front());
     const bool fromAll = first == MaskMode::Subtract || first == MaskMode::Intersect;
     const QSize size = surface.picture.size();
-    std::vector<int> coverage(
-        static_cast<std::size_t>(size.width()) * static_cast<std::size_t>(size.height()), fromAll ? 255 : 0);
+    MaskCoverage coverage(static_cast<std::size_t>(size.width()) * static_cast<std::size_t>(size.height()),
+                          fromAll ? 255 : 0);
     for (const Mask *mask : used)
         Join(coverage, Coverage(*mask, surface, time), *mask, ModeOf(*mask), time);
-    Cut(surface.picture, coverage);
+    return coverage;
+}
+
+void Cut(QImage &picture, const MaskCoverage &coverage)
+{
+    const int width = picture.width();
+    auto pixel = coverage.begin();
+    for (int y = 0; y < picture.height(); ++y) {
+        auto *row = reinterpret_cast<QRgb *>(picture.scanLine(y));
+        for (QRgb *of = row; of != row + width; ++of, ++pixel) {
+            const int left = *pixel;
+            const auto share = [&](int level) { return level * left / 255; };
+            if (left < 255)
+                *of = qRgba(share(qRed(*of)), share(qGreen(*of)), share(qBlue(*of)), share(qAlpha(*of)));
+        }
+    }
 }
 
 } // namespace marlet::tool

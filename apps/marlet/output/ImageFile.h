@@ -23,5 +23,8 @@ struct Picture {
 /// The content of a PNG file with the picture in it. @throws Failure
 std::string EncodePng(const Picture &picture);
 std::string EncodePng(const QImage &picture);
+/// The content of a JPEG file, for pictures that are looked at and no more: on dark gray where it is
+/// transparent. @throws Failure
+std::string EncodeJpeg(const QImage &picture);
 
 } // namespace marlet::tool
