@@ -10,6 +10,7 @@ namespace
 
 // Any thread may run the handler.
 std::atomic<bool> requested{false};
+int depth = 0; ///< how many there are inside one another
 static_assert(std::atomic<bool>::is_always_lock_free);
 
 void TakeNote(int)
@@ -34,13 +35,15 @@ void Catch(int signal, struct sigaction &before)
 
 Interruption::Interruption()
 {
-    requested = false;
+    if (depth++ == 0)
+        requested = false;
     Catch(SIGINT, beforeInterrupt_);
     Catch(SIGTERM, beforeTerminate_);
 }
 
 Interruption::~Interruption()
 {
+    --depth;
     ::sigaction(SIGINT, &beforeInterrupt_, nullptr);
     ::sigaction(SIGTERM, &beforeTerminate_, nullptr);
 }

@@ -5,8 +5,8 @@
 namespace marlet::tool
 {
 
-/// Takes note of Ctrl-C and of a request to end while it lives, in place of ending the process. There is one
-/// at a time.
+/// Takes note of Ctrl-C and of a request to end while it lives, in place of ending the process. One inside of
+/// another leaves what it noted to that. Belongs to the main thread.
 class Interruption
 {
 public:

@@ -23,7 +23,7 @@ namespace
 constexpr double kWidth = 800;
 constexpr double kHeight = 400;
 constexpr double kMargin = 75;
-constexpr int kSamples = 400;
+constexpr int kSamples = 200;
 constexpr int kSteps = 40; ///< of equal time along a path
 constexpr double kKeySize = 8;
 
@@ -312,6 +312,33 @@ std::string CurvePicture(const PropertyManager &properties, const std::string &n
         DrawPath(picture, evaluated);
     }
     return picture.Text();
+}
+
+std::string Sparkline(const PropertyManager &properties, const std::string &name)
+{
+    constexpr int kMoments = 48;
+    constexpr double kHigh = 24;
+    constexpr double kLong = 144;
+    const Curve curve(properties, name);
+    std::vector<std::string> lines;
+    Range values;
+    std::vector<std::vector<double>> samples;
+    for (int step = 0; step <= kMoments; ++step) {
+        samples.push_back(curve.At(curve.TimeAt(static_cast<double>(step) / kMoments)));
+        for (const double number : samples.back())
+            values.Include(number);
+        lines.resize(std::max(lines.size(), samples.back().size()));
+    }
+    const Axis y{values.Widened(), kHigh - 1, 1};
+    const auto tenth = [](double number) { return SvgNumber(std::round(number * 10) / 10); };
+    for (int step = 0; step <= kMoments; ++step)
+        for (std::size_t i = 0; i < samples[static_cast<std::size_t>(step)].size(); ++i)
+            lines[i] += (lines[i].empty() ? "" : " ") + tenth(kLong * step / kMoments) + "," +
+                        tenth(y.At(samples[static_cast<std::size_t>(step)][i]));
+    std::string svg = "<svg class=\"spark\" viewBox=\"0 0 144 24\" aria-hidden=\"true\">";
+    for (std::size_t i = 0; i < lines.size(); ++i)
+        svg += "<polyline class=\"c" + std::to_string(i % 4) + "\" points=\"" + lines[i] + "\"/>";
+    return svg + "</svg>";
 }
 
 } // namespace marlet::tool
