@@ -57,5 +57,7 @@ const CommandSpec &ClipCommand();
 const CommandSpec &FontsCommand();
 const CommandSpec &TimelineCommand();
 const CommandSpec &EditCommand();
+const CommandSpec &WatchCommand();
+const CommandSpec &ServeCommand();
 
 } // namespace marlet::tool

@@ -15,7 +15,8 @@ const std::vector<const CommandSpec *> &Commands()
         &FrameCommand(),    &PostFilterCommand(), &NewCommand(),    &EditCommand(),     &SaveCommand(),
         &ParentCommand(),   &CloneCommand(),      &DeleteCommand(), &RecoverCommand(),  &MediaCommand(),
         &DecodeCommand(),   &SamplesCommand(),    &RelinkCommand(), &TrackCommand(),    &ImageCommand(),
-        &TimecodeCommand(), &PluginsCommand(),    &FontsCommand(),  &ClipCommand(),
+        &TimecodeCommand(), &PluginsCommand(),    &FontsCommand(),  &ClipCommand(),     &WatchCommand(),
+        &ServeCommand(),
     };
     return commands;
 }
@@ -40,8 +41,11 @@ std::string GeneralUsage()
         width = std::max(width, command->name.size() + 2);
     for (const CommandSpec *command : Commands())
         usage += "  " + PadRight(command->name, width) + command->summary + "\n";
-    return usage + "\n\"marlet help COMMAND\" tells how a command is called, \"marlet --version\" which "
-                   "marlet this is.\n";
+    return usage +
+           "\n\"marlet help COMMAND\" tells how a command is called, \"marlet --version\" which "
+           "marlet this is.\n"
+           "\"--color=always\" and \"--color=never\" say whether what is told has colours; without, it "
+           "has on a terminal\nwhere NO_COLOR is not set.\n";
 }
 
 std::string CommandUsage(const CommandSpec &command)
