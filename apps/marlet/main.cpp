@@ -1,6 +1,7 @@
 #include "options/Arguments.h"
 #include "options/Command.h"
 #include "options/Usage.h"
+#include "output/Colors.h"
 #include "output/Failure.h"
 #include "output/Output.h"
 
@@ -9,6 +10,7 @@
 #include <algorithm>
 #include <csignal>
 #include <cstdio>
+#include <functional>
 #include <new>
 
 namespace marlet::tool
@@ -36,8 +38,8 @@ std::string Joined(std::string_view lines)
 
 void Report(const std::string &subject, std::string_view message)
 {
-    const std::string line =
-        "marlet: " + (subject.empty() ? "" : OneLine(subject) + ": ") + Joined(message) + "\n";
+    const std::string line = Colored("marlet:", Color::Red, Stream::Error) + " " +
+                             (subject.empty() ? "" : OneLine(subject) + ": ") + Joined(message) + "\n";
     std::fwrite(line.data(), 1, line.size(), stderr);
 }
 
@@ -54,7 +56,7 @@ int ReportWrongArguments(const CommandSpec *command, std::string_view message)
 struct Request {
     bool asksForHelp = false;
     std::string command; ///< empty if none is named
-    std::string (*text)() = nullptr;
+    std::function<std::string()> text = nullptr;
 };
 
 Request ParseRequest(const std::vector<std::string> &words)
@@ -68,7 +70,7 @@ Request ParseRequest(const std::vector<std::string> &words)
         if (topic == "--man")
             return {true, "", ManPage};
         if (topic == "--completion")
-            return {true, "", BashCompletion};
+            return {true, "", [shell = words.size() > 2 ? words[2] : ""] { return Completion(shell); }};
         return {true, topic};
     }
     const auto isHelp = [](const std::string &word) { return word == "--help" || word == "-h"; };
@@ -123,18 +125,39 @@ int RunCommand(const CommandSpec &command, const std::vector<std::string> &words
     }
 }
 
-int Main(const std::vector<std::string> &words)
+/// Takes the choice of colours, which any command has, out of the words before "--". @throws UsageError
+void TakeColors(std::vector<std::string> &words)
+{
+    const std::string option = "--color=";
+    const auto end = std::find(words.begin(), words.end(), "--");
+    const auto isChoice = [&](const std::string &word) { return word.rfind(option, 0) == 0; };
+    for (auto word = words.begin(); word != end; ++word)
+        if (isChoice(*word) && !UseColors(word->substr(option.size())))
+            throw UsageError("--color: \"" + word->substr(option.size()) + "\" is not auto, always or never");
+    words.erase(std::remove_if(words.begin(), end, isChoice), end);
+}
+
+int Main(std::vector<std::string> words)
 {
     // A closed pipe and a file that may not grow are failures like any other, told of by their error numbers.
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);
 
-    const Request request = ParseRequest(words);
+    std::string text;
+    Request request;
+    try {
+        TakeColors(words);
+        request = ParseRequest(words);
+        if (request.text)
+            text = request.text();
+    } catch (const UsageError &error) {
+        return ReportWrongArguments(nullptr, error.what());
+    }
     const CommandSpec *command = FindCommand(request.command);
     if (!command && !request.command.empty())
         return ReportWrongArguments(nullptr, "there is no command \"" + request.command + "\"");
     if (request.text)
-        return Show(request.text());
+        return Show(text);
     if (request.asksForHelp)
         return Show(command ? CommandUsage(*command) : GeneralUsage());
     if (!command)

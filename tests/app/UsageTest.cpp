@@ -76,6 +76,64 @@ TEST_F(UsageTest, ManualAndCompletionTellOfEveryVerbAndItsOptions)
     EXPECT_THAT(Completed("marlet help rep", 2), testing::ElementsAre("report"));
 }
 
+/// zsh hands the words to functions of its own, which stand-ins print here; fish says what it would offer.
+TEST_F(UsageTest, ZshAndFishOfferTheSameWithWordsBeside)
+{
+    Write("zsh", Run({"help", "--completion", "zsh"}).out);
+    Write("fish", Run({"help", "--completion", "fish"}).out);
+    const auto zsh = [this](const std::string &words, int current) {
+        return Shell("zsh -fc 'compdef() { : }; _describe() { print -rl -- ${(P)2} }; _arguments() { print "
+                     "-rl -- $@ };"
+                     ". ./zsh; words=(" +
+                     words + "); CURRENT=" + std::to_string(current) + "; _marlet'")
+            .OutLines();
+    };
+    const auto fish = [this](const std::string &line) {
+        return Shell("HOME=$PWD fish --no-config -c 'source fish; complete -C \"" + line + "\"'").OutLines();
+    };
+    for (const std::string &verb : Verbs()) {
+        const std::vector<std::string> arguments = zsh("marlet " + verb + " -", 3);
+        for (const std::string &option : ListedIn({"help", verb}, "-")) {
+            EXPECT_THAT(arguments, testing::Contains(testing::StartsWith(option))) << verb;
+            EXPECT_THAT(fish("marlet " + verb + " " + option), testing::Contains(testing::StartsWith(option)))
+                << verb;
+        }
+    }
+    EXPECT_THAT(zsh("marlet \"\"", 2), testing::Contains("info:what is in a project"));
+    EXPECT_THAT(zsh("marlet frame -", 3),
+                testing::Contains("--frame=[the frame of the composition that becomes a PNG file]:N:_files"));
+    EXPECT_THAT(fish("marlet inf"), testing::ElementsAre("info\twhat is in a project"));
+    EXPECT_THAT(fish("marlet help rep"), testing::ElementsAre("report\ta project on one HTML page"));
+    EXPECT_EQ(Run({"help", "--completion", "csh"}).exitCode, 2);
+}
+
+TEST_F(UsageTest, ColoursAreForTerminalsUnlessOneAsksForThem)
+{
+    AddPoint(u"Old");
+    const std::string before = Save("before.xml");
+    composition_->Layers().front()->SetName(u"New");
+    const std::string after = Save("after.xml");
+    const std::string escape = "\x1B[";
+    for (const std::vector<std::string> &call :
+         {std::vector<std::string>{"diff", before, after}, {"check", before}, {"info", "missing.xml"}}) {
+        const ToolRun plain = Run(call);
+        EXPECT_THAT(plain.out + plain.err, Not(HasSubstr(escape)));
+        std::vector<std::string> asking = call;
+        asking.insert(asking.begin(), "--color=always");
+        const ToolRun colored = Shell("NO_COLOR=1 \"$MARLET\" '" + asking[0] + "' '" + asking[1] + "' '" +
+                                      asking[2] + "' " + (asking.size() > 3 ? "'" + asking[3] + "'" : ""));
+        EXPECT_EQ(colored.exitCode, plain.exitCode);
+        if (call[0] != "check") {
+            EXPECT_THAT(colored.out + colored.err, HasSubstr(escape)) << call[0];
+        }
+    }
+    // script is a terminal to what it runs.
+    const std::string terminal = "script -qec \"'$MARLET' diff before.xml after.xml\" /dev/null </dev/null";
+    EXPECT_THAT(Shell("TERM=xterm " + terminal).out, HasSubstr(escape + "33m~"));
+    EXPECT_THAT(Shell("TERM=xterm NO_COLOR=1 " + terminal).out, Not(HasSubstr(escape)));
+    EXPECT_EQ(Run({"info", before, "--color=sometimes"}).exitCode, 2);
+}
+
 TEST_F(UsageTest, NamesItsVersion)
 {
     EXPECT_THAT(Run({"--version"}).out, MatchesRegex("marlet [0-9]+\\.[0-9]+\\.[0-9]+\n"));

@@ -1,6 +1,7 @@
 #include "document/DifferenceText.h"
 #include "document/Document.h"
 #include "options/Arguments.h"
+#include "output/Colors.h"
 #include "output/Failure.h"
 #include "output/Json.h"
 #include "output/Output.h"
@@ -26,6 +27,17 @@ std::string DifferenceJson(const Difference &difference)
     json.BeginObject();
     WriteDifference(json, difference);
     return json.EndObject().Text();
+}
+
+/// Added is green, removed red, and what is still there another colour.
+std::string ColoredText(const Difference &difference)
+{
+    using Kind = Difference::Kind;
+    const Color color = difference.kind == Kind::Added     ? Color::Green
+                        : difference.kind == Kind::Removed ? Color::Red
+                        : difference.kind == Kind::Moved   ? Color::Blue
+                                                           : Color::Yellow;
+    return Colored(DifferenceText(difference), color, Stream::Out);
 }
 
 /// What version control hands over where there is no file.
@@ -82,7 +94,7 @@ void Run(const Arguments &arguments, Output &output)
 {
     const std::vector<Difference> differences = CompareFiles(arguments);
     for (const Difference &difference : differences)
-        output.Line(arguments.Has("--json") ? DifferenceJson(difference) : DifferenceText(difference));
+        output.Line(arguments.Has("--json") ? DifferenceJson(difference) : ColoredText(difference));
     if (!arguments.Has("--json"))
         output.Line(differences.empty() ? "no differences" : Counted(differences.size(), "difference"));
 }

@@ -104,8 +104,9 @@ void Document::Tell() const
     // An error that stands nowhere is told of by its words alone.
     if (!first || (error && error->line == 0))
         return;
-    std::string lines =
-        PlaceLine(path_, PlaceOf(*first), first->severity, WhatAndWhere(first->what, first->path)) + "\n";
+    std::string lines = PlaceLine(path_, PlaceOf(*first), first->severity,
+                                  WhatAndWhere(first->what, first->path), Stream::Error) +
+                        "\n";
     const std::size_t losses = report_.Count(LoadEntry::Severity::Loss);
     if (const std::size_t more = error ? losses : losses - 1; more > 0)
         lines +=

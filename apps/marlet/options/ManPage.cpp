@@ -60,6 +60,11 @@ std::string ManPage()
         if (!command->example.empty())
             page += ".PP\nExample:\n.IP\n.B marlet " + Roff(command->example) + "\n";
     }
+    page +=
+        ".SH COLOURS\n.BR \\-\\-color=always , .B \\-\\-color=never\nand, as without,\n.B \\-\\-color=auto\n"
+        "with any command say whether findings, differences and failures have colours. Auto is on a "
+        "terminal, "
+        "unless NO_COLOR is set.\n";
     return page + ".SH EXIT STATUS\n0 if all went well, 1 if something failed, 2 if the words of the call "
                   "make no sense.\n";
 }

@@ -24,7 +24,8 @@ std::string VersionLine();
 
 /// The tool's page of the manual, for man.
 std::string ManPage();
-/// A script that bash reads to complete commands, options and file names.
-std::string BashCompletion();
+/// A script that a shell reads to complete commands, options and file names: bash, which an empty name stands
+/// for, zsh or fish. @throws UsageError for any other
+std::string Completion(const std::string &shell);
 
 } // namespace marlet::tool

@@ -7,15 +7,30 @@
 namespace marlet::tool
 {
 
+namespace
+{
+
+Color ColorOf(project::LoadEntry::Severity severity)
+{
+    using Severity = project::LoadEntry::Severity;
+    if (severity == Severity::Note)
+        return Color::Blue;
+    return severity == Severity::Warning ? Color::Magenta : Color::Red;
+}
+
+} // namespace
+
 std::string PlaceName(const std::string &file, const std::optional<project::TextPlace> &place)
 {
     return place ? file + ":" + std::to_string(place->line) + ":" + std::to_string(place->column) : file;
 }
 
 std::string PlaceLine(const std::string &file, const std::optional<project::TextPlace> &place,
-                      project::LoadEntry::Severity severity, const std::string &what)
+                      project::LoadEntry::Severity severity, const std::string &what, Stream stream)
 {
-    return OneLine(PlaceName(file, place) + ": " + project::SeverityName(severity) + ": " + what);
+    return Colored(OneLine(PlaceName(file, place) + ":"), Color::Bold, stream) + " " +
+           Colored(std::string(project::SeverityName(severity)) + ":", ColorOf(severity), stream) + " " +
+           OneLine(what);
 }
 
 std::optional<project::TextPlace> PlaceOf(const project::LoadEntry &entry)
@@ -39,7 +54,8 @@ std::string PluginText(const project::UnresolvedPlugin &plugin)
 
 void Warn(const std::string &file, const std::string &message)
 {
-    const std::string line = PlaceLine(file, {}, project::LoadEntry::Severity::Warning, message) + "\n";
+    const std::string line =
+        PlaceLine(file, {}, project::LoadEntry::Severity::Warning, message, Stream::Error) + "\n";
     std::fwrite(line.data(), 1, line.size(), stderr);
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "output/Colors.h"
+
 #include <marlet/foundation/LoadReport.h>
 #include <marlet/foundation/TextPlace.h>
 
@@ -12,9 +14,10 @@ namespace marlet::tool
 /// "FILE:LINE:COLUMN", as compilers name places; of what stands nowhere the file alone.
 std::string PlaceName(const std::string &file, const std::optional<project::TextPlace> &place);
 
-/// "FILE:LINE:COLUMN: loss: what", so that editors jump there.
+/// "FILE:LINE:COLUMN: loss: what", so that editors jump there; in colours if the stream has them.
 std::string PlaceLine(const std::string &file, const std::optional<project::TextPlace> &place,
-                      project::LoadEntry::Severity severity, const std::string &what);
+                      project::LoadEntry::Severity severity, const std::string &what,
+                      Stream stream = Stream::Out);
 
 /// Where an entry stands, if anywhere.
 std::optional<project::TextPlace> PlaceOf(const project::LoadEntry &entry);
