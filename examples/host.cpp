@@ -1,5 +1,5 @@
-#include <marlet/layers/Abstract3DEffectFactory.h>
 #include <marlet/layers/AbstractLayer.h>
+#include <marlet/layers/KeptEffects3D.h>
 #include <marlet/project/AssetList.h>
 #include <marlet/project/CompositionAsset.h>
 #include <marlet/project/Project.h>
@@ -10,16 +10,12 @@
 
 using namespace marlet::project;
 
-struct NoEffects : Abstract3DEffectFactory {
-    std::shared_ptr<Abstract3DEffect> Create(void *, ProjectTextureImageCache &) const override { return {}; }
-};
-
 // Prints where each layer of a project stands in the first frame of its composition.
 int main(int count, char **arguments)
 try {
     std::ifstream file(count > 1 ? arguments[1] : "");
     const std::string text{std::istreambuf_iterator<char>(file), {}};
-    const auto project = Project::CreateFromXml(FromUtf8(text), u"", nullptr, NoEffects());
+    const auto project = Project::CreateFromXml(FromUtf8(text), u"", nullptr, KeptEffects3D());
     for (const auto &asset : project->Assets().GetByType(AssetType::Composition)) {
         const auto composition = std::static_pointer_cast<CompositionAsset>(asset);
         for (const auto &layer : composition->Layers()) {

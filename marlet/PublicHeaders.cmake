@@ -7,6 +7,7 @@ set(MARLET_PUBLIC_HEADERS
     animation/PropertyValue.h
     checks/Finding.h
     checks/FindingPlaces.h
+    checks/OwnershipTree.h
     checks/Validate.h
     compare/Apply.h
     compare/Compare.h
@@ -55,6 +56,7 @@ set(MARLET_PUBLIC_HEADERS
     layers/Effect3DLayer.h
     layers/FontCache.h
     layers/GradeLayer.h
+    layers/KeptEffects3D.h
     layers/LayerTypes.h
     layers/LightLayer.h
     layers/ObjectPropertyList.h
@@ -68,6 +70,7 @@ set(MARLET_PUBLIC_HEADERS
     masks/PathPoint.h
     operations/OperationException.h
     operations/assets/AssetUses.h
+    operations/assets/FolderOperations.h
     operations/assets/MediaImport.h
     operations/assets/ProjectOperations.h
     operations/curves/AnimatedProperty.h
@@ -79,6 +82,7 @@ set(MARLET_PUBLIC_HEADERS
     operations/layers/PictureRectangle.h
     operations/layers/TextOperations.h
     operations/layers/TrackerOperations.h
+    operations/sequence/ObjectNames.h
     operations/sequence/SequenceClipboard.h
     operations/sequence/SequenceObjects.h
     operations/sequence/SequenceOptions.h

@@ -27,9 +27,9 @@ try {
         std::cerr << path << ": " << line << "\n";
     return project;
 } catch (const ProjectException &error) {
-    throw std::runtime_error(error.Code() == ProjectException::kMissingEffect
-                                 ? "The project uses a 3D effect that is not installed"
-                                 : "The project is damaged: " + error.Detail() + " is missing");
+    const bool isEffect = error.Code() == ProjectException::kMissingEffect;
+    throw std::runtime_error("The project is damaged: " + (isEffect ? "a 3D effect" : error.Detail()) +
+                             " is missing");
 }
 
 std::shared_ptr<CompositionAsset> FirstComposition(const Project &project)

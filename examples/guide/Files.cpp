@@ -4,6 +4,7 @@
 #include "Sphere.h"
 
 #include <marlet/foundation/Exceptions.h>
+#include <marlet/layers/KeptEffects3D.h>
 #include <marlet/platform/files/WholeFile.h>
 #include <marlet/project/ProjectFile.h>
 #include <marlet/recovery/Recovery.h>
@@ -55,7 +56,8 @@ std::shared_ptr<Project> OpenAnyway(const std::string &path,
 {
     LoadReport report;
     const LoadOptions options{.report = &report, .keepUnknown = true, .findMovedMedia = true};
-    const auto project = ProjectFile::Load(path, plugins, EffectFactory(), options);
+    const EffectFactory known;
+    const auto project = ProjectFile::Load(path, plugins, KeptEffects3D(known), options);
     for (const UnresolvedPlugin &plugin : report.UnresolvedPlugins())
         told.push_back(ToUtf8(plugin.name) + " " + plugin.version + " is not installed");
     for (const LoadEntry &entry : report.Entries())

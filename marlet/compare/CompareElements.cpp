@@ -42,6 +42,16 @@ struct Side {
     std::unordered_map<NarrowString, std::size_t> places;
 };
 
+/// The attributes that another element has not alike: "(fromObjectID 7)".
+NarrowString AttributesBeside(const TextElement &element, const TextElement &other)
+{
+    NarrowString text;
+    for (const auto &[name, value] : element.AllAttributes())
+        if (other.Attribute(name) != WithoutReferences(value))
+            text += (text.empty() ? "(" : ", ") + NarrowString(name) + " " + WithoutReferences(value);
+    return text.empty() ? text : text + ")";
+}
+
 /// Which of the numbers belong to a longest rising sequence (patience sorting).
 std::vector<bool> LongestRise(const std::vector<std::size_t> &numbers)
 {
@@ -113,7 +123,14 @@ private:
 
     void ReportChange(NarrowString what, const TextElement &before, const TextElement &after)
     {
-        Difference &change = Report(Kind::Changed, std::move(what), ValueText(before), ValueText(after));
+        NarrowString was = ValueText(before);
+        NarrowString is = ValueText(after);
+        // What an element is called by may be the same while another attribute is not.
+        if (was == is) {
+            was = AttributesBeside(before, after);
+            is = AttributesBeside(after, before);
+        }
+        Difference &change = Report(Kind::Changed, std::move(what), std::move(was), std::move(is));
         change.oldXml = before.Source();
         change.newXml = after.Source();
     }

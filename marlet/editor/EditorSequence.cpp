@@ -260,6 +260,11 @@ void EditorSequence::SetInPoint(int frame)
     impl_->inPoint = std::max(frame, 0);
 }
 
+void EditorSequence::RestoreInPoint(int frame)
+{
+    impl_->inPoint = frame;
+}
+
 int EditorSequence::OutPoint() const
 {
     return impl_->outPoint;

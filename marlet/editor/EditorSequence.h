@@ -90,12 +90,14 @@ public:
 private:
     friend class Project;
     friend class SequenceObjectList;
+    friend class StoredFields;
 
     EditorSequence();
     EditorSequence(const XmlCursor &element, const std::shared_ptr<AbstractPluginManager> &pluginManager);
 
     void AddObjectToCache(const std::shared_ptr<AbstractSequenceObject> &object);
     void RemoveObjectFromCache(const std::shared_ptr<AbstractSequenceObject> &object);
+    void RestoreInPoint(int frame); ///< any frame, as a file may have it
     void Serialize(XmlWriter &writer) const;
 
     std::unique_ptr<EditorSequence_Impl> impl_;

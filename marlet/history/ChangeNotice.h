@@ -25,7 +25,9 @@ enum class ObjectKind : int {
     Sequence,
     Track,
     SequenceObject,
-    HostObject, ///< what a host's own part of an edit is about
+    /// What a host's own part of an edit is about. With the ID of a layer, an asset, an effect, an object or
+    /// the sequence it makes stale what shows that; with any other one nothing.
+    HostObject,
 };
 
 /// What of an object may be another one. Values are bits.

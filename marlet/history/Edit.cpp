@@ -4,7 +4,6 @@
 #include <marlet/editor/AbstractSequenceTrack.h>
 #include <marlet/editor/EditorSequence.h>
 #include <marlet/foundation/Arguments.h>
-#include <marlet/history/AnnouncementCheck.h>
 #include <marlet/history/EditHistory.h>
 #include <marlet/history/HistoryData.h>
 #include <marlet/history/Parts.h>
@@ -22,6 +21,7 @@
 #include <marlet/tracking/TrackingPoint.h>
 
 #include <stdexcept>
+#include <type_traits>
 #include <utility>
 
 namespace marlet::project
@@ -38,7 +38,6 @@ struct Edit::Data {
     /// since positions mean something at that moment only.
     TimelinePart *timeline = nullptr;
     std::vector<std::size_t> outerMoments; ///< of the edits around this one, from the inside out
-    std::optional<AnnouncementCheck> check;
 };
 
 Edit::Edit(const std::shared_ptr<Project> &project, const WideString &label, const WideString &gesture)
@@ -57,7 +56,7 @@ Edit::Edit(const std::shared_ptr<Project> &project, const WideString &label, con
         data_->outerMoments.push_back(timeline ? timeline->Moment() : 0);
     }
     if (!data_->outer && history && history->ChecksAnnouncements())
-        data_->check.emplace(*project);
+        history->data_->check.RequireKnown(*project);
     project->editing_.innermost = this;
 }
 
@@ -113,16 +112,17 @@ void Edit::Commit()
                 data_->outer->data_->step.Add(std::move(part));
         return;
     }
-    if (data_->check) {
+    EditHistory *const history = data_->project->editing_.history;
+    if (history && history->ChecksAnnouncements()) {
         try {
-            data_->check->Check(*data_->project, data_->step, data_->label);
+            history->data_->check.Check(*data_->project, data_->step, data_->label);
         } catch (...) {
             Drop();
             throw;
         }
     }
     End();
-    if (EditHistory *const history = data_->project->editing_.history; history && data_->step.IsChange())
+    if (history && data_->step.IsChange())
         history->data_->Take(data_->label, data_->gesture, std::move(data_->step));
 }
 
@@ -178,126 +178,118 @@ TimelinePart &Edit::Timeline()
     return *data_->timeline;
 }
 
-void Edit::TouchProject()
+/// Adds the part, or the parts, that keep what an object holds.
+template <class Object, class Maker>
+void Edit::AddPartsOf(const std::shared_ptr<Object> &object, const char *what, const Maker &make)
 {
     RequireOpen();
-    Add(MakePart(data_->project));
+    Require(object, what);
+    const PartSink sink = [this](std::unique_ptr<EditedPart> part) { Add(std::move(part)); };
+    if constexpr (std::is_invocable_v<Maker, const std::shared_ptr<Object> &, const PartSink &>)
+        make(object, sink);
+    else
+        Add(make(object));
+}
+
+namespace
+{
+
+/// What makes the parts of the objects of most classes, which each have an overload of their own.
+constexpr auto kMake = [](const auto &object) { return MakePart(object); };
+constexpr auto kMakeAll = [](const auto &object, const PartSink &sink) { MakeParts(object, sink); };
+
+} // namespace
+
+void Edit::TouchProject()
+{
+    AddPartsOf(data_->project, "project", kMake);
 }
 
 void Edit::TouchMetadata()
 {
-    RequireOpen();
-    Add(MakeMetadataPart(data_->project));
+    AddPartsOf(data_->project, "project", MakeMetadataPart);
 }
 
 void Edit::TouchAssets()
 {
-    RequireOpen();
-    Add(MakeAssetsPart(data_->project));
+    AddPartsOf(data_->project, "project", MakeAssetsPart);
 }
 
 void Edit::TouchRootFolder()
 {
-    RequireOpen();
-    Add(MakePart(std::shared_ptr<BinFolder>(data_->project, &data_->project->Assets().Bin())));
+    Touch(std::shared_ptr<BinFolder>(data_->project, &data_->project->Assets().Bin()));
 }
 
 void Edit::Touch(const std::shared_ptr<BinFolder> &folder)
 {
-    RequireOpen();
-    Require(folder, "folder");
-    Add(MakePart(folder));
+    AddPartsOf(folder, "folder", kMake);
 }
 
 void Edit::Touch(const std::shared_ptr<AbstractAsset> &asset)
 {
-    RequireOpen();
-    Require(asset, "asset");
-    MakeParts(data_->project, asset, [this](std::unique_ptr<EditedPart> part) { Add(std::move(part)); });
+    AddPartsOf(asset, "asset", [this](const std::shared_ptr<AbstractAsset> &object, const PartSink &sink) {
+        MakeParts(data_->project, object, sink);
+    });
 }
 
 void Edit::TouchLayers(const std::shared_ptr<CompositionAsset> &composition)
 {
-    RequireOpen();
-    Require(composition, "composition");
-    Add(MakeLayersPart(composition));
+    AddPartsOf(composition, "composition", MakeLayersPart);
 }
 
 void Edit::TouchPanels(const std::shared_ptr<CompositionAsset> &composition)
 {
-    RequireOpen();
-    Require(composition, "composition");
-    Add(MakePanelsPart(composition));
+    AddPartsOf(composition, "composition", [](const auto &object) { return MakePanelsPart(object); });
 }
 
 void Edit::TouchPanels(const std::shared_ptr<EditorSequence> &sequence)
 {
-    RequireOpen();
-    Require(sequence, "sequence");
-    Add(MakePanelsPart(sequence));
+    AddPartsOf(sequence, "sequence", [](const auto &object) { return MakePanelsPart(object); });
 }
 
 void Edit::Touch(const std::shared_ptr<AbstractLayer> &layer)
 {
-    RequireOpen();
-    Require(layer, "layer");
-    MakeParts(layer, [this](std::unique_ptr<EditedPart> part) { Add(std::move(part)); });
+    AddPartsOf(layer, "layer", kMakeAll);
 }
 
 void Edit::TouchText(const std::shared_ptr<TextLayer> &layer)
 {
-    RequireOpen();
-    Require(layer, "layer");
-    Add(MakeTextPart(layer));
+    AddPartsOf(layer, "layer", MakeTextPart);
 }
 
 void Edit::Touch(const std::shared_ptr<Mask> &mask)
 {
-    RequireOpen();
-    Require(mask, "mask");
-    Add(MakePart(mask));
+    AddPartsOf(mask, "mask", kMake);
 }
 
 void Edit::Touch(const std::shared_ptr<PathPoint> &point)
 {
-    RequireOpen();
-    Require(point, "point");
-    Add(MakePart(point));
+    AddPartsOf(point, "point", kMake);
 }
 
 void Edit::Touch(const std::shared_ptr<Tracker> &tracker)
 {
-    RequireOpen();
-    Require(tracker, "tracker");
-    Add(MakePart(tracker));
+    AddPartsOf(tracker, "tracker", kMake);
 }
 
 void Edit::Touch(const std::shared_ptr<TrackingPoint> &point)
 {
-    RequireOpen();
-    Require(point, "tracking point");
-    Add(MakePart(point));
+    AddPartsOf(point, "tracking point", kMake);
 }
 
 void Edit::Touch(const std::shared_ptr<PluginInstance> &instance)
 {
-    RequireOpen();
-    Require(instance, "instance");
-    MakeParts(instance, [this](std::unique_ptr<EditedPart> part) { Add(std::move(part)); });
+    AddPartsOf(instance, "instance", kMakeAll);
 }
 
 void Edit::Touch(const std::shared_ptr<EditorSequence> &sequence)
 {
-    RequireOpen();
-    Require(sequence, "sequence");
-    Add(MakePart(sequence));
+    AddPartsOf(sequence, "sequence", kMake);
 }
 
 void Edit::Touch(const std::shared_ptr<AbstractSequenceTrack> &track)
 {
-    RequireOpen();
-    Require(track, "track");
-    MakeParts(track, [this](std::unique_ptr<EditedPart> part) { Add(std::move(part)); });
+    AddPartsOf(track, "track", kMakeAll);
 }
 
 void Edit::Touch(const std::shared_ptr<AbstractSequenceObject> &object)
@@ -333,38 +325,6 @@ void Edit::ShiftFrom(const std::shared_ptr<AbstractSequenceTrack> &track, unsign
         outer->Timeline().NoteShift(track, position, frames);
 }
 
-void Edit::Touch(const std::shared_ptr<AbstractLayer> &owner, const char *property)
-{
-    Touch(PropertiesOf(owner), property, ObjectKind::Layer, owner->ID());
-}
-
-void Edit::Touch(const std::shared_ptr<Mask> &owner, const char *property)
-{
-    Touch(PropertiesOf(owner), property, ObjectKind::Mask, owner->ID());
-}
-
-void Edit::Touch(const std::shared_ptr<PathPoint> &owner, const char *property)
-{
-    Touch(PropertiesOf(owner), property, ObjectKind::PathPoint, owner->ID());
-}
-
-void Edit::Touch(const std::shared_ptr<TrackingPoint> &owner, const char *property)
-{
-    Touch(PropertiesOf(owner), property, ObjectKind::TrackingPoint, owner->ID());
-}
-
-void Edit::Touch(const std::shared_ptr<PluginInstance> &owner, const char *property)
-{
-    const std::shared_ptr<PropertyManager> properties = PropertiesOf(owner);
-    const bool isEffect = owner->Type() == AbstractPluginInstance::InstanceType::Effect;
-    Touch(properties, property, isEffect ? ObjectKind::Effect : ObjectKind::Transition, owner->ID());
-}
-
-void Edit::Touch(const std::shared_ptr<AbstractSequenceObject> &owner, const char *property)
-{
-    Touch(PropertiesOf(owner), property, ObjectKind::SequenceObject, owner->ID());
-}
-
 void Edit::Touch(const std::shared_ptr<PropertyManager> &properties, const char *property, ObjectKind kind,
                  const kytl::KyID &owner)
 {
@@ -396,48 +356,6 @@ void Edit::Touch(std::unique_ptr<EditedPart> part)
     RequireOpen();
     Require(part, "part");
     Add(std::move(part));
-}
-
-namespace
-{
-
-template <class Owner> std::shared_ptr<PropertyManager> Animated(const std::shared_ptr<Owner> &owner)
-{
-    Require(owner, "owner");
-    return {owner, &owner->Animation()};
-}
-
-} // namespace
-
-std::shared_ptr<PropertyManager> PropertiesOf(const std::shared_ptr<AbstractLayer> &layer)
-{
-    return Animated(layer);
-}
-
-std::shared_ptr<PropertyManager> PropertiesOf(const std::shared_ptr<Mask> &mask)
-{
-    return Animated(mask);
-}
-
-std::shared_ptr<PropertyManager> PropertiesOf(const std::shared_ptr<PathPoint> &point)
-{
-    return Animated(point);
-}
-
-std::shared_ptr<PropertyManager> PropertiesOf(const std::shared_ptr<TrackingPoint> &point)
-{
-    return Animated(point);
-}
-
-std::shared_ptr<PropertyManager> PropertiesOf(const std::shared_ptr<PluginInstance> &instance)
-{
-    return Animated(instance);
-}
-
-std::shared_ptr<PropertyManager> PropertiesOf(const std::shared_ptr<AbstractSequenceObject> &object)
-{
-    Require(object, "owner");
-    return {object, &object->Properties()};
 }
 
 } // namespace marlet::project

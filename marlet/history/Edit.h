@@ -47,7 +47,8 @@ public:
     /// The label is for the user: "Move layer". Edits of one gesture, such as the drag of a slider, name the
     /// same gesture, which is any text but an empty one: those that follow one another with the same label
     /// become one step, until the history's EndGesture.
-    /// @throws std::logic_error inside of a ChangeObserver
+    /// @throws std::logic_error inside of a ChangeObserver, and where a history that checks finds that the
+    /// project was changed without an edit, which stays
     Edit(const std::shared_ptr<Project> &project, const WideString &label, const WideString &gesture = {});
     Edit(const Edit &) = delete;
     Edit &operator=(const Edit &) = delete;
@@ -141,6 +142,8 @@ private:
     void End();
     void PutBack();
     void Add(std::unique_ptr<EditedPart> part);
+    template <class Object, class Maker>
+    void AddPartsOf(const std::shared_ptr<Object> &object, const char *what, const Maker &make);
     void TouchPlace(const std::shared_ptr<AbstractSequenceTrack> &track,
                     const std::shared_ptr<AbstractSequenceObject> &object);
     TimelinePart &Timeline();

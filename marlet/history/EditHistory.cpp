@@ -121,6 +121,7 @@ void EditHistory::Data::Break()
 {
     Clear();
     saved.reset();
+    check.Forget();
 }
 
 void EditHistory::Data::Clear()
@@ -144,6 +145,8 @@ bool EditHistory::Data::Go(ChangeCause cause)
     std::deque<Entry> &to = isUndo ? undone : done;
     if (from.empty() || !locked)
         return false;
+    if (checks)
+        check.RequireKnown(*locked);
     hasGestureEnded = true;
     Step &step = from.back().step;
     try {
@@ -152,6 +155,8 @@ bool EditHistory::Data::Go(ChangeCause cause)
         Break();
         throw;
     }
+    if (checks)
+        check.Know(*locked);
     to.push_back(std::move(from.back()));
     from.pop_back();
     Measure(to.back());
@@ -195,6 +200,7 @@ EditHistory::EditHistory(const std::shared_ptr<Project> &project)
         throw std::logic_error("A history cannot begin while an edit goes on");
     data_ = std::make_unique<Data>(project);
     project->editing_.history = this;
+    SetChecksAnnouncements(data_->checks);
 }
 
 EditHistory::~EditHistory()
@@ -312,6 +318,10 @@ bool EditHistory::ChecksAnnouncements() const
 void EditHistory::SetChecksAnnouncements(bool checks)
 {
     data_->checks = checks;
+    data_->check = {};
+    const std::shared_ptr<Project> project = data_->project.lock();
+    if (checks && project)
+        data_->check.Know(*project);
 }
 
 } // namespace marlet::project

@@ -26,8 +26,7 @@ class MARLET_EXPORT EditHistory
 public:
     struct Limits {
         std::size_t steps = 1000;
-        /// Of what the steps keep, about. An object that a step took out of the project counts with its place
-        /// alone, whatever it holds.
+        /// Of what the steps keep, about. An object that is not in the project counts with all that it holds.
         std::size_t bytes = std::size_t{256} << 20;
     };
 
@@ -45,7 +44,8 @@ public:
     /// Of the step that would be undone or redone; empty if there is none.
     const WideString &UndoLabel() const;
     const WideString &RedoLabel() const;
-    /// False if there is nothing to undo or redo. @throws std::logic_error while an edit goes on
+    /// False if there is nothing to undo or redo. @throws std::logic_error while an edit goes on, and where
+    /// the history checks and finds that the project was changed without an edit, which stays
     bool Undo();
     bool Redo();
     /// What was edited since can be undone, but not be joined by an edit of the same gesture.
@@ -71,9 +71,11 @@ public:
     void RemoveObserver(const std::shared_ptr<ChangeObserver> &observer);
     void SetFailureFunction(FailureFunction function);
 
-    /// Whether each commit looks for changes that were not announced, by writing the project as text before
-    /// the edit, after it, and once more undone: for the tests of a host. It is on in debug builds of the
-    /// library, off in others.
+    /// Whether the history looks for changes that were not announced: in each edit when it is committed, and
+    /// between two of them when the next one or an undo or a redo begins, but for what only panels show,
+    /// which a host may change as it likes. For the tests of a host: the project is written as text before
+    /// the edit, after it, and once more undone. Very long texts are not looked at. It is on in debug builds
+    /// of the library, off in others.
     bool ChecksAnnouncements() const;
     void SetChecksAnnouncements(bool checks);
 

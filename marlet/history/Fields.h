@@ -2,6 +2,7 @@
 
 #include <marlet/foundation/KyList.h>
 #include <marlet/history/EditedPart.h>
+#include <marlet/history/HeldSize.h>
 
 #include <algorithm>
 #include <cstring>
@@ -37,6 +38,13 @@ constexpr auto Setting(Aspect aspect, Result (Object::*get)() const, void (Objec
                  [set](Object &object, const Value &value) { (object.*set)(value); }};
 }
 
+/// A getter, and a setter that takes what those of the class would not.
+template <class Object, class Result, class Value>
+constexpr auto Setting(Aspect aspect, Result (Object::*get)() const, void (*set)(Object &, Value))
+{
+    return Field{aspect, [get](const Object &object) -> Value { return (object.*get)(); }, set};
+}
+
 /// What the class hands out by reference, to be changed there. Reading takes the const form: the other one
 /// may drop what the class worked out of it.
 template <class Object, class T>
@@ -49,6 +57,15 @@ constexpr auto Held(Aspect aspect, T &(Object::*place)(), const T &(Object::*con
 template <class T> struct IsList : std::false_type {
 };
 template <class T, template <class, class> class C> struct IsList<kytl::KyList<T, C>> : std::true_type {
+};
+
+/// Whether a value keeps objects alive.
+template <class T> struct IsOwning : std::false_type {
+};
+template <class T> struct IsOwning<std::shared_ptr<T>> : std::true_type {
+};
+template <class T, template <class, class> class C>
+struct IsOwning<kytl::KyList<std::shared_ptr<T>, C>> : std::true_type {
 };
 
 /// Whether two values are the same to the bit, so that nothing is lost by passing over them.
@@ -97,17 +114,40 @@ template <class T> std::shared_ptr<T> Locked(const std::weak_ptr<T> &entry)
     return entry.lock();
 }
 
-/// The entries of the first list that the second does not have as often.
-template <class List> std::vector<kytl::KyID> EntriesBeyond(const List &list, const List &other)
+/// Calls the function for the entries of the first list that the second does not have as often.
+template <class List, class Function>
+void ForEachBeyond(const List &list, const List &other, const Function &function)
 {
     std::unordered_map<const void *, int> known;
     for (const auto &entry : other)
         ++known[Locked(entry).get()];
-    std::vector<kytl::KyID> beyond;
     for (const auto &entry : list)
         if (const auto object = Locked(entry); object && known[object.get()]-- <= 0)
-            beyond.push_back(object->ID());
+            function(*object);
+}
+
+template <class List> std::vector<kytl::KyID> EntriesBeyond(const List &list, const List &other)
+{
+    std::vector<kytl::KyID> beyond;
+    ForEachBeyond(list, other, [&beyond](const auto &object) { beyond.push_back(object.ID()); });
     return beyond;
+}
+
+// What only a kept value still has of objects.
+
+template <class T> std::size_t SizeOfHeld(const std::shared_ptr<T> &kept, const std::shared_ptr<T> &live)
+{
+    return kept && kept != live ? HeldSize(*kept) : 0;
+}
+
+template <class T, template <class, class> class C>
+std::size_t SizeOfHeld(const kytl::KyList<std::shared_ptr<T>, C> &kept,
+                       const kytl::KyList<std::shared_ptr<T>, C> &live)
+{
+    std::size_t size = 0;
+    if (!AreSame(kept, live))
+        ForEachBeyond(kept, live, [&size](const T &object) { size += HeldSize(object); });
+    return size;
 }
 
 template <class T> void DescribeField(ObjectChange &change, Aspect aspect, const T &live, const T &kept)
@@ -147,11 +187,7 @@ public:
     void Exchange() override { ExchangeAll(kIndices); }
     void Describe(ChangeList &changes) const override { DescribeAll(changes, kIndices); }
 
-    std::size_t Size() const override
-    {
-        const auto beyond = [](const auto &...value) { return (SizeBeyond(value) + ... + 0); };
-        return sizeof *this + std::apply(beyond, kept_);
-    }
+    std::size_t Size() const override { return sizeof *this + SizeOfAll(kIndices); }
 
 protected:
     const Object &Live() const { return *object_; }
@@ -185,6 +221,19 @@ private:
         const Value live = field.get(*object_);
         if (!AreSame(live, kept))
             DescribeField(changes.Of(kind_, id_), field.aspect, live, kept);
+    }
+
+    template <std::size_t... i> std::size_t SizeOfAll(std::index_sequence<i...>) const
+    {
+        return (SizeOfOne(std::get<i>(fields), std::get<i>(kept_)) + ... + 0);
+    }
+
+    template <class F, class Value> std::size_t SizeOfOne(const F &field, const Value &kept) const
+    {
+        if constexpr (IsOwning<Value>::value)
+            return SizeBeyond(kept) + SizeOfHeld(kept, field.get(*object_));
+        else
+            return SizeBeyond(kept);
     }
 
     std::shared_ptr<Object> object_;

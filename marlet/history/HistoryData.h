@@ -1,5 +1,6 @@
 #pragma once
 
+#include <marlet/history/AnnouncementCheck.h>
 #include <marlet/history/EditHistory.h>
 #include <marlet/history/Step.h>
 
@@ -43,6 +44,7 @@ struct EditHistory::Data {
     std::vector<std::shared_ptr<ChangeObserver>> observers;
     FailureFunction failure;
     bool isTelling = false;
+    AnnouncementCheck check;
 #ifdef NDEBUG
     bool checks = false;
 #else

@@ -1,5 +1,7 @@
 #include <marlet/history/Fields.h>
 #include <marlet/history/Parts.h>
+#include <marlet/history/StoredFields.h>
+#include <marlet/layers/Abstract3DEffect.h>
 #include <marlet/layers/AssetLayer.h>
 #include <marlet/layers/CameraLayer.h>
 #include <marlet/layers/Effect3DLayer.h>
@@ -70,23 +72,24 @@ constexpr std::tuple kAssetLayerFields(Field{Aspect::Links, StateOf, SetState},
                                        Setting(Aspect::Frames, &AssetLayer::AssetInstanceStart,
                                                &AssetLayer::SetAssetInstanceStart),
                                        Setting(Aspect::Settings, &AssetLayer::AutoOrientation,
-                                               &AssetLayer::SetAutoOrientation),
+                                               StoredFields::SetAutoOrientation<AssetLayer>),
                                        Held(Aspect::Members, &AssetLayer::Effects, &AssetLayer::Effects),
                                        Held(Aspect::Members, &AssetLayer::Masks, &AssetLayer::Masks),
                                        Held(Aspect::Members, &AssetLayer::Trackers, &AssetLayer::Trackers));
 
-constexpr std::tuple
-    kCameraFields(Setting(Aspect::Settings, &CameraLayer::HasDepthOfField, &CameraLayer::SetDepthOfField),
-                  Setting(Aspect::Settings, &CameraLayer::NearClip, &CameraLayer::SetNearClip),
-                  Setting(Aspect::Settings, &CameraLayer::FarClip, &CameraLayer::SetFarClip),
-                  Setting(Aspect::Settings, &CameraLayer::AutoOrientation, &CameraLayer::SetAutoOrientation));
+constexpr std::tuple kCameraFields(
+    Setting(Aspect::Settings, &CameraLayer::HasDepthOfField, &CameraLayer::SetDepthOfField),
+    Setting(Aspect::Settings, &CameraLayer::NearClip, &CameraLayer::SetNearClip),
+    Setting(Aspect::Settings, &CameraLayer::FarClip, &CameraLayer::SetFarClip),
+    Setting(Aspect::Settings, &CameraLayer::AutoOrientation, StoredFields::SetAutoOrientation<CameraLayer>));
 
-constexpr std::tuple
-    kLightFields(Setting(Aspect::Settings, &LightLayer::LightSourceType, &LightLayer::SetLightSourceType),
-                 Setting(Aspect::Settings, &LightLayer::AutoOrientation, &LightLayer::SetAutoOrientation));
+constexpr std::tuple kLightFields(Setting(Aspect::Settings, &LightLayer::LightSourceType,
+                                          &LightLayer::SetLightSourceType),
+                                  Setting(Aspect::Settings, &LightLayer::AutoOrientation,
+                                          StoredFields::SetAutoOrientation<LightLayer>));
 
 constexpr std::tuple kGradeFields(Setting(Aspect::Settings, &GradeLayer::Dimensions,
-                                          &GradeLayer::SetDimensions),
+                                          StoredFields::SetDimensions<GradeLayer>),
                                   Setting(Aspect::Settings, &GradeLayer::Width, &GradeLayer::SetWidth),
                                   Setting(Aspect::Settings, &GradeLayer::Height, &GradeLayer::SetHeight),
                                   Held(Aspect::Members, &GradeLayer::Effects, &GradeLayer::Effects),
@@ -96,10 +99,10 @@ constexpr std::tuple kEffect3DFields(Setting(Aspect::Settings, &Effect3DLayer::E
                                              &Effect3DLayer::SetEffect));
 
 constexpr std::tuple kPointFields(Setting(Aspect::Settings, &PointLayer::Dimensions,
-                                          &PointLayer::SetDimensions));
+                                          StoredFields::SetDimensions<PointLayer>));
 
 constexpr std::tuple kTextLayerFields(Setting(Aspect::Settings, &TextLayer::Dimensions,
-                                              &TextLayer::SetDimensions),
+                                              StoredFields::SetDimensions<TextLayer>),
                                       Held(Aspect::Members, &TextLayer::Effects, &TextLayer::Effects),
                                       Held(Aspect::Members, &TextLayer::Masks, &TextLayer::Masks));
 

@@ -3,6 +3,7 @@
 #include <marlet/editor/EditorSequence.h>
 #include <marlet/history/Fields.h>
 #include <marlet/history/Parts.h>
+#include <marlet/history/StoredFields.h>
 #include <marlet/layers/AbstractLayer.h>
 #include <marlet/project/AbstractAssetInstance.h>
 #include <marlet/project/AssetList.h>
@@ -83,9 +84,11 @@ constexpr std::tuple kImageFields(Setting(Aspect::File, &ImageAsset::Filename, &
                                   Setting(Aspect::Settings, &ImageAsset::PixelAspectRatio,
                                           &ImageAsset::SetPixelAspectRatio));
 
-constexpr std::tuple
-    kMediaFields(Setting(Aspect::View, &MediaAsset::TrimmerInPoint, &MediaAsset::SetTrimmerInPoint),
-                 Setting(Aspect::View, &MediaAsset::TrimmerOutPoint, &MediaAsset::SetTrimmerOutPoint));
+constexpr std::tuple kMediaFields(Field{Aspect::View, StoredFields::TrimmerInPoint,
+                                        [](MediaAsset &asset, int frame) { asset.SetTrimmerInPoint(frame); }},
+                                  Field{
+                                      Aspect::View, StoredFields::TrimmerOutPoint,
+                                      [](MediaAsset &asset, int frame) { asset.SetTrimmerOutPoint(frame); }});
 
 using Composition = CompositionAsset;
 
@@ -93,7 +96,7 @@ constexpr std::tuple kCompositionFields(
     Held(Aspect::Settings, &Composition::Settings, &Composition::Settings),
     Held(Aspect::Settings, &Composition::RenderSettings, &Composition::RenderSettings),
     Setting(Aspect::View, &Composition::CurrentTimeIndicator, &Composition::SetCurrentTimeIndicator),
-    Setting(Aspect::View, &Composition::InPoint, &Composition::SetInPoint),
+    Setting(Aspect::View, &Composition::InPoint, StoredFields::SetInPoint<Composition>),
     Setting(Aspect::View, &Composition::OutPoint, &Composition::SetOutPoint),
     Setting(Aspect::View, &Composition::TimelineZoom, &Composition::SetTimelineZoom),
     Setting(Aspect::View, &Composition::SplitterPosition, &Composition::SetSplitterPosition),
@@ -142,7 +145,7 @@ public:
         if (!(project_->Metadata() == *kept_))
             changes.Of(ObjectKind::Project, project_->ID()).aspects |= Aspect::Settings;
     }
-    std::size_t Size() const override { return sizeof *this; }
+    std::size_t Size() const override { return sizeof *this + kept_->Size(); }
 
 private:
     std::shared_ptr<Project> project_;

@@ -8,6 +8,7 @@
 #include <marlet/editor/VisualObject.h>
 #include <marlet/history/Fields.h>
 #include <marlet/history/Parts.h>
+#include <marlet/history/StoredFields.h>
 #include <marlet/plugins/EffectInstance.h>
 #include <marlet/project/CompositionAsset.h>
 #include <marlet/project/PanelRenderState.h>
@@ -29,7 +30,7 @@ constexpr std::tuple kSequenceFields(
     Held(Aspect::Members, &Sequence::VideoTracks, &Sequence::VideoTracks),
     Held(Aspect::Members, &Sequence::AudioTracks, &Sequence::AudioTracks),
     Setting(Aspect::View, &Sequence::CurrentTimeIndicator, &Sequence::SetCurrentTimeIndicator),
-    Setting(Aspect::View, &Sequence::InPoint, &Sequence::SetInPoint),
+    Setting(Aspect::View, &Sequence::InPoint, StoredFields::SetInPoint<Sequence>),
     Setting(Aspect::View, &Sequence::OutPoint, &Sequence::SetOutPoint),
     Setting(Aspect::View, &Sequence::TimelineZoom, &Sequence::SetTimelineZoom),
     Setting(Aspect::View, &Sequence::TimelineTimeFormat, &Sequence::SetTimelineTimeFormat),

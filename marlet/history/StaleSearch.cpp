@@ -101,8 +101,10 @@ private:
         case ObjectKind::PathPoint:
         case ObjectKind::Effect:
         case ObjectKind::Transition:
-        case ObjectKind::HostObject:
             BeginOwner(change);
+            break;
+        case ObjectKind::HostObject:
+            BeginHostObject(change);
             break;
         case ObjectKind::Sequence:
             AddTimeline(change.id, {});
@@ -183,6 +185,17 @@ private:
             BeginLayer(change, *layer);
         for (const kytl::KyID &object : uses_.OwningObjects(change.id))
             AddObject(object);
+    }
+
+    /// It has the ID of what shows it, which may be anything.
+    void BeginHostObject(const ObjectChange &change)
+    {
+        if (uses_.Compositions().contains(change.id) || change.id == uses_.Sequence())
+            AddTimeline(change.id, {});
+        BeginLayer(change, change.id);
+        BeginOwner(change);
+        FollowAsset(change.id, {});
+        AddObject(change.id);
     }
 
     void BeginTrack(const ObjectChange &change)

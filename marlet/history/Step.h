@@ -22,7 +22,8 @@ public:
 
     /// Whether anything differs. A part in which nothing does may still be needed beside others: a key frame
     /// that came and went lies under what was kept of its property in between.
-    bool IsChange() const;
+    /// To know of shifts that came back to where they began, it may undo and redo itself.
+    bool IsChange();
     /// What differs in all of them.
     void Describe(ChangeList &changes) const;
     /// Puts back what was there before. If a part throws, those that were put back are done again.
@@ -31,6 +32,8 @@ public:
     std::size_t Size() const;
 
 private:
+    bool MovesAnything();
+
     struct PlaceHash {
         std::size_t operator()(const EditedPart::Place &place) const
         {

@@ -1,8 +1,8 @@
 #include <marlet/history/Parts.h>
+#include <marlet/history/StoredFields.h>
 #include <marlet/layers/StyledText.h>
 #include <marlet/layers/TextLayer.h>
 
-#include <algorithm>
 #include <vector>
 
 namespace marlet::project
@@ -117,15 +117,9 @@ void PutBack(const std::vector<FormatState> &formats, TextLayer::FormatList &tab
     }
 }
 
-/// The order lets each bound be set: one that passes the other would change places with it.
 void PutBack(const Bounds &bounds, TextLayer &layer)
 {
-    layer.SetMaxX(std::max(layer.MaxX(), bounds.maxX));
-    layer.SetMinX(bounds.minX);
-    layer.SetMaxX(bounds.maxX);
-    layer.SetMaxY(std::max(layer.MaxY(), bounds.maxY));
-    layer.SetMinY(bounds.minY);
-    layer.SetMaxY(bounds.maxY);
+    StoredFields::SetBounds(layer, bounds.minX, bounds.maxX, bounds.minY, bounds.maxY);
 }
 
 /// A text with its tokens and formats, which keep their addresses: what stands in them is put back.

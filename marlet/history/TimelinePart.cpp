@@ -3,6 +3,7 @@
 #include <marlet/editor/AbstractSequenceObject.h>
 #include <marlet/editor/AbstractSequenceTrack.h>
 #include <marlet/editor/SequenceObjectList.h>
+#include <marlet/history/HeldSize.h>
 
 #include <algorithm>
 
@@ -281,14 +282,44 @@ void TimelinePart::Describe(ChangeList &changes, const Shift &shift) const
     changes.AddFormerFrames(sequence_, shift.track->ID(), shift.firstFrame, std::numeric_limits<int>::max());
 }
 
+void TimelinePart::AddShifts(ShiftSums &sums) const
+{
+    for (const Epoch &epoch : epochs_)
+        if (const auto *shift = std::get_if<Shift>(&epoch))
+            sums[shift->track] += shift->frames;
+}
+
+void TimelinePart::AddTracks(std::vector<Track> &tracks) const
+{
+    for (const Epoch &epoch : epochs_) {
+        if (const auto *shift = std::get_if<Shift>(&epoch))
+            tracks.push_back(shift->track);
+        else
+            for (const TimelineStand &stand : std::get<TimelinePlaces>(epoch).Stands())
+                tracks.push_back(stand.track);
+    }
+}
+
+/// An object that left one track for another is alive there.
 std::size_t TimelinePart::Size() const
 {
     std::size_t size = sizeof *this;
+    std::unordered_set<const AbstractSequenceObject *> missing;
     for (const Epoch &epoch : epochs_) {
         size += sizeof epoch;
-        if (const auto *places = std::get_if<TimelinePlaces>(&epoch))
-            size += places->Stands().size() * 2 * sizeof(TimelineStand);
+        const auto *places = std::get_if<TimelinePlaces>(&epoch);
+        if (!places)
+            continue;
+        size += places->Stands().size() * 2 * sizeof(TimelineStand);
+        for (const TimelineStand &kept : places->Stands())
+            if (kept.isThere && !TimelineStand(kept.track, kept.object).isThere)
+                missing.insert(kept.object.get());
+        for (const TimelineStand &kept : places->Stands())
+            if (!missing.empty() && !kept.isThere && TimelineStand(kept.track, kept.object).isThere)
+                missing.erase(kept.object.get());
     }
+    for (const AbstractSequenceObject *object : missing)
+        size += HeldSize(*object);
     return size;
 }
 

@@ -2,6 +2,7 @@
 
 #include <marlet/history/EditedPart.h>
 
+#include <cstdint>
 #include <memory>
 #include <unordered_map>
 #include <unordered_set>
@@ -93,6 +94,12 @@ public:
     void ForgetSince(std::size_t moment) { epochs_.resize(moment, Shift()); }
     /// Whether it has no shift and only places that another one has, too, which so is enough for both.
     bool IsCoveredBy(const TimelinePart &other) const;
+
+    /// The frames by which the tracks were shifted, all shifts of one together.
+    using ShiftSums = std::unordered_map<Track, std::int64_t>;
+    void AddShifts(ShiftSums &sums) const;
+    /// All on which something was announced, some more than once.
+    void AddTracks(std::vector<Track> &tracks) const;
 
     void Exchange() override;
     void Describe(ChangeList &changes) const override;

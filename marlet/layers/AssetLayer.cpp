@@ -216,6 +216,11 @@ void AssetLayer::SetAutoOrientation(AutoOrient mode)
         impl_->autoOrientation = mode;
 }
 
+void AssetLayer::RestoreAutoOrientation(AutoOrient mode)
+{
+    impl_->autoOrientation = mode;
+}
+
 AbstractLayer::Matrix AssetLayer::AutoOrientAtTime(int time) const
 {
     return TurnTowardsTarget(impl_->autoOrientation, Animation(), time);

@@ -100,12 +100,14 @@ public:
 
 private:
     friend class LayerMaker;
+    friend class StoredFields;
 
     AssetLayer();
     explicit AssetLayer(const std::shared_ptr<AbstractAsset> &asset);
     AssetLayer(const XmlCursor &element, const std::shared_ptr<AbstractPluginManager> &pluginManager);
     AssetLayer(const AssetLayer &other);
 
+    void RestoreAutoOrientation(AutoOrient mode); ///< any value, as a file may have it
     /// Asset without a copy of the shared pointer. @throws std::logic_error if there is no such asset.
     const AbstractAsset &RequireAsset(const AssetList &assets) const;
     void Serialize(XmlWriter &writer, const ProjectTextureImageCache &textures) const override;

@@ -200,6 +200,11 @@ void CameraLayer::SetAutoOrientation(AutoOrient mode)
         impl_->autoOrientation = mode;
 }
 
+void CameraLayer::RestoreAutoOrientation(AutoOrient mode)
+{
+    impl_->autoOrientation = mode;
+}
+
 AbstractLayer::Matrix CameraLayer::AutoOrientAtTime(int time) const
 {
     return TurnTowardsTarget(impl_->autoOrientation, Animation(), time);

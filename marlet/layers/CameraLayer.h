@@ -54,12 +54,14 @@ public:
 
 private:
     friend class LayerMaker;
+    friend class StoredFields;
 
     CameraLayer();
     CameraLayer(const WideString &name, float aperture, float zoom, float focusDistance, float blurDoF);
     explicit CameraLayer(const XmlCursor &element);
     CameraLayer(const CameraLayer &other);
 
+    void RestoreAutoOrientation(AutoOrient mode); ///< any value, as a file may have it
     void Serialize(XmlWriter &writer, const ProjectTextureImageCache &textures) const override;
 
     ValuePtr<CameraLayer_Impl> impl_;

@@ -118,6 +118,11 @@ void GradeLayer::SetDimensions(LayerDimensions dimensions)
         impl_->dimensions = dimensions;
 }
 
+void GradeLayer::RestoreDimensions(LayerDimensions dimensions)
+{
+    impl_->dimensions = dimensions;
+}
+
 AbstractLayer::Matrix GradeLayer::TransformationAtTime(int time, const std::shared_ptr<Project> &project,
                                                        bool avoidZeroScale) const
 {

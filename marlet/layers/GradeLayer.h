@@ -52,12 +52,14 @@ public:
 
 private:
     friend class LayerMaker;
+    friend class StoredFields;
 
     GradeLayer();
     GradeLayer(const WideString &name, int width, int height);
     GradeLayer(const XmlCursor &element, const std::shared_ptr<AbstractPluginManager> &pluginManager);
     GradeLayer(const GradeLayer &other);
 
+    void RestoreDimensions(LayerDimensions dimensions); ///< any value, as a file may have it
     void Serialize(XmlWriter &writer, const ProjectTextureImageCache &textures) const override;
     std::vector<ObjectPropertyList> ChildLayerReferencePropertyNames() const override;
     void ClearChildInvalidLayerReferences(const std::unordered_map<NarrowString, bool> &validIDs) override;

@@ -158,6 +158,11 @@ void LightLayer::SetAutoOrientation(AutoOrient mode)
         impl_->autoOrientation = mode;
 }
 
+void LightLayer::RestoreAutoOrientation(AutoOrient mode)
+{
+    impl_->autoOrientation = mode;
+}
+
 AbstractLayer::Matrix LightLayer::AutoOrientAtTime(int time) const
 {
     return TurnTowardsTarget(impl_->autoOrientation, Animation(), time);

@@ -43,12 +43,14 @@ public:
 
 private:
     friend class LayerMaker;
+    friend class StoredFields;
 
     LightLayer();
     LightLayer(const WideString &name, LightType type);
     explicit LightLayer(const XmlCursor &element);
     LightLayer(const LightLayer &other);
 
+    void RestoreAutoOrientation(AutoOrient mode); ///< any value, as a file may have it
     void Serialize(XmlWriter &writer, const ProjectTextureImageCache &textures) const override;
 
     ValuePtr<LightLayer_Impl> impl_;

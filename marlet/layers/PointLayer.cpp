@@ -100,6 +100,11 @@ void PointLayer::SetDimensions(LayerDimensions dimensions)
         impl_->dimensions = dimensions;
 }
 
+void PointLayer::RestoreDimensions(LayerDimensions dimensions)
+{
+    impl_->dimensions = dimensions;
+}
+
 AbstractLayer::Matrix PointLayer::TransformationAtTime(int time, const std::shared_ptr<Project> &project,
                                                        bool avoidZeroScale) const
 {

@@ -32,12 +32,14 @@ public:
 
 private:
     friend class LayerMaker;
+    friend class StoredFields;
 
     PointLayer();
     explicit PointLayer(const WideString &name);
     PointLayer(const XmlCursor &element, const Deserializer &);
     PointLayer(const PointLayer &other);
 
+    void RestoreDimensions(LayerDimensions dimensions); ///< any value, as a file may have it
     void Serialize(XmlWriter &writer, const ProjectTextureImageCache &textures) const override;
 
     ValuePtr<PointLayer_Impl> impl_;

@@ -1,41 +1,18 @@
 #include <marlet/layers/TextLayer.h>
 
-#include <marlet/foundation/Arguments.h>
 #include <marlet/foundation/xml/XmlReader.h>
 #include <marlet/foundation/xml/XmlWriter.h>
 #include <marlet/layers/LayerHelper.h>
 #include <marlet/layers/LayerMaker.h>
 #include <marlet/layers/LayerProperties.h>
 #include <marlet/layers/LayerValues.h>
-#include <marlet/layers/StyledText.h>
+#include <marlet/layers/TextLayerImpl.h>
 #include <marlet/plugins/EffectsHelper.h>
 
 #include <cstdint>
-#include <utility>
 
 namespace marlet::project
 {
-
-struct TextLayer_Impl {
-    /// What is selected and where the cursor is while the host edits the text.
-    struct EditingState {
-        std::shared_ptr<TextLayer::Token> selectionStart;
-        std::shared_ptr<TextLayer::Token> selectionEnd;
-        std::shared_ptr<TextLayer::Token> cursor;
-        bool isEditing = false;
-    };
-
-    LayerDimensions dimensions = LayerDimensions::TwoD;
-    float minX = 0;
-    float maxX = 0;
-    float minY = 0;
-    float maxY = 0;
-    StyledText text;
-    TextLayer::EffectList effects;
-    TextLayer::MaskList masks;
-    Uncopied<EditingState> editing;
-    TextLayer::CursorPositionType cursorRenderPosition{};
-};
 
 namespace
 {
@@ -63,12 +40,6 @@ template <class Xml, class Data> void TextLayerFields(Xml &xml, Data &data)
 float Half(std::int64_t size)
 {
     return static_cast<float>(size) * 0.5f;
-}
-
-void Order(float &minimum, float &maximum)
-{
-    if (minimum > maximum)
-        std::swap(minimum, maximum);
 }
 
 } // namespace
@@ -170,6 +141,11 @@ void TextLayer::SetDimensions(LayerDimensions dimensions)
         impl_->dimensions = dimensions;
 }
 
+void TextLayer::RestoreDimensions(LayerDimensions dimensions)
+{
+    impl_->dimensions = dimensions;
+}
+
 AbstractLayer::Matrix TextLayer::TransformationAtTime(int time, const std::shared_ptr<Project> &project,
                                                       bool avoidZeroScale) const
 {
@@ -185,26 +161,6 @@ AbstractLayer::Matrix TextLayer::AlignToMotion(const Matrix &, int, const std::s
                                                bool) const
 {
     return {};
-}
-
-TextLayer::TokenList &TextLayer::Text()
-{
-    return impl_->text.tokens;
-}
-
-const TextLayer::TokenList &TextLayer::Text() const
-{
-    return impl_->text.tokens;
-}
-
-TextLayer::FormatList &TextLayer::Formats()
-{
-    return impl_->text.formats;
-}
-
-const TextLayer::FormatList &TextLayer::Formats() const
-{
-    return impl_->text.formats;
 }
 
 TextLayer::EffectList &TextLayer::Effects()
@@ -225,159 +181,6 @@ TextLayer::MaskList &TextLayer::Masks()
 const TextLayer::MaskList &TextLayer::Masks() const
 {
     return impl_->masks;
-}
-
-int TextLayer::GetTokenIndex(const std::shared_ptr<Token> &token) const
-{
-    if (!token)
-        return -1;
-    int index = 0;
-    for (const Token &other : TokenChain(impl_->text.tokens.first)) {
-        if (&other == token.get())
-            return index;
-        ++index;
-    }
-    return -1;
-}
-
-const std::shared_ptr<TextLayer::Format> &
-TextLayer::TextFormat(const WideString &family, const WideString &style, int size,
-                      const kytl::KyColorRGBA_32f &fill, const kytl::KyColorRGBA_32f &stroke,
-                      float strokeWidth, float tracking, float leading)
-{
-    const Format format{.id = kytl::KyID::Generate(),
-                        .family = family,
-                        .style = style,
-                        .size = size,
-                        .fillColor = fill,
-                        .strokeColor = stroke,
-                        .strokeWidth = strokeWidth,
-                        .tracking = tracking,
-                        .leading = leading};
-    if (const std::shared_ptr<Format> *entry = impl_->text.FindFormat(format))
-        return *entry;
-    impl_->text.formats.Add(std::make_shared<Format>(format));
-    return impl_->text.formats.back();
-}
-
-const std::shared_ptr<TextLayer::Format> &TextLayer::GetOrAddFormat(const std::shared_ptr<Format> &format)
-{
-    Require(format, "format");
-    if (const std::shared_ptr<Format> *entry = impl_->text.FindFormat(*format))
-        return *entry;
-    impl_->text.formats.Add(format);
-    return format;
-}
-
-void TextLayer::CleanUpFormat()
-{
-    impl_->text.DropUnusedFormats();
-}
-
-float TextLayer::MinX() const
-{
-    return impl_->minX;
-}
-
-float TextLayer::MaxX() const
-{
-    return impl_->maxX;
-}
-
-float TextLayer::MinY() const
-{
-    return impl_->minY;
-}
-
-float TextLayer::MaxY() const
-{
-    return impl_->maxY;
-}
-
-void TextLayer::SetMinX(float x)
-{
-    impl_->minX = x;
-    Order(impl_->minX, impl_->maxX);
-}
-
-void TextLayer::SetMaxX(float x)
-{
-    impl_->maxX = x;
-    Order(impl_->minX, impl_->maxX);
-}
-
-void TextLayer::SetMinY(float y)
-{
-    impl_->minY = y;
-    Order(impl_->minY, impl_->maxY);
-}
-
-void TextLayer::SetMaxY(float y)
-{
-    impl_->maxY = y;
-    Order(impl_->minY, impl_->maxY);
-}
-
-float TextLayer::Width() const
-{
-    return impl_->maxX - impl_->minX;
-}
-
-float TextLayer::Height() const
-{
-    return impl_->maxY - impl_->minY;
-}
-
-const std::shared_ptr<TextLayer::Token> &TextLayer::SelectionStart() const
-{
-    return impl_->editing->selectionStart;
-}
-
-const std::shared_ptr<TextLayer::Token> &TextLayer::SelectionEnd() const
-{
-    return impl_->editing->selectionEnd;
-}
-
-void TextLayer::SetSelectionStart(const std::shared_ptr<Token> &token)
-{
-    impl_->editing->selectionStart = token;
-}
-
-void TextLayer::SetSelectionEnd(const std::shared_ptr<Token> &token)
-{
-    impl_->editing->selectionEnd = token;
-}
-
-void TextLayer::ClearSelection()
-{
-    impl_->editing->selectionStart.reset();
-    impl_->editing->selectionEnd.reset();
-}
-
-const std::shared_ptr<TextLayer::Token> &TextLayer::CursorPosition() const
-{
-    return impl_->editing->cursor;
-}
-
-TextLayer::CursorPositionType TextLayer::CursorRenderPosition() const
-{
-    return impl_->cursorRenderPosition;
-}
-
-void TextLayer::SetCursorPosition(const std::shared_ptr<Token> &token, CursorPositionType renderPosition)
-{
-    impl_->editing->cursor = token;
-    impl_->cursorRenderPosition = renderPosition;
-}
-
-bool TextLayer::IsEditingMode() const
-{
-    return impl_->editing->isEditing;
-}
-
-void TextLayer::SetEditingMode(bool editing)
-{
-    impl_->editing->isEditing = editing;
 }
 
 std::vector<ObjectPropertyList> TextLayer::ChildLayerReferencePropertyNames() const

@@ -155,12 +155,16 @@ public:
 
 private:
     friend class LayerMaker;
+    friend class StoredFields;
 
     TextLayer();
     TextLayer(const WideString &name, int width, int height);
     TextLayer(const XmlCursor &element, const std::shared_ptr<AbstractPluginManager> &pluginManager);
     TextLayer(const TextLayer &other);
 
+    // Any values, as a file may have them.
+    void RestoreDimensions(LayerDimensions dimensions);
+    void RestoreBounds(float minX, float maxX, float minY, float maxY);
     void Serialize(XmlWriter &writer, const ProjectTextureImageCache &textures) const override;
     std::vector<ObjectPropertyList> ChildLayerReferencePropertyNames() const override;
     void ClearChildInvalidLayerReferences(const std::unordered_map<NarrowString, bool> &validIDs) override;

@@ -275,6 +275,11 @@ void CompositionAsset::SetInPoint(int frame)
     impl_->inPoint = std::max(frame, 0);
 }
 
+void CompositionAsset::RestoreInPoint(int frame)
+{
+    impl_->inPoint = frame;
+}
+
 int CompositionAsset::OutPoint() const
 {
     return impl_->outPoint;

@@ -103,6 +103,7 @@ public:
 
 private:
     friend class AssetList;
+    friend class StoredFields;
 
     CompositionAsset();
     CompositionAsset(const WideString &name, AudioVideoSettings::Preset preset, int frameCount);
@@ -110,6 +111,7 @@ private:
                      const Abstract3DEffectFactory &effectFactory, ProjectTextureImageCache &textures);
     CompositionAsset(const CompositionAsset &other);
 
+    void RestoreInPoint(int frame); ///< any frame, as a file may have it
     void Serialize(XmlWriter &writer, const ProjectTextureImageCache &textures) const override;
     void Deserialize(const XmlCursor &element, const std::shared_ptr<AbstractPluginManager> &pluginManager,
                      const Abstract3DEffectFactory &effectFactory, ProjectTextureImageCache &textures);

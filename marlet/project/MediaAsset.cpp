@@ -266,6 +266,16 @@ int MediaAsset::TrimmerOutPoint() const
     return CorrectedPoint(impl_->trimmerOutPoint, *this);
 }
 
+int MediaAsset::StoredTrimmerInPoint() const
+{
+    return impl_->trimmerInPoint;
+}
+
+int MediaAsset::StoredTrimmerOutPoint() const
+{
+    return impl_->trimmerOutPoint;
+}
+
 void MediaAsset::SetTrimmerInPoint(int frame)
 {
     impl_->trimmerInPoint = frame;

@@ -104,6 +104,7 @@ public:
 private:
     friend class AssetList;
     friend class MediaManager;
+    friend class StoredFields;
     friend AssetPicture PictureOf(const AbstractAsset &asset);
 
     MediaAsset();
@@ -112,6 +113,9 @@ private:
     MediaAsset(const WideString &xml, const Deserializer &);
     MediaAsset(const MediaAsset &other);
 
+    // The trimmer's points as they stand in a file, beyond the end or not.
+    int StoredTrimmerInPoint() const;
+    int StoredTrimmerOutPoint() const;
     /// Held for moments while something is asked that Mutex keeps from changing.
     kytl::thread::KyCriticalSection &ShortLock() const;
     void SetMediaFile(kyh::media::KyAbstractMediaFile *file);

@@ -5,6 +5,8 @@
 #include <marlet/foundation/xml/XmlWriter.h>
 
 #include <map>
+#include <type_traits>
+#include <utility>
 
 namespace marlet::project
 {
@@ -34,6 +36,16 @@ public:
     void Remove(const kytl::KyID &id, unsigned int index) { values_.erase(Key(id, index)); }
 
     bool operator==(const Family &other) const = default;
+
+    std::size_t Size() const
+    {
+        constexpr std::size_t kNode = 32; // what a map needs beside each entry
+        std::size_t size = values_.size() * (kNode + sizeof(std::pair<std::uint64_t, T>));
+        if constexpr (std::is_same_v<T, WideString>)
+            for (const auto &[key, value] : values_)
+                size += value.capacity() * sizeof(char16_t);
+        return size;
+    }
 
     void Serialize(XmlWriter &writer, const char *tag) const
     {
@@ -115,6 +127,13 @@ void ProjectMetadata::Swap(ProjectMetadata &other) noexcept
 bool ProjectMetadata::operator==(const ProjectMetadata &other) const
 {
     return *impl_ == *other.impl_;
+}
+
+std::size_t ProjectMetadata::Size() const
+{
+    std::size_t size = sizeof(ProjectMetadata_Impl);
+    ForEachFamily(*impl_, [&size](const auto &family, const char *) { size += family.Size(); });
+    return size;
 }
 
 void ProjectMetadata::Serialize(XmlWriter &writer) const

@@ -31,6 +31,8 @@ public:
     std::unique_ptr<ProjectMetadata> Copy() const;
     void Swap(ProjectMetadata &other) noexcept;
     bool operator==(const ProjectMetadata &other) const;
+    /// About how many bytes the values take.
+    std::size_t Size() const;
 
     bool BooleanValue(const kytl::KyID &id, unsigned int index) const;
     void SetBooleanValue(const kytl::KyID &id, unsigned int index, bool value);

@@ -110,6 +110,20 @@ TEST(Merge, OrderThatFollowsFromTimesIsNoConflict)
     EXPECT_EQ(ToUtf8(ApplyToText(ours, result.changes)), ToUtf8(track("c 5 b 10 a 30")));
 }
 
+TEST(Compare, NamesWhatIsAnotherOneWhereTheNameStays)
+{
+    const auto cut = [](const std::string &from) {
+        return FromUtf8("<Project Version=\"0\">\n <InTrans ref=\"1\" transID=\"7\" fromObjectID=\"" + from +
+                        "\"/>\n</Project>\n");
+    };
+    const std::vector<Difference> differences = CompareTexts(cut("a"), cut("b"));
+    ASSERT_EQ(differences.size(), 1U);
+    EXPECT_EQ(differences[0].what, "incoming transition");
+    EXPECT_EQ(differences[0].before, "(fromObjectID a)");
+    EXPECT_EQ(differences[0].after, "(fromObjectID b)");
+    EXPECT_EQ(ApplyToText(cut("a"), differences), cut("b"));
+}
+
 TEST(Merge, ATextThatIsNotWholeIsRefused)
 {
     EXPECT_THROW(CompareTexts(u"<a><b></a>", u"<a/>"), XmlParseException);

@@ -6,16 +6,19 @@
 
 #include <marlet/history/EditHistory.h>
 
+#include <marlet/project/MediaAsset.h>
+
 #include <functional>
 #include <map>
+#include <optional>
 
 namespace marlet::test
 {
 
 /// Edits a project that has one of everything as numbers say, with undo, redo, dropped and inner edits in
 /// between, and looks after each step whether everything is as it has to be: the text, the addresses of all
-/// objects, and a mirror that knows of changes by notices alone. Whoever runs it says where numbers come from
-/// and what becomes of a fault.
+/// objects, what is wrong, and a mirror that knows of changes by notices alone. Whoever runs it says where
+/// numbers come from and what becomes of a fault.
 class EditScript
 {
 public:
@@ -45,7 +48,18 @@ private:
         return *std::next(list.begin(), Below(static_cast<unsigned int>(list.size())));
     }
 
+    /// A document as an edit left it.
+    struct State {
+        WideString text;
+        std::vector<std::string> findings;
+    };
+
     void OneEdit();
+    void Drag();
+    void Forget();
+    void Note();
+    WideString TextNow() const;
+    std::vector<std::string> FindingsNow() const;
     void SomeActions(Edit &edit);
     void Go(bool back);
     void Look(const NarrowString &after);
@@ -77,6 +91,10 @@ private:
     void ShiftObjects(Edit &edit);
     void ChangeTransition(Edit &edit);
     void ChangePanels(Edit &edit);
+    void OperateOnLayers(Edit &edit);
+    void OperateOnCurves(Edit &edit);
+    void OperateOnAssets(Edit &edit);
+    void OperateOnSequence(Edit &edit);
 
     std::shared_ptr<AbstractLayer> AnyLayer() { return AnyOf(document_.composition->Layers()); }
     std::shared_ptr<VideoTrack> AnyVideoTrack() { return AnyOf(document_.sequence->VideoTracks()); }
@@ -86,10 +104,15 @@ private:
     Numbers numbers_;
     Fault fault_;
     CheckedProject document_;
-    EditHistory history_{document_.project};
+    std::shared_ptr<ImageAsset> image_ = ImageAsset::Create(u"/no/such.png");
+    std::shared_ptr<MediaAsset> media_;
+    /// Shown by the inner composition, which the first one shows.
+    std::shared_ptr<CompositionAsset> deep_ =
+        CompositionAsset::Create(u"Deep", AudioVideoSettings::Preset::Hd720At25, 100);
+    std::optional<EditHistory> history_; ///< from when the document is filled
     Mirror mirror_{*document_.project};
     std::shared_ptr<Observer> observer_;
-    std::vector<WideString> states_;
+    std::vector<State> states_;
     std::size_t state_ = 0;
     std::map<std::string, const void *> addresses_;
 };

@@ -1,37 +1,12 @@
 #pragma once
 
-#include <marlet/foundation/KyID.h>
-#include <marlet/history/ChangeNotice.h>
-
-#include <map>
-#include <string>
-
-namespace marlet::project
-{
-class Project;
-} // namespace marlet::project
+#include "Facts.h"
 
 namespace marlet::test
 {
 
-using namespace marlet::project;
-
-/// An object of a project as its getters tell it, without what it holds.
-struct ObjectFacts {
-    const void *address = nullptr;
-    std::string text;
-    std::string holder; ///< the key of the object that holds it; empty for the project
-
-    bool operator==(const ObjectFacts &other) const = default;
-};
-
-/// All objects of a project by kind and ID.
-using FactsByKey = std::map<std::string, ObjectFacts>;
-
-std::string KeyOf(ObjectKind kind, const kytl::KyID &id);
-FactsByKey FactsOf(const Project &project);
-
-/// What a panel would know of a project that reads again only what notices name.
+/// What a panel would know of a project that reads again only what notices name: of an object that is named
+/// what the notice says of it, of a property its values within the times.
 class Mirror
 {
 public:
@@ -42,6 +17,8 @@ public:
     std::string DifferenceTo(const Project &project) const;
 
 private:
+    void Read(const ObjectChange &change, const ObjectFacts &live);
+
     FactsByKey facts_;
 };
 

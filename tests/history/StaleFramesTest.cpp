@@ -57,10 +57,14 @@ TEST(StaleFrames, AreThoseThatShowWhatChanged)
     nested->SetEndFrame(100);
     nested->SetAssetInstanceStart(10);
 
+    const std::shared_ptr<AbstractLayer> picture = document.layer;
+    KeyFrameList &keys = picture->Animation().KeyFrames("opacity");
+    for (const int time : {0, 600, 1200, 1800})
+        keys.Set(time, 50.f);
+
     EditHistory history(document.project);
     const auto listener = std::make_shared<StaleListener>(document);
     history.AddObserver(listener);
-    const std::shared_ptr<AbstractLayer> picture = document.layer;
 
     struct Row {
         const char *what;
@@ -122,6 +126,21 @@ TEST(StaleFrames, AreThoseThatShowWhatChanged)
              document.transition->Animation().StaticValue("amount") = 2.f;
          },
          "sequence 0..100"},
+        {"what a host keeps for a layer",
+         [&](Edit &edit) {
+             struct Part : EditedPart {
+                 explicit Part(const KyID &ofLayer) : EditedPart({}), layer(ofLayer) {}
+                 void Exchange() override {}
+                 void Describe(ChangeList &changes) const override
+                 {
+                     changes.Of(ObjectKind::HostObject, layer).aspects |= Aspect::Settings;
+                 }
+                 std::size_t Size() const override { return 0; }
+                 KyID layer;
+             };
+             edit.Touch(std::make_unique<Part>(picture->ID()));
+         },
+         "Main 10..60, Inner 40..90, sequence 0..100"},
         {"a tracker",
          [&](Edit &edit) {
              edit.Touch(document.tracker);
@@ -140,9 +159,6 @@ TEST(StaleFrames, AreThoseThatShowWhatChanged)
     }
 
     // One key frame of a second: frames 25 to 50 of the picture, a frame more for roundings at both ends.
-    KeyFrameList &keys = picture->Animation().KeyFrames("opacity");
-    for (const int time : {0, 600, 1200, 1800})
-        keys.Set(time, 50.f);
     Edit edit(document.project, u"Key frame");
     edit.Touch(picture, "opacity");
     keys.At(1200).SetValue(10.f);

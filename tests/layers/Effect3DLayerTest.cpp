@@ -3,6 +3,8 @@
 
 #include <marlet/foundation/Exceptions.h>
 #include <marlet/layers/Effect3DLayer.h>
+#include <marlet/layers/KeptEffects3D.h>
+#include <marlet/project/ProjectTextureImageCache.h>
 
 #include <gmock/gmock.h>
 
@@ -53,6 +55,18 @@ TEST(Effect3DLayer, WritesWhatItsEffectSaysBehindItsBase)
                                         "</Effect3DLayer>\n"));
     EXPECT_TRUE(ball->stoodInItsDocument);
     EXPECT_EQ(TextOf(*ReadLayer(text)), text);
+}
+
+TEST(Effect3DLayer, IsKeptAsItWasReadByAHostWithoutEffects)
+{
+    const std::string text = Replaced(
+        TextOf(*Effect3DLayer::Create(std::make_shared<PlainBall>("\"red\""), u"Red")), "<Size> 7 </Size>",
+        "<Size> 7 </Size>\n  <List b=\"1\" c=\"2\">\n   <Item>&lt;\n</Item>\n   <Item/>\n  </List>");
+    ProjectTextureImageCache textures;
+    const auto layer = Effect3DLayer::CreateFromXml(FromUtf8(text), KeptEffects3D(), textures);
+    EXPECT_EQ(TextOf(*layer), text);
+    const std::string clone = TextOf(*layer->Clone(Numbered(1)));
+    EXPECT_EQ(clone.substr(clone.find("<Effect ")), text.substr(text.find("<Effect ")));
 }
 
 TEST(Effect3DLayer, IsRefusedWithoutAnEffectBeforeItsPropertiesAreLookedFor)

@@ -185,6 +185,48 @@ TEST(TrackerOperations, HaveALayerFollowAPath)
         EXPECT_NEAR(place.Y, 20 + time / 50.0, 0.51);
     }
 
+    // The second point runs round the first once and comes twice as near: what of the text lies on it at the
+    // beginning stays on it.
+    const auto followAll = [&](double tolerance) {
+        return document.Do([&] {
+            FollowTracker(project, document.tracker, document.text, FollowOptions{tolerance, true, true});
+        });
+    };
+    EXPECT_EQ(followAll(0),
+              "Tracker \"Tracker\" has not two points with paths, from which rotation and scale come");
+    document.tracker->SetType(Tracker::TrackerType::TwoPoints);
+    KeyFrameList &second =
+        document.tracker->SecondaryTrackingPoint()->Animation().KeyFrames("featurePosition");
+    const auto secondAt = [&](int time) {
+        const double angle = time / 2000.0 * 2 * 3.14159265358979 + 0.3;
+        const double distance = 20 - time / 200.0;
+        const auto first = boost::get<Point2D>(
+            document.tracker->PrimaryTrackingPoint()->Animation().ValueAtTime("featurePosition", time));
+        return Point2D{float(first.X + distance * std::cos(angle)),
+                       float(first.Y + distance * std::sin(angle))};
+    };
+    for (int time = 0; time <= 2000; time += 40)
+        second.Add(Key(time, secondAt(time)));
+    const auto worldOf = [&](const AbstractLayer &layer, int time, const Point3D &point) {
+        return layer.WorldTransformationAtTime(time, project, false).TransformPoint(point);
+    };
+    const auto pixel = [](const Point2D &place) { return Point3D{32 + place.X, 16 + place.Y, 0}; };
+    for (const double tolerance : {0.0, 1.0}) {
+        EXPECT_EQ(followAll(tolerance), "");
+        AbstractLayer::Matrix toText = document.text->WorldTransformationAtTime(-80, project, false);
+        toText.Invert();
+        const Point3D marked = toText.TransformPoint(worldOf(*document.layer, 0, pixel(secondAt(0))));
+        for (int time = 0; time <= 2000; time += 40) {
+            const Point3D there = worldOf(*document.text, time - 80, marked);
+            const Point3D wanted = worldOf(*document.layer, time, pixel(secondAt(time)));
+            EXPECT_NEAR(there.X, wanted.X, 0.01 + 4 * tolerance) << time;
+            EXPECT_NEAR(there.Y, wanted.Y, 0.01 + 4 * tolerance) << time;
+        }
+        EXPECT_NEAR(std::abs(boost::get<float>(document.text->Animation().ValueAtTime("rotationZ", 1920)) -
+                             boost::get<float>(document.text->Animation().ValueAtTime("rotationZ", -80))),
+                    360, 0.01);
+    }
+
     document.tracker->SetParentLayerID(document.text->ID());
     EXPECT_EQ(follow(document.point, 0),
               "Tracker \"Tracker\" is on no layer of the composition of \"Point\"");

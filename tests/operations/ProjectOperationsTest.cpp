@@ -2,6 +2,7 @@
 
 #include <marlet/layers/CameraLayer.h>
 #include <marlet/operations/assets/AssetUses.h>
+#include <marlet/operations/assets/FolderOperations.h>
 #include <marlet/operations/assets/MediaImport.h>
 #include <marlet/operations/assets/ProjectOperations.h>
 #include <marlet/project/MediaAsset.h>
@@ -70,6 +71,16 @@ TEST(ProjectOperations, KeepFoldersUsesAndListsOfInstancesInStep)
          "/ Main:0 Inner:0\n/Outer/ Red:1\n/Outer/Within/\n", kRed, kInner},
         {"move a folder", [](Bin &b) { MoveToFolder(b.project, b.within, nullptr); },
          "/ Main:0 Inner:0 Red:1\n/Outer/\n/Within/\n", kRed, kInner},
+        {"add a folder", [](Bin &b) { AddFolder(b.project, u"New", b.outer); },
+         "/ Main:0 Inner:0 Red:1\n/Outer/\n/Outer/Within/\n/Outer/New/\n", kRed, kInner},
+        {"remove a folder, whose content moves up",
+         [](Bin &b) {
+             MoveToFolder(b.project, b.solid, b.outer);
+             RemoveFolder(b.project, b.outer);
+         },
+         "/ Main:0 Inner:0 Red:1\n/Within/\n", kRed, kInner},
+        {"rename a folder", [](Bin &b) { RenameFolder(b.project, b.within, u"Deep"); },
+         "/ Main:0 Inner:0 Red:1\n/Outer/\n/Outer/Deep/\n", kRed, kInner},
         {"duplicate", [](Bin &b) { DuplicateComposition(b.project, b.composition, u"Twin"); },
          "/ Main:0 Inner:0 Red:2 Twin:0\n/Outer/\n/Outer/Within/\n", "Main.Picture Twin.Picture ", kInner},
     };
@@ -113,6 +124,11 @@ TEST(ProjectOperations, RefuseWithTheReason)
     refuse([&] { ReplaceAsset(b.project, b.solid, b.inner); },
            "Frames 0 to 100 are shown by \"Picture\", asset \"Inner\" has 99 frames");
     refuse([&] { MoveToFolder(b.project, b.outer, b.within); }, "Folder \"Outer\" would be in itself");
+    const std::shared_ptr<BinFolder> root(b.project, &b.Root());
+    refuse([&] { RemoveFolder(b.project, root); }, "The root folder stays");
+    refuse([&] { MoveToFolder(b.project, root, b.outer); }, "The root folder stays");
+    refuse([&] { RemoveFolder(b.project, BinFolder::Create(u"Else")); },
+           "Folder \"Else\" is not in the project");
 }
 
 TEST(ProjectOperations, NestLayersBehindOneThatShowsThem)

@@ -19,12 +19,11 @@ namespace marlet::test
 struct UndoableProject : CheckedProject {
     EditHistory history{project};
 
-    UndoableProject() { history.SetChecksAnnouncements(true); }
-
     /// Does one thing, undoes it and does it again; it must be one step, and leave no more faults than there
     /// were. What refuses must change nothing. Returns the words of the refusal, or nothing.
     std::string Do(const std::function<void()> &operation)
     {
+        history.SetChecksAnnouncements(true); // what the test itself has set is how it is
         const WideString before = project->Serialize();
         const std::size_t steps = history.UndoCount();
         const auto faults = Faults();

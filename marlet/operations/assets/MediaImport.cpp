@@ -105,6 +105,22 @@ void TakeFormat(const AbstractAsset &asset, AudioVideoSettings &settings)
         settings.SetFrameCount(*frames);
 }
 
+/// What shows an asset with another file learns what that offers.
+void LetLearn(Edit &edit, const AbstractAsset &asset)
+{
+    const Project &project = *edit.Document();
+    for (const UseOfAsset &use : UsesOf(project, asset)) {
+        const auto layer = std::dynamic_pointer_cast<AssetLayer>(use.instance);
+        if (!layer)
+            continue;
+        edit.Touch(std::shared_ptr<AbstractLayer>(layer));
+        // A layer asks the asset that it has found before.
+        layer->Asset(project.Assets());
+        layer->HasAudio();
+        layer->HasVideo();
+    }
+}
+
 } // namespace
 
 std::vector<AssetPointer> ImportFiles(const std::shared_ptr<Project> &project,
@@ -174,17 +190,23 @@ void RelinkAsset(const std::shared_ptr<Project> &project, const std::shared_ptr<
         project->Media().RelinkImageSequence(relinked, path);
     else
         project->Media().RelinkMediaFile(relinked, path);
-    for (const UseOfAsset &use : UsesOf(*project, *asset)) {
-        const auto layer = std::dynamic_pointer_cast<AssetLayer>(use.instance);
-        if (!layer)
-            continue;
-        edit.Touch(std::shared_ptr<AbstractLayer>(layer));
-        // A layer asks the asset that it has found before.
-        layer->Asset(std::as_const(*project).Assets());
-        layer->HasAudio();
-        layer->HasVideo();
-    }
+    LetLearn(edit, *asset);
     edit.Commit();
+}
+
+std::vector<MissingFile> RelinkMissingFiles(const std::shared_ptr<Project> &project,
+                                            const std::filesystem::path &folder)
+{
+    Edit edit(project, u"Find missing files");
+    for (const AssetPointer &asset : std::as_const(*project).Assets().All())
+        if (asset && asset->IsOffline())
+            edit.Touch(asset);
+    std::vector<MissingFile> missing = FindMissingFiles(*project, folder);
+    for (const MissingFile &file : missing)
+        if (file.found.size() == 1)
+            LetLearn(edit, *file.asset);
+    edit.Commit();
+    return missing;
 }
 
 } // namespace marlet::project

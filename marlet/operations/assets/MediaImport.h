@@ -2,7 +2,9 @@
 
 #include <marlet/foundation/Export.h>
 #include <marlet/foundation/Strings.h>
+#include <marlet/project/MissingFiles.h>
 
+#include <filesystem>
 #include <memory>
 #include <vector>
 
@@ -41,5 +43,10 @@ MARLET_EXPORT std::shared_ptr<CompositionAsset> AddCompositionOf(const std::shar
 /// offers. A member of a sequence for an image sequence.
 MARLET_EXPORT void RelinkAsset(const std::shared_ptr<Project> &project,
                                const std::shared_ptr<MediaAsset> &asset, const WideString &path);
+
+/// Points all media and images whose files are missing at those that FindMissingFiles finds below a folder,
+/// and lets what shows them learn what these offer. @throws FileException if the folder cannot be read
+MARLET_EXPORT std::vector<MissingFile> RelinkMissingFiles(const std::shared_ptr<Project> &project,
+                                                          const std::filesystem::path &folder);
 
 } // namespace marlet::project

@@ -155,6 +155,8 @@ void MoveToFolder(const std::shared_ptr<Project> &project, const FolderPointer &
     RequireFolder(project, moved);
     if (moved->ID() == into->ID() || moved->FindFolderByID(into->ID()))
         throw OperationException("Folder " + Quoted(moved->Name()) + " would be in itself");
+    if (moved == RootOf(project))
+        throw OperationException("The root folder stays");
     for (const FolderPointer &holder : FoldersOf(project)) {
         if (std::ranges::find(holder->Folders(), moved) == holder->Folders().end())
             continue;

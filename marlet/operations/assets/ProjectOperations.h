@@ -48,7 +48,7 @@ MARLET_EXPORT void ReplaceUses(const std::shared_ptr<Project> &project,
 MARLET_EXPORT void MoveToFolder(const std::shared_ptr<Project> &project,
                                 const std::shared_ptr<AbstractAsset> &asset,
                                 const std::shared_ptr<BinFolder> &folder);
-/// With all that is in it. Into itself is refused.
+/// With all that is in it. Into itself is refused, and so is the root.
 MARLET_EXPORT void MoveToFolder(const std::shared_ptr<Project> &project,
                                 const std::shared_ptr<BinFolder> &moved,
                                 const std::shared_ptr<BinFolder> &folder);

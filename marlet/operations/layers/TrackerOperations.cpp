@@ -13,7 +13,10 @@
 #include <marlet/tracking/Tracker.h>
 #include <marlet/tracking/TrackingPoint.h>
 
+#include <algorithm>
+#include <cmath>
 #include <map>
+#include <numbers>
 
 namespace marlet::project
 {
@@ -25,6 +28,8 @@ using Place = kytl::matl::KyPoint<2, float>;
 using Point = kytl::matl::KyPoint<3, float>;
 
 constexpr char kPosition[] = "position";
+constexpr char kRotation[] = "rotationZ";
+constexpr char kScale[] = "scale";
 constexpr char kFeaturePosition[] = "featurePosition";
 
 /// The layer that follows and the one whose picture was tracked.
@@ -80,20 +85,93 @@ private:
     }
 };
 
-/// By time, the path as the follower goes it.
-std::map<int, Point> PathOf(const Tracker &tracker, const Following &following)
+/// Where the features are at one time, as the follower stands.
+struct PathStep {
+    Point primary;
+    Point secondary; ///< that of the primary where there is none
+};
+
+using Path = std::map<int, PathStep>; ///< by the follower's time
+
+Path PathOf(const Tracker &tracker, const Following &following)
 {
     const std::shared_ptr<TrackingPoint> &point = tracker.PrimaryTrackingPoint();
-    std::map<int, Point> path;
-    if (point) {
-        const PropertyManager &properties = point->Animation();
-        for (const int time : properties.KeyFrames(kFeaturePosition).Locations())
-            path.insert(
-                following.StandOn(time, boost::get<Place>(properties.ValueAtTime(kFeaturePosition, time))));
-    }
+    const std::shared_ptr<TrackingPoint> &other = tracker.SecondaryTrackingPoint();
+    const auto stand = [&following](const TrackingPoint &feature, int time) {
+        const PropertyValue place = feature.Animation().ValueAtTime(kFeaturePosition, time);
+        return following.StandOn(time, boost::get<Place>(place));
+    };
+    Path path;
+    if (point)
+        for (const int time : std::as_const(*point).Animation().KeyFrames(kFeaturePosition).Locations()) {
+            const auto [own, primary] = stand(*point, time);
+            path.emplace(own, PathStep{primary, other ? stand(*other, time).second : primary});
+        }
     if (path.empty())
         throw OperationException("Tracker " + Quoted(tracker.Name()) + " has no path yet");
     return path;
+}
+
+/// The line from the primary to the secondary point, seen along the depth.
+struct Line {
+    explicit Line(const PathStep &step)
+        : length(std::hypot(double(step.secondary.X) - step.primary.X,
+                            double(step.secondary.Y) - step.primary.Y)),
+          degrees(std::atan2(double(step.secondary.Y) - step.primary.Y,
+                             double(step.secondary.X) - step.primary.X) *
+                  180 / std::numbers::pi)
+    {
+    }
+
+    double length;
+    double degrees; ///< against the clock
+};
+
+void RequireTwoPoints(const Tracker &tracker, const Path &path)
+{
+    const std::shared_ptr<TrackingPoint> &other = tracker.SecondaryTrackingPoint();
+    if (tracker.Type() != Tracker::TrackerType::TwoPoints || !other ||
+        std::as_const(*other).Animation().KeyFrames(kFeaturePosition).IsEmpty())
+        throw OperationException("Tracker " + Quoted(tracker.Name()) +
+                                 " has not two points with paths, from which rotation and scale come");
+    for (const auto &[time, step] : path)
+        if (!(Line(step).length > 0))
+            throw OperationException("The two points of tracker " + Quoted(tracker.Name()) +
+                                     " are in one place");
+}
+
+/// The rotations by time, going on round where the line does.
+std::vector<KeyFrame> RotationKeys(const Path &path, float first)
+{
+    std::vector<KeyFrame> keys;
+    double former = Line(path.begin()->second).degrees;
+    double turned = 0;
+    for (const auto &[time, step] : path) {
+        const double degrees = Line(step).degrees;
+        turned += std::remainder(degrees - former, 360.0);
+        former = degrees;
+        keys.emplace_back(time, static_cast<float>(first + turned));
+    }
+    return keys;
+}
+
+std::vector<KeyFrame> ScaleKeys(const Path &path, const Scale3D &first)
+{
+    std::vector<KeyFrame> keys;
+    const double firstLength = Line(path.begin()->second).length;
+    for (const auto &[time, step] : path) {
+        const auto factor = static_cast<float>(Line(step).length / firstLength);
+        keys.emplace_back(time, Scale3D{first.X * factor, first.Y * factor, first.Z * factor});
+    }
+    return keys;
+}
+
+void Animate(const std::shared_ptr<Project> &project, const AnimatedProperty &property,
+             const std::vector<KeyFrame> &keys, double tolerance)
+{
+    PasteKeyFrames(project, property, keys, keys.front().Time());
+    if (tolerance > 0)
+        SimplifyKeyFrames(project, property, tolerance, {keys.front().Time(), keys.back().Time()});
 }
 
 } // namespace
@@ -125,20 +203,41 @@ std::shared_ptr<Tracker> AddTracker(const std::shared_ptr<Project> &project,
 void FollowTracker(const std::shared_ptr<Project> &project, const std::shared_ptr<Tracker> &tracker,
                    const std::shared_ptr<AbstractLayer> &layer, double tolerance)
 {
+    FollowTracker(project, tracker, layer, FollowOptions{tolerance});
+}
+
+void FollowTracker(const std::shared_ptr<Project> &project, const std::shared_ptr<Tracker> &tracker,
+                   const std::shared_ptr<AbstractLayer> &layer, const FollowOptions &options)
+{
     Require(project, "project");
     Require(tracker, "tracker");
     Require(layer, "layer");
     Edit edit(project, u"Follow tracker");
-    const AnimatedProperty position(layer, kPosition);
-    const std::map<int, Point> path = PathOf(*tracker, Following(project, *tracker, layer));
-    std::vector<KeyFrame> keys;
-    for (const auto &[time, point] : path)
-        keys.emplace_back(time, point);
+    const Path path = PathOf(*tracker, Following(project, *tracker, layer));
+    if (options.rotation || options.scale)
+        RequireTwoPoints(*tracker, path);
+    const int start = path.begin()->first;
+    std::vector<KeyFrame> places;
+    double furthest = 0;
+    for (const auto &[time, step] : path) {
+        places.emplace_back(time, step.primary);
+        furthest = std::max(furthest, Line(step).length);
+    }
     edit.Touch(tracker);
     tracker->SetDestinationLayerID(layer->ID());
-    PasteKeyFrames(project, position, keys, keys.front().Time());
-    if (tolerance > 0)
-        SimplifyKeyFrames(project, position, tolerance, {keys.front().Time(), keys.back().Time()});
+    if (options.rotation) {
+        const AnimatedProperty rotation(layer, kRotation);
+        Animate(project, rotation, RotationKeys(path, boost::get<float>(rotation.ValueAt(start))),
+                options.tolerance / furthest * 180 / std::numbers::pi);
+    }
+    if (options.scale) {
+        const AnimatedProperty scale(layer, kScale);
+        const auto first = boost::get<Scale3D>(scale.ValueAt(start));
+        const double most = std::max({std::abs(first.X), std::abs(first.Y), std::abs(first.Z)});
+        Animate(project, scale, ScaleKeys(path, first),
+                options.tolerance / Line(path.begin()->second).length * most);
+    }
+    Animate(project, AnimatedProperty(layer, kPosition), places, options.tolerance);
     edit.Commit();
 }
 

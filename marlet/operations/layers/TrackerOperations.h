@@ -36,4 +36,17 @@ MARLET_EXPORT void FollowTracker(const std::shared_ptr<Project> &project,
                                  const std::shared_ptr<Tracker> &tracker,
                                  const std::shared_ptr<AbstractLayer> &layer, double tolerance);
 
+/// What a layer takes over of a tracker of two points, beside the path of the first.
+struct FollowOptions {
+    double tolerance = 0;  ///< in pixels, at the second point too
+    bool rotation = false; ///< "rotationZ" turns as the line from one point to the other does
+    bool scale = false;    ///< "scale" grows as the distance of the points does
+};
+/// The same. Both start from the values that the layer has at the first of the times.
+/// @throws OperationException also for rotation or scale of a tracker that has not two points with paths, or
+/// has both in one place
+MARLET_EXPORT void FollowTracker(const std::shared_ptr<Project> &project,
+                                 const std::shared_ptr<Tracker> &tracker,
+                                 const std::shared_ptr<AbstractLayer> &layer, const FollowOptions &options);
+
 } // namespace marlet::project
