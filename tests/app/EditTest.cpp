@@ -134,12 +134,14 @@ TEST_F(EditTest, RunsAScriptOrNothingOfIt)
         {"remove Red\nremove Red\n", "marlet: wrong:2: There is no object \"Red\""},
         {"\nturn Red\n", "marlet: wrong:2: there is no operation \"turn\"\n"},
         {"remove \"Red\n", "marlet: wrong:1: A quotation mark has no other one\n"},
+        {"# nothing\n", "marlet: wrong: The script has nothing to do in it\n"},
     };
     for (const auto &script : wrong) {
         Write("wrong", script.lines);
         const ToolRun refused = Edit("not.xml", {"--script", "wrong"});
         EXPECT_EQ(refused.exitCode, 1);
         EXPECT_THAT(refused.err, testing::HasSubstr(script.message));
+        EXPECT_EQ(refused.out, "");
     }
     EXPECT_EQ(Edit("not.xml", {"remove", "--script", "script"}).exitCode, 2);
     EXPECT_THAT(FileNames(), testing::UnorderedElementsAre("cut.xml", "out.xml", "script", "wrong"));
@@ -151,10 +153,74 @@ TEST_F(EditTest, TellsInADryRunWhatWouldChangeAndWritesNothing)
     ASSERT_EQ(run.exitCode, 0) << run.err;
     EXPECT_THAT(run.OutLines(),
                 testing::ElementsAre("step      \"Trim\"",
-                                     testing::MatchesRegex("changed   object \"Red\" \\(.*\\): frames"),
-                                     testing::MatchesRegex("stale     frames 80 to 100 of .*"),
+                                     "changed   picture \"Red\": frames 80 to 100 became 80 to 90",
+                                     "stale     frames 80 to 100 of sequence \"Editor\"",
                                      testing::StartsWith("trimmed   \"Red\"  frames 80 to 90")));
+    const ToolRun ripple = Edit("out.xml", {"insert", "Red", "--track", "Spare", "--at", "40", "--length",
+                                            "7", "--ripple", "--tracks", "Video 1", "--dry-run"});
+    EXPECT_THAT(ripple.out, testing::HasSubstr("\nchanged   video track \"Spare\": + picture \"Red\"\n"));
+    EXPECT_THAT(ripple.out, testing::HasSubstr("\nchanged   picture \"Main\": moved from 40 to 47, with 1 "
+                                               "object behind it\n"));
+    const ToolRun json = Edit("out.xml", {"move", "Red", "--to", "120", "--dry-run", "--json"});
+    EXPECT_THAT(
+        json.OutLines(),
+        testing::ElementsAre(testing::AllOf(
+            testing::StartsWith("{\"step\":\"Move object\",\"changes\":[{\"kind\":\"object\",\"id\":"),
+            testing::HasSubstr("\"name\":\"Red\",\"what\":[\"frames\"],\"frames_before\":[80,100],"
+                               "\"frames\":[120,140]}"))));
     EXPECT_THAT(FileNames(), testing::ElementsAre("cut.xml"));
+}
+
+/// Each line of the scripts, and what the tool says of the result.
+TEST_F(EditTest, EditsAssetsLayersKeyFramesTextsAndMasks)
+{
+    const struct {
+        const char *script;
+        std::vector<std::string> question;
+        const char *answer;
+    } rows[] = {
+        {"layer new Main Title --type text\ntext set Main Title 'Hello\\nyou'\n"
+         "text replace Main Title Dear --from 0 --length 5\ntext insert Main Title ' all' --from 4",
+         {"diff", "cut.xml", "out.xml"},
+         "+ composition \"Main\", text layer \"Title\" added"},
+        {"asset add Blue --size 32x16 --colour '#0000ff'\nlayer add Main Blue --at 10\n"
+         "layer trim Main Blue --end 60\nlayer move Main Blue --by 5\nlayer split Main Blue --at 30",
+         {"info", "out.xml"},
+         "Blue\"  frames 15 to 30"},
+        {"layer add Main Red --place 1\nlayer new Main Grade --type grade\nasset nest Main Nest --layers "
+         "Red,Grade",
+         {"edit", "out.xml", "x.xml", "asset", "remove", "Nest"},
+         "Nest\" is used by layer \"Nest\" of composition \"Main\""},
+        {"folder add Pictures\nasset move Red --folder Pictures\nfolder rename Pictures Stills\n"
+         "folder add Deep --folder Stills\nfolder move Deep",
+         {"diff", "cut.xml", "out.xml"},
+         "+ folder \"Stills\" added"},
+        {"asset duplicate Main Second\nasset replace Main --with Second\nasset remove Main",
+         {"info", "out.xml"},
+         "Second"},
+        {"layer add Main Red\nkeys insert Main Red opacity --time 0\nkeys insert Main Red opacity --time "
+         "1000\n"
+         "keys move Main Red opacity --by 500 --times 1000..1000\nkeys ease Main Red opacity --easing hold",
+         {"info", "out.xml"},
+         "opacity              float         2 key frames, 0 to 1500 ms"},
+        {"layer add Main Red\nmask ellipse Main Red Oval --size 20x10\n"
+         "mask rectangle Main Red Box --size 8x8 --radius 2\nkeys insert Main Red opacity --mask Box --time "
+         "40",
+         {"info", "out.xml"},
+         "mask \"Box\"  closed path of 8 points"},
+    };
+    for (const auto &row : rows) {
+        SCOPED_TRACE(row.script);
+        Write("script", row.script);
+        const ToolRun run = Edit("out.xml", {"--script", "script"});
+        ASSERT_EQ(run.exitCode, 0) << run.err;
+        const ToolRun asked = Run(row.question);
+        EXPECT_THAT(asked.out + asked.err, testing::HasSubstr(row.answer)) << run.out;
+    }
+    EXPECT_THAT(Edit("not.xml", {"layer", "turn", "Main"}).err,
+                testing::HasSubstr("There is no operation \"layer turn\", only \"add\", \"new\""));
+    EXPECT_THAT(Edit("not.xml", {"layer", "remove", "Main"}).err,
+                testing::HasSubstr("edit: layer remove needs LAYER\n"));
 }
 
 } // namespace

@@ -56,8 +56,9 @@ TEST_F(MergeTest, WarnsOfChangesThatDoNotGoTogether)
     composition_->Layers().pop_front();
     Save("orphan.xml");
     const ToolRun run = Run({"merge", "both.xml", "child.xml", "orphan.xml", "out.xml"});
-    EXPECT_EQ(run.exitCode, 0) << run.out;
+    EXPECT_EQ(run.exitCode, 1) << run.out;
     EXPECT_THAT(run.err, HasSubstr("out.xml: warning: layer \"Theirs\""));
+    EXPECT_THAT(run.err, HasSubstr("out.xml: 1 problem that neither side had\n"));
 }
 
 TEST_F(MergeTest, AFileThatIsNoProjectLeavesTheOutputAlone)
@@ -75,7 +76,7 @@ TEST_F(MergeTest, ServesGit)
 {
     const ToolRun run =
         Shell("git init -q -b main . && git config user.name N && git config user.email E &&"
-              "git config merge.marlet.driver \"$MARLET merge %O %A %B %A\" &&"
+              "git config merge.marlet.driver \"$MARLET merge %O %A %B %A --name %P\" &&"
               "git config diff.marlet.command 'f() { '\"$MARLET\"' diff \"$2\" \"$5\"; }; f' &&"
               "echo 'film.xml merge=marlet diff=marlet' > .gitattributes &&"
               "cp base.xml film.xml && git add film.xml .gitattributes && git commit -qm 1 &&"
@@ -87,6 +88,11 @@ TEST_F(MergeTest, ServesGit)
     EXPECT_EQ(run.exitCode, 0) << run.err;
     EXPECT_THAT(run.out, HasSubstr("null point \"Back\": Name Back -> Theirs"));
     EXPECT_THAT(Read("film.xml"), testing::AllOf(HasSubstr("<Name>Ours<"), HasSubstr("<Name>Theirs<")));
+
+    const ToolRun conflict = Shell("git checkout -q other && cp both.xml film.xml && git commit -qam 5 &&"
+                                   "git checkout -q main && git merge -q other -m 6");
+    EXPECT_EQ(conflict.exitCode, 1);
+    EXPECT_THAT(conflict.err, HasSubstr("film.xml: 1 conflict, in which ours stays\n"));
 }
 
 } // namespace

@@ -81,14 +81,19 @@ void AddProblems(const Project &project, Problems &problems)
             problems.insert(finding.place + ": " + finding.what);
 }
 
-/// Changes that are right each by itself need not go together.
-void TellOfNewProblems(const Project &merged, const Problems &known, const std::string &file)
+/// Changes that are right each by itself need not go together. Returns how many problems are new.
+std::size_t TellOfNewProblems(const Project &merged, const Problems &known, const std::string &name)
 {
     Problems problems;
     AddProblems(merged, problems);
-    for (const std::string &problem : problems)
-        if (!known.contains(problem))
-            Warn(file, problem);
+    std::size_t count = 0;
+    for (const std::string &problem : problems) {
+        if (known.contains(problem))
+            continue;
+        Warn(name, problem);
+        ++count;
+    }
+    return count;
 }
 
 void Run(const Arguments &arguments, Output &output)
@@ -106,12 +111,14 @@ void Run(const Arguments &arguments, Output &output)
     const WideString merged = ApplyToText(ours, result.changes);
     project = Document(ourFile, Document::Voice::Silent).OpenText(merged, project->SharedMedia());
     WriteProject(*project, arguments.Operand(3));
-    TellOfNewProblems(*project, known, arguments.Operand(3));
+    const std::string &name = arguments.Has("--name") ? arguments.Path("--name") : arguments.Operand(3);
+    const std::size_t problems = TellOfNewProblems(*project, known, name);
     for (const MergeConflict &conflict : result.conflicts)
         output.Line(arguments.Has("--json") ? ConflictJson(conflict) : ConflictText(conflict));
     if (!result.conflicts.empty())
-        throw Failure(arguments.Operand(3),
-                      Counted(result.conflicts.size(), "conflict") + ", in which ours stays");
+        throw Failure(name, Counted(result.conflicts.size(), "conflict") + ", in which ours stays");
+    if (problems > 0)
+        throw Failure(name, Counted(problems, "problem") + " that neither side had");
 }
 
 } // namespace
@@ -121,17 +128,19 @@ const CommandSpec &MergeCommand()
     static const CommandSpec command{
         "merge",
         "bring together what two sides made of a project",
-        "BASE OURS THEIRS OUT [--json]",
+        "BASE OURS THEIRS OUT [--json] [--name NAME]",
         4,
         4,
-        {{"--json", "", "one JSON object for each conflict, a line each"}},
+        {{"--json", "", "one JSON object for each conflict, a line each"},
+         {"--name", "NAME", "what OUT is called where it is told of, as it may be a passing file"}},
         Run,
         "merge film.xml mine.xml yours.xml film.xml",
         "  OUT is what OURS holds, with what THEIRS changed since BASE. Where both changed the same, ours "
         "stays, and a\n"
-        "  line tells of both; the exit code is then 1. Warnings tell of what is wrong in OUT and in neither "
-        "side, such as\n"
-        "  a parent that the other side removed. OUT may be one of the others.\n"};
+        "  line tells of both. Warnings tell of what is wrong in OUT and in neither side, such as a parent "
+        "that "
+        "the other\n"
+        "  side removed. In both cases the exit code is 1. OUT may be one of the others.\n"};
     return command;
 }
 

@@ -4,15 +4,12 @@
 #include "output/Failure.h"
 #include "output/Output.h"
 
-#include <marlet/layers/AssetLayer.h>
 #include <marlet/operations/assets/MediaImport.h>
-#include <marlet/project/AssetList.h>
 #include <marlet/project/MediaAsset.h>
 #include <marlet/project/MissingFiles.h>
 #include <marlet/project/Project.h>
 
 #include <filesystem>
-#include <utility>
 
 namespace marlet::tool
 {
@@ -21,17 +18,6 @@ using namespace project;
 
 namespace
 {
-
-/// The layers keep what their asset offers, and learn of a change when they are asked.
-void RefreshLayers(const Project &project, const MediaAsset &media)
-{
-    for (const auto &reference : media.Instances())
-        if (const auto layer = std::dynamic_pointer_cast<AssetLayer>(reference.lock()))
-            if (layer->Asset(project.Assets())) {
-                layer->HasAudio();
-                layer->HasVideo();
-            }
-}
 
 void RelinkOne(const Arguments &arguments)
 {
@@ -72,11 +58,8 @@ void Run(const Arguments &arguments, Output &output)
         throw UsageError("--search goes alone");
     const ProjectPointer project = ReadProject(arguments.Operand(0));
     std::size_t left = 0;
-    for (const MissingFile &file : FindMissingFiles(*project, arguments.Path("--search")))
+    for (const MissingFile &file : RelinkMissingFiles(project, arguments.Path("--search")))
         left += Tell(file, output) ? 0 : 1;
-    for (const MediaPointer &media : MediaAssets(*project))
-        if (!media->IsOffline())
-            RefreshLayers(std::as_const(*project), *media);
     WriteProject(*project, arguments.Operand(1));
     if (left > 0)
         throw Failure(Counted(left, "file") + " not found");

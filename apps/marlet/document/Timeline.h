@@ -39,12 +39,11 @@ std::string ObjectName(const project::EditorSequence &sequence, const kytl::KyID
 /// "from "Sea" to "Sky"", "at the head", "at the tail"
 std::string TransitionEnds(const project::EditorSequence &sequence, const project::Transition &transition);
 
-/// By ID or by a name that only one of them has. @throws Failure
-TrackPointer FindTrack(const project::EditorSequence &sequence, const std::string &idOrName);
+// As the library finds them. @throws OperationException
 
-/// A name that only an object and its partner have is that of the one on the earlier track. @throws Failure
+TrackPointer FindTrack(const project::EditorSequence &sequence, const std::string &idOrName);
 ObjectPointer FindObject(const project::EditorSequence &sequence, const std::string &text);
-/// @throws Failure also if it is a sound
+/// @throws Failure if it is a sound
 std::shared_ptr<project::VisualObject> FindVisualObject(const project::EditorSequence &sequence,
                                                         const std::string &text);
 

@@ -3,6 +3,8 @@
 #include "output/Failure.h"
 #include "output/TextFile.h"
 
+#include <iostream>
+#include <iterator>
 #include <sstream>
 
 namespace marlet::tool
@@ -65,9 +67,15 @@ private:
 
 } // namespace
 
+std::string ScriptPlace(const std::string &path, std::size_t number)
+{
+    return (path == "-" ? "standard input" : path) + ":" + std::to_string(number);
+}
+
 std::vector<ScriptLine> ScriptLines(const std::string &path)
 {
-    std::istringstream text(project::ToUtf8(ReadTextFile(path)));
+    std::istringstream text(path == "-" ? std::string(std::istreambuf_iterator<char>(std::cin), {})
+                                        : project::ToUtf8(ReadTextFile(path)));
     std::vector<ScriptLine> lines;
     std::string line;
     for (std::size_t number = 1; std::getline(text, line); ++number) {
@@ -75,7 +83,7 @@ std::vector<ScriptLine> ScriptLines(const std::string &path)
             if (std::vector<std::string> words = WordReader(line).Read(); !words.empty())
                 lines.push_back({number, std::move(words)});
         } catch (const Failure &failure) {
-            throw Failure(path + ":" + std::to_string(number), failure.what());
+            throw Failure(ScriptPlace(path, number), failure.what());
         }
     }
     return lines;

@@ -1,4 +1,7 @@
-#include "EditOperations.h"
+#include "Editing.h"
+
+#include "Verb.h"
+#include "options/FindByIdOrName.h"
 #include "output/Failure.h"
 #include "output/Output.h"
 
@@ -6,6 +9,10 @@
 #include <marlet/editor/AbstractSequenceTrack.h>
 #include <marlet/editor/EditorSequence.h>
 #include <marlet/editor/Transition.h>
+#include <marlet/layers/AbstractLayer.h>
+#include <marlet/project/AssetList.h>
+#include <marlet/project/CompositionAsset.h>
+#include <marlet/project/Project.h>
 
 #include <algorithm>
 
@@ -14,9 +21,33 @@ namespace marlet::tool
 
 using namespace project;
 
-Editing::Editing(const ProjectPointer &project, const Arguments &arguments, Output &output)
-    : project_(project), sequence_(SequenceOf(*project)), arguments_(arguments), output_(output)
+namespace
 {
+
+/// The parts of a list with commas.
+std::vector<std::string> ListOf(const std::string &text)
+{
+    std::vector<std::string> parts;
+    for (std::size_t start = 0; start <= text.size();) {
+        const std::size_t comma = std::min(text.find(',', start), text.size());
+        parts.push_back(text.substr(start, comma - start));
+        start = comma + 1;
+    }
+    return parts;
+}
+
+} // namespace
+
+Editing::Editing(const ProjectPointer &project, const Arguments &arguments, const Verb &verb,
+                 std::vector<std::string> &lines)
+    : project_(project),
+      sequence_(project->Sequence()),
+      arguments_(arguments),
+      first_(2 + verb.NameWords()),
+      lines_(lines)
+{
+    if (!sequence_)
+        return;
     for (const ObjectPointer &object : ObjectsOf(*sequence_)) {
         for (const TransitionPointer &transition :
              {object->IncomingTransition(), object->OutgoingTransition()}) {
@@ -32,6 +63,37 @@ Editing::Editing(const ProjectPointer &project, const Arguments &arguments, Outp
                  isShared ? nullptr : object});
         }
     }
+}
+
+const EditorSequence &Editing::Sequence() const
+{
+    return sequence_ ? *sequence_ : *SequenceOf(*project_);
+}
+
+WideString Editing::WideText(const char *option) const
+{
+    return FromUtf8(arguments_.Text(option));
+}
+
+std::vector<LayerPointer> Editing::Layers(const char *option) const
+{
+    std::vector<LayerPointer> layers;
+    for (const std::string &name : ListOf(arguments_.Text(option)))
+        layers.push_back(FindLayer(*Composition(), name));
+    return layers;
+}
+
+std::shared_ptr<AbstractAsset> Editing::Asset(const std::string &idOrName) const
+{
+    return FindByIdOrName(project_->Assets().All(), "asset", idOrName);
+}
+
+unsigned int Editing::Place() const
+{
+    const int place = Number("--place").value_or(1);
+    if (place < 1)
+        throw UsageError("--place counts from 1");
+    return static_cast<unsigned int>(place - 1);
 }
 
 TrackPointer Editing::OptionalTrack(const char *option) const
@@ -61,13 +123,9 @@ TrackChoice Editing::Tracks() const
 {
     if (!arguments_.Has("--tracks"))
         return TrackChoice::All();
-    const std::string &names = arguments_.Text("--tracks");
     std::vector<TrackPointer> tracks;
-    for (std::size_t start = 0; start <= names.size();) {
-        const std::size_t comma = std::min(names.find(',', start), names.size());
-        tracks.push_back(FindTrack(*sequence_, names.substr(start, comma - start)));
-        start = comma + 1;
-    }
+    for (const std::string &name : ListOf(arguments_.Text("--tracks")))
+        tracks.push_back(FindTrack(Sequence(), name));
     return TrackChoice::Of(std::move(tracks));
 }
 
@@ -83,7 +141,7 @@ TrackChoice Editing::Ripple() const
 std::vector<ObjectPointer> Editing::Group(const ObjectPointer &object) const
 {
     std::vector<ObjectPointer> group{object};
-    if (const ObjectPointer partner = PartnerOf(*sequence_, *object);
+    if (const ObjectPointer partner = PartnerOf(Sequence(), *object);
         partner && PartnerToo() == Partner::GoesAlong)
         group.push_back(partner);
     return group;
@@ -91,13 +149,13 @@ std::vector<ObjectPointer> Editing::Group(const ObjectPointer &object) const
 
 void Editing::Tell(const std::string &what, const std::string &of) const
 {
-    output_.Line(PadRight(what, 10) + of);
+    lines_.push_back(PadRight(what, 10) + of);
 }
 
 void Editing::Tell(const std::string &what, const std::vector<ObjectPointer> &objects) const
 {
     for (const ObjectPointer &object : objects) {
-        const TrackPointer track = sequence_->FindSequenceTrackByID(object->ParentTrackID());
+        const TrackPointer track = Sequence().FindSequenceTrackByID(object->ParentTrackID());
         Tell(what, Quoted(object->Name()) + "  frames " + std::to_string(object->StartFrame()) + " to " +
                        std::to_string(object->EndFrame()) +
                        (track ? " of track " + Quoted(track->Name()) : "") + "  " +
@@ -105,8 +163,21 @@ void Editing::Tell(const std::string &what, const std::vector<ObjectPointer> &ob
     }
 }
 
+void Editing::Tell(const std::string &what, const LayerPointer &layer) const
+{
+    Tell(what, "layer " + Quoted(layer->Name()) + "  frames " + std::to_string(layer->StartFrame()) + " to " +
+                   std::to_string(layer->EndFrame()) + "  " + layer->ID().ToNarrowString());
+}
+
+void Editing::Tell(const std::string &what, const AbstractAsset &asset) const
+{
+    Tell(what, "asset " + Quoted(asset.Name()) + "  " + asset.ID().ToNarrowString());
+}
+
 void Editing::TellOfLosses() const
 {
+    if (!sequence_)
+        return;
     std::vector<TransitionPointer> left;
     for (const ObjectPointer &object : ObjectsOf(*sequence_))
         left.insert(left.end(), {object->IncomingTransition(), object->OutgoingTransition()});

@@ -1,14 +1,18 @@
 #include "TreePicture.h"
 
-#include "document/OwnershipTree.h"
+#include "document/LayerContent.h"
 #include "output/Output.h"
 #include "output/SvgPicture.h"
+
+#include <marlet/checks/OwnershipTree.h>
 
 #include <algorithm>
 #include <unordered_map>
 
 namespace marlet::tool
 {
+
+using namespace project;
 
 namespace
 {
@@ -99,11 +103,20 @@ void DrawReferences(SvgPicture &picture, const OwnershipTree &tree)
     }
 }
 
+std::vector<kytl::KyID> NamedByRibbon(const AbstractLayer &layer)
+{
+    std::vector<kytl::KyID> named;
+    for (const LayerReference &reference : LayerReferences(layer))
+        if (reference.holder == LayerReference::Holder::Effect3D)
+            named.push_back(reference.target);
+    return named;
+}
+
 } // namespace
 
 std::string TreePicture(const project::Project &project)
 {
-    const OwnershipTree tree = OwnershipOf(project);
+    const OwnershipTree tree = OwnershipOf(project, NamedByRibbon);
     SvgPicture picture(kWidth, RowOf(tree.objects.size()) + kRow, kStyle);
     DrawReferences(picture, tree);
     DrawObjects(picture, tree.objects);

@@ -1,5 +1,5 @@
-#include "EditOperations.h"
-
+#include "Editing.h"
+#include "Verb.h"
 #include "options/FindByIdOrName.h"
 #include "output/Failure.h"
 #include "output/Output.h"
@@ -17,10 +17,7 @@
 #include <marlet/operations/sequence/SequenceTransitions.h>
 #include <marlet/operations/sequence/SequenceTrimming.h>
 #include <marlet/plugins/AbstractPlugin.h>
-#include <marlet/project/AssetList.h>
 #include <marlet/project/Project.h>
-
-#include <algorithm>
 
 namespace marlet::tool
 {
@@ -48,7 +45,7 @@ void Insert(Editing &editing)
     const PlaceMode mode = ModeOf(editing.Words());
     const TrackChoice ripple = editing.Ripple();
     placement.track = editing.Track("--track");
-    placement.asset = FindByIdOrName(editing.Document()->Assets().All(), "asset", editing.Operand());
+    placement.asset = editing.Asset(editing.Operand());
     placement.soundTrack = editing.OptionalTrack("--sound");
     editing.Tell("inserted", PlaceAsset(editing.Document(), placement, mode, ripple));
 }
@@ -231,62 +228,33 @@ void AddNewTrack(Editing &editing)
     editing.Tell("added", type + " track " + Quoted(name) + "  " + track->ID().ToNarrowString());
 }
 
-const EditOperation &FindOperation(const std::string &name)
-{
-    static const EditOperation operations[] = {
-        {"insert",
-         "an asset",
-         {"--track", "--at", "--from", "--length", "--sound", "--overwrite", "--ripple", "--tracks"},
-         Insert},
-        {"copy",
-         "an object",
-         {"--at", "--track", "--sound", "--overwrite", "--ripple", "--tracks", "--unlinked"},
-         Copy},
-        {"move", "an object", {"--to", "--by", "--track", "--unlinked"}, Move},
-        {"remove", "an object", {"--unlinked", "--ripple", "--tracks"}, Remove},
-        {"trim", "an object", {"--start", "--end", "--unlinked", "--ripple", "--tracks"}, Trim},
-        {"roll", "an object", {"--to", "--side", "--unlinked"}, Roll},
-        {"slip", "an object", {"--by", "--unlinked"}, Slip},
-        {"slide", "an object", {"--by", "--unlinked"}, Slide},
-        {"speed", "an object", {"--factor", "--unlinked", "--ripple", "--tracks"}, Speed},
-        {"split", "an object", {"--at", "--unlinked"}, Split},
-        {"join", "an object", {"--unlinked"}, Join},
-        {"link", "an object", {"--with"}, Link},
-        {"unlink", "an object", {}, Unlink},
-        {"lift", nullptr, {"--start", "--end", "--tracks"}, Lift},
-        {"extract", nullptr, {"--start", "--end", "--tracks"}, Extract},
-        {"close-gaps", nullptr, {"--tracks"}, CloseAllGaps},
-        {"transition",
-         "an object",
-         {"--side", "--plugin", "--length", "--one-sided", "--remove"},
-         ChangeTransition},
-        {"add-track", "a name", {"--type"}, AddNewTrack},
-    };
-    const auto found = std::find_if(std::begin(operations), std::end(operations),
-                                    [&](const EditOperation &operation) { return operation.name == name; });
-    if (found == std::end(operations))
-        throw UsageError("there is no operation \"" + name + "\"");
-    return *found;
-}
-
 } // namespace
 
-const EditOperation &ChosenOperation(const Arguments &arguments)
+const std::vector<Verb> &SequenceVerbs()
 {
-    const std::size_t operands = arguments.Operands().size();
-    if (operands < 3)
-        throw UsageError("an operation is missing");
-    const EditOperation &operation = FindOperation(arguments.Operand(2));
-    if (operation.operand && operands < 4)
-        throw UsageError(std::string(operation.name) + " needs " + operation.operand);
-    if (!operation.operand && operands > 3)
-        throw UsageError("\"" + arguments.Operand(3) + "\" is one too many");
-    for (const OptionSpec &option : EditCommand().options)
-        if (option.name != "--dry-run" && arguments.Has(option.name) &&
-            std::find(operation.options.begin(), operation.options.end(), option.name) ==
-                operation.options.end())
-            throw UsageError(option.name + " does not go with " + operation.name);
-    return operation;
+    static const std::vector<Verb> verbs{
+        {"insert", "ASSET --track T --at F [--from F] [--length N] [--sound T] [--overwrite | RIPPLE]",
+         Insert},
+        {"copy", "OBJECT --at F [--track T] [--sound T] [--unlinked] [--overwrite | RIPPLE]", Copy},
+        {"move", "OBJECT [--to F | --by N] [--track T] [--unlinked]", Move},
+        {"remove", "OBJECT [--unlinked] [RIPPLE]", Remove},
+        {"trim", "OBJECT [--start F] [--end F] [--unlinked] [RIPPLE]", Trim},
+        {"roll", "OBJECT --to F [--side head|tail] [--unlinked]", Roll},
+        {"slip", "OBJECT --by N [--unlinked]", Slip},
+        {"slide", "OBJECT --by N [--unlinked]", Slide},
+        {"speed", "OBJECT --factor X [--unlinked] [RIPPLE]", Speed},
+        {"split", "OBJECT --at F [--unlinked]", Split},
+        {"join", "OBJECT [--unlinked]", Join},
+        {"link", "OBJECT --with OBJECT", Link},
+        {"unlink", "OBJECT", Unlink},
+        {"lift", "--start F --end F [--tracks T,T]", Lift},
+        {"extract", "--start F --end F [--tracks T,T]", Extract},
+        {"close-gaps", "[--tracks T,T]", CloseAllGaps},
+        {"transition", "OBJECT [--side head|tail] [--plugin P] [--length N] [--one-sided | --remove]",
+         ChangeTransition},
+        {"add-track", "NAME [--type video|audio]", AddNewTrack},
+    };
+    return verbs;
 }
 
 } // namespace marlet::tool
