@@ -39,6 +39,7 @@ const std::unordered_map<std::string_view, NarrowString> &Nouns()
         {"SolidAsset", "solid"},
         {"CompositionAsset", "composition"},
         {"BinFolder", "folder"},
+        {"SubFolders", ""},
         {"AssetLayer", "layer"},
         {"CameraLayer", "camera"},
         {"LightLayer", "light"},

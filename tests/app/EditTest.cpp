@@ -159,8 +159,8 @@ TEST_F(EditTest, TellsInADryRunWhatWouldChangeAndWritesNothing)
     const ToolRun ripple = Edit("out.xml", {"insert", "Red", "--track", "Spare", "--at", "40", "--length",
                                             "7", "--ripple", "--tracks", "Video 1", "--dry-run"});
     EXPECT_THAT(ripple.out, testing::HasSubstr("\nchanged   video track \"Spare\": + picture \"Red\"\n"));
-    EXPECT_THAT(ripple.out, testing::HasSubstr("\nchanged   picture \"Main\": moved from 40 to 47, with 1 "
-                                               "object behind it\n"));
+    EXPECT_THAT(ripple.out, testing::HasSubstr("\nchanged   picture \"Main\": moved from 40 to 47"));
+    EXPECT_THAT(ripple.out, testing::HasSubstr("\nchanged   picture \"Red\": moved from 80 to 87\n"));
     const ToolRun json = Edit("out.xml", {"move", "Red", "--to", "120", "--dry-run", "--json"});
     EXPECT_THAT(
         json.OutLines(),
@@ -186,15 +186,15 @@ TEST_F(EditTest, EditsAssetsLayersKeyFramesTextsAndMasks)
         {"asset add Blue --size 32x16 --colour '#0000ff'\nlayer add Main Blue --at 10\n"
          "layer trim Main Blue --end 60\nlayer move Main Blue --by 5\nlayer split Main Blue --at 30",
          {"info", "out.xml"},
-         "Blue\"  frames 15 to 30"},
+         "\"Blue\"  asset, 2d, frames 15 to 30"},
         {"layer add Main Red --place 1\nlayer new Main Grade --type grade\nasset nest Main Nest --layers "
          "Red,Grade",
          {"edit", "out.xml", "x.xml", "asset", "remove", "Nest"},
-         "Nest\" is used by layer \"Nest\" of composition \"Main\""},
+         "Asset \"Nest\" is used: layer \"Nest\" of composition \"Main\""},
         {"folder add Pictures\nasset move Red --folder Pictures\nfolder rename Pictures Stills\n"
          "folder add Deep --folder Stills\nfolder move Deep",
          {"diff", "cut.xml", "out.xml"},
-         "+ folder \"Stills\" added"},
+         "folder \"Stills\" added"},
         {"asset duplicate Main Second\nasset replace Main --with Second\nasset remove Main",
          {"info", "out.xml"},
          "Second"},

@@ -180,7 +180,7 @@ const CommandSpec &EditCommand()
          {"--one-sided", "", "at the end of this object alone, even if another one meets it there"},
          {"--remove", "", "takes the transition away, on both sides if it is shared"},
          {"--type", "T", "video or audio, video if not given; of a layer text, point or grade"},
-         {"--place", "N", "in the stack of layers, counted from 1 at the top, where it stands if not given"},
+         {"--place", "N", "in the stack of layers, counted from 1 at the top; the top if not given"},
          {"--on", "LAYER", "the parent, by ID or name; the layer stays where it is at the frame of --at"},
          {"--into", "COMPOSITION", "the composition that the copy comes into; its own if not given"},
          {"--layers", "L,L", "the layers, by IDs or names"},
