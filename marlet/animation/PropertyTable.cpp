@@ -34,6 +34,24 @@ XmlCursor ManagerIn(const XmlCursor &element)
     return manager.IsNull() ? element : manager;
 }
 
+void TellOfOddities(const PropertyManager &manager, const PropertyRow &property, const XmlCursor &element)
+{
+    const char *const name = property.name;
+    const NarrowString start = NarrowString("the property ") + name;
+    if (manager.StaticValue(name).which() != property.value.which())
+        TellLoad(LoadEntry::Severity::Warning, element,
+                 start + " has a value of another type than it should");
+    const bool canAnimate = property.type == PropertyManager::Type::Animatable;
+    if (manager.CanAnimate(name) != canAnimate)
+        TellLoad(LoadEntry::Severity::Warning, element,
+                 start + (canAnimate ? " is not to be animated here, though it could be"
+                                     : " is to be animated here, though it should not be"));
+    if (manager.IsSpatial(name) != property.spatial)
+        TellLoad(LoadEntry::Severity::Warning, element,
+                 start + (property.spatial ? " has no path in space here, though it should have"
+                                           : " has a path in space here, though it should have none"));
+}
+
 } // namespace
 
 PropertyTable operator+(PropertyTable first, const PropertyTable &second)
@@ -63,17 +81,18 @@ void RequireProperties(const XmlCursor &element, PropertyManager &manager, const
         if (property.since == 0)
             Require(manager, property);
     for (const PropertyRow &property : properties)
-        if (property.since > version && !manager.HasProperty(property.name))
+        if (property.since > version && !manager.HasProperty(property.name)) {
+            TellLoad(LoadEntry::Severity::Note, managerElement,
+                     NarrowString("the property ") + property.name +
+                         ", which is younger, is not there; it is that of a new object");
             Create(manager, property);
+        }
     for (const PropertyRow &property : properties)
         if (property.since > 0)
             Require(manager, property);
     if (LoadContext::Current())
         for (const PropertyRow &property : properties)
-            if (manager.StaticValue(property.name).which() != property.value.which())
-                TellLoad(LoadEntry::Severity::Warning, managerElement.Find(property.name),
-                         NarrowString("the property ") + property.name +
-                             " has a value of another type than it should");
+            TellOfOddities(manager, property, managerElement.Find(property.name));
 }
 
 } // namespace marlet::project

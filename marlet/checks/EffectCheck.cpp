@@ -21,10 +21,13 @@ NarrowString VersionText(const AbstractPlugin::VersionInfo &version)
     return text;
 }
 
-/// A layer picker holds an ID, unless a file brought another type.
+/// A layer picker holds an ID, unless a file brought another type. Which IDs of a stand-in are those of
+/// layers its plug-in alone knows.
 void CheckLayerPickers(CheckScope &scope, const Place &place, const std::shared_ptr<EffectInstance> &effect,
                        const Findings::IDSet &layers)
 {
+    if (effect->IsStandIn())
+        return;
     for (const NarrowString &name : effect->LayerPickerProperties()) {
         const auto *id =
             boost::get<kytl::KyID>(&std::as_const(*effect).Properties().StaticValue(name.c_str()));
@@ -69,9 +72,11 @@ void CheckPlugin(CheckScope &scope, const Place &place, const std::shared_ptr<Pl
         scope.findings.Warn(FindingKind::MissingPlugin, place,
                             "its plug-in \"" + ToUtf8(plugin->Name()) + "\", version " +
                                 VersionText(plugin->Version()) + ", is not there; it is kept as it came");
+    // What a stand-in keeps is for its plug-in to judge.
+    const PropertyAccess access = [instance]() -> PropertyManager & { return instance->Properties(); };
     CheckProperties(scope.findings, place, std::as_const(*instance).Properties(),
                     {plugin ? &std::as_const(*plugin).Properties() : nullptr, scope.hasExpressionEngine},
-                    [instance]() -> PropertyManager & { return instance->Properties(); });
+                    instance->IsStandIn() ? PropertyAccess() : access);
 }
 
 } // namespace marlet::project

@@ -63,6 +63,8 @@ void Findings::Error(FindingKind kind, const Place &place, NarrowString what, Re
 void Findings::AddDangling(Finding::Severity severity, const Place &place, const NarrowString &role,
                            const kytl::KyID &named, const char *fault, Remedy remedy)
 {
+    if (kept_ && kept_->contains(named))
+        return;
     Add(severity, FindingKind::DanglingID, place, role + " " + named.ToNarrowString() + " " + fault,
         std::move(remedy));
     findings_.back().named = named;

@@ -64,12 +64,16 @@ class Findings
 public:
     using IDSet = std::unordered_set<kytl::KyID>;
 
+    /// With the IDs of objects that are there without being known, which must outlive it.
+    explicit Findings(const IDSet *kept = nullptr) : kept_(kept) {}
+
     void Add(Finding::Severity severity, FindingKind kind, const Place &place, NarrowString what,
              Remedy remedy = {});
     void Note(FindingKind kind, const Place &place, NarrowString what, Remedy remedy = {});
     void Warn(FindingKind kind, const Place &place, NarrowString what, Remedy remedy = {});
     void Error(FindingKind kind, const Place &place, NarrowString what, Remedy remedy = {});
-    /// A reference that dangles: the role, such as "the parent layer", the ID, and what is wrong with that.
+    /// A reference that dangles, unless it leads to what is kept: the role, such as "the parent layer", the
+    /// ID, and what is wrong with that.
     void AddDangling(Finding::Severity severity, const Place &place, const NarrowString &role,
                      const kytl::KyID &named, const char *fault, Remedy remedy = {});
 
@@ -84,6 +88,7 @@ public:
     void Apply(std::size_t index, Project &project) const { remedies_[index](project); }
 
 private:
+    const IDSet *kept_;
     std::vector<Finding> findings_;
     std::vector<std::function<void(Project &)>> remedies_;
 };

@@ -13,7 +13,9 @@ namespace
 
 Findings Check(const Project &project)
 {
-    CheckScope scope{.project = project, .hasExpressionEngine = project.ExpressionEngine() != nullptr};
+    CheckScope scope{.project = project,
+                     .findings = Findings(&project.KeptIDs()),
+                     .hasExpressionEngine = project.ExpressionEngine() != nullptr};
     CheckAssets(scope);
     CheckCompositions(scope);
     CheckSequence(scope);

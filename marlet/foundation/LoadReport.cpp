@@ -33,7 +33,7 @@ const LoadEntry *LoadReport::First(LoadEntry::Severity least) const
 void LoadReport::Add(LoadEntry entry)
 {
     ++counts_[static_cast<std::size_t>(entry.severity)];
-    dropped_ += entry.severity == LoadEntry::Severity::Loss && !entry.isKept;
+    dropped_ += entry.isDropped || (entry.severity == LoadEntry::Severity::Loss && !entry.isKept);
     // An error ends the load, so it is told however much came before.
     if (entries_.size() < kMostEntries)
         entries_.push_back(std::move(entry));

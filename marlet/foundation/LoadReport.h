@@ -26,14 +26,15 @@ struct LoadEntry {
     /// The element and those around it from the root down, with their names in quotes, or their places among
     /// elements of their tag from 1 on, where there is one: Project/AssetList/Assets/CompositionAsset
     /// "Opening"/Layers/TextLayer "Title"/LayerBase. Empty if there is no element.
-    NarrowString path;
+    NarrowString path = {};
     // Where it stands in the text, or 0 if it stands nowhere.
     int line = 0;             ///< from 1 on
     int column = 0;           ///< in characters, from 1 on
     std::uint64_t offset = 0; ///< in bytes of the text in UTF-8, from 0 on
     /// Those of the objects that it is about.
-    std::vector<kytl::KyID> ids;
-    bool isKept = false; ///< a loss that is written again as it came
+    std::vector<kytl::KyID> ids = {};
+    bool isKept = false;    ///< a loss that is written again as it came
+    bool isDropped = false; ///< a note of what the next save leaves out, such as a comment
 };
 
 /// A plug-in that a project uses and the host does not have, or only in an older version.
@@ -58,7 +59,7 @@ public:
     /// How many there were of a severity, with those that are not among the entries.
     std::size_t Count(LoadEntry::Severity severity) const { return counts_[static_cast<int>(severity)]; }
     std::size_t Count() const;
-    /// The losses that the next save drops.
+    /// How much of the text the next save drops: losses that are not kept, comments and the like.
     std::size_t CountDropped() const { return dropped_; }
     /// The first entry that is a loss or an error, or null.
     const LoadEntry *FirstLoss() const;

@@ -3,6 +3,7 @@
 #include <marlet/foundation/Arguments.h>
 #include <marlet/foundation/Exceptions.h>
 #include <marlet/foundation/xml/DomBridge.h>
+#include <marlet/foundation/xml/LoadContext.h>
 #include <marlet/foundation/xml/XmlReader.h>
 #include <marlet/foundation/xml/XmlWriter.h>
 #include <marlet/layers/Abstract3DEffect.h>
@@ -61,6 +62,23 @@ void WriteEffect(XmlWriter &writer, const Abstract3DEffect &effect, const Projec
     WriteDom(writer, &element);
 }
 
+/// What the host's effect does not write again, nobody knows.
+void TellOfEffect(const XmlCursor &element, const Abstract3DEffect &effect,
+                  const ProjectTextureImageCache &textures)
+{
+    LoadContext *const context = LoadContext::Current();
+    if (!context || element.IsNull())
+        return;
+    for (const auto &[id, properties] : effect.LayerReferencePropertyNames())
+        for (const NarrowString &property : properties)
+            context->AddLayerNamed(element.Find("PropertyManager").Find(property.c_str()).Find("Static"));
+    try {
+        const XmlDocument written(XmlText([&](XmlWriter &writer) { WriteEffect(writer, effect, textures); }));
+        context->MarkUnknownBut(element, written.Root());
+    } catch (const std::exception &) { // then saving fails as well, and says so
+    }
+}
+
 } // namespace
 
 Effect3DLayer::Effect3DLayer() = default;
@@ -80,6 +98,7 @@ Effect3DLayer::Effect3DLayer(const XmlCursor &element, const Abstract3DEffectFac
     Deserialize(element.Find("LayerBase"));
     impl_->effect = ReadEffect(element.Find(kEffectTag), effectFactory, textures);
     RequireProperties(element, Animation(), Properties(), version);
+    TellOfEffect(element.Find(kEffectTag), *impl_->effect, textures);
     Keep(element);
 }
 

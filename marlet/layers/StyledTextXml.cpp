@@ -128,6 +128,19 @@ void ReadTokens(const XmlCursor &parent, TextLayer::TokenList &tokens, const Tex
             Disown(child);
 }
 
+/// Only formats in use are written.
+void TellOfUnused(const XmlCursor &formats, const TextLayer::TokenList &tokens)
+{
+    const FormatIDs used = UsedFormats(TokenChain(tokens.first));
+    for (XmlCursor format = formats.Find("Format"); !format.IsNull(); format = format.Next("Format")) {
+        kytl::KyID id;
+        format.Attribute("ID", id);
+        if (!used.contains(id))
+            TellLoad(LoadEntry::Severity::Loss, format,
+                     "no character has this format; the next save leaves it out", {id});
+    }
+}
+
 } // namespace
 
 void WriteStyledText(XmlWriter &writer, const TokenChain &tokens, const kytl::KyID *last,
@@ -149,6 +162,8 @@ void ReadStyledText(const XmlCursor &parent, TextLayer::TokenList &tokens, TextL
 {
     ReadFormats(parent, formats);
     ReadTokens(parent, tokens, formats);
+    if (LoadContext::Current())
+        TellOfUnused(parent.Find("Formats"), tokens);
 }
 
 } // namespace marlet::project

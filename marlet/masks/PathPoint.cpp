@@ -14,6 +14,7 @@ struct PathPoint_Impl {
     bool linear = true;
     bool locked = false;
     std::shared_ptr<PropertyManager> animation = PropertyManager::Create();
+    KeptXml kept;
 };
 
 namespace
@@ -49,6 +50,7 @@ PathPoint::PathPoint(const XmlCursor &element) : PathPoint()
     if (const XmlCursor properties = element.Find("PropertyManager"); !properties.IsNull())
         impl_->animation->Deserialize(properties);
     RequireProperties(element, *impl_->animation, required, version);
+    impl_->kept = KeptXml(element);
 }
 
 PathPoint::PathPoint(const PathPoint &other) = default;
@@ -75,7 +77,7 @@ std::shared_ptr<PathPoint> PathPoint::Copy(const std::shared_ptr<PathPoint> &poi
 
 void PathPoint::Serialize(XmlWriter &writer) const
 {
-    const XmlElement element(writer, kTag, kVersion);
+    const XmlElement element(writer, kTag, kVersion, impl_->kept);
     PathPointFields(writer, *impl_);
     impl_->animation->Serialize(writer);
 }

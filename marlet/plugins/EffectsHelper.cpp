@@ -3,6 +3,7 @@
 #include <marlet/animation/PropertyManager.h>
 #include <marlet/foundation/Arguments.h>
 #include <marlet/foundation/xml/DomBridge.h>
+#include <marlet/foundation/xml/LoadContext.h>
 #include <marlet/foundation/xml/XmlReader.h>
 #include <marlet/foundation/xml/XmlWriter.h>
 #include <marlet/plugins/AbstractPluginUITreeNode.h>
@@ -135,7 +136,12 @@ void EffectsHelper::SynchronizeUIState(const XmlCursor &parent, UIStates &states
     UIStates saved;
     for (XmlCursor property = parent.Find("UIState").Find("Property"); !property.IsNull();
          property = property.Next("Property")) {
-        bool &visible = saved[NarrowString(property.AttributeText("name"))].visible;
+        const NarrowString name(property.AttributeText("name"));
+        if (!states.contains(name)) {
+            Disown(property);
+            continue;
+        }
+        bool &visible = saved[name].visible;
         visible = true;
         if (property.HasAttribute("vis"))
             property.Attribute("vis", visible);

@@ -26,18 +26,29 @@ constexpr char kFromObjectID[] = "fromObjectID";
 /// list is written in order of time.
 std::shared_ptr<Transition> FindReferred(const XmlCursor &slot, const SequenceObjectList *objects)
 {
-    kytl::KyID transitionID; // has to be an ID, but the object is what counts
+    kytl::KyID transitionID; // the object is what counts
     kytl::KyID objectID;
     slot.RequireAttribute(kTransitionID);
     slot.RequireAttribute(kFromObjectID);
     slot.Attribute(kTransitionID, transitionID);
     slot.Attribute(kFromObjectID, objectID);
-    if (objects != nullptr)
-        if (const std::shared_ptr<AbstractSequenceObject> object = objects->GetByID(objectID))
-            return object->OutgoingTransition();
-    TellLoad(LoadEntry::Severity::Loss, slot, "the object whose transition is referred to is not there",
-             {objectID});
-    return nullptr;
+    const auto object = objects != nullptr ? objects->GetByID(objectID) : nullptr;
+    if (!object && IsKept(objectID)) {
+        LoadContext::Current()->KeepReference(slot);
+        return nullptr;
+    }
+    const auto transition = object ? object->OutgoingTransition() : nullptr;
+    if (!object)
+        TellLoad(LoadEntry::Severity::Loss, slot, "the object whose transition is referred to is not there",
+                 {objectID});
+    else if (!transition)
+        TellLoad(LoadEntry::Severity::Loss, slot,
+                 "the object whose transition is referred to has no outgoing transition", {objectID});
+    else if (transition->ID() != transitionID)
+        TellLoad(LoadEntry::Severity::Warning, slot,
+                 "the transition that is referred to is not there; that of the object is read",
+                 {transitionID});
+    return transition;
 }
 
 } // namespace

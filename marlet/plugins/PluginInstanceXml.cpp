@@ -5,14 +5,16 @@
 #include <marlet/foundation/xml/XmlReader.h>
 #include <marlet/foundation/xml/XmlWriter.h>
 #include <marlet/plugins/AbstractPluginManager.h>
+#include <marlet/plugins/AbstractPluginUITreeNode.h>
+#include <marlet/plugins/PluginElement.h>
 #include <marlet/plugins/PluginInstance_Impl.h>
+#include <marlet/plugins/PluginUITreeWalk.h>
 #include <marlet/plugins/StandInPlugin.h>
 
 #include <QByteArray>
 #include <QDomDocument>
 
 #include <algorithm>
-#include <map>
 #include <stdexcept>
 #include <vector>
 
@@ -22,12 +24,10 @@ namespace marlet::project
 namespace
 {
 
-constexpr unsigned int kVersion = 2;
 constexpr unsigned int kFirstWithPluginVersion = 1;
 constexpr unsigned int kFirstWithUIState = 2;
 constexpr char kVersionAttribute[] = "Version";
 constexpr char kPluginVersionTag[] = "PluginVersion";
-constexpr char kBytesTag[] = "InstanceBytes";
 constexpr char kBytesAttribute[] = "Base64";
 
 constexpr struct {
@@ -68,129 +68,72 @@ void RequireVersion(const AbstractPlugin &plugin, const AbstractPlugin::VersionI
                                             ToUtf8(plugin.Name()) + " plugin than what is currently loaded.");
 }
 
-std::u16string_view View(const QString &text)
+/// Whoever has looked for the elements of an instance by their names knows them.
+void MarkOwn(const XmlCursor &element)
 {
-    return {QStringView(text).utf16(), static_cast<std::size_t>(text.size())};
-}
-
-/// The node behind in the order of the text, of those that stand in the root.
-QDomNode NextIn(const QDomNode &root, QDomNode node)
-{
-    if (node.hasChildNodes())
-        return node.firstChild();
-    while (node != root && node.nextSibling().isNull())
-        node = node.parentNode();
-    return node == root ? QDomNode() : node.nextSibling();
-}
-
-/// How many nodes and attributes there are from the root down, which may be as deep as a plug-in likes.
-int SizeOf(const QDomNode &root)
-{
-    int size = 0;
-    for (QDomNode node = root; !node.isNull(); node = NextIn(root, node))
-        size += 1 + node.attributes().count();
-    return size;
-}
-
-void WriteNode(XmlWriter &writer, const QDomNode &node)
-{
-    const QDomElement element = node.toElement();
-    if (node.isText())
-        writer.Text(View(node.nodeValue()));
-    else
-        WriteDom(writer, &element);
-}
-
-/// What a plug-in has to say of an instance: the element that it is handed with all that the library writes
-/// there, and what it added to that.
-class PluginElement
-{
-public:
-    PluginElement(const PluginInstance_Impl &data, AbstractPlugin &plugin, AbstractPluginInstance *instance)
-    {
-        const WideString own = XmlText([&](XmlWriter &writer) {
-            // What the plug-in itself had put there would stand there twice.
-            writer.LeaveKept();
-            const XmlElement element(writer, data.Tag(), kVersion);
-            data.WriteChildren(writer, plugin);
-        });
-        AppendXmlToDom(own, &document_, &document_);
-        element_ = document_.documentElement();
-        for (QDomNode node = element_.firstChild(); !node.isNull(); node = node.nextSibling())
-            own_.push_back({node, SizeOf(node)});
-        plugin.SerializeInstance(instance, &document_, &element_);
-    }
-
-    QDomElement Bytes() const { return element_.firstChildElement(kBytesTag); }
-
-    void WriteAttributes(XmlWriter &writer) const
-    {
-        std::map<NarrowString, QString> sorted;
-        const QDomNamedNodeMap attributes = element_.attributes();
-        for (int i = 0; i < attributes.count(); ++i)
-            sorted.emplace(ToUtf8(View(attributes.item(i).nodeName())), attributes.item(i).nodeValue());
-        sorted.erase(kVersionAttribute);
-        for (const auto &[name, value] : sorted)
-            if (IsXmlName(name))
-                writer.Attribute(name, View(value));
-    }
-
-    /// Whether the plug-in put something into what the library wrote.
-    bool IsOwnAddedTo() const
-    {
-        return std::ranges::any_of(own_, [](const Own &own) { return SizeOf(own.node) != own.size; });
-    }
-
-    void WriteOwn(XmlWriter &writer) const
-    {
-        for (const Own &own : own_)
-            WriteNode(writer, own.node);
-    }
-
-    /// What the plug-in put beside what the library wrote. It is read by its name, which may be the same, so
-    /// it has to stand behind that, wherever the plug-in put it.
-    void WriteAdded(XmlWriter &writer) const
-    {
-        for (QDomNode node = element_.firstChild(); !node.isNull(); node = node.nextSibling())
-            if (std::ranges::find(own_, node, &Own::node) == own_.end())
-                WriteNode(writer, node);
-    }
-
-private:
-    struct Own {
-        QDomNode node;
-        int size;
-    };
-
-    QDomDocument document_;
-    QDomElement element_;
-    std::vector<Own> own_;
-};
-
-/// A plug-in that is there writes again what it has put beside the library's own elements. Of the properties
-/// only those are the library's to keep that the plug-in no longer has.
-void LeaveToPlugin(const XmlCursor &element, const XmlCursor &saved, PropertyManager &properties)
-{
-    LoadContext *const context = LoadContext::Current();
-    if (!context)
-        return;
-    for (const char *tag : {"PluginName", kPluginVersionTag, "UIState", kBytesTag})
+    for (const char *tag : {"PluginName", kPluginVersionTag, "UIState", kInstanceBytes})
         element.Find(tag);
-    if (saved.IsNull())
-        context->Add(LoadEntry::Severity::Warning, element,
-                     "there are no properties; they are those of a new instance");
-    for (XmlCursor child = element.FirstChild(); !child.IsNull(); child = child.Next()) {
-        if (child.Node() == saved.Node())
+    for (const auto &field : kPluginVersion)
+        element.Find(kPluginVersionTag).HasAttribute(field.name);
+    element.Find("PluginName").Text();
+}
+
+bool HasUnknown(const LoadContext &context, const XmlCursor &element)
+{
+    if (context.HasUnknownAttribute(element))
+        return true;
+    for (XmlCursor child = element.FirstChild(); !child.IsNull(); child = child.Next())
+        if (!context.IsKnown(child) || HasUnknown(context, child))
+            return true;
+    return false;
+}
+
+/// What the plug-in says of its properties stands in place of what the text says.
+void TellOfDifferences(const XmlCursor &saved, const PropertyManager &own, const PropertyManager &fromFile)
+{
+    using Severity = LoadEntry::Severity;
+    if (!LoadContext::Current())
+        return;
+    for (const NarrowString &property : own.PropertyNames()) {
+        const char *const name = property.c_str();
+        if (!fromFile.HasProperty(name)) {
+            TellLoad(Severity::Warning, saved,
+                     "the property " + property + " is not there; it is that of a new instance");
             continue;
-        if (!context->IsKnown(child))
-            context->Add(LoadEntry::Severity::Note, child,
-                         NarrowString(child.Name()) + " is left to the plug-in, which may write it again");
-        context->MarkAllKnown(child);
+        }
+        const XmlCursor element = saved.Find(name);
+        if (!(own.DefaultValue(name) == fromFile.DefaultValue(name)))
+            TellLoad(Severity::Note, element.Find("Default"),
+                     "the plug-in has another default, which stands in place of this one");
+        if (own.CanAnimate(name) != fromFile.CanAnimate(name) ||
+            own.IsSpatial(name) != fromFile.IsSpatial(name))
+            TellLoad(Severity::Note, element,
+                     "Type and Spatial are others than the plug-in's, which stand in place of these");
+        const int type = fromFile.StaticValue(name).which();
+        if (type == fromFile.DefaultValue(name).which() && type != own.DefaultValue(name).which())
+            TellLoad(Severity::Warning, element.Find("Static"),
+                     "the value is of another type than the plug-in's default");
     }
-    context->MarkAttributes(element);
+}
+
+void TellOfLayersNamed(LoadContext &context, const AbstractPlugin &plugin, const XmlCursor &saved)
+{
+    ForEachPluginUINode(plugin, [&](const AbstractPluginUITreeNode &node) {
+        if (node.Type() == AbstractPluginUITreeNode::NodeType::LayerPicker)
+            context.AddLayerNamed(saved.Find(EditedProperty(node)).Find("Static"));
+    });
+}
+
+/// Of the properties only those are the library's to keep that the plug-in no longer has.
+void TellOfProperties(LoadContext &context, const XmlCursor &element, const XmlCursor &saved,
+                      PropertyManager &properties)
+{
+    if (saved.IsNull())
+        context.Add(LoadEntry::Severity::Warning, element,
+                    "there are no properties; they are those of a new instance");
     for (XmlCursor child = saved.FirstChild(); !child.IsNull(); child = child.Next())
         if (!properties.HasProperty(child.Name().data()))
-            context->MarkUnknown(child);
+            context.MarkUnknown(child);
     properties.Keep(saved);
 }
 
@@ -232,7 +175,7 @@ void PluginInstance_Impl::Write(XmlWriter &writer, const AbstractPluginInstance 
         return;
     }
     const PluginElement plugins(*this, *locked, const_cast<AbstractPluginInstance *>(&instance));
-    const XmlElement element(writer, Tag(), kVersion);
+    const XmlElement element(writer, Tag(), kInstanceVersion, kept);
     plugins.WriteAttributes(writer);
     if (plugins.IsOwnAddedTo())
         plugins.WriteOwn(writer);
@@ -246,7 +189,7 @@ void PluginInstance_Impl::Write(XmlWriter &writer, const AbstractPluginInstance 
 void PluginInstance_Impl::WriteStandIn(XmlWriter &writer) const
 {
     const auto write = [this](XmlWriter &to) {
-        const XmlElement element(to, Tag(), kVersion, kept);
+        const XmlElement element(to, Tag(), kInstanceVersion, kept);
         WriteChildren(to, *standIn);
     };
     if (source && std::hash<WideString>()(XmlText(write)) == asRead)
@@ -276,7 +219,7 @@ void PluginInstance_Impl::WriteChildren(XmlWriter &writer, const AbstractPlugin 
 void PluginInstance_Impl::Read(const XmlCursor &element, AbstractPluginInstance *instance)
 {
     const std::shared_ptr<AbstractPlugin> locked = RequirePlugin();
-    const unsigned int version = element.RequireHeader(Tag(), kVersion);
+    const unsigned int version = element.RequireHeader(Tag(), kInstanceVersion);
     ReadHead(element);
     if (locked->ID() != pluginID)
         throw std::runtime_error("Supplied plugin does not match deserialized PluginID");
@@ -284,6 +227,7 @@ void PluginInstance_Impl::Read(const XmlCursor &element, AbstractPluginInstance 
     if (!saved.IsNull() && !standIn) { // whose properties are those of the element
         PropertyManager fromFile;
         fromFile.Deserialize(saved);
+        TellOfDifferences(saved, *properties, fromFile);
         EffectsHelper::SynchronizeSourceWithDest(*properties, fromFile);
     }
     if (version >= kFirstWithPluginVersion)
@@ -296,10 +240,18 @@ void PluginInstance_Impl::Read(const XmlCursor &element, AbstractPluginInstance 
         KeepElement(element);
         return;
     }
-    LeaveToPlugin(element, saved, *properties);
-    if (const XmlCursor bytes = element.Find(kBytesTag); !bytes.IsNull()) {
+    if (const XmlCursor bytes = element.Find(kInstanceBytes); !bytes.IsNull()) {
         const std::string_view base64 = bytes.AttributeText(kBytesAttribute);
         HandOver(*locked, instance, QByteArray(base64.data(), static_cast<qsizetype>(base64.size())));
+    }
+    if (LoadContext *const context = LoadContext::Current()) {
+        MarkOwn(element);
+        TellOfLayersNamed(*context, *locked, saved);
+        // The plug-in is asked only where there is something that may be its own.
+        if (HasUnknown(*context, element))
+            PluginElement(*this, *locked, instance).MarkAdded(*context, element);
+        TellOfProperties(*context, element, saved, *properties);
+        kept = KeptXml(element);
     }
 }
 
@@ -349,7 +301,7 @@ void AppendInstanceBytes(const unsigned char *bytes, int size, void *document, v
     Require(document, "document");
     Require(element, "element");
     const QByteArray data(reinterpret_cast<const char *>(bytes), std::max(size, 0));
-    QDomElement child = static_cast<QDomDocument *>(document)->createElement(kBytesTag);
+    QDomElement child = static_cast<QDomDocument *>(document)->createElement(kInstanceBytes);
     child.setAttribute(kBytesAttribute, QString::fromLatin1(data.toBase64()));
     static_cast<QDomElement *>(element)->appendChild(child);
 }

@@ -11,6 +11,10 @@
 namespace marlet::project
 {
 
+constexpr unsigned int kInstanceVersion = 2;
+/// The element of an instance's private data.
+constexpr char kInstanceBytes[] = "InstanceBytes";
+
 /// What effects and transitions hold alike, and how they stand in the file. What is handed to the plug-in is
 /// the instance itself, which knows nothing of this record's base.
 struct PluginInstance_Impl {
@@ -54,8 +58,8 @@ struct PluginInstance_Impl {
     kytl::KyID pluginID;
     std::weak_ptr<AbstractPlugin> plugin;
     std::shared_ptr<AbstractPlugin> standIn; ///< the plug-in, if it is one, which nobody else owns
-    // Of the element, if the plug-in is a stand-in:
     KeptXml kept;
+    // Of the element, if the plug-in is a stand-in:
     std::shared_ptr<const NarrowString> source;
     std::size_t asRead = 0; ///< the hash of what the library writes as long as nothing has changed
     std::shared_ptr<PropertyManager> properties;

@@ -211,6 +211,8 @@ void BinFolder::Deserialize(const XmlCursor &element, const AssetsByID &assets)
         child.Get(id);
         if (const std::shared_ptr<AbstractAsset> asset = assets.Find(id))
             impl_->assets.Add(asset);
+        else if (IsKept(id))
+            LoadContext::Current()->KeepReference(child);
         else
             TellLoad(LoadEntry::Severity::Loss, child, "the folder names an asset that is not there", {id});
     }

@@ -1,5 +1,6 @@
 #include <marlet/project/InstancesXml.h>
 
+#include <marlet/foundation/xml/LoadContext.h>
 #include <marlet/foundation/xml/XmlReader.h>
 #include <marlet/foundation/xml/XmlWriter.h>
 #include <marlet/layers/AbstractLayer.h>
@@ -13,6 +14,16 @@ namespace
 
 constexpr char kList[] = "Instances";
 constexpr char kItem[] = "Instance";
+
+/// Null for what is none.
+kytl::KyID ReadID(const XmlCursor &instance)
+{
+    try {
+        return kytl::KyID::FromString(instance.AttributeText("ID"));
+    } catch (const std::exception &) {
+        return {};
+    }
+}
 
 } // namespace
 
@@ -36,9 +47,15 @@ void WriteInstances(XmlWriter &writer, const AbstractAsset::InstanceList &instan
 void PassInstances(const XmlCursor &asset)
 {
     for (XmlCursor instance = asset.Find(kList).Find(kItem); !instance.IsNull();
-         instance = instance.Next(kItem))
+         instance = instance.Next(kItem)) {
+        // The host lists the uses that it knows.
+        if (IsKept(ReadID(instance))) {
+            LoadContext::Current()->KeepReference(instance);
+            continue;
+        }
         for (const char *attribute : {"ID", "Type", "CompID"})
             static_cast<void>(instance.HasAttribute(attribute));
+    }
 }
 
 } // namespace marlet::project

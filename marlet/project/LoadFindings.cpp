@@ -26,19 +26,34 @@ namespace
 
 using Severity = LoadEntry::Severity;
 
+constexpr std::string_view kAssetTags[] = {"SolidAsset", "ImageAsset", "MediaAsset", "CompositionAsset"};
+constexpr std::string_view kLayerTags[] = {"AssetLayer", "Effect3DLayer", "CameraLayer", "LightLayer",
+                                           "GradeLayer", "PointLayer",    "TextLayer"};
+constexpr std::string_view kTrackTags[] = {"VideoTrack", "AudioTrack"};
+constexpr std::string_view kObjectTags[] = {"VisualObject", "AudioObject"};
+
 /// What an ID is of. Those of layers count in their composition.
-enum class Kind { Asset, Folder, Layer, Mask, Tracker, Effect, Transition, Track, Object };
+enum class Kind { Asset, Folder, Layer, Mask, Path, Tracker, Effect, Transition, Sequence, Track, Object };
 
 constexpr struct {
     std::string_view tag;
     Kind kind;
-} kOwners[] = {{"SolidAsset", Kind::Asset},    {"ImageAsset", Kind::Asset},
-               {"MediaAsset", Kind::Asset},    {"CompositionAsset", Kind::Asset},
-               {"BinFolder", Kind::Folder},    {"LayerBase", Kind::Layer},
-               {"Mask", Kind::Mask},           {"Tracker", Kind::Tracker},
-               {"Instance", Kind::Effect},     {"Transition", Kind::Transition},
-               {"VideoTrack", Kind::Track},    {"AudioTrack", Kind::Track},
-               {"VisualObject", Kind::Object}, {"AudioObject", Kind::Object}};
+} kOwners[] = {{"SolidAsset", Kind::Asset},
+               {"ImageAsset", Kind::Asset},
+               {"MediaAsset", Kind::Asset},
+               {"CompositionAsset", Kind::Asset},
+               {"BinFolder", Kind::Folder},
+               {"LayerBase", Kind::Layer},
+               {"Mask", Kind::Mask},
+               {"MotionPath", Kind::Path},
+               {"Tracker", Kind::Tracker},
+               {"Instance", Kind::Effect},
+               {"Transition", Kind::Transition},
+               {"EditorSequence", Kind::Sequence},
+               {"VideoTrack", Kind::Track},
+               {"AudioTrack", Kind::Track},
+               {"VisualObject", Kind::Object},
+               {"AudioObject", Kind::Object}};
 
 constexpr struct {
     std::string_view owner;
@@ -49,11 +64,23 @@ constexpr struct {
                    {"ImageAsset", "ParentFolderID", Kind::Folder, "the folder of the asset"},
                    {"MediaAsset", "ParentFolderID", Kind::Folder, "the folder of the asset"},
                    {"CompositionAsset", "ParentFolderID", Kind::Folder, "the folder of the asset"},
+                   {"BinFolder", "ParentFolderID", Kind::Folder, "the folder around the folder"},
+                   {"LayerBase", "CompID", Kind::Asset, "the composition of the layer"},
                    {"LayerBase", "ParentLayerID", Kind::Layer, "the parent of the layer"},
                    {"AssetLayer", "AssetID", Kind::Asset, "the asset of the layer"},
+                   {"Mask", "LayerID", Kind::Layer, "the layer of the mask"},
+                   {"MotionPath", "ParentID", Kind::Mask, "the mask of the outline"},
+                   {"Point", "ParentPathID", Kind::Path, "the outline of the point"},
+                   {"Tracker", "ParentLayerID", Kind::Layer, "the layer of the tracker"},
                    {"Tracker", "DestinationLayerID", Kind::Layer, "the destination of the tracker"},
+                   {"Primary", "ParentTrackerID", Kind::Tracker, "the tracker of the point"},
+                   {"Secondary", "ParentTrackerID", Kind::Tracker, "the tracker of the point"},
                    {"VisualObject", "AssetID", Kind::Asset, "the asset of the object"},
                    {"AudioObject", "AssetID", Kind::Asset, "the asset of the object"},
+                   {"VisualObject", "SequenceID", Kind::Sequence, "the sequence of the object"},
+                   {"AudioObject", "SequenceID", Kind::Sequence, "the sequence of the object"},
+                   {"VisualObject", "ParentTrackID", Kind::Track, "the track of the object"},
+                   {"AudioObject", "ParentTrackID", Kind::Track, "the track of the object"},
                    {"VisualObject", "LinkedObjectID", Kind::Object, "the object that is linked"},
                    {"AudioObject", "LinkedObjectID", Kind::Object, "the object that is linked"},
                    {"Transition", "FromObjectID", Kind::Object, "the object in front of the transition"},
@@ -187,13 +214,29 @@ public:
     void Check(const XmlCursor &element, const void *composition)
     {
         CheckNumbers(element);
-        for (const auto &[owner, field, kind, what] : kReferences) {
-            if (element.Name() != owner)
-                continue;
-            const std::optional<kytl::KyID> id = element.FindID(field);
-            if (id && !id->IsNull() && !identities_.contains({*id, kind, Scope(kind, composition)}))
-                context_.Add(Severity::Warning, element.Find(field), NarrowString(what) + " is not there",
-                             {*id});
+        for (const auto &[owner, field, kind, what] : kReferences)
+            if (element.Name() == owner)
+                CheckReference(element, field, kind, composition, what);
+        if (element.Name() == "Instance") {
+            CheckReference(element, "ParentID", composition ? Kind::Layer : Kind::Object, composition,
+                           "what has the effect");
+            CheckReference(element, "ParentTimelineID", composition ? Kind::Asset : Kind::Sequence,
+                           composition, "the timeline of the effect");
+        }
+        if (element.Name() == "ViewerState")
+            CheckViews(element);
+    }
+
+    /// Those of plug-ins and 3D effects.
+    void CheckLayersNamed()
+    {
+        for (const XmlCursor &value : context_.LayersNamed()) {
+            pugi::xml_node around(value.Node());
+            while (around && std::string_view(around.name()) != "CompositionAsset")
+                around = around.parent();
+            if (around)
+                CheckReference(value, "KyID", Kind::Layer, around.internal_object(),
+                               "the layer that the property names");
         }
     }
 
@@ -203,6 +246,44 @@ private:
     {
         const std::string_view text = TextOf(element.Find(field));
         return IsInt(text) ? std::optional(ParseInt(text)) : std::nullopt;
+    }
+
+    void CheckReference(const XmlCursor &element, const char *field, Kind kind, const void *composition,
+                        const char *what)
+    {
+        const std::optional<kytl::KyID> id = element.FindID(field);
+        if (id && !id->IsNull() && !identities_.contains({*id, kind, Scope(kind, composition)}) &&
+            !IsKept(*id))
+            context_.Add(Severity::Warning, element.Find(field), NarrowString(what) + " is not there",
+                         WithOwners(*id, element));
+    }
+
+    /// Behind an ID those of the objects that an element is in, from the inside out.
+    static std::vector<kytl::KyID> WithOwners(const kytl::KyID &id, const XmlCursor &element)
+    {
+        std::vector<kytl::KyID> ids{id};
+        for (pugi::xml_node node(element.Node()); node; node = node.parent()) {
+            const XmlCursor around(node.internal_object());
+            const XmlCursor base = around.Find("LayerBase");
+            if (const auto own = (base.IsNull() ? around : base).FindID("ID"); own && own != ids.back())
+                ids.push_back(*own);
+        }
+        return ids;
+    }
+
+    /// Each position names one of the views.
+    void CheckViews(const XmlCursor &viewer)
+    {
+        std::unordered_set<std::string_view> views;
+        for (XmlCursor view = viewer.Find("Views").Find("State"); !view.IsNull(); view = view.Next("State"))
+            views.insert(view.AttributeText("ID"));
+        for (XmlCursor layout = viewer.FirstChild(); !layout.IsNull(); layout = layout.Next())
+            for (const char *position : {"Pos0", "Pos1", "Pos2", "Pos3"})
+                if (const std::string_view id = layout.AttributeText(position);
+                    context_.IsKnown(layout) && !id.empty() && !views.contains(id))
+                    context_.Add(Severity::Warning, layout,
+                                 NarrowString("the view at ") + position + " is not there",
+                                 {kytl::KyID::FromString(id)});
     }
 
     static const void *Scope(Kind kind, const void *composition)
@@ -217,6 +298,28 @@ private:
 
 } // namespace
 
+void TakeObjectsKept(LoadContext &context, const XmlCursor &project)
+{
+    if (!context.KeepsUnknown())
+        return;
+    const auto take = [&context](const XmlCursor &list, std::span<const std::string_view> known) {
+        for (XmlCursor child = list.FirstChild(); !child.IsNull(); child = child.Next())
+            if (std::ranges::find(known, child.Name()) == known.end())
+                context.TakeIDs(child);
+    };
+    const XmlCursor assets = project.Find("AssetList").Find("Assets");
+    take(assets, kAssetTags);
+    for (XmlCursor asset = assets.FirstChild(); !asset.IsNull(); asset = asset.Next())
+        if (asset.Name() == "CompositionAsset")
+            take(asset.Find("Layers"), kLayerTags);
+    for (const char *tracks : {"Video", "Audio"}) {
+        const XmlCursor list = project.Find("EditorSequence").Find(tracks);
+        for (XmlCursor track = list.FirstChild(); !track.IsNull(); track = track.Next())
+            if (std::ranges::find(kTrackTags, track.Name()) != std::end(kTrackTags))
+                take(track.Find("Objects"), kObjectTags);
+    }
+}
+
 void TellOfOddities(LoadContext &context, const XmlCursor &project)
 {
     Walk walk(context);
@@ -226,6 +329,7 @@ void TellOfOddities(LoadContext &context, const XmlCursor &project)
     walk.Below(project, nullptr, [&walk](const XmlCursor &element, const void *composition) {
         walk.Check(element, composition);
     });
+    walk.CheckLayersNamed();
     walk.TellOfNames();
 }
 

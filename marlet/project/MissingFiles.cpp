@@ -49,10 +49,10 @@ std::vector<MissingFile> MissingOf(const Project &project)
     for (const auto &asset : project.Assets().All()) {
         if (const auto media = std::dynamic_pointer_cast<MediaAsset>(asset)) {
             if (media->MediaFileStatus() == MediaAsset::Status::Missing)
-                missing.push_back({asset, media->Filename(), {}, {}});
+                missing.push_back({asset, media->Filename(), {}, {}, {}, {}});
         } else if (const auto image = std::dynamic_pointer_cast<ImageAsset>(asset)) {
             if (image->IsOffline())
-                missing.push_back({asset, image->Filename(), {}, {}});
+                missing.push_back({asset, image->Filename(), {}, {}, {}, {}});
         }
     }
     return missing;
@@ -111,6 +111,8 @@ struct FileFacts {
     bool hasPicture = false;
     bool hasSound = false;
     int frames = 0;
+    int width = 0;
+    int height = 0;
 };
 
 FileFacts MediaFacts(const WideString &path, bool isSequence)
@@ -121,16 +123,28 @@ FileFacts MediaFacts(const WideString &path, bool isSequence)
         isSequence ? manager.CreateImageSequence(path, kAnyRate) : manager.CreateMediaAsset(path);
     const auto video = media->VideoStream();
     const auto audio = media->AudioStream();
-    return {!media->IsOffline(), video != nullptr, audio != nullptr,
-            video   ? video->FrameCount()
-            : audio ? audio->FrameCount()
-                    : 0};
+    return {!media->IsOffline(),        video != nullptr,
+            audio != nullptr,           video ? video->FrameCount() : audio ? audio->FrameCount() : 0,
+            video ? video->Width() : 0, video ? video->Height() : 0};
 }
 
 FileFacts ImageFacts(const WideString &path)
 {
-    const bool isUsable = ImageAsset::Create(path)->Status() == ImageAsset::FileStatus::Usable;
-    return {isUsable, isUsable, false, 0};
+    const auto image = ImageAsset::Create(path);
+    const bool isUsable = image->Status() == ImageAsset::FileStatus::Usable;
+    return {isUsable, isUsable, false, 0, isUsable ? image->Width() : 0, isUsable ? image->Height() : 0};
+}
+
+NarrowString FactsText(const FileFacts &facts, const fs::path &path)
+{
+    NarrowString text;
+    if (facts.width > 0)
+        text += std::to_string(facts.width) + " x " + std::to_string(facts.height) + ", ";
+    if (facts.frames > 0)
+        text += std::to_string(facts.frames) + (facts.frames == 1 ? " frame, " : " frames, ");
+    std::error_code error;
+    const auto size = fs::file_size(path, error);
+    return text + (error ? NarrowString("of unknown size") : std::to_string(size) + " bytes");
 }
 
 /// Looks at each file once, since many assets may have files of one name.
@@ -226,8 +240,14 @@ void Choose(const Paths &paths, FactsOfFiles &facts, MissingFile &missing)
             return HaveSameBytes(one.path, candidates.front().path);
         }))
         candidates.resize(std::min<std::size_t>(candidates.size(), 1));
-    for (const Candidate &candidate : candidates)
+    for (const Candidate &candidate : candidates) {
         missing.found.push_back(candidate.path);
+        missing.facts.push_back(FactsText(facts.Of(*missing.asset, candidate.path), candidate.path));
+    }
+    if (candidates.size() == 1 && !candidates.front().isLongEnough)
+        missing.doubt =
+            "it is shorter: " + std::to_string(facts.Of(*missing.asset, candidates.front().path).frames) +
+            " frames, where " + std::to_string(needs.frames) + " are asked for";
 }
 
 void PointAt(Project &project, const MissingFile &missing, const fs::path &path)

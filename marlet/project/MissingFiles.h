@@ -25,6 +25,10 @@ struct MissingFile {
     WideString before; ///< its path
     /// The file that was taken; several where it could not be told which, and none of these was taken then.
     std::vector<std::filesystem::path> found;
+    std::vector<NarrowString> facts; ///< of each of these: "1280 x 720, 50 frames, 118204 bytes"
+    /// What speaks against the file that was taken all the same, such as "it is shorter: 20 frames, where 50
+    /// are asked for"; empty if nothing does.
+    NarrowString doubt;
     std::vector<Refused> refused;
 };
 

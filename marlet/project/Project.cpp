@@ -31,6 +31,7 @@ struct Project_Impl {
     std::shared_ptr<EditorSequence> sequence;
     ProjectTextureImageCache textureImages;
     KeptXml kept;
+    std::unordered_set<kytl::KyID> keptIDs;
 };
 
 namespace
@@ -101,12 +102,14 @@ void Project::Read(const WideString &xml, const Abstract3DEffectFactory &effectF
     std::optional<XmlDocument> document;
     try {
         document.emplace(xml, &context);
+        TakeObjectsKept(context, document->Root());
         Deserialize(document->Root(), effectFactory, options.progress);
     } catch (const std::exception &error) {
         context.AddError(error);
         context.Finish();
         throw;
     }
+    impl_->keptIDs = context.IDsKept();
     if (options.report) {
         context.TellOfUnknown(document->Root());
         TellOfOddities(context, document->Root());
@@ -161,6 +164,11 @@ void Project::Deserialize(const XmlCursor &element, const Abstract3DEffectFactor
     if (const XmlCursor metadata = element.Find("Metadata"); !metadata.IsNull())
         impl_->metadata.Deserialize(metadata);
     impl_->kept = KeptXml(element);
+}
+
+const std::unordered_set<kytl::KyID> &Project::KeptIDs() const
+{
+    return impl_->keptIDs;
 }
 
 const kytl::KyID &Project::ID() const

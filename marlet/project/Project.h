@@ -4,6 +4,7 @@
 #include <marlet/foundation/Strings.h>
 
 #include <memory>
+#include <unordered_set>
 
 namespace marlet::project
 {
@@ -68,6 +69,10 @@ public:
     /// The same in UTF-8, in a third of the memory. With room for so many bytes at first, as the text of
     /// another version of the project has.
     NarrowString SerializeUtf8(std::size_t expectedBytes = 0) const;
+
+    /// The IDs of the objects that the load has kept without knowing what they are. What names one of them
+    /// does not dangle.
+    const std::unordered_set<kytl::KyID> &KeptIDs() const;
 
     const kytl::KyID &ID() const;
     const WideString &Name() const;

@@ -2,7 +2,9 @@
 #include "ToolTest.h"
 
 #include <marlet/foundation/Exceptions.h>
+#include <marlet/foundation/LoadReport.h>
 #include <marlet/layers/Effect3DLayer.h>
+#include <marlet/project/LoadOptions.h>
 #include <marlet/project/ProjectTextureImageCache.h>
 #include <marlet/project/TextureImage.h>
 
@@ -41,6 +43,28 @@ TEST_F(RibbonTest, NamesItsTextureRelativeToTheFolderWhileItIsInThere)
     expect("File=\"/elsewhere/paper.png\" Relative=\"0\"");
     ribbon_->SetTexture(textures_.CacheItem(u"/pictures/ink.png", false), false);
     expect("File=\"/pictures/ink.png\" Relative=\"0\"");
+}
+
+TEST_F(RibbonTest, LeavesWhatItDoesNotWriteToBeKept)
+{
+    const auto project = Project::Create(nullptr);
+    const auto composition = CompositionAsset::Create(u"Main", {}, 10);
+    composition->Layers().Add(layer_);
+    project->Assets().All().Add(composition);
+    std::string text = ToUtf8(project->Serialize());
+    const std::size_t effect = text.find("<Effect ") + 7;
+    text.insert(text.find(">", effect), " odd=\"1\"");
+    text.insert(text.find("       <PropertyManager", effect), "       <Odd/>\n");
+    LoadReport report;
+    const auto load = [&](bool keeps) {
+        return Project::CreateFromXml(FromUtf8(text), u"", nullptr, tool::EffectFactory(),
+                                      {.report = &report, .keepUnknown = keeps});
+    };
+    load(false);
+    EXPECT_EQ(report.CountDropped(), 2u);
+    const auto kept = load(true);
+    EXPECT_EQ(report.CountDropped(), 0u);
+    EXPECT_EQ(ToUtf8(kept->Serialize()), text);
 }
 
 TEST_F(RibbonTest, RefusesWhatItCannotRead)

@@ -2,6 +2,7 @@
 
 #include <tests/support/TestPlugins.h>
 
+#include <marlet/checks/Finding.h>
 #include <marlet/editor/AudioObject.h>
 #include <marlet/editor/AudioTrack.h>
 #include <marlet/editor/EditorSequence.h>
@@ -21,13 +22,35 @@
 #include <marlet/project/BinFolder.h>
 #include <marlet/project/CompositionAsset.h>
 #include <marlet/project/ImageAsset.h>
+#include <marlet/project/LoadOptions.h>
 #include <marlet/project/Project.h>
 #include <marlet/project/SolidAsset.h>
 #include <marlet/tracking/Tracker.h>
 #include <marlet/tracking/TrackingPoint.h>
 
+#include <algorithm>
+
 namespace marlet::test
 {
+
+const kytl::KyID kNowhere{1, 2, 3, {4, 5, 6, 7, 8, 9, 10, 11}};
+
+inline std::vector<FindingKind> KindsOf(const std::vector<Finding> &findings)
+{
+    std::vector<FindingKind> kinds;
+    for (const Finding &finding : findings)
+        kinds.push_back(finding.kind);
+    std::ranges::sort(kinds);
+    return kinds;
+}
+
+inline std::string Lines(const std::vector<Finding> &findings)
+{
+    std::string lines;
+    for (const Finding &finding : findings)
+        lines += finding.place + ": " + finding.what + "\n";
+    return lines;
+}
 
 /// A project with one of everything, in which nothing is to be found: in the folder two compositions and a
 /// solid, in the first composition the solid with an effect, a mask and a tracker, a text and a null point,
@@ -86,7 +109,7 @@ struct CheckedProject {
         return Show(asset, composition);
     }
 
-    std::shared_ptr<Project> Reload(const WideString &xml) const
+    std::shared_ptr<Project> Reload(const WideString &xml, const LoadOptions &options = {}) const
     {
         struct NoEffects : Abstract3DEffectFactory {
             std::shared_ptr<Abstract3DEffect> Create(void *, ProjectTextureImageCache &) const override
@@ -94,7 +117,7 @@ struct CheckedProject {
                 return nullptr;
             }
         };
-        return Project::CreateFromXml(xml, u"", plugins, NoEffects());
+        return Project::CreateFromXml(xml, u"", plugins, NoEffects(), options);
     }
 
 private:

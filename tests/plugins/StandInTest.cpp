@@ -227,6 +227,61 @@ TEST_F(StandIns, PropertiesThatAPluginNoLongerHasStay)
     EXPECT_TRUE(report.FirstLoss()->path.ends_with("/Instance \"Blur\"/PropertyManager/smooth"));
 }
 
+/// Of a plug-in that is there.
+TEST_F(StandIns, AreNotNeededToKeepWhatNobodyKnows)
+{
+    NarrowString changed = ToUtf8(text);
+    const auto put = [&changed](const char *behind, const char *more) {
+        changed.insert(changed.find(behind) + NarrowString(behind).size(), more);
+    };
+    put("<Instance Version=\"2\"", " odd=\"1\"");
+    put("<Enabled>1</Enabled>\n", "       <Odd><b/></Odd>\n");
+    put("<UIState>\n", "        <Property name=\"older\" vis=\"0\"/>\n        <Odd/>\n");
+    put("<PluginVersion", " odd=\"2\"");
+    LoadReport report;
+    const auto with = Load(FromUtf8(changed), manager, &report);
+    const auto dropped = report.CountDropped();
+    EXPECT_EQ(dropped, 0u);
+    const NarrowString saved = ToUtf8(with->Serialize());
+    for (const char *kept :
+         {" odd=\"1\"", "<Odd><b/></Odd>", "name=\"older\" vis=\"0\"", "        <Odd/>\n", " odd=\"2\""})
+        EXPECT_NE(saved.find(kept), NarrowString::npos) << kept;
+    // What the plug-in itself writes is there once for each instance.
+    const auto countIn = [](NarrowString in, const NarrowString &mark) {
+        int count = 0;
+        for (std::size_t at = 0; (at = in.find(mark, at)) != in.npos; ++at)
+            ++count;
+        return count;
+    };
+    EXPECT_EQ(countIn(saved, "<Extra>"), countIn(ToUtf8(text), "<Extra>"));
+    EXPECT_EQ(Load(FromUtf8(saved), manager)->Serialize(), FromUtf8(saved));
+
+    Load(FromUtf8(changed), manager, &report, false);
+    EXPECT_EQ(report.CountDropped(), 5u);
+}
+
+TEST_F(StandIns, TellWhatAPluginHasMadeOfItsProperties)
+{
+    plugin->whenSaved = nullptr;
+    text = project->Serialize();
+    plugin->properties.Clear();
+    plugin->properties.CreateProperty("amount", 11.f, PropertyManager::Type::NotAnimatable, nullptr);
+    plugin->properties.CreateProperty("smooth", 1.f, PropertyManager::Type::NotAnimatable, nullptr);
+    plugin->properties.CreateProperty("layer", KyID(), PropertyManager::Type::NotAnimatable, nullptr);
+    plugin->properties.CreateProperty("young", 1, PropertyManager::Type::Animatable, nullptr);
+    LoadReport report;
+    Load(text, manager, &report);
+    const auto tells = [&report](const char *end, const char *what) {
+        return std::ranges::any_of(report.Entries(), [&](const LoadEntry &entry) {
+            return entry.path.ends_with(end) && entry.what.starts_with(what);
+        });
+    };
+    EXPECT_TRUE(tells("/amount/Default", "the plug-in has another default"));
+    EXPECT_TRUE(tells("/amount", "Type and Spatial are others"));
+    EXPECT_TRUE(tells("/smooth/Static", "the value is of another type"));
+    EXPECT_TRUE(tells("/PropertyManager", "the property young is not there"));
+}
+
 TEST_F(StandIns, LeaveNoAttributeTwiceWhereAnElementGetsWhatWasKept)
 {
     NarrowString changed = ToUtf8(text);

@@ -56,7 +56,7 @@ constexpr Damage kDamages[] = {
      "/RenderSettings/FogColor"},
     {"<Layers>", "<Layers>words", Severity::Loss, "text between elements is passed over", "/Layers"},
     {"<PointLayer Version=\"0\">", "<PointLayer Version=\"7\">", Severity::Error,
-     "The project file was saved by a newer version of the application than this one",
+     "The project file was saved by a newer version of the application than this one: its version is 7",
      "/Layers/PointLayer \"child\""},
     {"<ParentLayerID>00000008", "<ParentLayerID>0000000f", Severity::Warning,
      "the parent of the layer is not there", "/LayerBase/ParentLayerID"},
@@ -90,22 +90,28 @@ constexpr Damage kDamages[] = {
      "the key frame stands behind a later one; it is put in order of time", "/Key[3]", "<Key Time=\"2000\""},
     {"<Layers>", "<Layers><!-- > --><?b </?>", Severity::Note, "2 comments and instructions are passed over",
      "/Layers", "<!--"},
+    {"<position Type=\"0\" Spatial=\"1\"", "<position Type=\"1\" Spatial=\"1\"", Severity::Warning,
+     "the property position is not to be animated here, though it could be", "/position"},
+    {"<scale Type=\"0\" Spatial=\"0\"", "<scale Type=\"0\"", Severity::Warning,
+     "Spatial is missing; 0 is read", "/scale"},
+    {"<Project ", "<?xml version=\"1.0\"?><Project ", Severity::Note,
+     "the XML declaration is passed over; what is saved is UTF-8 and has none", "", "<?xml"},
     {"<Project ", "<!-- of --><Project ", Severity::Note, "a comment or an instruction is passed over",
      "Project \"Two <words> & more\""},
     {"<Name>moon.png", "<Name>Sky", Severity::Note, "the name is that of another one too",
      "/ImageAsset \"Sky\"/Name"},
     {"</PointLayer>", "</PointLayers>", Severity::Error,
      "the text is no XML: the end tag is one of \"PointLayers\", the element is \"PointLayer\"; see line 60, "
-     "column 6; open there: Project (line 1), AssetList (line 7), Assets (line 8), CompositionAsset (line "
-     "27), "
-     "Layers (line 59), PointLayer (line 60)",
-     "Project/AssetList/Assets/CompositionAsset/Layers/PointLayer"},
+     "column 6; open there: Project \"Two <words> & more\" (line 1), AssetList (line 7), Assets (line 8), "
+     "CompositionAsset \"Shot\" (line 27), Layers (line 59), PointLayer \"child\" (line 60)",
+     "Project \"Two <words> & more\"/AssetList/Assets/CompositionAsset \"Shot\"/Layers/PointLayer \"child\""},
     {"<KyPoint3_32f X=\"100\" Y=\"0\" Z=\"0\"/>", "<KyPoint3_32f X='1' X='2'/>", Severity::Error,
      "the text is no XML: the attribute \"X\" stands twice in its element; see line 102, column 27; open "
-     "there: "
-     "Assets (line 8), CompositionAsset (line 27), Layers (line 59), PointLayer (line 60), LayerBase (line "
-     "62), "
-     "PropertyManager (line 74), position (line 83), Animation (line 90), Key (line 98), Value (line 101)",
+     "there: Assets (line 8), CompositionAsset \"Shot\" (line 27), Layers (line 59), PointLayer \"child\" "
+     "(line "
+     "60), LayerBase (line 62), PropertyManager (line 74), position (line 83), Animation (line 90), Key "
+     "(line "
+     "98), Value (line 101)",
      "/Animation/Key/Value", "X='2'"},
     {"<Project ", "<!DOCTYPE Project><Project ", Severity::Error,
      "the text is no XML: it declares a document type, which no project does", ""},
@@ -206,6 +212,10 @@ TEST(LoadReport, CountsWhatTheNextSaveDrops)
     text.replace(text.find(value), value.size(), "<Quaternion a='1'>  </Quaternion>");
     text.insert(text.find("<Layers>"), "<Odd/>\n    ");
     LoadReport report;
+    LoadWith("<?xml version=\"1.0\"?>" + text.substr(0, text.find("<Layers>")) + "<!-- a --><!-- b -->" +
+                 text.substr(text.find("<Layers>")),
+             report, true);
+    EXPECT_EQ(report.CountDropped(), 2u);
     const auto load = [&](bool keeps) {
         return Project::CreateFromXml(FromUtf8(text), u"", nullptr, NoEffects(),
                                       {.report = &report, .keepUnknown = keeps});

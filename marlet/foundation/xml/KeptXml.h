@@ -1,5 +1,6 @@
 #pragma once
 
+#include <marlet/foundation/KyID.h>
 #include <marlet/foundation/Strings.h>
 
 #include <map>
@@ -14,13 +15,27 @@ class XmlCursor;
 
 /// What is kept below one element that nobody knows, as it stood in the text, and where.
 struct KeptPlace {
+    struct Element {
+        unsigned int inFront; ///< how many children stand in front that are written by themselves
+        NarrowString source;
+    };
+
     std::vector<NarrowString> attributes; ///< each with its name, "=" and its value in quotes
-    /// Elements, by the count of children in front of them that are written by themselves. In order.
-    std::vector<std::pair<unsigned int, NarrowString>> elements;
-    /// The children that have something, by their tag and how many of that tag stand in front.
-    std::map<std::pair<NarrowString, unsigned int>, KeptPlace> children;
+    std::vector<Element> elements;        ///< in order
+    /// The IDs of the children that are written by themselves, null for those that have none. Empty if no
+    /// kept element stands behind one that has an ID, by which its place is found when others come and go.
+    std::vector<kytl::KyID> written;
+    /// The children that have something, by their tag and what tells them apart: the attribute ID or Time,
+    /// or, if they have none, how many of that tag stand in front.
+    std::map<std::pair<NarrowString, NarrowString>, KeptPlace> children;
 
     bool IsEmpty() const { return attributes.empty() && elements.empty() && children.empty(); }
+    /// Whether the place of an element is behind an object, wherever that has gone.
+    bool IsBehindObject(const Element &element) const
+    {
+        return element.inFront > 0 && element.inFront <= written.size() &&
+               !written[element.inFront - 1].IsNull();
+    }
 };
 
 /// The elements and attributes of an object's element that this library does not know, so that they are

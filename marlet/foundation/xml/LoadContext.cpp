@@ -2,6 +2,7 @@
 
 #include <marlet/foundation/Exceptions.h>
 #include <marlet/foundation/TextPlace.h>
+#include <marlet/foundation/xml/WrittenFault.h>
 #include <marlet/foundation/xml/XmlSource.h>
 
 #include <pugixml.hpp>
@@ -14,11 +15,6 @@ namespace marlet::project
 
 namespace
 {
-
-// Each element has three places in the buffer of its own, since its name is followed by a blank, a slash or a
-// bracket and preceded by a bracket.
-constexpr std::size_t kKnown = 0;
-constexpr std::size_t kTaken = static_cast<std::size_t>(-1);
 
 bool IsBlank(std::string_view text)
 {
@@ -58,109 +54,6 @@ void LoadContext::Follow(const NarrowString &buffer)
     marks_.assign(size_, false);
 }
 
-std::size_t LoadContext::OffsetOf(const char *inBuffer) const
-{
-    const auto offset = static_cast<std::size_t>(inBuffer - buffer_);
-    return buffer_ && inBuffer >= buffer_ && offset < size_ ? offset : kNowhere;
-}
-
-std::size_t LoadContext::OffsetOf(const XmlCursor &element) const
-{
-    return element.IsNull() ? kNowhere : OffsetOf(pugi::xml_node(element.Node()).name());
-}
-
-std::size_t LoadContext::TagOf(const XmlCursor &element) const
-{
-    const std::size_t name = OffsetOf(element);
-    return name == kNowhere ? kNowhere : name - 1;
-}
-
-bool LoadContext::Has(std::size_t bit) const
-{
-    return bit < size_ && marks_[bit];
-}
-
-void LoadContext::Set(std::size_t bit, bool value)
-{
-    if (bit < size_)
-        marks_[bit] = value;
-}
-
-void LoadContext::MarkKnown(const XmlCursor &element)
-{
-    const std::size_t offset = OffsetOf(element);
-    if (offset == kNowhere)
-        return;
-    Set(offset + kKnown, true);
-    last_ = element;
-}
-
-void LoadContext::MarkUnknown(const XmlCursor &element)
-{
-    Set(OffsetOf(element), false);
-}
-
-void LoadContext::MarkAllKnown(const XmlCursor &element)
-{
-    MarkKnown(element);
-    MarkAttributes(element);
-    MarkText(element);
-    for (XmlCursor child = element.FirstChild(); !child.IsNull(); child = child.Next())
-        MarkAllKnown(child);
-    last_ = element;
-}
-
-void LoadContext::MarkWhole(const XmlCursor &element)
-{
-    MarkAllKnown(element);
-    whole_.insert(OffsetOf(element));
-}
-
-void LoadContext::MarkAttribute(const char *name)
-{
-    Set(OffsetOf(name), true);
-}
-
-void LoadContext::MarkText(const XmlCursor &element)
-{
-    if (const std::size_t offset = OffsetOf(element); offset != kNowhere)
-        Set(offset + element.Name().size(), true);
-}
-
-void LoadContext::MarkAttributes(const XmlCursor &element)
-{
-    for (const pugi::xml_attribute attribute : pugi::xml_node(element.Node()).attributes())
-        MarkAttribute(attribute.name());
-}
-
-void LoadContext::MarkTaken(const XmlCursor &element)
-{
-    if (const std::size_t offset = OffsetOf(element); offset != kNowhere)
-        Set(offset + kTaken, true);
-}
-
-bool LoadContext::IsKnown(const XmlCursor &element) const
-{
-    return Has(OffsetOf(element));
-}
-
-bool LoadContext::IsAttributeKnown(const char *name) const
-{
-    return Has(OffsetOf(name));
-}
-
-bool LoadContext::IsTextKnown(const XmlCursor &element) const
-{
-    const std::size_t offset = OffsetOf(element);
-    return offset != kNowhere && Has(offset + element.Name().size());
-}
-
-bool LoadContext::IsTaken(const XmlCursor &element) const
-{
-    const std::size_t offset = OffsetOf(element);
-    return offset != kNowhere && Has(offset + kTaken);
-}
-
 const NarrowString &LoadContext::Source()
 {
     // What was parsed in place is no longer what it was.
@@ -184,31 +77,32 @@ std::string_view LoadContext::SourceOfAttribute(const char *name)
 void LoadContext::Add(Severity severity, const XmlCursor &element, NarrowString what,
                       std::vector<kytl::KyID> ids)
 {
-    AddAt(TagOf(element), severity, element, std::move(what), std::move(ids));
+    AddAt(TagOf(element), element, {severity, std::move(what), {}, 0, 0, 0, std::move(ids)});
 }
 
 void LoadContext::AddUnknown(const XmlCursor &element, NarrowString what)
 {
-    AddAt(TagOf(element), Severity::Loss, element,
-          what + (keepsUnknown_ ? "; it is kept as it stands" : "; it is passed over"), {}, keepsUnknown_);
+    LoadEntry entry{Severity::Loss,
+                    what + (keepsUnknown_ ? "; it is kept as it stands" : "; it is passed over")};
+    entry.isKept = keepsUnknown_;
+    AddAt(TagOf(element), element, std::move(entry));
 }
 
-void LoadContext::AddAt(std::size_t offset, Severity severity, const XmlCursor &element, NarrowString what,
-                        std::vector<kytl::KyID> ids, bool isKept)
+void LoadContext::AddAt(std::size_t offset, const XmlCursor &element, LoadEntry entry)
 {
     if (!report_)
         return;
     // Names of a document may hold anything; a sentence stands on one line.
     std::ranges::replace_if(
-        what, [](char c) { return static_cast<unsigned char>(c) < ' '; }, ' ');
-    what.erase(what.find_last_not_of(" .") + 1);
-    LoadEntry entry{severity, std::move(what), {}, 0, 0, 0, std::move(ids), isKept};
+        entry.what, [](char c) { return static_cast<unsigned char>(c) < ' '; }, ' ');
+    entry.what.erase(entry.what.find_last_not_of(" .") + 1);
     // Those beyond the bound are counted only, so that nothing need be worked out for them.
     if (offset != kNowhere && report_->Entries().size() < LoadReport::kMostEntries) {
-        entry.path = paths_.PathOf(element);
         entry.offset = offset;
         entry.line = 1; // until Finish
-        if (entry.ids.empty())
+        if (!element.IsNull())
+            entry.path = paths_.PathOf(element);
+        if (entry.ids.empty() && !element.IsNull())
             entry.ids = paths_.IDsOf(element);
     }
     report_->Add(std::move(entry));
@@ -224,6 +118,7 @@ void LoadContext::TellOfUnknown(const XmlCursor &root)
 {
     if (!report_ || root.IsNull())
         return;
+    AddDeclaration();
     if (hasSections_)
         AddSections(root);
     AddUnknownBelow(root);
@@ -244,10 +139,21 @@ void LoadContext::AddSectionsOf(const XmlCursor &element)
     if (found == sections_.end())
         return;
     const auto &[first, count] = found->second;
-    AddAt(first, Severity::Note, element,
-          count == 1 ? "a comment or an instruction is passed over"
-                     : std::to_string(count) + " comments and instructions are passed over",
-          {});
+    LoadEntry entry{Severity::Note,
+                    count == 1 ? "a comment or an instruction is passed over"
+                               : std::to_string(count) + " comments and instructions are passed over"};
+    entry.isDropped = true;
+    AddAt(first, element, std::move(entry));
+}
+
+void LoadContext::AddDeclaration()
+{
+    if (!text_.starts_with(u"<?xml ") && !text_.starts_with(u"<?xml\t") && !text_.starts_with(u"<?xml\n"))
+        return;
+    LoadEntry entry{Severity::Note,
+                    "the XML declaration is passed over; what is saved is UTF-8 and has none"};
+    entry.isDropped = true;
+    AddAt(0, XmlCursor(), std::move(entry));
 }
 
 void LoadContext::AddUnknownBelow(const XmlCursor &element)
@@ -266,6 +172,8 @@ void LoadContext::AddUnknownBelow(const XmlCursor &element)
             AddUnknownBelow(child);
             continue;
         }
+        if (references_.contains(OffsetOf(child)))
+            continue;
         const bool isRepeated = IsKnown(XmlCursor(node.child(child.Name().data()).internal_object()));
         AddUnknown(child, NarrowString(child.Name()) +
                               (isRepeated ? " stands there already, and the first one counts"
@@ -285,36 +193,10 @@ void LoadContext::TakeScan(const XmlScan &scan)
         fault_ = XmlFault{*scan.tooDeep, "elements are nested too deep", *scan.tooDeep, {}};
 }
 
-void LoadContext::AddFault()
-{
-    constexpr std::size_t kMostLines = 10;
-    const auto place = [this](std::size_t offset) {
-        TextPlace at;
-        at.GoTo(Source(), offset);
-        return at;
-    };
-    const auto lineOf = [&](std::size_t offset) { return "line " + std::to_string(place(offset).line); };
-    LoadEntry entry{Severity::Error, "the text is no XML: " + fault_->what, {}, 1, 0, fault_->offset, {}};
-    if (fault_->otherOffset != fault_->offset)
-        entry.what += "; see " + lineOf(fault_->otherOffset) + ", column " +
-                      std::to_string(place(fault_->otherOffset).column);
-    const std::vector<std::size_t> &open = fault_->openElements;
-    NarrowString lines;
-    for (std::size_t i = 0; i < open.size(); ++i) {
-        const NarrowString tag(XmlNameAt(Source(), open[i] + 1));
-        entry.path += (i == 0 ? "" : "/") + tag;
-        if (i + kMostLines >= open.size())
-            lines += (lines.empty() ? "" : ", ") + tag + " (" + lineOf(open[i]) + ")";
-    }
-    if (!lines.empty())
-        entry.what += "; open there: " + lines;
-    report_->Add(std::move(entry));
-}
-
 void LoadContext::AddError(const std::exception &error)
 {
     if (fault_ && report_) {
-        AddFault();
+        report_->Add(WrittenFault(*fault_, Source()));
         return;
     }
     NarrowString what = error.what();
@@ -324,9 +206,14 @@ void LoadContext::AddError(const std::exception &error)
     const XmlCursor place = failed_.IsNull() ? last_ : failed_;
     // Of a value that cannot be read, the words say nothing.
     constexpr std::size_t kLongestQuote = 60;
-    if (const NarrowString value = place.IsNull() || !place.FirstChild().IsNull() ? "" : place.Text();
-        failed_.IsNull() && !IsBlank(value) && value.size() <= kLongestQuote)
+    const NarrowString value = place.IsNull() || !place.FirstChild().IsNull() ? "" : place.Text();
+    if (failed_.IsNull() && !IsBlank(value) && value.size() <= kLongestQuote)
         what += ": \"" + value + "\"";
+    else if (failed_.IsNull() && what.ends_with(" from string"))
+        what += ": it is empty";
+    if (dynamic_cast<const InvalidProjectVersionException *>(&error) && !failed_.IsNull())
+        what.insert(what.find_last_not_of(" .") + 1,
+                    ": its version is " + NarrowString(failed_.AttributeText("Version")));
     Add(Severity::Error, place, std::move(what));
 }
 
@@ -355,6 +242,12 @@ void Disown(const XmlCursor &element)
 {
     if (LoadContext *const context = LoadContext::Current())
         context->MarkUnknown(element);
+}
+
+bool IsKept(const kytl::KyID &id)
+{
+    const LoadContext *const context = LoadContext::Current();
+    return context && context->IDsKept().contains(id);
 }
 
 void TellOfChoice(const XmlCursor &element, const char *field, int number)

@@ -17,6 +17,11 @@
 namespace marlet::project
 {
 
+using KeptIDs = std::unordered_set<kytl::KyID>;
+
+/// What is said behind the name of an attribute that is not there.
+constexpr char kIsMissing[] = " is missing; ";
+
 /// What a load remembers of its text while it goes on: which elements and attributes were looked for, what
 /// is to be told, and whether what nobody knows is kept. There is one at most in each thread, which the
 /// readers of all classes find by Current(); without one they do nothing more than read.
@@ -46,6 +51,8 @@ public:
     void MarkUnknown(const XmlCursor &element);
     /// All below an element, too: whoever has taken it knows better.
     void MarkAllKnown(const XmlCursor &element);
+    /// Takes back what is not in another element, which is what a host writes for this one.
+    void MarkUnknownBut(const XmlCursor &element, const XmlCursor &written);
     void MarkAttribute(const char *name);
     void MarkAttributes(const XmlCursor &element); ///< all of them
     void MarkText(const XmlCursor &element);
@@ -53,14 +60,26 @@ public:
     void MarkWhole(const XmlCursor &element);
     /// What nobody knows below has found an owner.
     void MarkTaken(const XmlCursor &element);
+    /// Leaves an element that refers to what is kept to be kept with it, and says nothing.
+    void KeepReference(const XmlCursor &element);
     bool IsKnown(const XmlCursor &element) const;
     bool IsAttributeKnown(const char *name) const;
+    bool HasUnknownAttribute(const XmlCursor &element) const;
     bool IsTextKnown(const XmlCursor &element) const;
     bool IsTaken(const XmlCursor &element) const;
 
     /// The bytes of an element, or of an attribute by its name, as they stand in the text.
     std::string_view SourceOf(const XmlCursor &element);
     std::string_view SourceOfAttribute(const char *name);
+
+    /// Takes over the IDs of all objects in an element that is kept.
+    void TakeIDs(const XmlCursor &kept);
+    /// Those of the objects that are kept so far without being known.
+    const KeptIDs &IDsKept() const { return keptIDs_; }
+
+    /// A value that names a layer, which may not have been read yet.
+    void AddLayerNamed(const XmlCursor &value) { layersNamed_.push_back(value); }
+    const std::vector<XmlCursor> &LayersNamed() const { return layersNamed_; }
 
     /// Values of types that nobody knows, which were read as others.
     void CountLostValue() { ++lostValues_; }
@@ -91,12 +110,11 @@ private:
     bool Has(std::size_t bit) const;
     void Set(std::size_t bit, bool value);
     const NarrowString &Source();
-    void AddAt(std::size_t offset, Severity severity, const XmlCursor &element, NarrowString what,
-               std::vector<kytl::KyID> ids, bool isKept = false);
-    void AddFault();
+    void AddAt(std::size_t offset, const XmlCursor &element, LoadEntry entry);
     void AddUnknownBelow(const XmlCursor &element);
     void AddSections(const XmlCursor &root);
     void AddSectionsOf(const XmlCursor &element);
+    void AddDeclaration();
 
     static inline constinit thread_local LoadContext *current_ = nullptr;
 
@@ -113,7 +131,10 @@ private:
     std::size_t lostValues_ = 0;
     /// Comments and instructions by the element that they stand in: the first, and how many there are.
     std::unordered_map<std::size_t, std::pair<std::size_t, std::size_t>> sections_;
-    std::unordered_set<std::size_t> whole_; ///< elements that are written as they came
+    std::unordered_set<std::size_t> whole_;      ///< elements that are written as they came
+    std::unordered_set<std::size_t> references_; ///< that are kept with what they refer to
+    KeptIDs keptIDs_;
+    std::vector<XmlCursor> layersNamed_;
     ElementPaths paths_;
     XmlCursor last_; ///< that was looked at
     XmlCursor failed_;
@@ -124,6 +145,9 @@ void PassOver(const XmlCursor &element);
 
 /// Takes back that an element is known, for whoever has looked for it by its tag and cannot read it.
 void Disown(const XmlCursor &element);
+
+/// Whether the load that goes on keeps an object that has the ID, without knowing it.
+bool IsKept(const kytl::KyID &id);
 
 /// Tells of a number that is read and kept, but is none of those that stand for something.
 void TellOfChoice(const XmlCursor &element, const char *field, int number);

@@ -60,6 +60,13 @@ template <class Read> auto ReadText(const XmlCursor &element, const Read &read)
     return ReadText(pugi::xml_node(element.Node()), read);
 }
 
+void TellOfMissing(const XmlCursor &element, const char *attribute, const char *read)
+{
+    if (!element.IsNull())
+        TellLoad(LoadEntry::Severity::Warning, element,
+                 NarrowString(attribute) + kIsMissing + read + " is read");
+}
+
 /// How a number of a kind is read, and what is none.
 template <class T> struct NumberForm {
     T (*parse)(std::string_view);
@@ -76,7 +83,10 @@ template <class T> struct NumberForm {
     T Attribute(const XmlCursor &element, const char *name) const
     {
         const std::string_view text = element.AttributeText(name);
-        return text.empty() && !element.HasAttribute(name) ? T{} : Read(element, text, name);
+        if (!text.empty() || element.HasAttribute(name))
+            return Read(element, text, name);
+        TellOfMissing(element, name, "0");
+        return {};
     }
     T Text(const XmlCursor &element) const
     {
@@ -306,6 +316,8 @@ void XmlCursor::Attribute(const char *name, kytl::KyID &value) const
 
 void XmlCursor::Attribute(const char *name, WideString &value) const
 {
+    if (!HasAttribute(name))
+        TellOfMissing(*this, name, "nothing");
     value = FromUtf8(AttributeText(name));
 }
 

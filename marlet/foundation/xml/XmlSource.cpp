@@ -62,6 +62,30 @@ std::string_view XmlElementAt(std::string_view text, std::size_t start)
     return text.substr(start, at - start);
 }
 
+std::string_view XmlNameIn(std::string_view text, std::size_t start)
+{
+    int depth = 0;
+    bool isInBase = false;
+    for (std::size_t at = start; at < text.size(); at = std::min(text.find('<', at), text.size())) {
+        if (const std::size_t behind = BehindSection(text, at); behind != at) {
+            at = behind;
+            continue;
+        }
+        const bool isEnd = text.substr(at, 2) == "</";
+        const std::string_view tag = XmlNameAt(text, at + 1);
+        at = BehindTag(text, at);
+        if (isEnd && --depth == 0)
+            break;
+        if (isEnd || text[at - 1] != '>' || text[at - 2] == '/')
+            continue;
+        isInBase = depth == 1 ? tag.ends_with("Base") : isInBase && depth > 1;
+        if (tag == "Name" && (depth == 1 || (depth == 2 && isInBase)))
+            return text.substr(at, text.find('<', at) - at);
+        ++depth;
+    }
+    return {};
+}
+
 std::vector<XmlSection> XmlSections(std::string_view text)
 {
     std::vector<XmlSection> sections;

@@ -19,6 +19,9 @@ struct XmlSection {
 std::string_view XmlElementAt(std::string_view text, std::size_t start);
 /// The name that starts at an offset.
 std::string_view XmlNameAt(std::string_view text, std::size_t start);
+/// The text of the child "Name" of the element whose "<" stands at an offset, or of a child of its whose tag
+/// ends in "Base". The text may be cut off anywhere; empty if there is none up to there.
+std::string_view XmlNameIn(std::string_view text, std::size_t start);
 /// The comments and instructions, each with the "<" of the innermost element around it, which is
 /// npos outside of the root. The XML declaration is none.
 std::vector<XmlSection> XmlSections(std::string_view text);

@@ -1,11 +1,7 @@
 #include <marlet/foundation/xml/XmlWriter.h>
 
-#include <marlet/foundation/Exceptions.h>
-#include <marlet/foundation/xml/XmlReader.h>
-
 #include <algorithm>
 #include <array>
-#include <limits>
 #include <utility>
 
 namespace marlet::project
@@ -16,6 +12,8 @@ namespace
 
 /// Small enough to stay in a processor's cache until it is turned into UTF-16.
 constexpr std::size_t kBlockSize = 64 * 1024;
+
+constexpr std::string_view kID = "ID";
 
 /// The characters that may be more than themselves in a text or an attribute.
 constexpr auto kNeedsCare = [] {
@@ -123,7 +121,8 @@ void XmlWriter::AppendContent(std::string_view utf8, bool attribute)
 /// Between elements, so that no character and no "]]>" is torn apart, nor a start tag that is still open.
 void XmlWriter::StartBlockIfFull()
 {
-    if (block_.size() < kBlockSize || (!open_.empty() && open_.back().state == State::OpenTag))
+    if (block_.size() < kBlockSize || withObjects_ > 0 ||
+        (!open_.empty() && open_.back().state == State::OpenTag))
         return;
     if (gathers_)
         return Gather();
@@ -139,133 +138,6 @@ void XmlWriter::Gather()
         gathered_.reserve(gathered_.size() + gathered_.size() / 4 + block_.size());
     gathered_ += block_;
     block_.clear();
-}
-
-void XmlWriter::StartTag(std::string_view tag)
-{
-    if (open_.size() >= std::size_t(kDeepestNesting))
-        throw XmlParseException("Nesting too deep");
-    StartBlockIfFull();
-    keptOfChild_ = open_.empty() || open_.back().kept < 0 ? nullptr : PassKept(tag);
-    StartLine();
-    block_ += '<';
-    block_ += tag;
-}
-
-void XmlWriter::StartLine()
-{
-    if (open_.empty())
-        return;
-    CloseStartTag();
-    State &parent = open_.back().state;
-    if (parent == State::OpenTag)
-        block_ += '\n';
-    // Behind a text a blank would belong to it.
-    if (parent != State::Text)
-        block_.append(open_.size(), ' ');
-    parent = State::Children;
-}
-
-void XmlWriter::CloseStartTag()
-{
-    const Open &element = open_.back();
-    if (element.state != State::OpenTag)
-        return;
-    if (element.kept >= 0)
-        AppendAttributesKept(kept_[static_cast<std::size_t>(element.kept)].place);
-    block_ += '>';
-}
-
-/// Those that the element has got meanwhile go: an attribute that stands twice is no XML.
-void XmlWriter::AppendAttributesKept(const KeptPlace *kept)
-{
-    if (!kept)
-        return;
-    const NarrowString written = block_.substr(block_.rfind('<'));
-    for (const NarrowString &attribute : kept->attributes) {
-        const NarrowString start = ' ' + attribute.substr(0, attribute.find_first_of(" \t\r\n=")) + "=\"";
-        if (written.find(start) == NarrowString::npos)
-            (block_ += ' ') += attribute;
-    }
-}
-
-void XmlWriter::Push(std::string_view tag, const KeptPlace *kept)
-{
-    open_.push_back({tag, State::OpenTag, -1});
-    if (!kept)
-        return;
-    open_.back().kept = static_cast<int>(kept_.size());
-    kept_.push_back({kept, 0, 0, {}});
-}
-
-void XmlWriter::Element(std::string_view tag, std::string_view source)
-{
-    StartBlockIfFull();
-    if (!open_.empty() && open_.back().kept >= 0)
-        PassKept(tag);
-    StartLine();
-    block_ += source;
-    block_ += '\n';
-}
-
-/// Writes what stands in front of the next child of the open element, and finds what is kept for that child.
-const KeptPlace *XmlWriter::PassKept(std::string_view tag)
-{
-    Kept &parent = kept_.back();
-    WriteKeptUpTo(parent.children);
-    ++parent.children;
-    const auto found = parent.place->children.find({NarrowString(tag), parent.ofTag[tag]++});
-    return found == parent.place->children.end() ? nullptr : &found->second;
-}
-
-void XmlWriter::WriteKeptUpTo(unsigned int children)
-{
-    Kept &parent = kept_.back();
-    const auto &elements = parent.place->elements;
-    for (; parent.written < elements.size() && elements[parent.written].first <= children; ++parent.written) {
-        StartLine();
-        block_ += elements[parent.written].second;
-        block_ += '\n';
-    }
-}
-
-void XmlWriter::EndTag(std::string_view tag)
-{
-    block_ += "</";
-    block_ += tag;
-    block_ += ">\n";
-}
-
-void XmlWriter::Begin(std::string_view tag)
-{
-    StartTag(tag);
-    Push(tag, keptOfChild_);
-}
-
-void XmlWriter::Begin(std::string_view tag, const KeptXml &kept)
-{
-    StartTag(tag);
-    Push(tag, writesKept_ ? kept.Root() : nullptr);
-}
-
-void XmlWriter::End()
-{
-    if (open_.back().kept >= 0)
-        WriteKeptUpTo(std::numeric_limits<unsigned int>::max());
-    const Open element = open_.back();
-    open_.pop_back();
-    if (element.kept >= 0) {
-        if (element.state == State::OpenTag)
-            AppendAttributesKept(kept_.back().place);
-        kept_.pop_back();
-    }
-    if (element.state == State::OpenTag) {
-        block_ += "/>\n";
-        return;
-    }
-    if (element.state == State::Children)
-        block_.append(open_.size(), ' ');
-    EndTag(element.tag);
 }
 
 void XmlWriter::StartAttribute(std::string_view name)
@@ -289,6 +161,7 @@ void XmlWriter::AppendChild(std::string_view name, std::string_view ascii)
     block_ += ">";
     block_ += ascii;
     EndTag(name);
+    NoteEnd();
 }
 
 void XmlWriter::Attribute(std::string_view name, bool value)
@@ -298,7 +171,10 @@ void XmlWriter::Attribute(std::string_view name, bool value)
 
 void XmlWriter::Attribute(std::string_view name, int value)
 {
-    AppendAttribute(name, FormatInt(value).View());
+    const auto text = FormatInt(value);
+    if (name == "Time")
+        TellApart(text.View());
+    AppendAttribute(name, text.View());
 }
 
 void XmlWriter::Attribute(std::string_view name, unsigned int value)
@@ -329,11 +205,17 @@ void XmlWriter::Attribute(std::string_view name, double value)
 void XmlWriter::Attribute(std::string_view name, const kytl::KyID &value)
 {
     const auto text = value.ToCharacters();
+    if (name == kID) {
+        TellApart({text.data(), text.size()});
+        NoteID(open_.size() - 1, value);
+    }
     AppendAttribute(name, {text.data(), text.size()});
 }
 
 void XmlWriter::Attribute(std::string_view name, std::u16string_view value)
 {
+    if (name == kID)
+        TellApart(ToUtf8(value));
     StartAttribute(name);
     AppendContent(value, true);
     block_ += "\"";
@@ -397,6 +279,9 @@ void XmlWriter::Child(std::string_view name, const kytl::KyID &value)
 {
     const auto text = value.ToCharacters();
     AppendChild(name, {text.data(), text.size()});
+    if (name == kID && !open_.empty())
+        // What all objects of a kind have stands in an element of its own.
+        NoteID(open_.size() - (open_.back().tag.ends_with("Base") ? 2 : 1), value);
 }
 
 void XmlWriter::Child(std::string_view name, const WideString &value)
@@ -406,6 +291,7 @@ void XmlWriter::Child(std::string_view name, const WideString &value)
     block_ += ">";
     AppendContent(value, false);
     EndTag(name);
+    NoteEnd();
 }
 
 void XmlWriter::Child(std::string_view name, const kytl::KyColorRGBA_32f &value)
@@ -417,6 +303,7 @@ void XmlWriter::Child(std::string_view name, const kytl::KyColorRGBA_32f &value)
     AppendAttribute("A", FormatFloatAttribute(value.A).View());
     AppendAttributesKept(keptOfChild_);
     block_ += "/>\n";
+    NoteEnd();
 }
 
 WideString XmlWriter::Take()

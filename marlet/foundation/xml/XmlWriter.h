@@ -85,12 +85,23 @@ private:
         State state;
         int kept; ///< its number in kept_, or -1
     };
+    /// A child that was written by itself.
+    struct Written {
+        kytl::KyID id;
+        std::size_t end = 0; ///< in the block
+    };
     /// What is kept for an open element, and how far its writing has come.
     struct Kept {
+        explicit Kept(const KeptPlace *of) : place(of) {}
+        bool HasObjects() const { return !place->written.empty(); }
+
         const KeptPlace *place;
         std::size_t written = 0;   ///< elements
         unsigned int children = 0; ///< that were written by themselves
         std::map<std::string_view, unsigned int> ofTag;
+        // If kept elements stand behind objects:
+        std::size_t start = 0; ///< of the first child, in the block
+        std::vector<Written> objects;
     };
 
     void AppendEscaped(std::string_view utf8, bool attribute);
@@ -102,9 +113,15 @@ private:
     void StartLine();
     void CloseStartTag();
     void Push(std::string_view tag, const KeptPlace *kept);
+    void PushKept(const KeptPlace *kept);
     const KeptPlace *PassKept(std::string_view tag);
     void WriteKeptUpTo(unsigned int children);
+    void WriteKeptBehindObjects();
     void AppendAttributesKept(const KeptPlace *kept);
+    void TellApart(std::string_view value);
+    void NoteID(std::size_t object, const kytl::KyID &id);
+    void NoteEnd();
+    Kept *KeptOf(std::size_t open);
     void EndTag(std::string_view tag);
     void StartAttribute(std::string_view name);
     void StartText();
@@ -119,6 +136,7 @@ private:
     std::vector<Open> open_;
     std::vector<Kept> kept_; ///< of the open elements that have something
     const KeptPlace *keptOfChild_ = nullptr;
+    std::size_t withObjects_ = 0; ///< of the open elements, for which the block has to stay whole
     bool writesKept_ = true;
 };
 

@@ -73,7 +73,7 @@ void LayerPaste::Refer(const std::vector<LayerPointer> &layers) const
 {
     ValidLayers valid;
     if (options.outside == PasteOptions::Outside::Keep)
-        valid = LayersOf(*composition);
+        valid = LayersOf(*composition, *edit.Document());
     std::unordered_map<NarrowString, NarrowString> newIDs;
     for (std::size_t i = 0; i < layers.size(); ++i) {
         const NarrowString id = layers[i]->ID().ToNarrowString();

@@ -91,7 +91,7 @@ void AddLayer(const std::shared_ptr<Project> &project, const CompositionPointer 
         Span(*layer, asset.get(), std::as_const(*composition).Settings());
     edit.TouchLayers(composition);
     InsertLayer(*composition, layer, position);
-    ClearInvalidReferences(edit, layer, LayersOf(*composition));
+    ClearInvalidReferences(edit, layer, LayersOf(*composition, *project));
     if (asset)
         ListInstance(edit, asset, shown);
     edit.Commit();
@@ -125,7 +125,7 @@ void RemoveLayers(const std::shared_ptr<Project> &project, const std::vector<Lay
             compositions.push_back(composition);
     }
     for (const CompositionPointer &composition : compositions) {
-        const ValidLayers valid = LayersOf(*composition);
+        const ValidLayers valid = LayersOf(*composition, *project);
         for (const LayerPointer &layer : std::as_const(*composition).Layers())
             if (layer)
                 ClearInvalidReferences(edit, layer, valid);

@@ -48,9 +48,11 @@ void Clear3DEffect(Edit &edit, const std::shared_ptr<Effect3DLayer> &layer, cons
 
 } // namespace
 
-ValidLayers LayersOf(const CompositionAsset &composition)
+ValidLayers LayersOf(const CompositionAsset &composition, const Project &project)
 {
     ValidLayers valid;
+    for (const kytl::KyID &kept : project.KeptIDs())
+        valid.emplace(kept.ToNarrowString(), true);
     for (const LayerPointer &layer : composition.Layers())
         if (layer)
             valid.emplace(layer->ID().ToNarrowString(), true);

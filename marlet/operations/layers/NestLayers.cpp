@@ -59,7 +59,7 @@ void MoveInto(Edit &edit, const CompositionPointer &composition, const Compositi
         NameComposition(edit, layer, inner->ID());
     }
     for (const CompositionPointer &holder : {composition, inner}) {
-        const ValidLayers valid = LayersOf(*holder);
+        const ValidLayers valid = LayersOf(*holder, *edit.Document());
         for (const LayerPointer &layer : std::as_const(*holder).Layers())
             if (layer)
                 ClearInvalidReferences(edit, layer, valid);
