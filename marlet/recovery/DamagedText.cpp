@@ -17,20 +17,9 @@ namespace
 /// More than a document can have; deeper elements are not taken.
 constexpr std::size_t kDeepest = 900;
 
+constexpr char kStrayEnd[] = "an end tag that belongs to no element is passed over";
 constexpr char kCharactersLeftOut[] = "characters that XML cannot hold are left out of a text";
 constexpr char kTextDropped[] = "a text between elements is dropped";
-
-std::string Quoted(std::string_view name)
-{
-    return "<" + std::string(name) + ">";
-}
-
-/// Its case does not count.
-bool IsProject(std::string_view tag)
-{
-    const auto lower = [](char c) { return static_cast<char>(c | 0x20); };
-    return std::ranges::equal(tag, std::string_view("project"), {}, lower);
-}
 
 } // namespace
 
@@ -46,9 +35,8 @@ void DamagedText::Add(Severity severity, std::size_t place, const RecoveredEleme
 
 void DamagedText::Read()
 {
-    Tag tag;
-    while (!open_.empty()) {
-        tag = NextTag(Text(), at_);
+    while (!open_.empty() || GoesOn()) {
+        const Tag tag = NextTag(Text(), at_);
         TakeText(tag);
         switch (tag.kind) {
         case Tag::Kind::Start:
@@ -82,8 +70,11 @@ void DamagedText::TakeRest()
 {
     for (Tag tag = NextTag(Text(), at_); at_ < Text().size(); tag = NextTag(Text(), at_)) {
         const std::string_view between = Text().substr(at_, tag.at - at_);
+        const bool isEnd = tag.kind == Tag::Kind::End;
         const bool mayStay =
-            tag.kind == Tag::Kind::None || (tag.kind == Tag::Kind::Section && IsCleanSection(tag));
+            tag.kind == Tag::Kind::None || isEnd || (tag.kind == Tag::Kind::Section && IsCleanSection(tag));
+        if (isEnd)
+            Add(Severity::Warning, tag.at, nullptr, kStrayEnd);
         if (!mayStay || !IsBlank(between)) {
             const std::size_t place = IsBlank(between) ? tag.at : Text().find(Trimmed(between), at_);
             Add(Severity::Loss, place, nullptr, "what stands behind the end of the project is dropped");
@@ -142,9 +133,24 @@ void DamagedText::TakeText(const Tag &next)
         Add(Severity::Loss, at_, &element, kTextDropped);
 }
 
+/// A start tag in a value, which nothing ends, was the end tag of that.
+bool DamagedText::IsBrokenEnd(const Tag &tag)
+{
+    const RecoveredElement &top = *Top().element;
+    return known_ && tag.kind == Tag::Kind::Start && known_->IsKnown(top) && !known_->IsContainer(top) &&
+           Text().find("</" + std::string(tag.name) + ">", tag.behind) == std::string_view::npos;
+}
+
 void DamagedText::TakeStart(const Tag &tag)
 {
-    const bool isRoot = !isRootSeen_ && IsProject(tag.name);
+    if (isRootSeen_ && open_.size() > 1 && IsBrokenEnd(tag)) {
+        Add(Severity::Warning, tag.at, Top().element,
+            "a start tag stands in place of the end tag of " + Bracketed(Top().element->name));
+        tree_.Spoil(Top().element);
+        CloseTop(RecoveredElement::End::Own, tag.at, tag.behind);
+        return;
+    }
+    const bool isRoot = !isRootSeen_ && IsProjectTag(tag.name);
     hasProject_ |= (isRoot || KnownElements::IsObject(tag.name)) &&
                    tag.attributes.find(" Version=") != std::string_view::npos;
     RecoveredElement &root = tree_.Root();
@@ -157,7 +163,8 @@ void DamagedText::TakeStart(const Tag &tag)
     } else {
         if (!isRootSeen_ && root.children.empty())
             Add(Severity::Warning, tag.at, nullptr, "the start tag of the project is missing");
-        CloseMissing(tag);
+        if (!Reopen(*Top().element, tag))
+            CloseMissing(tag);
         if (open_.size() >= kDeepest) {
             PassOver(tag);
             return;
@@ -168,12 +175,7 @@ void DamagedText::TakeStart(const Tag &tag)
     }
     element->start = tag.at;
     element->attributes = tag.attributes;
-    if (!AreCleanAttributes(tag.attributes)) {
-        element->attributes = tree_.Keep(CleanAttributes(tag.attributes));
-        tree_.Spoil(element);
-        Add(Severity::Warning, tag.at, element,
-            "the attributes of " + Quoted(tag.name) + " are damaged; those that can be told are kept");
-    }
+    TakeAttributes(tag, *element);
     if (isRoot) {
         Top().content = tag.behind;
         if (tag.kind == Tag::Kind::Empty)
@@ -185,12 +187,92 @@ void DamagedText::TakeStart(const Tag &tag)
         CloseTop(RecoveredElement::End::Own, tag.behind, tag.behind);
 }
 
+void DamagedText::TakeAttributes(const Tag &tag, RecoveredElement &element)
+{
+    if (AreCleanAttributes(tag.attributes))
+        return;
+    const CleanedAttributes cleaned = CleanAttributes(tag.attributes);
+    element.attributes = tree_.Keep(cleaned.text);
+    tree_.Spoil(&element);
+    Add(Severity::Warning, tag.at, &element,
+        "the attributes of " + Bracketed(tag.name) + " are damaged; those that can be told are kept");
+    for (const std::string &gone : cleaned.gone)
+        Add(Severity::Loss, tag.at, &element,
+            "\"" + gone + "\" in " + Bracketed(tag.name) +
+                " is no attribute, or one that stands there already; it "
+                "is dropped");
+    for (const std::string &cut : cleaned.cut)
+        Add(Severity::Loss, tag.at, &element,
+            "the value of the attribute " + cut + " in " + Bracketed(tag.name) + " may be cut");
+}
+
+/// Whether an element has a place for another one, which not every child has twice.
+bool DamagedText::Takes(const RecoveredElement &element, const Tag &tag) const
+{
+    if (element.name == "PropertyManager")
+        return tag.attributes.find(" Spatial=") != tag.attributes.npos && !element.Child(tag.name);
+    return known_->HasChild(element, tag.name) && (IsList(element.name) || !element.Child(tag.name));
+}
+
+/// Goes on with elements whose end tags came too early, if that shows by the element that begins: the last
+/// ones in an element that cannot have it.
+bool DamagedText::Reopen(RecoveredElement &around, const Tag &tag)
+{
+    if (!known_ || !known_->IsKnown(around) || Takes(around, tag))
+        return false;
+    std::vector<RecoveredElement *> path;
+    RecoveredElement *at = &around;
+    do {
+        if (at->children.empty() || at->children.back()->isMade)
+            return false;
+        at = at->children.back();
+        path.push_back(at);
+    } while (!Takes(*at, tag));
+    for (RecoveredElement *element : path) {
+        tree_.Spoil(element);
+        open_.push_back({element, tag.at});
+    }
+    // The first of them is where it went wrong.
+    AddEarlyEnd(*path.front());
+    return true;
+}
+
+void DamagedText::AddEarlyEnd(const RecoveredElement &element)
+{
+    Add(Severity::Warning, Text().rfind('<', element.end - 1), &element,
+        "the end tag of " + Bracketed(element.name) + " comes too early; the element goes on behind it");
+}
+
+/// Whether behind the end of the project something stands that belongs into it.
+bool DamagedText::GoesOn()
+{
+    Tag tag = NextTag(Text(), at_);
+    while (tag.kind == Tag::Kind::Section)
+        tag = NextTag(Text(), tag.behind);
+    RecoveredElement &root = tree_.Root();
+    if (!known_ || (tag.kind != Tag::Kind::Start && tag.kind != Tag::Kind::Empty))
+        return false;
+    if (Takes(root, tag)) {
+        AddEarlyEnd(root);
+    } else {
+        const bool belongs = Reopen(root, tag);
+        open_.clear();
+        if (!belongs)
+            return false;
+        faults_.TakeBackLast();
+        AddEarlyEnd(root);
+    }
+    tree_.Spoil(&root);
+    open_.push_back({&root, at_});
+    return true;
+}
+
 /// Drops an element with all that is in it.
 void DamagedText::PassOver(const Tag &start)
 {
     RecoveredElement &top = *Top().element;
     tree_.Spoil(&top);
-    Add(Severity::Loss, start.at, &top, Quoted(start.name) + " is nested too deep; it is dropped");
+    Add(Severity::Loss, start.at, &top, Bracketed(start.name) + " is nested too deep; it is dropped");
     at_ = start.behind;
     for (std::size_t depth = start.kind == Tag::Kind::Start ? 1 : 0; depth > 0;) {
         const Tag tag = NextTag(Text(), at_);
@@ -223,89 +305,9 @@ void DamagedText::CloseMissing(const Tag &tag)
         // Where the text ends before, there is nothing that speaks against it.
         if (closedNext_ == static_cast<std::ptrdiff_t>(open_.size()) - 1)
             return;
-        Add(Severity::Warning, tag.at, &top, "the end tag of " + Quoted(top.name) + " is missing");
+        Add(Severity::Warning, tag.at, &top, "the end tag of " + Bracketed(top.name) + " is missing");
         CloseTop(RecoveredElement::End::Implied, tag.at, tag.at);
     }
-}
-
-void DamagedText::TakeEnd(const Tag &tag)
-{
-    const auto top = static_cast<std::ptrdiff_t>(open_.size()) - 1;
-    const bool closesRoot = top == 0 && IsProject(tag.name);
-    if (Top().element->name == tag.name || closesRoot) {
-        CloseTop(RecoveredElement::End::Own, tag.at, tag.behind);
-        return;
-    }
-    const std::ptrdiff_t own = IndexOf(tag.name);
-    const std::ptrdiff_t next = NextClosed(tag.behind);
-    const bool fits =
-        own != kNone && (next < own || (own > 0 && open_[static_cast<std::size_t>(own) - 1].element->name ==
-                                                       open_[static_cast<std::size_t>(next)].element->name));
-    if (!fits) {
-        TakeStrayEnd(tag, next);
-        return;
-    }
-    for (std::ptrdiff_t index = top; index > own; --index)
-        Add(Severity::Warning, tag.at, open_[static_cast<std::size_t>(index)].element,
-            "the end tag of " + Quoted(open_[static_cast<std::size_t>(index)].element->name) + " is missing");
-    CloseDownTo(own, tag.at);
-    CloseTop(RecoveredElement::End::Own, tag.at, tag.behind);
-}
-
-/// An end tag that is none of the open elements', or that of an element which goes on.
-void DamagedText::TakeStrayEnd(const Tag &tag, std::ptrdiff_t next)
-{
-    RecoveredElement &top = *Top().element;
-    tree_.Spoil(&top);
-    const auto index = static_cast<std::ptrdiff_t>(open_.size()) - 1;
-    const bool isValue = known_ && known_->IsKnown(top) && !known_->IsContainer(top);
-    if (index > 0 && (isValue || (next != kNone && next < index))) {
-        Add(Severity::Warning, tag.at, &top,
-            "another end tag stands in place of that of " + Quoted(top.name));
-        CloseTop(RecoveredElement::End::Own, tag.at, tag.behind);
-    } else if (!WrapOrphans(tag)) {
-        Add(Severity::Warning, tag.at, &top, "an end tag that belongs to no element is passed over");
-    }
-}
-
-/// Puts what stands in front of an end tag into the element that has lost its start tag.
-bool DamagedText::WrapOrphans(const Tag &tag)
-{
-    RecoveredElement &top = *Top().element;
-    const bool isProperty = top.name == "PropertyManager" && !tag.name.empty();
-    if (!known_ || tag.name.empty() || !(isProperty || known_->HasChild(top, tag.name)))
-        return false;
-    const auto isOrphan = [&](const RecoveredElement *child) {
-        return isProperty ? child->name == "Default" || child->name == "Static" ||
-                                child->name == "Animation" || child->name == "Expression"
-                          : !known_->HasChild(top, child->name);
-    };
-    const auto first = std::find_if_not(top.children.rbegin(), top.children.rend(), isOrphan).base();
-    RecoveredElement &made = tree_.Make();
-    made.parent = &top;
-    made.name = tag.name;
-    made.isIntact = false;
-    made.ending = RecoveredElement::End::Own;
-    made.end = tag.behind;
-    if (first == top.children.end()) {
-        const std::size_t from = Text().rfind('>', tag.at) + 1; // npos + 1 is the beginning
-        made.start = from;
-        made.content = tree_.Keep(CleanText(Trimmed(Text().substr(from, tag.at - from))));
-        if (made.content.empty() || known_->IsContainer(made))
-            return false;
-    } else {
-        made.start = (*first)->start;
-        made.children.assign(first, top.children.end());
-        top.children.erase(first, top.children.end());
-        for (RecoveredElement *child : made.children)
-            child->parent = &made;
-    }
-    const RecoveredElement *const model = known_->ModelOf(made);
-    made.attributes =
-        model ? model->attributes : std::string_view(isProperty ? " Type=\"0\" Spatial=\"0\"" : "");
-    top.children.push_back(&made);
-    Add(Severity::Warning, made.start, &made, "the start tag of " + Quoted(tag.name) + " is missing");
-    return true;
 }
 
 void DamagedText::TakeBroken(const Tag &tag)
@@ -326,88 +328,9 @@ void DamagedText::TakeBroken(const Tag &tag)
                    .at = tag.at,
                    .behind = tag.behind,
                    .name = tag.name,
-                   .attributes = {}});
+                   .attributes = tag.attributes});
         tree_.Spoil(Top().element);
     }
-}
-
-void DamagedText::CloseDownTo(std::ptrdiff_t index, std::size_t place)
-{
-    while (static_cast<std::ptrdiff_t>(open_.size()) - 1 > index)
-        CloseTop(RecoveredElement::End::Implied, place, place);
-}
-
-void DamagedText::CloseTop(RecoveredElement::End ending, std::size_t contentEnd, std::size_t behind)
-{
-    const Open open = open_.back();
-    open_.pop_back();
-    closedBefore_ = nullptr;
-    RecoveredElement &element = *open.element;
-    element.end = behind;
-    element.ending = ending;
-    if (ending == RecoveredElement::End::Implied)
-        tree_.Spoil(&element);
-    if (!element.children.empty() || (known_ && known_->IsContainer(element)) || contentEnd < open.content)
-        return;
-    std::string_view content = Text().substr(open.content, contentEnd - open.content);
-    if (ending == RecoveredElement::End::Implied)
-        content = Trimmed(content);
-    element.content = open.hasSections || !element.isIntact ? tree_.Keep(CleanText(content)) : content;
-}
-
-/// What is open where the text ends is closed there. A value that may have gone on is none.
-void DamagedText::EndText(bool endsInTag)
-{
-    const std::size_t end = Text().size();
-    std::string names;
-    for (const Open &open : open_)
-        ((names += names.empty() ? "" : ", ") += open.element->name);
-    Add(Severity::Loss, end, Top().element, "the text is cut off here; open are " + names);
-    for (const Open &open : open_)
-        open.element->isCut = true;
-    while (!open_.empty()) {
-        RecoveredElement &element = *Top().element;
-        const bool isValue = element.children.empty() && !(known_ && known_->IsContainer(element));
-        const bool isTop = element.children.empty() && !endsInTag;
-        CloseTop(RecoveredElement::End::Implied, endsInTag ? Text().rfind('<') : end, end);
-        if (isValue && isTop && element.parent) {
-            Add(Severity::Loss, element.start, &element, Quoted(element.name) + " is cut off; it is dropped");
-            tree_.Remove(element);
-        }
-        endsInTag = false;
-    }
-}
-
-std::ptrdiff_t DamagedText::IndexOf(std::string_view name) const
-{
-    for (std::size_t index = open_.size(); index > 0; --index)
-        if (open_[index - 1].element->name == name)
-            return static_cast<std::ptrdiff_t>(index) - 1;
-    return kNone;
-}
-
-/// Which of the open elements the tags from a place on close first.
-std::ptrdiff_t DamagedText::NextClosed(std::size_t from)
-{
-    std::vector<std::string_view> inner;
-    for (Tag tag = NextTag(Text(), from); tag.kind != Tag::Kind::None; tag = NextTag(Text(), tag.behind)) {
-        const std::size_t size = tag.behind - std::min(from, tag.behind);
-        from = tag.behind;
-        if (size > lookAhead_)
-            return kNone;
-        lookAhead_ -= size;
-        if (tag.kind == Tag::Kind::Start)
-            inner.push_back(tag.name);
-        if (tag.kind != Tag::Kind::End)
-            continue;
-        const auto own = std::find(inner.rbegin(), inner.rend(), tag.name);
-        lookAhead_ -= std::min(lookAhead_, static_cast<std::size_t>(own - inner.rbegin()));
-        if (own != inner.rend())
-            inner.erase(own.base() - 1, inner.end());
-        else if (const std::ptrdiff_t index = IndexOf(tag.name); index != kNone)
-            return index;
-    }
-    return kNone;
 }
 
 } // namespace marlet::project

@@ -41,7 +41,13 @@ private:
     void TakeRest();
     void PassOver(const Tag &start);
     bool IsCleanSection(const Tag &section) const;
+    bool IsBrokenEnd(const Tag &tag);
     void TakeStart(const Tag &tag);
+    void TakeAttributes(const Tag &tag, RecoveredElement &element);
+    bool Takes(const RecoveredElement &element, const Tag &tag) const;
+    bool Reopen(RecoveredElement &around, const Tag &tag);
+    void AddEarlyEnd(const RecoveredElement &element);
+    bool GoesOn();
     void TakeEnd(const Tag &tag);
     void TakeBroken(const Tag &tag);
     void TakeStrayEnd(const Tag &tag, std::ptrdiff_t next);

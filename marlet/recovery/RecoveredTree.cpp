@@ -25,6 +25,26 @@ bool HoldsItems(std::string_view tag)
     return tag == "Layers" || tag == "Objects";
 }
 
+bool IsList(std::string_view tag)
+{
+    constexpr std::string_view kTags[] = {
+        "Assets",   "Layers",    "Video",      "Audio",  "Objects", "Effects", "Masks",          "Points",
+        "Trackers", "Animation", "SubFolders", "Tokens", "Formats", "InTrans", "OutTrans",       "Views",
+        "UIState",  "bool",      "int32_t",    "float",  "KyID",    "wstring", "PropertyManager"};
+    return std::ranges::find(kTags, tag) != std::end(kTags);
+}
+
+bool IsProjectTag(std::string_view tag)
+{
+    const auto lower = [](char c) { return static_cast<char>(c | 0x20); };
+    return std::ranges::equal(tag, std::string_view("project"), {}, lower);
+}
+
+std::string Bracketed(std::string_view tag)
+{
+    return "<" + std::string(tag) + ">";
+}
+
 RecoveredElement *RecoveredElement::Child(std::string_view tag) const
 {
     const auto found = std::ranges::find(children, tag, &RecoveredElement::name);

@@ -71,5 +71,11 @@ private:
 
 /// "Layers" and "Objects" hold most of a document.
 bool HoldsItems(std::string_view tag);
+/// Of an element whose children can go one by one.
+bool IsList(std::string_view tag);
+/// Its case does not count.
+bool IsProjectTag(std::string_view tag);
+/// A tag in brackets, for messages.
+std::string Bracketed(std::string_view tag);
 
 } // namespace marlet::project

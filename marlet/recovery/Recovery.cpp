@@ -3,6 +3,7 @@
 #include <marlet/foundation/EncodedText.h>
 #include <marlet/foundation/Exceptions.h>
 #include <marlet/foundation/TextPlace.h>
+#include <marlet/foundation/xml/LoadContext.h>
 #include <marlet/plugins/AbstractPluginManager.h>
 #include <marlet/plugins/WithoutHostOperations.h>
 #include <marlet/project/LoadOptions.h>
@@ -62,15 +63,9 @@ public:
     std::optional<LoadFailure> Failure(const std::string &text, bool withPlugins = true) const
     {
         LoadReport report;
-        const MediaPaths noFiles({}, MediaPaths::Form::None);
-        LoadOptions options;
-        options.media = media_;
-        options.report = &report;
-        options.keepUnknown = true;
         LoadFailure failure;
         try {
-            Project::CreateFromXml(FromUtf8(text), textures_, withPlugins ? plugins_ : nullptr, effects_,
-                                   options);
+            Load(text, withPlugins, report);
             return std::nullopt;
         } catch (const ProjectException &error) {
             failure.words = error.what();
@@ -92,6 +87,18 @@ public:
                     failure.place = entry.offset;
             }
         return failure;
+    }
+
+    /// Loads with the host's plug-ins or without any.
+    void Load(const std::string &text, bool withPlugins, LoadReport &report) const
+    {
+        const MediaPaths noFiles({}, MediaPaths::Form::None);
+        LoadOptions options;
+        options.media = media_;
+        options.report = &report;
+        options.keepUnknown = true;
+        Project::CreateFromXml(FromUtf8(text), textures_, withPlugins ? plugins_ : nullptr, effects_,
+                               options);
     }
 
     /// With the host's plug-ins and without any.
@@ -124,7 +131,9 @@ public:
             MendItems(tree_.Root());
             MendUntilItLoads(true, true);
         }
-        return MendUntilItLoads(true, false);
+        text = MendUntilItLoads(true, false);
+        TellOfWhatIsNotRead(text);
+        return text;
     }
 
     const TextFaults &Faults() const { return repair_.Faults(); }
@@ -137,6 +146,29 @@ private:
             const auto failure = trial_.Failure(text, withPlugins);
             if (!failure || !repair_.Mend(tree_.Root(), *failure))
                 return text;
+        }
+    }
+
+    /// What stands in the text that loads and is not read as what it was.
+    void TellOfWhatIsNotRead(const std::string &text)
+    {
+        LoadReport report;
+        try {
+            trial_.Load(text, true, report);
+        } catch (const std::exception &) { // then it is told of already
+            return;
+        }
+        for (const LoadEntry &entry : report.Entries()) {
+            if (entry.line == 0)
+                continue;
+            const RecoveredElement &element = tree_.At(tree_.Root(), entry.offset);
+            const bool isMissing = entry.what.find(kIsMissing) != entry.what.npos;
+            const bool isLost =
+                entry.severity == LoadEntry::Severity::Loss &&
+                (!entry.isKept || KnownElements::IsObject(element.name) ||
+                 (element.parent && KnownElements::Get().HasChild(*element.parent, element.name)));
+            if (!element.isMade && (isMissing || isLost))
+                repair_.Tell(LoadEntry::Severity::Loss, element, entry.what);
         }
     }
 

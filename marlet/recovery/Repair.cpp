@@ -14,16 +14,6 @@ namespace
 
 using Severity = LoadEntry::Severity;
 
-/// Whose children can go one by one.
-bool IsList(std::string_view tag)
-{
-    constexpr std::string_view kTags[] = {
-        "Assets",   "Layers",    "Video",      "Audio",  "Objects", "Effects", "Masks",          "Points",
-        "Trackers", "Animation", "SubFolders", "Tokens", "Formats", "InTrans", "OutTrans",       "Views",
-        "UIState",  "bool",      "int32_t",    "float",  "KyID",    "wstring", "PropertyManager"};
-    return std::ranges::find(kTags, tag) != std::end(kTags);
-}
-
 /// What its parent can be without.
 bool IsOptional(std::string_view tag)
 {
@@ -60,7 +50,7 @@ bool IsId(std::string_view text)
 
 } // namespace
 
-void Repair::Add(Severity severity, const RecoveredElement &element, std::string what)
+void Repair::Tell(Severity severity, const RecoveredElement &element, std::string what)
 {
     faults_.Add({severity, element.start, &element, std::move(what)});
 }
@@ -130,11 +120,11 @@ bool Repair::PutIn(RecoveredElement &owner, const std::string &tag)
     tree_.Spoil(&owner);
     made.parent = &owner;
     owner.children.insert(owner.children.begin(), &made);
-    Add(Severity::Warning, made,
-        tag + " is missing; " +
-            (tag == "BinFolder"         ? "a folder with all assets stands in for it"
-             : wanted->children.empty() ? "\"" + std::string(content) + "\" stands in for it"
-                                        : "that of a new object stands in for it"));
+    Tell(Severity::Warning, made,
+         tag + " is missing; " +
+             (tag == "BinFolder"         ? "a folder with all assets stands in for it"
+              : wanted->children.empty() ? "\"" + std::string(content) + "\" stands in for it"
+                                         : "that of a new object stands in for it"));
     return true;
 }
 
@@ -181,7 +171,7 @@ bool Repair::PutInAttribute(RecoveredElement &element, const std::string &name)
         model && !model->attributes.empty() ? model->attributes : " Version=\"0\"";
     element.attributes = tree_.Keep(std::string(element.attributes) + std::string(version));
     tree_.Spoil(&element);
-    Add(Severity::Warning, element, "the version is missing; the one that is written today stands in for it");
+    Tell(Severity::Loss, element, "the version is missing; the one that is written today stands in for it");
     return true;
 }
 
@@ -208,7 +198,7 @@ bool Repair::Drop(RecoveredElement &element, const std::string &words)
             return false;
         dropped = *last;
     }
-    Add(Severity::Loss, *dropped, std::string(dropped->name) + " is dropped: " + words);
+    Tell(Severity::Loss, *dropped, std::string(dropped->name) + " is dropped: " + words);
     tree_.Remove(*dropped);
     return true;
 }

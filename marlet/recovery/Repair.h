@@ -31,6 +31,7 @@ public:
     /// @return false if nothing is left that could be changed
     bool Mend(RecoveredElement &written, const LoadFailure &failure);
 
+    void Tell(LoadEntry::Severity severity, const RecoveredElement &element, std::string what);
     const TextFaults &Faults() const { return faults_; }
 
 private:
@@ -40,7 +41,6 @@ private:
     bool Drop(RecoveredElement &element, const std::string &words);
     static std::string RootFolder(const RecoveredElement &assetList);
     std::string IdFor(const RecoveredElement &owner, std::string_view tag) const;
-    void Add(LoadEntry::Severity severity, const RecoveredElement &element, std::string what);
 
     RecoveredTree &tree_;
     const KnownElements &known_;

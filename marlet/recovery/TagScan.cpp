@@ -68,7 +68,9 @@ bool TakeSection(std::string_view text, Tag &tag)
 struct Attribute {
     std::string_view name;
     std::string_view value;
-    bool isClean = true; ///< as it stands there
+    bool isClean = true;         ///< as it stands there
+    bool isCut = false;          ///< its value has no end
+    std::string_view piece = {}; ///< of one without a name
 };
 
 /// A value that ends like the start of another attribute has lost its second quote.
@@ -89,8 +91,9 @@ Attribute TakeAttribute(std::string_view &text)
     const std::size_t equals = text.find('=');
     const std::size_t blank = text.find_first_of(kBlanks);
     if (equals == kNone || blank < equals || !IsXmlName(text.substr(0, equals))) {
-        text.remove_prefix(std::min(blank, text.size()));
-        return {{}, {}, false};
+        const std::string_view piece = text.substr(0, blank);
+        text.remove_prefix(piece.size());
+        return {{}, {}, false, false, piece};
     }
     attribute.name = text.substr(0, equals);
     text.remove_prefix(equals + 1);
@@ -103,6 +106,7 @@ Attribute TakeAttribute(std::string_view &text)
         return attribute;
     }
     attribute.isClean = false;
+    attribute.isCut = isQuoted;
     const std::size_t behind = std::min(text.find_first_of(kBlanks), text.size());
     attribute.value = text.substr(isQuoted ? 1 : 0, behind - (isQuoted ? 1 : 0));
     if (attribute.value.ends_with('"') || attribute.value.ends_with('\''))
@@ -141,8 +145,15 @@ Tag NextTag(std::string_view text, std::size_t from)
     const std::size_t end = TagEnd(text, behindName);
     tag.isCut = end == kNone && text.find('<', behindName) == kNone;
     if (end == kNone) {
-        if (!tag.name.empty())
-            tag.behind = behindName;
+        if (tag.name.empty())
+            return tag;
+        tag.behind = behindName;
+        // What stands there without a bracket may be attributes, or the text of the element.
+        const std::string_view rest = text.substr(behindName, text.find('<', behindName) - behindName);
+        if (!tag.isEnd && !CleanAttributes(rest).text.empty()) {
+            tag.attributes = rest;
+            tag.behind += rest.size();
+        }
         return tag;
     }
     if (tag.name.empty()) {
@@ -174,23 +185,27 @@ bool AreCleanAttributes(std::string_view attributes)
     return true;
 }
 
-std::string CleanAttributes(std::string_view attributes)
+CleanedAttributes CleanAttributes(std::string_view attributes)
 {
-    std::string clean;
+    CleanedAttributes clean;
     std::vector<std::string_view> names;
     while (!IsBlank(attributes)) {
         const Attribute attribute = TakeAttribute(attributes);
-        if (attribute.name.empty() || std::ranges::find(names, attribute.name) != names.end())
+        if (attribute.name.empty() || std::ranges::find(names, attribute.name) != names.end()) {
+            clean.gone.push_back(CleanText(attribute.name.empty() ? attribute.piece : attribute.name));
             continue;
+        }
+        if (attribute.isCut)
+            clean.cut.emplace_back(attribute.name);
         names.push_back(attribute.name);
-        ((clean += ' ') += attribute.name) += "=\"";
+        ((clean.text += ' ') += attribute.name) += "=\"";
         for (const char c : CleanText(attribute.value)) {
             if (c == '"')
-                clean += "&quot;";
+                clean.text += "&quot;";
             else
-                clean += c;
+                clean.text += c;
         }
-        clean += '"';
+        clean.text += '"';
     }
     return clean;
 }

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace marlet::project
 {
@@ -32,8 +33,13 @@ Tag NextTag(std::string_view text, std::size_t from);
 
 /// Whether XML takes the attributes of a tag as they are.
 bool AreCleanAttributes(std::string_view attributes);
-/// Those of them that can be told, each with a blank in front.
-std::string CleanAttributes(std::string_view attributes);
+struct CleanedAttributes {
+    std::string text;              ///< those that can be told, each with a blank in front
+    std::vector<std::string> gone; ///< pieces that are none, and names that stand there already
+    std::vector<std::string> cut;  ///< names of those whose value has no end
+};
+
+CleanedAttributes CleanAttributes(std::string_view attributes);
 
 bool IsBlank(std::string_view text);
 std::string_view Trimmed(std::string_view text);

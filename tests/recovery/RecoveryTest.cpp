@@ -1,103 +1,13 @@
-#include <marlet/foundation/Exceptions.h>
-#include <marlet/foundation/LoadReport.h>
-#include <marlet/layers/PointLayer.h>
-#include <marlet/project/AssetList.h>
-#include <marlet/project/CompositionAsset.h>
-#include <marlet/project/LoadOptions.h>
-#include <marlet/project/Project.h>
-#include <marlet/recovery/Recovery.h>
+#include "Recovering.h"
 
-#include "plugins/PluginManager.h"
-#include "plugins/Ribbon.h"
+#include <marlet/foundation/Exceptions.h>
 
 #include <gmock/gmock.h>
 
-#include <fstream>
-#include <iterator>
 #include <random>
 
-using namespace marlet::project;
-using marlet::tool::EffectFactory;
-using marlet::tool::Plugins;
 using testing::HasSubstr;
 using testing::Not;
-
-namespace
-{
-
-std::string ReadExample(const std::string &name)
-{
-    std::ifstream file(MARLET_EXAMPLES "/" + name + ".xml", std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
-/// What a text is recovered to, after it was loaded with and without plug-ins.
-std::string Recovered(const std::string &text, LoadReport &report)
-{
-    const WideString recovered = RecoverProject(text, u"", Plugins(), EffectFactory(), report);
-    LoadOptions options;
-    options.keepUnknown = true;
-    EXPECT_NO_THROW(Project::CreateFromXml(recovered, u"", Plugins(), EffectFactory(), options));
-    EXPECT_NO_THROW(Project::CreateFromXml(recovered, u"", nullptr, EffectFactory(), options));
-    return ToUtf8(recovered);
-}
-
-std::string Recovered(const std::string &text)
-{
-    LoadReport report;
-    return Recovered(text, report);
-}
-
-struct Item {
-    std::string bytes;
-    std::size_t end;
-};
-
-/// The assets, layers and objects of a text that Marlet wrote, found by its lines alone.
-std::vector<Item> ItemsOf(const std::string &text)
-{
-    std::vector<Item> items;
-    for (const std::string tag : {"SolidAsset", "ImageAsset", "MediaAsset", "CompositionAsset", "AssetLayer",
-                                  "TextLayer", "GradeLayer", "CameraLayer", "LightLayer", "PointLayer",
-                                  "Effect3DLayer", "VisualObject", "AudioObject"}) {
-        for (std::size_t at = text.find("<" + tag + " "); at != std::string::npos;
-             at = text.find("<" + tag + " ", at + 1)) {
-            const std::size_t line = text.rfind('\n', at);
-            const std::string close = text.substr(line, at - line) + "</" + tag + ">";
-            const std::size_t end = text.find(close, at) + close.size();
-            items.push_back({text.substr(at, end - at), end});
-        }
-    }
-    return items;
-}
-
-constexpr char kMainID[] = "00000000-0000-0000-0000-000000000001";
-constexpr char kTwoID[] = "00000000-0000-0000-0000-000000000002";
-
-void ReplaceAll(std::string &text, const std::string &from, const std::string &to)
-{
-    for (std::size_t at = text.find(from); at != std::string::npos; at = text.find(from, at))
-        text.replace(at, from.size(), to);
-}
-
-/// A project with the layers One, Two and Three in the composition Main, without blanks between the lines.
-std::string SmallProject()
-{
-    const auto project = Project::Create(nullptr);
-    const auto composition = CompositionAsset::Create(u"Main", AudioVideoSettings::Preset::Hd720At25, 250);
-    project->Assets().All().Add(composition);
-    for (const char16_t *name : {u"One", u"Two", u"Three"}) {
-        composition->Layers().Add(PointLayer::Create(name));
-        composition->Layers().back()->SetParentComposition(composition);
-    }
-    std::string text = ToUtf8(project->Serialize());
-    ReplaceAll(text, composition->ID().ToNarrowString(), kMainID);
-    ReplaceAll(text, (*std::next(composition->Layers().begin()))->ID().ToNarrowString(), kTwoID);
-    ReplaceAll(text, "\n ", "\n");
-    return text;
-}
-
-} // namespace
 
 TEST(Recovery, GivesBackWhatIsNotDamagedAsItIs)
 {
@@ -110,42 +20,6 @@ TEST(Recovery, GivesBackWhatIsNotDamagedAsItIs)
     const std::string small = SmallProject();
     EXPECT_EQ(Recovered(small, report), small);
     EXPECT_EQ(report.Count(), 0u);
-}
-
-TEST(Recovery, KeepsWhatStoodWholeBeforeACut)
-{
-    const auto cutAt = [](const std::string &text, const std::vector<Item> &items, std::size_t cut) {
-        LoadReport report;
-        const std::string recovered = Recovered(text.substr(0, cut), report);
-        for (const Item &item : items) {
-            if (item.end <= cut) {
-                ASSERT_THAT(recovered, HasSubstr(item.bytes));
-            }
-        }
-        ASSERT_GE(report.Count(LoadEntry::Severity::Loss), 1u);
-        ASSERT_EQ(report.Entries().back().offset, cut);
-    };
-    // A step that comes to all kinds of places in the lines.
-    constexpr std::size_t kStep = 1999;
-    for (const char *name : {"orbit", "titles", "cut"}) {
-        const std::string text = ReadExample(name);
-        const std::vector<Item> items = ItemsOf(text);
-        ASSERT_GT(items.size(), 10u);
-        for (std::size_t cut = text.find('>') + 1; cut < text.rfind("</Project") && !HasFatalFailure();
-             cut += kStep) {
-            SCOPED_TRACE(name + std::string(" cut at ") + std::to_string(cut));
-            cutAt(text, items, cut);
-        }
-    }
-    const std::string titles = ReadExample("titles");
-    // A 3D effect is read by the host, whose failures have no place in the text.
-    cutAt(titles, ItemsOf(titles), titles.find("<radius Spatial=") + 50);
-    const std::string small = SmallProject();
-    for (std::size_t cut = small.find('>') + 1; cut < small.rfind("</Project") && !HasFatalFailure();
-         cut += 31) {
-        SCOPED_TRACE(cut);
-        cutAt(small, ItemsOf(small), cut);
-    }
 }
 
 TEST(Recovery, KeepsWhatStandsBehindADamage)
@@ -296,6 +170,36 @@ TEST(Recovery, KeepsWhatStandsBehindADamage)
             const auto place = static_cast<std::ptrdiff_t>(text.find(damage.line));
             EXPECT_EQ(report.Entries()[0].line, 1 + std::count(text.begin(), text.begin() + place, '\n'));
         }
+    }
+}
+
+TEST(Recovery, TellsOfAttributesThatAreGoneOrCut)
+{
+    const struct {
+        const char *from;
+        const char *to;
+        const char *what; ///< of a loss in the line of the change
+    } cases[] = {
+        {"<FogColor R=\"", "<FogColor R\"", "is no attribute"},
+        {"<Layout2 Sp0=\"0.5\" ", "<Layout2 Sp0=\"0.5 ",
+         "the value of the attribute Sp0 in <Layout2> may be cut"},
+        {"<Layout2 Sp0=\"0.5\" ", "<Layout2 ", "Sp0 is missing; 0 is read"},
+        {"<BinFolder Version=\"0\">", "<BinFolder>", "the version is missing"},
+    };
+    for (const auto &one : cases) {
+        SCOPED_TRACE(one.to);
+        std::string text = SmallProject();
+        const std::size_t at = text.find(one.from);
+        ASSERT_NE(at, text.npos);
+        text.replace(at, std::string(one.from).size(), one.to);
+        text.insert(text.rfind("</Project"), "</Odd>"); // so that it does not load
+        LoadReport report;
+        Recovered(text, report);
+        const auto line = 1 + std::count(text.begin(), text.begin() + std::ptrdiff_t(at), '\n');
+        EXPECT_TRUE(std::ranges::any_of(report.Entries(), [&](const LoadEntry &entry) {
+            return entry.severity == LoadEntry::Severity::Loss && entry.line == line &&
+                   entry.what.find(one.what) != std::string::npos;
+        }));
     }
 }
 
