@@ -102,6 +102,41 @@ TEST_F(CheckTest, TellsOfPlacesAsCompilersDo)
     EXPECT_THAT(cut.out, testing::AllOf(testing::StartsWith("b.xml:"), testing::HasSubstr(": error: ")));
 }
 
+/// What the load and the checks both see.
+TEST_F(CheckTest, TellsEachFactOnce)
+{
+    AddPoint(u"One");
+    AddPoint(u"Two");
+    project_->Assets().All().Add(ImageAsset::Create(u"/gone/picture.png"));
+    Save("a.xml");
+    const std::string whole = Read("a.xml");
+    const std::string one = composition_->Layers().front()->ID().ToNarrowString();
+    const std::string two = composition_->Layers().back()->ID().ToNarrowString();
+    const struct {
+        std::string from;
+        std::string to;
+        std::string once; ///< in one line of all
+    } cases[] = {
+        {"<ParentLayerID>" + kytl::KyID().ToNarrowString(), "<ParentLayerID>" + kNowhere.ToNarrowString(),
+         kNowhere.ToNarrowString()},
+        {"<ID>" + two, "<ID>" + one, "ID is that of another one|has its ID"},
+        {"<EndFrame>", "<EndFrame>x", "EndFrame is no number"},
+        {"<position Type=\"0\"", "<position Type=\"7\"", "Type is 7"},
+        {"", "", "picture.png|its file is not there"},
+    };
+    for (const auto &[from, to, once] : cases) {
+        SCOPED_TRACE(once);
+        Write("b.xml", std::string(whole).replace(whole.find(from), from.size(), to));
+        std::size_t told = 0;
+        for (const std::string &line : Run({"check", "b.xml"}).OutLines()) {
+            const std::size_t bar = once.find('|');
+            told += line.find(once.substr(0, bar)) != line.npos ||
+                    (bar != once.npos && line.find(once.substr(bar + 1)) != line.npos);
+        }
+        EXPECT_EQ(told, 1u);
+    }
+}
+
 TEST_F(CheckTest, RepairsWhatIsSafeAndTellsBeforehand)
 {
     AddPoint(u"Orphan")->SetParentLayer(kNowhere);
@@ -118,6 +153,12 @@ TEST_F(CheckTest, RepairsWhatIsSafeAndTellsBeforehand)
     EXPECT_EQ(run.exitCode, 0) << run.err;
     EXPECT_THAT(run.out, testing::EndsWith("\nrepaired: " + what + "wrote b.xml, 1 repair\n"));
     EXPECT_EQ(Run({"check", "b.xml"}).exitCode, 0);
+    EXPECT_THAT(
+        Run({"check", "a.xml", "--json", "--repair", "b.xml"}).OutLines(),
+        testing::AllOf(
+            testing::Each(testing::AllOf(testing::StartsWith("{"), testing::EndsWith("}"))),
+            testing::Contains("{\"kind\":\"repaired\",\"path\":\"b.xml\",\"repairs\":1,\"left\":0}")));
+    EXPECT_EQ(Run({"check", "a.xml", "--repair", "./a.xml"}).exitCode, 2);
     EXPECT_EQ(Read("a.xml"), before);
     EXPECT_EQ(Run({"check", "a.xml", "--dry-run"}).exitCode, 2);
 }

@@ -39,12 +39,12 @@ TEST_F(FileFailuresTest, EveryFailureNamesTheFile)
     } cases[] = {
         {"gone.xml", "", "No such file or directory"},
         {".", "", "Is a directory"},
-        {"empty.xml", ":1:1", "Wrong tag name: Project"},
+        {"empty.xml", ":1:1", "The text is no XML"},
         {"latin.xml", ":1:31", "The text is not UTF-8"},
-        {"cut.xml", ":32:27", "Wrong tag name: Project"},
+        {"cut.xml", ":32:27", "The text is no XML"},
         {"odd.xml", "", "The text is cut off in the middle of a character"},
         {"bare.xml", ":1:1", "Project is missing attribute Version: "},
-        {"/dev/null", ":1:1", "Wrong tag name: Project"},
+        {"/dev/null", ":1:1", "The text is no XML"},
     };
     for (const auto &[file, place, message] : cases) {
         const ToolRun run = Run({"info", file});

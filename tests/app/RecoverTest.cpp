@@ -21,7 +21,15 @@ TEST_F(RecoverTest, WritesWhatCanBeHadAndTellsWhatIsGone)
     EXPECT_EQ(Run({"info", "cut.xml"}).exitCode, 1);
 
     const ToolRun run = Run({"recover", "cut.xml", "out.xml"});
-    EXPECT_EQ(run.exitCode, 0) << run.err;
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_THAT(run.err, StartsWith("marlet: cut.xml: "));
+    const ToolRun json = Run({"recover", "cut.xml", "json.xml", "--json"});
+    EXPECT_EQ(json.exitCode, 1);
+    EXPECT_EQ(Read("json.xml"), Read("out.xml"));
+    EXPECT_THAT(json.OutLines(),
+                testing::Each(testing::AllOf(StartsWith("{\"kind\":\""), testing::EndsWith("}"))));
+    EXPECT_EQ(json.OutLines().size(), run.OutLines().size() + 1);
+    EXPECT_THAT(json.OutLines().back(), StartsWith("{\"kind\":\"sums\",\"losses\":"));
     const std::size_t line =
         1 + static_cast<std::size_t>(std::count(text.begin(), text.begin() + std::ptrdiff_t(cut), '\n'));
     EXPECT_THAT(run.out, HasSubstr("cut.xml:" + std::to_string(line) + ":"));
@@ -30,7 +38,9 @@ TEST_F(RecoverTest, WritesWhatCanBeHadAndTellsWhatIsGone)
     EXPECT_THAT(info, HasSubstr("First"));
     EXPECT_THAT(info, testing::Not(HasSubstr("Second")));
 
-    EXPECT_THAT(Run({"recover", "a.xml", "same.xml"}).out, StartsWith("Nothing is damaged"));
+    const ToolRun same = Run({"recover", "a.xml", "same.xml"});
+    EXPECT_EQ(same.exitCode, 0);
+    EXPECT_THAT(same.out, StartsWith("Nothing is damaged"));
     EXPECT_EQ(Read("same.xml"), text);
     Write("mark.xml", "\xEF\xBB\xBF" + text);
     EXPECT_EQ(Run({"recover", "mark.xml", "same.xml"}).out,

@@ -49,7 +49,7 @@ TEST_F(RelinkTest, FindsFilesByNameAndByWhatTheyAre)
         {"unclear.png",
          {{"x/unclear.png", 4}, {"y/unclear.png", 5}},
          "",
-         "          found/x/unclear.png\n          found/y/unclear.png\n"},
+         "          found/x/unclear.png: 4 x 1, % bytes\n          found/y/unclear.png: 5 x 1, % bytes\n"},
         {"nowhere.png", {}, "", ""},
         {"junk.png",
          {{"x/junk.png", 0}},
@@ -75,6 +75,8 @@ TEST_F(RelinkTest, FindsFilesByNameAndByWhatTheyAre)
     Save("a.xml");
     const ToolRun run = Run({"relink", "a.xml", "b.xml", "--search", "found"});
     EXPECT_EQ(run.exitCode, 1);
+    for (const char *file : {"found/x/unclear.png", "found/y/unclear.png"})
+        listing.replace(listing.find('%'), 1, std::to_string(fs::file_size(Path(file))));
     EXPECT_EQ(run.out, listing);
     EXPECT_EQ(run.err, "marlet: a.xml: 3 files not found\n");
     for (const auto &one : cases)
@@ -112,6 +114,18 @@ TEST_F(RelinkTest, TakesAClipThatHasWhatIsShownOfIt)
                                    "          not all/junk/long.mov: it cannot be read as a media file\n"
                                    "          not all/sound/long.mov: there is no picture in it\n"));
     EXPECT_THAT(Run({"info", "out.xml"}).out, Not(HasSubstr("missing")));
+
+    const ToolRun shorter = Run({"relink", "film.xml", "out.xml", "--search", "all/short"});
+    EXPECT_EQ(shorter.exitCode, 1);
+    EXPECT_THAT(shorter.out,
+                testing::ContainsRegex("-> all/short/long.mov\n          but it is shorter: 3 frames, "
+                                       "where [0-9]+ are asked for\n"));
+    const ToolRun json = Run({"relink", "film.xml", "out.xml", "--search", "all/short", "--json"});
+    EXPECT_EQ(json.exitCode, 1);
+    EXPECT_EQ(json.OutLines().size(), 1u);
+    EXPECT_THAT(json.out, testing::AllOf(testing::StartsWith("{\"kind\":\"found\",\"id\":\""),
+                                         HasSubstr("\"doubt\":\"it is shorter"), testing::EndsWith("]}\n")));
+    EXPECT_EQ(Run({"relink", "film.xml", "out.xml", "--asset", "x", "--to", "y", "--json"}).exitCode, 2);
 }
 
 } // namespace

@@ -35,7 +35,8 @@ TEST(Recovery, KeepsWhatStoodWholeBeforeACut)
     // A 3D effect is read by the host, whose failures have no place in the text.
     cutAt(titles, ItemsOf(titles), titles.find("<radius Spatial=") + 50);
     const std::string small = SmallProject();
-    for (std::size_t cut = small.find('>') + 1; cut < small.rfind("</Project") && !HasFatalFailure(); cut += 7) {
+    for (std::size_t cut = small.find('>') + 1; cut < small.rfind("</Project") && !HasFatalFailure();
+         cut += 7) {
         SCOPED_TRACE(cut);
         cutAt(small, ItemsOf(small), cut);
     }

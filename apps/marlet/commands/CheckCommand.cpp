@@ -82,11 +82,22 @@ public:
             return findings_->Problems();
         WriteProject(*project_, path);
         const std::vector<Finding> left = CheckProject(*project_);
-        if (!json_)
+        const auto problems =
+            static_cast<std::size_t>(std::count_if(left.begin(), left.end(), [](const Finding &finding) {
+                return finding.severity != Finding::Severity::Note;
+            }));
+        if (json_)
+            output_.Line(JsonWriter()
+                             .BeginObject()
+                             .Member("kind", "repaired")
+                             .Member("path", path)
+                             .Member("repairs", repaired.size())
+                             .Member("left", problems)
+                             .EndObject()
+                             .Text());
+        else
             output_.Line("wrote " + OneLine(path) + ", " + Counted(repaired.size(), "repair"));
-        return static_cast<std::size_t>(std::count_if(left.begin(), left.end(), [](const Finding &finding) {
-            return finding.severity != Finding::Severity::Note;
-        }));
+        return problems;
     }
 
 private:
@@ -219,7 +230,9 @@ const CommandSpec &CheckCommand()
          {"--repair", "OUT", "writes the project there with all repaired that is safe to repair"},
          {"--dry-run", "", "with --repair: only tells what would be repaired"}},
         Run,
-        "check project.xml"};
+        "check project.xml",
+        "  Exit status: 0 if nothing but notes is told, 1 if there is an error, a loss or a warning; with "
+        "--repair, if\n  one is left in OUT.\n"};
     return command;
 }
 

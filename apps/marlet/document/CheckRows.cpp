@@ -7,7 +7,7 @@
 
 #include <algorithm>
 #include <limits>
-#include <unordered_set>
+#include <unordered_map>
 #include <utility>
 
 namespace marlet::tool
@@ -19,9 +19,18 @@ namespace
 {
 
 using Severity = LoadEntry::Severity;
-using IDSet = std::unordered_set<kytl::KyID>;
-
 constexpr const char *kOfLoad = "load";
+
+/// The property that an entry is about, if it is about one.
+std::string PropertyIn(const std::string &path)
+{
+    const std::string manager = "/PropertyManager/";
+    const std::size_t at = path.rfind(manager);
+    if (at == path.npos)
+        return {};
+    const std::size_t start = at + manager.size();
+    return path.substr(start, path.find('/', start) - start);
+}
 
 /// The load tells at its place in the text what a check tells of the object. Of the two the check says more,
 /// but for what the load alone knows: what is lost, and plug-ins that are not there.
@@ -30,26 +39,45 @@ class ToldTwice
 public:
     explicit ToldTwice(const std::vector<Finding> &findings)
     {
-        for (const Finding &finding : findings) {
-            if (finding.kind == FindingKind::DanglingID)
-                ids_.insert(finding.named);
-            else if (!finding.ids.empty() &&
-                     (finding.kind == FindingKind::RepeatedID || finding.kind == FindingKind::MissingFile))
-                ids_.insert(finding.ids.front());
-        }
+        for (const Finding &finding : findings)
+            if (!finding.ids.empty())
+                findings_.emplace(finding.ids.front(), &finding);
     }
 
     bool operator()(const LoadEntry &entry) const
     {
         if (entry.severity > Severity::Warning)
             return false;
-        const bool isOfValue = entry.path.find("/PropertyManager/") != entry.path.npos;
-        return isOfValue || std::any_of(entry.ids.begin(), entry.ids.end(),
-                                        [this](const kytl::KyID &id) { return ids_.count(id) > 0; });
+        return std::any_of(entry.ids.begin(), entry.ids.end(), [&](const kytl::KyID &id) {
+            const auto [first, last] = findings_.equal_range(id);
+            return std::any_of(first, last,
+                               [&](const auto &finding) { return IsSame(entry, *finding.second); });
+        });
     }
 
 private:
-    IDSet ids_;
+    static bool IsSame(const LoadEntry &entry, const Finding &finding)
+    {
+        const auto says = [&entry](const char *words) { return entry.what.find(words) != entry.what.npos; };
+        const bool isOfProperty = !finding.property.empty() && PropertyIn(entry.path) == finding.property;
+        switch (finding.kind) {
+        case FindingKind::DanglingID:
+            return says("is not there") && entry.ids.front() == finding.named;
+        case FindingKind::RepeatedID:
+            return says("the ID is that of another one");
+        case FindingKind::MissingFile:
+            return says("the file is offline");
+        case FindingKind::UnexpectedType:
+        case FindingKind::MixedTypes:
+            return isOfProperty && says("of another type");
+        case FindingKind::SameTime:
+            return isOfProperty && says("several key frames stand at");
+        default:
+            return false;
+        }
+    }
+
+    std::unordered_multimap<kytl::KyID, const Finding *> findings_; ///< by the objects that they are of
 };
 
 } // namespace

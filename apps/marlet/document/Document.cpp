@@ -90,7 +90,11 @@ ProjectPointer Document::Open(PluginUse plugins, const std::shared_ptr<MediaMana
         if (!entry || entry->line == 0)
             throw;
         const auto *const ofFile = dynamic_cast<const FileException *>(&error);
-        throw Failure(PlaceName(path_, PlaceOf(*entry)), ofFile ? ofFile->Reason() : error.what());
+        // What is wrong with such a text the words of the failure do not say.
+        const bool isNoXml = entry->what.rfind("the text is no XML", 0) == 0;
+        throw Failure(PlaceName(path_, PlaceOf(*entry)), ofFile    ? ofFile->Reason()
+                                                         : isNoXml ? "The text is no XML"
+                                                                   : error.what());
     }
     if (voice_ == Voice::Tells)
         Tell();

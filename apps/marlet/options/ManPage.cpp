@@ -65,8 +65,8 @@ std::string ManPage()
         "with any command say whether findings, differences and failures have colours. Auto is on a "
         "terminal, "
         "unless NO_COLOR is set.\n";
-    return page + ".SH EXIT STATUS\n0 if all went well, 1 if something failed, 2 if the words of the call "
-                  "make no sense.\n";
+    return page + ".SH EXIT STATUS\n0 if all went well, 1 if something failed or a command that looks for "
+                  "faults found one, 2 if the words of the call make no sense.\n";
 }
 
 } // namespace marlet::tool
