@@ -166,7 +166,7 @@ TEST_F(EditTest, TellsInADryRunWhatWouldChangeAndWritesNothing)
         json.OutLines(),
         testing::ElementsAre(testing::AllOf(
             testing::StartsWith("{\"step\":\"Move object\",\"changes\":[{\"kind\":\"object\",\"id\":"),
-            testing::HasSubstr("\"name\":\"Red\",\"what\":[\"frames\"],\"frames_before\":[80,100],"
+            testing::HasSubstr("\"name\":\"Red\",\"what\":[\"frames\"],\"framesBefore\":[80,100],"
                                "\"frames\":[120,140]}"))));
     EXPECT_THAT(FileNames(), testing::ElementsAre("cut.xml"));
 }

@@ -24,6 +24,8 @@ TEST_F(JsonFormsTest, EveryCommandPrintsWhatItsSchemaSays)
                     "\"$MARLET\" new show.xml --showcase clip.mov --picture paper.png &&"
                     "\"$MARLET\" edit cut.xml ours.xml split Interview --at 70 &&"
                     "\"$MARLET\" edit cut.xml theirs.xml move 'Video 1@120' --by 10 &&"
+                    "head -c 9000 titles.xml >cut-off.xml &&"
+                    "sed 's/clip.mov</gone\\/clip.mov</' clip.xml >moved.xml &&"
                     "sed '0,/<Name>/s//<Unknown>1<\\/Unknown><Name>/' cut.xml >odd.xml")
                   .exitCode,
               0);
@@ -51,6 +53,11 @@ TEST_F(JsonFormsTest, EveryCommandPrintsWhatItsSchemaSays)
         {"plugins", {""}},
         {"fonts", {"", "'DejaVu Sans'"}},
         {"clip", {"other.mov --frames 3"}},
+        {"edit",
+         {"cut.xml out.xml split Interview --at 70 --dry-run",
+          "cut.xml out.xml move 'Video 1@120' --by 10 --dry-run"}},
+        {"recover", {"orbit.xml mended.xml", "cut-off.xml mended.xml"}},
+        {"relink", {"moved.xml out.xml --search ."}},
     };
     std::set<std::string> told;
     for (const auto &[command, lines] : calls) {

@@ -203,7 +203,7 @@ private:
         }
         WriteIDs(json, "added", change.added);
         WriteIDs(json, "removed", change.removed);
-        WriteFrames(json, "frames_before", before_.Find(change.id));
+        WriteFrames(json, "framesBefore", before_.Find(change.id));
         WriteFrames(json, "frames", after_.Find(change.id));
         json.EndObject();
     }
