@@ -24,6 +24,8 @@ set(MARLET_PUBLIC_HEADERS
     editor/Transition.h
     editor/VideoTrack.h
     editor/VisualObject.h
+    exchange/ExchangeException.h
+    exchange/ExchangeFormat.h
     foundation/AudioVideoSettings.h
     foundation/Deserializer.h
     foundation/Exceptions.h

@@ -1,0 +1,8 @@
+#include "ExchangeException.h"
+
+namespace marlet::project
+{
+
+ExchangeException::~ExchangeException() = default;
+
+} // namespace marlet::project
