@@ -13,6 +13,7 @@ namespace marlet::project
 {
 
 class Abstract3DEffectFactory;
+class AbstractPlugin;
 class AbstractPluginManager;
 class Project;
 
@@ -35,6 +36,10 @@ struct ExchangeOptions {
     /// Of a project that is made; null for none. The factory is not owned.
     std::shared_ptr<AbstractPluginManager> plugins = nullptr;
     const Abstract3DEffectFactory *effects = nullptr;
+    /// What dissolves and wipes of a text become transitions of, where it does not name a plug-in that there
+    /// is. Null for none: such a transition is a cut in its middle then, and a loss.
+    std::shared_ptr<AbstractPlugin> dissolve = nullptr;
+    std::shared_ptr<AbstractPlugin> wipe = nullptr;
 };
 
 /// A form in which other programs take and give what a project holds, or a part of it. What it cannot say is
