@@ -7,8 +7,7 @@
 #include <marlet/history/Edit.h>
 #include <marlet/history/Parts.h>
 #include <marlet/operations/OperationException.h>
-#include <marlet/plugins/AbstractPluginManager.h>
-#include <marlet/plugins/WithoutHostOperations.h>
+#include <marlet/plugins/QuietPluginManager.h>
 #include <marlet/project/AssetList.h>
 #include <marlet/project/LoadOptions.h>
 #include <marlet/project/Project.h>
@@ -23,30 +22,10 @@ namespace marlet::project
 namespace
 {
 
-/// Hands out the plug-ins of the host's manager, which is not told of a project that nobody is to see.
-class QuietPluginManager final : public WithoutHostOperations<AbstractPluginManager>
-{
-public:
-    explicit QuietPluginManager(std::shared_ptr<AbstractPluginManager> manager) : manager_(std::move(manager))
-    {
-    }
-
-    void AttachProject(const std::shared_ptr<Project> &) override {}
-    std::shared_ptr<AbstractPlugin> FindPlugin(const kytl::KyID &id) override
-    {
-        return manager_->FindPlugin(id);
-    }
-
-private:
-    std::shared_ptr<AbstractPluginManager> manager_;
-};
-
 std::shared_ptr<Project> ReadAside(const Project &project, const WideString &text,
                                    const Abstract3DEffectFactory &effectFactory)
 {
-    std::shared_ptr<AbstractPluginManager> plugins;
-    if (project.PluginManager())
-        plugins = std::make_shared<QuietPluginManager>(project.PluginManager());
+    const auto plugins = QuietPluginManager::Of(project.PluginManager());
     const LoadOptions options{.media = project.SharedMedia(), .keepUnknown = true};
     return Project::CreateFromXml(text, project.TextureImageCache().TexturesFolderPath(), plugins,
                                   effectFactory, options);

@@ -19,7 +19,7 @@ set(below_history foundation animation plugins masks tracking layers project edi
 set(below_operations foundation animation plugins masks tracking layers project editor history)
 set(below_compare foundation animation plugins masks tracking layers project editor history operations)
 
-set(below_exchange foundation animation plugins masks tracking layers project editor history operations)
+set(below_exchange foundation animation plugins masks tracking layers project editor history operations compare)
 set(below_recovery foundation animation plugins masks tracking layers project editor platform)
 
 # Sources that must reach up, as "source folder".
