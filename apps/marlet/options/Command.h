@@ -59,5 +59,6 @@ const CommandSpec &TimelineCommand();
 const CommandSpec &EditCommand();
 const CommandSpec &WatchCommand();
 const CommandSpec &ServeCommand();
+const CommandSpec &ConvertCommand();
 
 } // namespace marlet::tool

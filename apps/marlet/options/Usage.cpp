@@ -10,13 +10,13 @@ namespace marlet::tool
 const std::vector<const CommandSpec *> &Commands()
 {
     static const std::vector<const CommandSpec *> commands{
-        &InfoCommand(),     &CheckCommand(),      &ReportCommand(), &TimelineCommand(), &TreeCommand(),
-        &DiffCommand(),     &MergeCommand(),      &ValueCommand(),  &CurveCommand(),    &MatrixCommand(),
-        &FrameCommand(),    &PostFilterCommand(), &NewCommand(),    &EditCommand(),     &SaveCommand(),
-        &ParentCommand(),   &CloneCommand(),      &DeleteCommand(), &RecoverCommand(),  &MediaCommand(),
-        &DecodeCommand(),   &SamplesCommand(),    &RelinkCommand(), &TrackCommand(),    &ImageCommand(),
-        &TimecodeCommand(), &PluginsCommand(),    &FontsCommand(),  &ClipCommand(),     &WatchCommand(),
-        &ServeCommand(),
+        &InfoCommand(),  &CheckCommand(),      &ReportCommand(),  &TimelineCommand(), &TreeCommand(),
+        &DiffCommand(),  &MergeCommand(),      &ValueCommand(),   &CurveCommand(),    &MatrixCommand(),
+        &FrameCommand(), &PostFilterCommand(), &NewCommand(),     &EditCommand(),     &ConvertCommand(),
+        &SaveCommand(),  &ParentCommand(),     &CloneCommand(),   &DeleteCommand(),   &RecoverCommand(),
+        &MediaCommand(), &DecodeCommand(),     &SamplesCommand(), &RelinkCommand(),   &TrackCommand(),
+        &ImageCommand(), &TimecodeCommand(),   &PluginsCommand(), &FontsCommand(),    &ClipCommand(),
+        &WatchCommand(), &ServeCommand(),
     };
     return commands;
 }
