@@ -3,6 +3,7 @@
 #include "Checking.h"
 #include "Comparing.h"
 #include "Editing.h"
+#include "Exchanging.h"
 #include "ExpressionEngine.h"
 #include "Fade.h"
 #include "Files.h"
@@ -256,6 +257,18 @@ void CheckChanges()
     Expect(sea->Name() == u"Water", "what theirs alone changed is taken over in place");
 }
 
+void CheckExchanging()
+{
+    const auto plugins = AllPlugins();
+    const auto project = MakeProject(plugins);
+    std::string text;
+    FillInstances(*project);
+    Expect(ToTimeline(project, u"/film/", text).empty(), "a cut of solids is all seen");
+    const auto again = FromTimeline(text, u"/film/", plugins);
+    FillInstances(*again);
+    Expect(again->Serialize() == project->Serialize(), "a timeline brings its project back");
+}
+
 std::shared_ptr<AssetLayer> SolidLayer(Project &project, const std::shared_ptr<CompositionAsset> &composition)
 {
     const auto solid = SolidAsset::Create(u"Solid", {1, 0, 0, 1}, 64, 64, PAR::Square);
@@ -340,6 +353,7 @@ try {
     guide::CheckExpression();
     guide::CheckMedia(folder);
     guide::CheckSharedMedia(folder);
+    guide::CheckExchanging();
     guide::CheckEditing();
     guide::CheckTracking(folder);
     guide::CheckProblems();
