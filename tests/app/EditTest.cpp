@@ -225,4 +225,52 @@ TEST_F(EditTest, EditsAssetsLayersKeyFramesTextsAndMasks)
 
 } // namespace
 
+TEST_F(EditTest, SetsValuesAndStylesOfTexts)
+{
+    const std::string title = "layer new Main Title --type text --size 300x40\n"
+                              "text set Main Title \"One\\nTwo\\n\"\n"
+                              "keys insert Main Title opacity --time 0\n";
+    Write("script",
+          title + "value set Main Title position --value 10,-20,0\n"
+                  "value set Main Title opacity --value 12.5 --time 400\n"
+                  "text style Main Title --from 4 --length 3 --height 24 --colour '#ff0000' --face Bold\n"
+                  "text style Main Title --align right --from 4\n");
+    const ToolRun run = Edit("out.xml", {"--script", "script"});
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    const auto valueOf = [&](const std::string &property) {
+        return Run({"value", "out.xml", "--composition", "Main", "--layer", "Title", "--property", property,
+                    "--times", "0,200,400"})
+            .out;
+    };
+    EXPECT_THAT(valueOf("position"), testing::HasSubstr("(10, -20, 0)"));
+    EXPECT_THAT(valueOf("opacity"), testing::HasSubstr("56.25"));
+    EXPECT_THAT(Read("out.xml"), testing::AllOf(testing::HasSubstr("<MaxX>150</MaxX>"),
+                                                testing::HasSubstr("R=\"1\" G=\"0\" B=\"0\"")));
+    EXPECT_THAT(Run({"info", "out.xml"}).out, testing::HasSubstr("Bold"));
+
+    const struct {
+        const char *line;
+        const char *message;
+    } wrong[] = {
+        {"value set Main Title position --value 1,2", "\"1,2\" is no value of position, such as (0, 0, 0)\n"},
+        {"value set Main Title position --value 1,2,3,4", "is no value of position"},
+        {"value set Main Title scaleLinked --value 1", "is no value of scaleLinked, such as yes\n"},
+        {"value set Main Title opacity --value 50", "opacity has key frames: --time says which\n"},
+        {"value set Main Title size --value 50", "There is no property \"size\""},
+        {"text style Main Title", "nothing of the style is given\n"},
+        {"text style Main Title --colour red", "\"red\" is no colour, such as ff8000\n"},
+        {"text style Main Title --align justified", "is none of left, centre, right\n"},
+        {"text style Main Title --height 0", "a font is at least one pixel high\n"},
+        {"text style Main Title --height 9 --from 99",
+         "The range goes beyond the text, which has 8 characters"},
+    };
+    for (const auto &one : wrong) {
+        SCOPED_TRACE(one.line);
+        Write("script", title + one.line + "\n");
+        const ToolRun refused = Edit("none.xml", {"--script", "script"});
+        EXPECT_NE(refused.exitCode, 0);
+        EXPECT_THAT(refused.err, testing::HasSubstr(one.message));
+    }
+}
+
 } // namespace marlet::test

@@ -16,7 +16,6 @@
 #include <marlet/project/Project.h>
 #include <marlet/project/SolidAsset.h>
 
-#include <charconv>
 #include <filesystem>
 #include <string_view>
 
@@ -45,20 +44,6 @@ FolderPointer FindFolder(const Editing &editing, const std::string &idOrName)
     return FindByIdOrName(folders, "folder", idOrName);
 }
 
-/// "#ff8000", with or without its sign.
-kytl::KyColorRGBA_32f Colour(const Editing &editing)
-{
-    std::string_view text = editing.Words().Text("--colour");
-    if (text.starts_with('#'))
-        text.remove_prefix(1);
-    unsigned int value = 0;
-    const auto [stop, error] = std::from_chars(text.data(), text.data() + text.size(), value, 16);
-    if (text.size() != 6 || error != std::errc() || stop != text.data() + text.size())
-        throw UsageError("--colour: \"" + std::string(text) + "\" is no colour, such as ff8000");
-    const auto part = [value](int shift) { return static_cast<float>(value >> shift & 0xFF) / 255; };
-    return {part(16), part(8), part(0), 1};
-}
-
 /// That of --folder, or else the root.
 FolderPointer Folder(const Editing &editing)
 {
@@ -69,7 +54,7 @@ void Add(Editing &editing)
 {
     const PixelSize size = editing.Words().Size("--size");
     const FolderPointer folder = Folder(editing);
-    const auto solid = SolidAsset::Create(FromUtf8(editing.Operand()), Colour(editing), size.width,
+    const auto solid = SolidAsset::Create(FromUtf8(editing.Operand()), editing.Colour(), size.width,
                                           size.height, PAR::Square);
     AddAsset(editing.Document(), solid, folder);
     editing.Tell("added", *solid);

@@ -3,6 +3,7 @@
 #include "output/Failure.h"
 #include "output/Output.h"
 
+#include <marlet/history/Edit.h>
 #include <marlet/layers/AssetLayer.h>
 #include <marlet/layers/TextLayer.h>
 #include <marlet/masks/Mask.h>
@@ -10,6 +11,9 @@
 #include <marlet/operations/layers/TextOperations.h>
 #include <marlet/operations/layers/TrackerOperations.h>
 #include <marlet/tracking/Tracker.h>
+
+#include <algorithm>
+#include <array>
 
 namespace marlet::tool
 {
@@ -45,6 +49,17 @@ WideString NewText(const Editing &editing)
     return text;
 }
 
+/// All that is not narrowed by an option.
+TextRange Range(const Editing &editing)
+{
+    TextRange range;
+    if (editing.Words().Has("--from"))
+        range.first = Position(editing, "--from");
+    if (editing.Words().Has("--length"))
+        range.count = Position(editing, "--length");
+    return range;
+}
+
 void TellOfText(const Editing &editing, const TextLayer &title)
 {
     editing.Tell("text", Quoted(ReadText(title).text) + " of layer " + Quoted(title.Name()));
@@ -67,13 +82,67 @@ void Insert(Editing &editing)
 
 void Replace(Editing &editing)
 {
-    TextRange range;
-    range.first = Position(editing, "--from");
-    if (editing.Words().Has("--length"))
-        range.count = Position(editing, "--length");
+    const TextRange range = Range(editing);
     const auto title = Title(editing);
     ReplaceText(editing.Document(), title, range, NewText(editing));
     TellOfText(editing, *title);
+}
+
+/// As the preview counts them.
+TextLayer::JustificationType Justification(const Editing &editing)
+{
+    const std::string &name = editing.Words().Text("--align");
+    const std::array<const char *, 3> names{"left", "centre", "right"};
+    const auto place = std::find(names.begin(), names.end(), name);
+    if (place == names.end())
+        throw UsageError("--align: \"" + name + "\" is none of left, centre, right");
+    return TextLayer::JustificationType{static_cast<int>(place - names.begin())};
+}
+
+/// The format of the first character of the range, or one to start from, with what is given.
+TextLayer::Format NewFormat(const Editing &editing, const TextLayer &title, const TextRange &range)
+{
+    const FormattedText text = ReadText(title, range);
+    TextLayer::Format format;
+    if (!text.formats.empty()) {
+        format = text.formats.front().format;
+    } else {
+        format.family = u"DejaVu Sans";
+        format.style = u"Book";
+        format.size = 36;
+        format.fillColor = {1, 1, 1, 1};
+    }
+    const Arguments &arguments = editing.Words();
+    if (arguments.Has("--family"))
+        format.family = editing.WideText("--family");
+    if (arguments.Has("--face"))
+        format.style = editing.WideText("--face");
+    if (arguments.Has("--height"))
+        format.size = arguments.Integer("--height");
+    if (arguments.Has("--colour"))
+        format.fillColor = editing.Colour();
+    if (format.size < 1)
+        throw UsageError("--height: a font is at least one pixel high");
+    return format;
+}
+
+void Style(Editing &editing)
+{
+    const Arguments &arguments = editing.Words();
+    const bool isAligned = arguments.Has("--align");
+    const bool isFormatted = arguments.Has("--family") || arguments.Has("--face") ||
+                             arguments.Has("--height") || arguments.Has("--colour");
+    if (!isAligned && !isFormatted)
+        throw UsageError("nothing of the style is given");
+    const auto title = Title(editing);
+    const TextRange range = Range(editing);
+    Edit edit(editing.Document(), u"Style text");
+    if (isFormatted)
+        SetTextFormat(editing.Document(), title, range, NewFormat(editing, *title, range));
+    if (isAligned)
+        SetJustification(editing.Document(), title, range, Justification(editing));
+    edit.Commit();
+    editing.Tell("styled", Quoted(ReadText(*title, range).text) + " of layer " + Quoted(title->Name()));
 }
 
 PictureRectangle Rectangle(const Editing &editing)
@@ -128,6 +197,10 @@ const std::vector<Verb> &ContentVerbs()
         {"text set", "COMPOSITION LAYER TEXT", Set},
         {"text insert", "COMPOSITION LAYER TEXT --from N", Insert},
         {"text replace", "COMPOSITION LAYER TEXT --from N [--length N]", Replace},
+        {"text style",
+         "COMPOSITION LAYER [--from N] [--length N] [--family F] [--face F] [--height N] [--colour RRGGBB] "
+         "[--align A]",
+         Style},
         {"mask rectangle", "COMPOSITION LAYER NAME --size WxH [--middle X,Y] [--radius N]", MaskRectangle},
         {"mask ellipse", "COMPOSITION LAYER NAME --size WxH [--middle X,Y]", MaskEllipse},
         {"tracker follow", "COMPOSITION LAYER TRACKER --with LAYER [--tolerance N] [--rotation] [--scale]",

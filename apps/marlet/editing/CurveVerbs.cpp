@@ -2,10 +2,14 @@
 #include "Verb.h"
 #include "document/LayerContent.h"
 #include "options/FindByIdOrName.h"
+#include "options/TypedValue.h"
 #include "output/Failure.h"
 #include "output/Output.h"
 
+#include <marlet/animation/KeyFrame.h>
+#include <marlet/animation/KeyFrameList.h>
 #include <marlet/animation/PropertyManager.h>
+#include <marlet/history/Edit.h>
 #include <marlet/masks/Mask.h>
 #include <marlet/operations/curves/KeyFrameOperations.h>
 #include <marlet/plugins/EffectInstance.h>
@@ -140,6 +144,36 @@ void Bake(Editing &editing)
     TellOfKeys(editing, "baked", KeyFramesIn(property, Span(editing)).size(), property);
 }
 
+/// Of the property, or of its key frame at a time, which comes in if there is none.
+void SetValue(Editing &editing)
+{
+    const AnimatedProperty property = Property(editing);
+    const char *name = property.Name().c_str();
+    const auto &properties = property.Properties();
+    const bool hasTime = editing.Words().Has("--time");
+    if (!properties->IsStatic(name) && !hasTime)
+        throw UsageError(property.Name() + " has key frames: --time says which");
+    const int time = hasTime ? editing.Words().Integer("--time") : 0;
+    const PropertyValue before = property.ValueAt(time);
+    const std::string &text = editing.Words().Text("--value");
+    const std::optional<PropertyValue> value = ParseValue(text, before);
+    if (!value)
+        throw UsageError("--value: \"" + text + "\" is no value of " + property.Name() + ", such as " +
+                         ValueText(before));
+    Edit edit(editing.Document(), u"Set " + FromUtf8(property.Name()));
+    if (hasTime) {
+        const kytl::KyID key = InsertKeyFrame(editing.Document(), property, time);
+        property.Touch(edit, {key});
+        property.KeysToEdit().GetByID(key).SetValue(*value);
+    } else {
+        property.Touch(edit);
+        properties->StaticValue(name) = *value;
+    }
+    edit.Commit();
+    editing.Tell("set", property.Name() + " of layer " + Quoted(editing.Layer()->Name()) + " to " +
+                            ValueText(*value));
+}
+
 Verb OfKeys(const char *name, const std::string &words, void (*run)(Editing &))
 {
     return {name, "COMPOSITION LAYER PROPERTY " + words + "[--effect E | --mask M]", run};
@@ -150,6 +184,7 @@ Verb OfKeys(const char *name, const std::string &words, void (*run)(Editing &))
 const std::vector<Verb> &CurveVerbs()
 {
     static const std::vector<Verb> verbs{
+        OfKeys("value set", "--value V [--time MS] ", SetValue),
         OfKeys("keys insert", "--time MS ", Insert),
         OfKeys("keys remove", "[--times MS..MS] ", Remove),
         OfKeys("keys move", "--by MS [--times MS..MS] ", Move),

@@ -15,6 +15,7 @@
 #include <marlet/project/Project.h>
 
 #include <algorithm>
+#include <charconv>
 
 namespace marlet::tool
 {
@@ -94,6 +95,19 @@ unsigned int Editing::Place() const
     if (place < 1)
         throw UsageError("--place counts from 1");
     return static_cast<unsigned int>(place - 1);
+}
+
+kytl::KyColorRGBA_32f Editing::Colour() const
+{
+    std::string_view text = arguments_.Text("--colour");
+    if (text.starts_with('#'))
+        text.remove_prefix(1);
+    unsigned int value = 0;
+    const auto [stop, error] = std::from_chars(text.data(), text.data() + text.size(), value, 16);
+    if (text.size() != 6 || error != std::errc() || stop != text.data() + text.size())
+        throw UsageError("--colour: \"" + std::string(text) + "\" is no colour, such as ff8000");
+    const auto part = [value](int shift) { return static_cast<float>(value >> shift & 0xFF) / 255; };
+    return {part(16), part(8), part(0), 1};
 }
 
 TrackPointer Editing::OptionalTrack(const char *option) const

@@ -4,6 +4,7 @@
 #include "document/Timeline.h"
 #include "options/Arguments.h"
 
+#include <marlet/foundation/KyColorRGBA.h>
 #include <marlet/operations/sequence/SequenceOptions.h>
 
 #include <optional>
@@ -35,6 +36,9 @@ public:
     const std::string &Operand(std::size_t index = 0) const { return arguments_.Operand(first_ + index); }
     std::optional<int> Number(const char *option) const;
     project::WideString WideText(const char *option) const;
+
+    /// That of --colour: "#ff8000", with or without its sign.
+    kytl::KyColorRGBA_32f Colour() const;
 
     // Of the sequence. @throws Failure if there is none
 

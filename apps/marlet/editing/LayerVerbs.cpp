@@ -29,14 +29,14 @@ void Add(Editing &editing)
                                         start, place));
 }
 
-LayerPointer NewLayer(const std::string &type, const WideString &name, const CompositionAsset &composition)
+LayerPointer NewLayer(const std::string &type, const WideString &name, const PixelSize &size)
 {
     if (type == "text")
-        return TextLayer::Create(name, composition.Width(), composition.Height());
+        return TextLayer::Create(name, size.width, size.height);
     if (type == "point")
         return PointLayer::Create(name);
     if (type == "grade")
-        return GradeLayer::Create(name, composition.Width(), composition.Height());
+        return GradeLayer::Create(name, size.width, size.height);
     throw UsageError("--type: \"" + type + "\" is none of text, point and grade");
 }
 
@@ -44,8 +44,10 @@ void New(Editing &editing)
 {
     const unsigned int place = editing.Place();
     const CompositionPointer composition = editing.Composition();
-    const LayerPointer layer =
-        NewLayer(editing.Words().Text("--type"), FromUtf8(editing.Operand(1)), *composition);
+    const PixelSize size = editing.Words().Has("--size")
+                               ? editing.Words().Size("--size")
+                               : PixelSize{composition->Width(), composition->Height()};
+    const LayerPointer layer = NewLayer(editing.Words().Text("--type"), FromUtf8(editing.Operand(1)), size);
     AddLayer(editing.Document(), composition, layer, place);
     editing.Tell("added", layer);
 }
@@ -137,7 +139,7 @@ const std::vector<Verb> &LayerVerbs()
 {
     static const std::vector<Verb> verbs{
         {"layer add", "COMPOSITION ASSET [--at F] [--place N]", Add},
-        {"layer new", "COMPOSITION NAME --type text|point|grade [--place N]", New},
+        {"layer new", "COMPOSITION NAME --type text|point|grade [--size WxH] [--place N]", New},
         {"layer copy", "COMPOSITION LAYER [--into COMPOSITION] [--at F] [--place N]", Copy},
         {"layer remove", "COMPOSITION LAYER", Remove},
         {"layer move", "COMPOSITION LAYER (--to F | --by N | --place N)", Move},

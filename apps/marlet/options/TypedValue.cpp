@@ -1,11 +1,13 @@
 #include "TypedValue.h"
 
+#include "FindByIdOrName.h"
 #include "output/Json.h"
 #include "output/Output.h"
 
 #include <boost/variant/apply_visitor.hpp>
 #include <boost/variant/static_visitor.hpp>
 
+#include <charconv>
 #include <initializer_list>
 
 namespace marlet::tool
@@ -114,6 +116,63 @@ struct NumberComponents {
     }
 };
 
+template <class Number> bool ParsePart(std::string_view part, Number &number)
+{
+    while (part.starts_with(' '))
+        part.remove_prefix(1);
+    const char *end = part.data() + part.size();
+    const auto [stop, error] = std::from_chars(part.data(), end, number);
+    return error == std::errc() && stop == end;
+}
+
+/// Reads each component from its part of a text; a value of one is a part by itself.
+class ParsingVisitor : public boost::static_visitor<bool>
+{
+public:
+    explicit ParsingVisitor(std::string_view text) : rest_(text)
+    {
+        if (rest_.starts_with('(') && rest_.ends_with(')'))
+            rest_ = rest_.substr(1, rest_.size() - 2);
+    }
+
+    bool operator()(bool &v)
+    {
+        v = rest_ == "yes";
+        return v || rest_ == "no";
+    }
+    bool operator()(kytl::KyID &v)
+    {
+        const std::optional<kytl::KyID> id = ParseID(std::string(rest_));
+        v = id.value_or(kytl::KyID());
+        return id.has_value();
+    }
+    bool operator()(project::Scale3D &v) { return All(v.X, v.Y, v.Z); }
+    bool operator()(project::Orientation3D &v) { return All(v.X, v.Y, v.Z); }
+    bool operator()(kytl::KyColorRGBA_32f &v) { return All(v.R, v.G, v.B, v.A); }
+    bool operator()(KyPoint<2, float> &v) { return All(v.X, v.Y); }
+    bool operator()(KyPoint<3, float> &v) { return All(v.X, v.Y, v.Z); }
+    bool operator()(KyVector<2, float> &v) { return All(v.X, v.Y); }
+    bool operator()(KyVector<3, float> &v) { return All(v.X, v.Y, v.Z); }
+    template <class Number> bool operator()(Number &v) { return All(v); }
+
+private:
+    template <class... Parts> bool All(Parts &...parts) { return (Next(parts) && ...) && isAtEnd_; }
+
+    template <class Number> bool Next(Number &number)
+    {
+        if (isAtEnd_)
+            return false;
+        const std::size_t comma = rest_.find(',');
+        const std::string_view part = rest_.substr(0, comma);
+        isAtEnd_ = comma == std::string_view::npos;
+        rest_.remove_prefix(isAtEnd_ ? rest_.size() : comma + 1);
+        return ParsePart(part, number);
+    }
+
+    std::string_view rest_;
+    bool isAtEnd_ = false;
+};
+
 } // namespace
 
 std::string TypeName(const project::PropertyValue &value)
@@ -126,6 +185,15 @@ std::string ValueText(const project::PropertyValue &value)
     std::string text;
     boost::apply_visitor(ComponentVisitor(TextScalar{text}, TextComponents{text}), value);
     return text;
+}
+
+std::optional<project::PropertyValue> ParseValue(const std::string &text, const project::PropertyValue &model)
+{
+    project::PropertyValue value = model;
+    ParsingVisitor visitor(text);
+    if (!boost::apply_visitor(visitor, value))
+        return {};
+    return value;
 }
 
 std::vector<double> Components(const project::PropertyValue &value)
