@@ -94,7 +94,8 @@ endfunction()
 file(GLOB_RECURSE files RELATIVE ${ROOT} LIST_DIRECTORIES false
     ${ROOT}/marlet/*.h ${ROOT}/marlet/*.cpp
     ${ROOT}/apps/*.h ${ROOT}/apps/*.cpp ${ROOT}/bench/*.h ${ROOT}/bench/*.cpp
-    ${ROOT}/examples/*.h ${ROOT}/examples/*.cpp ${ROOT}/fuzz/*.h ${ROOT}/fuzz/*.cpp)
+    ${ROOT}/examples/*.h ${ROOT}/examples/*.cpp ${ROOT}/fuzz/*.h ${ROOT}/fuzz/*.cpp
+    ${ROOT}/python/*.h ${ROOT}/python/*.cpp)
 foreach(file IN LISTS files)
     file(STRINGS ${ROOT}/${file} includes REGEX "^#include [<\"]")
     list(TRANSFORM includes REPLACE "^#include [<\"]([^>\"]+).*" "\\1")

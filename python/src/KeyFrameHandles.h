@@ -1,0 +1,47 @@
+#pragma once
+
+#include "Owners.h"
+
+#include <marlet/animation/KeyFrame.h>
+
+namespace marlet::python
+{
+
+using PropertyPointer = std::shared_ptr<const PropertyHandle>;
+
+/// The key frames of a property, as a sequence in the order of their times.
+struct KeyFramesHandle {
+    PropertyPointer property;
+
+    /// @throws Failure ClosedError, GoneError
+    std::shared_ptr<PropertyManager> Properties() const { return property->Properties(); }
+    const DocumentPointer &Owner() const { return property->owner->Owner(); }
+};
+
+/// One key frame, known by its ID.
+class KeyFrameHandle
+{
+public:
+    KeyFrameHandle(PropertyPointer property, const kytl::KyID &id) : property_(std::move(property)), id_(id)
+    {
+    }
+
+    const PropertyHandle &Property() const { return *property_; }
+    const kytl::KyID &ID() const { return id_; }
+    /// Until the next change of the project. @throws Failure ClosedError, GoneError
+    const KeyFrame &Get() const;
+
+    bool operator==(const KeyFrameHandle &other) const
+    {
+        return id_ == other.id_ && property_->owner->Owner() == other.property_->owner->Owner();
+    }
+
+private:
+    PropertyPointer property_;
+    kytl::KyID id_;
+    // Where it stood at the last look-up: walks over many key frames look each up once.
+    mutable const KeyFrame *found_ = nullptr;
+    mutable std::uint64_t generation_ = 0;
+};
+
+} // namespace marlet::python

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "Handles.h"
+
+namespace marlet::python
+{
+
+/// A project that was loaded or made, for Python.
+ProjectHandle Opened(const std::shared_ptr<Project> &project,
+                     const std::shared_ptr<AbstractPluginManager> &plugins,
+                     const std::shared_ptr<LoadReport> &report);
+
+} // namespace marlet::python
