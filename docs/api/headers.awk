@@ -1,7 +1,7 @@
 # Makes of a public header what Doxygen reads: line by line, so that places stay what they are.
 #
 # A comment that stands by itself, before what it is about, becomes that of the file. A backslash in a comment is
-# one, since commands begin with "@". Specialisations of the standard library's templates are left out.
+# one, since commands begin with "@" and a small letter. Specialisations of the standard library's templates are left out.
 
 function is_alone(line) { return line ~ /^\/\/ / || line == "//" }
 
@@ -30,8 +30,10 @@ END {
                 line = lines[--i]
             }
         }
-        if (line ~ /^ *\/\/\//)
+        if (line ~ /^ *\/\/\//) {
             gsub(/\\/, "\\\\\\\\", lines[i])
+            gsub(/@[A-Z]/, "\\\\&", lines[i])
+        }
     }
     for (i = 1; i <= NR; ++i)
         print lines[i]
