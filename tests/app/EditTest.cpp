@@ -244,23 +244,23 @@ TEST_F(EditTest, SetsValuesAndStylesOfTexts)
     };
     EXPECT_THAT(valueOf("position"), testing::HasSubstr("(10, -20, 0)"));
     EXPECT_THAT(valueOf("opacity"), testing::HasSubstr("56.25"));
-    EXPECT_THAT(Read("out.xml"), testing::AllOf(testing::HasSubstr("<MaxX>150</MaxX>"),
-                                                testing::HasSubstr("R=\"1\" G=\"0\" B=\"0\"")));
-    EXPECT_THAT(Run({"info", "out.xml"}).out, testing::HasSubstr("Bold"));
+    EXPECT_THAT(Read("out.xml"), testing::HasSubstr("<MaxX>150</MaxX>"));
+    EXPECT_THAT(Run({"info", "out.xml"}).out,
+                testing::HasSubstr("\"DejaVu Sans\" \"Bold\", size 24, fill (1, 0, 0, 1)"));
 
     const struct {
         const char *line;
         const char *message;
     } wrong[] = {
-        {"value set Main Title position --value 1,2", "\"1,2\" is no value of position, such as (0, 0, 0)\n"},
+        {"value set Main Title position --value 1,2", "\"1,2\" is no value of position, such as (0, 0, 0)"},
         {"value set Main Title position --value 1,2,3,4", "is no value of position"},
-        {"value set Main Title scaleLinked --value 1", "is no value of scaleLinked, such as yes\n"},
-        {"value set Main Title opacity --value 50", "opacity has key frames: --time says which\n"},
+        {"value set Main Title scaleLinked --value 1", "is no value of scaleLinked, such as yes"},
+        {"value set Main Title opacity --value 50", "opacity has key frames: --time says which"},
         {"value set Main Title size --value 50", "There is no property \"size\""},
-        {"text style Main Title", "nothing of the style is given\n"},
-        {"text style Main Title --colour red", "\"red\" is no colour, such as ff8000\n"},
-        {"text style Main Title --align justified", "is none of left, centre, right\n"},
-        {"text style Main Title --height 0", "a font is at least one pixel high\n"},
+        {"text style Main Title", "nothing of the style is given"},
+        {"text style Main Title --colour red", "\"red\" is no colour, such as ff8000"},
+        {"text style Main Title --align justified", "is none of left, centre, right"},
+        {"text style Main Title --height 0", "a font is at least one pixel high"},
         {"text style Main Title --height 9 --from 99",
          "The range goes beyond the text, which has 8 characters"},
     };
