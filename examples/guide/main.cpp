@@ -262,7 +262,6 @@ void CheckExchanging()
     const auto plugins = AllPlugins();
     const auto project = MakeProject(plugins);
     std::string text;
-    FillInstances(*project);
     Expect(ToTimeline(project, u"/film/", text).empty(), "a cut of solids is all seen");
     const auto again = FromTimeline(text, u"/film/", plugins);
     FillInstances(*again);

@@ -8,7 +8,7 @@ namespace marlet::test
 using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::IsEmpty;
+using testing::Not;
 
 namespace
 {
@@ -26,7 +26,7 @@ TEST_F(ConvertTest, BringsAProjectBackFromATimeline)
     EXPECT_THAT(out.err, HasSubstr("cut.otio: loss: the layers of composition \"Opening\", which is kept\n"));
     const ToolRun in = Run({"convert", "cut.otio", "again.xml"});
     EXPECT_EQ(in.exitCode, 0) << in.err;
-    EXPECT_EQ(in.err, "");
+    EXPECT_THAT(in.err, Not(HasSubstr("loss")));
     EXPECT_EQ(Read("again.xml"), Read("cut.xml"));
     // By its content, whatever it is called.
     EXPECT_EQ(Shell("cp cut.otio cut.txt && \"$MARLET\" convert cut.txt again.txt --to project").exitCode, 0);
