@@ -177,17 +177,17 @@ TrackChoice DrawnProject::Tracks(const std::vector<std::string> &names) const
     return TrackChoice::Of(tracks);
 }
 
-std::string DrawnProject::Drawing() const
+std::string DrawnProject::DrawingOf(const EditorSequence &sequence)
 {
     std::string text;
-    for (const Track &track : TracksOf(*sequence_))
-        text += (text.empty() ? "" : "\n") + RowDrawing(*track);
+    for (const Track &track : TracksOf(sequence))
+        text += (text.empty() ? "" : "\n") + RowDrawing(sequence, *track);
     return text;
 }
 
-std::string DrawnProject::RowDrawing(AbstractSequenceTrack &track) const
+std::string DrawnProject::RowDrawing(const EditorSequence &sequence, AbstractSequenceTrack &track)
 {
-    std::string frames(static_cast<std::size_t>(sequence_->Settings().FrameCount()), '.');
+    std::string frames(static_cast<std::size_t>(sequence.Settings().FrameCount()), '.');
     std::string transitions;
     const auto tell = [&](char mark, int cut, const Transition &transition, int start) {
         transitions += std::string(" ") + (transition.RelativeStartFrame() == start ? mark : '?') +
@@ -204,7 +204,7 @@ std::string DrawnProject::RowDrawing(AbstractSequenceTrack &track) const
         }
         const bool hasPartner = !object->LinkedObjectID().IsNull();
         char &head = frames.at(static_cast<std::size_t>(object->StartFrame()));
-        head = head == '?' || (hasPartner && !PartnerOf(*sequence_, *object)) ? '?'
+        head = head == '?' || (hasPartner && !PartnerOf(sequence, *object)) ? '?'
                : hasPartner ? static_cast<char>(std::toupper(LetterOf(*object)))
                             : LetterOf(*object);
 

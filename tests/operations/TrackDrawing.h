@@ -35,7 +35,8 @@ class DrawnProject
 public:
     explicit DrawnProject(const std::string &drawing);
 
-    std::string Drawing() const;
+    std::string Drawing() const { return DrawingOf(*sequence_); }
+    static std::string DrawingOf(const EditorSequence &sequence);
     std::string Text() const;
     const std::shared_ptr<Project> &Document() const { return project_; }
     const std::shared_ptr<EditorSequence> &Sequence() const { return sequence_; }
@@ -54,7 +55,7 @@ private:
     void AddObject(const Track &track, const std::string &frames, int start);
     void AddTransition(const Track &track, const std::string &text);
     void LinkPartners();
-    std::string RowDrawing(AbstractSequenceTrack &track) const;
+    static std::string RowDrawing(const EditorSequence &sequence, AbstractSequenceTrack &track);
 
     std::shared_ptr<Project> project_;
     std::shared_ptr<EditorSequence> sequence_;
