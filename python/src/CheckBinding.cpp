@@ -1,6 +1,7 @@
 #include "Bindings.h"
 #include "Handles.h"
 #include "KeptEffect.h"
+#include "Loading.h"
 #include "Values.h"
 
 #include <marlet/checks/Finding.h>
@@ -40,8 +41,12 @@ std::vector<Finding> RepairAsEdit(const ProjectHandle &handle, bool dryRun, cons
     const Document::Change guard(*handle.document);
     const auto copy =
         Project::CreateFromXml(project->Serialize(), u"", project->PluginManager(), effects, options);
+    FillInstances(*copy);
+    const WideString before = copy->Serialize();
     std::vector<Finding> repaired = Repair(*copy, RepairMode::Apply, accepts);
-    Apply(project, Compare(*project, *copy), effects, u"Repair");
+    const std::vector<Difference> differences = CompareTexts(before, copy->Serialize());
+    if (!differences.empty())
+        Apply(project, differences, effects, u"Repair");
     return repaired;
 }
 
@@ -96,9 +101,8 @@ void BindChecking(py::class_<ProjectHandle> &type)
     type.def("validate", &ValidateUnlocked, "A list of what is wrong in the project.");
     type.def("repair", &RepairAsEdit, py::kw_only(), py::arg("dry_run") = false,
              py::arg("accept") = py::none(),
-             "Does what is safe about what is wrong, or only tells, and returns what was repaired. It is one "
-             "edit. A "
-             "function that takes a finding may choose what is repaired.");
+             "Does what is safe about what is wrong, or only tells, and returns what was repaired. It is "
+             "one edit. A function that takes a finding may choose what is repaired.");
 }
 
 } // namespace marlet::python

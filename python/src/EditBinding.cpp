@@ -54,8 +54,8 @@ void BindEdit(py::module_ &module)
 {
     py::class_<ScriptEdit> type(
         module, "Edit",
-        "One step of what a user does, for a with statement: what is changed in it is undone as one. "
-        "An exception puts everything back. Edits may stand in one another.");
+        "One step of what a user does, for a with statement: what is changed in it is undone as one. An "
+        "exception puts everything back. Edits may stand in one another.");
     type.def("__enter__", [](const py::object &self) {
         py::cast<ScriptEdit &>(self).Begin();
         return self;
@@ -159,8 +159,7 @@ void BindEditing(py::class_<ProjectHandle> &type)
         },
         py::arg("label"), py::kw_only(), py::arg("gesture") = u"",
         "An edit for a with statement. Edits of one gesture, such as the drag of a slider, that follow one "
-        "another "
-        "become one step. What is assigned outside of one is a step of its own.");
+        "another become one step. What is assigned outside of one is a step of its own.");
     type.def_property_readonly(
         "history",
         [](const ProjectHandle &project) {

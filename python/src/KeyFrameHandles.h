@@ -25,6 +25,14 @@ public:
     KeyFrameHandle(PropertyPointer property, const kytl::KyID &id) : property_(std::move(property)), id_(id)
     {
     }
+    /// One that was just looked up, so that walks over many key frames look each up once.
+    KeyFrameHandle(PropertyPointer property, const KeyFrame &found)
+        : property_(std::move(property)),
+          id_(found.ID()),
+          found_(&found),
+          generation_(property_->owner->Owner()->Generation())
+    {
+    }
 
     const PropertyHandle &Property() const { return *property_; }
     const kytl::KyID &ID() const { return id_; }
@@ -39,7 +47,7 @@ public:
 private:
     PropertyPointer property_;
     kytl::KyID id_;
-    // Where it stood at the last look-up: walks over many key frames look each up once.
+    // Where it stood at the last look-up.
     mutable const KeyFrame *found_ = nullptr;
     mutable std::uint64_t generation_ = 0;
 };

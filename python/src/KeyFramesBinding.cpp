@@ -53,9 +53,11 @@ TimeSpan Span(std::optional<int> first, std::optional<int> last)
 
 py::list ShowKeys(const KeyFramesHandle &keys, const std::vector<kytl::KyID> &ids)
 {
+    const auto properties = keys.Properties();
+    const KeyFrameList &list = ListOf(keys, properties);
     py::list shown(ids.size());
     for (std::size_t i = 0; i < ids.size(); ++i)
-        shown[i] = KeyFrameHandle(keys.property, ids[i]);
+        shown[i] = KeyFrameHandle(keys.property, list.GetByID(ids[i]));
     return shown;
 }
 
@@ -337,8 +339,7 @@ void BindKeyFrames(py::module_ &module)
     py::class_<KeyFramesHandle> type(
         module, "KeyFrames",
         "The key frames of a property, as a sequence in the order of their times, which are milliseconds "
-        "from the "
-        "start of the owner. Whole columns are had at once by `times` and `values`.");
+        "from the start of the owner. Whole columns are had at once by `times` and `values`.");
     BindSequence(type);
     BindChanges(type);
     BindShaping(type);

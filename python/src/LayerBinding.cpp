@@ -7,6 +7,7 @@
 #include <marlet/masks/Mask.h>
 #include <marlet/operations/layers/LayerOperations.h>
 #include <marlet/operations/layers/LayerTiming.h>
+#include <marlet/operations/layers/MaskOperations.h>
 #include <marlet/plugins/EffectInstance.h>
 #include <marlet/project/AssetList.h>
 #include <marlet/project/CompositionAsset.h>
@@ -139,8 +140,8 @@ void BindTimes(Type &type)
             return times;
         },
         py::arg("frame"),
-        "The time in which properties count, in milliseconds from the start of the layer, of a frame of the "
-        "composition. Takes an array of frames too.");
+        "The time in which properties count, in milliseconds from the start of the layer, of a frame of "
+        "the composition. Takes an array of frames too.");
     type.def(
         "frame_at",
         [](const LayerHandle &layer, int time) {
@@ -165,8 +166,8 @@ void BindMatrices(Type &type)
     };
     matrix("world_matrix", &AbstractLayer::WorldTransformationAtTime,
            "Where the layer stands at a time in milliseconds from its start: a matrix of 4 rows that takes "
-           "points of "
-           "its picture, as columns, to the composition. An array of times gives an array of matrices.");
+           "points of its picture, as columns, to the composition. An array of times gives an array of "
+           "matrices.");
     matrix("local_matrix", &AbstractLayer::TransformationAtTime,
            "The layer's own placement, without its parents.");
     matrix("parent_matrix", &AbstractLayer::ParentTransformationAtTime, "What the chain of parents adds.");
@@ -245,6 +246,34 @@ void BindOperations(Type &type)
         "Takes it out of its composition. What refers to it is cleared.");
 }
 
+void BindMaskMaking(Type &type)
+{
+    type.def(
+        "add_rectangle_mask",
+        [](const LayerHandle &layer, const WideString &name, const Pair &center, float width, float height,
+           float radius) {
+            const auto object = layer.Get();
+            return Show(
+                layer, Operate(*layer.Owner(), [&](const std::shared_ptr<Project> &project) {
+                    return AddRectangleMask(project, object, name, {ToPoint(center), width, height}, radius);
+                }));
+        },
+        py::arg("name"), py::arg("center"), py::arg("width"), py::arg("height"), py::kw_only(),
+        py::arg("radius") = 0.f,
+        "Adds a mask, with round corners if there is a radius, and returns it. In pixels from the middle of "
+        "the layer's picture with Y up.");
+    type.def(
+        "add_ellipse_mask",
+        [](const LayerHandle &layer, const WideString &name, const Pair &center, float width, float height) {
+            const auto object = layer.Get();
+            return Show(layer, Operate(*layer.Owner(), [&](const std::shared_ptr<Project> &project) {
+                            return AddEllipseMask(project, object, name, {ToPoint(center), width, height});
+                        }));
+        },
+        py::arg("name"), py::arg("center"), py::arg("width"), py::arg("height"),
+        "Adds a mask that is an ellipse of that size, and returns it.");
+}
+
 void BindLists(Type &type)
 {
     type.def_property_readonly(
@@ -287,6 +316,7 @@ void BindLayer(py::module_ &module)
     BindTimes(type);
     BindMatrices(type);
     BindOperations(type);
+    BindMaskMaking(type);
     BindLists(type);
     type.def("__repr__", [](const py::object &self) {
         const auto &layer = py::cast<const LayerHandle &>(self);

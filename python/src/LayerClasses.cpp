@@ -89,13 +89,11 @@ void BindAssetLayer(py::class_<AssetLayerHandle, LayerHandle> &type)
     type.def("add_tracker", &AddTrackerTo, py::arg("name"), py::arg("at"), py::kw_only(),
              py::arg("feature") = 30.f, py::arg("search") = 60.f,
              "Adds a tracker of a square feature at a point (pixels from the middle of the frame, Y up), "
-             "which is looked "
-             "for in a square around it, and returns it.");
+             "which is looked for in a square around it, and returns it.");
     type.def("size_after_effects", &SizeAfterEffects, py::arg("time") = 0, py::kw_only(),
              py::arg("scale") = 1.f,
              "How large a frame of the asset is after the effects: width, height, and where the asset's "
-             "frame lies in "
-             "it.");
+             "frame lies in it.");
     BindEffectChanges<AssetLayerHandle>(type);
 }
 

@@ -156,7 +156,8 @@ ProjectHandle New(const WideString &name, const ManagerPointer &plugins, const P
     return Opened(project, manager, std::make_shared<LoadReport>());
 }
 
-/// What shows an asset is in no file, and operations want to find it.
+} // namespace
+
 void FillInstances(const Project &project)
 {
     const auto remember = [&](const std::shared_ptr<AbstractAssetInstance> &instance) {
@@ -171,8 +172,6 @@ void FillInstances(const Project &project)
         for (const auto &object : ObjectsOf(*sequence))
             remember(object);
 }
-
-} // namespace
 
 ProjectHandle Opened(const std::shared_ptr<Project> &project,
                      const std::shared_ptr<AbstractPluginManager> &plugins, const ReportPointer &report)
@@ -190,12 +189,12 @@ void BindLoading(py::module_ &module)
     module.def(
         "load", &LoadFile, py::arg("path"), py::kw_only(), plugins, keep, py::arg("find_moved_media") = false,
         py::arg("textures") = py::none(), shared, progress,
-        "Loads a project from a file. What is not known, and effects whose plug-in is missing, are kept and "
-        "written again, unless keep_unknown is false. Media that are not where the file says are looked for "
-        "beside it if find_moved_media is true. A function for the progress is called with path, number and "
-        "count of each media file that is opened; when it returns False no more are. Other threads of Python "
-        "run "
-        "meanwhile.\n\nRaises LoadError, VersionError, PluginError and FileError.");
+        "Loads a project from a file. What is not known, and effects whose plug-in is missing, are kept "
+        "and written again, unless keep_unknown is false. Media that are not where the file says are "
+        "looked for beside it if find_moved_media is true. A function for the progress is called with "
+        "path, number and count of each media file that is opened; when it returns False no more are. "
+        "Other threads of Python run meanwhile.\n\nRaises LoadError, VersionError, PluginError and "
+        "FileError.");
     module.def("loads", &LoadText, py::arg("text"), py::kw_only(), plugins, keep, py::arg("textures") = u"",
                shared, progress, "Loads a project from its text.");
     module.def("recover", &Recover, py::arg("path"), py::kw_only(), plugins,

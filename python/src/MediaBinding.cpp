@@ -175,12 +175,12 @@ void BindStreams(py::class_<MediaHandle, AssetHandle> &type)
         "frame", &Frame, py::arg("number"), py::kw_only(), py::arg("rate") = py::none(),
         py::arg("order") = "bgra",
         "A frame as an array of rows, columns and four bytes (blue, green, red, alpha), or of three (red, "
-        "green, "
-        "blue) in the order 'rgb'. Counts at the file's own rate, or at the rate of a project. The array is "
-        "written by the decoder itself and belongs to the caller. Other threads of Python run meanwhile.");
+        "green, blue) in the order 'rgb'. Counts at the file's own rate, or at the rate of a project. The "
+        "array is written by the decoder itself and belongs to the caller. Other threads of Python run "
+        "meanwhile.");
     type.def("samples", &Samples, py::arg("start"), py::arg("count"),
-             "Sound as an array of samples and channels, of 16 or 32 bits. What lies outside of the file is "
-             "silence.");
+             "Sound as an array of samples and channels, of 16 or 32 bits. What lies outside of the file "
+             "is silence.");
 }
 
 void Relink(const MediaHandle &asset, const WideString &path)
@@ -211,8 +211,7 @@ void BindMedia(py::module_ &module)
         image, "path", [](const ImageAsset &asset) { return asset.Filename(); }, "The file.");
     image.def("picture", &Picture, py::kw_only(), py::arg("max_width") = 0, py::arg("max_height") = 0,
               "The picture as an array of rows, columns and four bytes (blue, green, red, alpha), or of "
-              "three (red, "
-              "green, blue) if it has no alpha, scaled down to fit into a size.");
+              "three (red, green, blue) if it has no alpha, scaled down to fit into a size.");
 }
 
 } // namespace marlet::python

@@ -179,8 +179,8 @@ void BindNotices(py::module_ &module)
         .def_property_readonly("changes", &Notice::Changes, "A list of ObjectChange, each object once.")
         .def_property_readonly(
             "stale", &Notice::Stale,
-            "A list of StaleFrames: the frames of each timeline whose picture or sound may be another "
-            "one. Worked out when it is first asked for, which has to be while the observer is called.");
+            "A list of StaleFrames: the frames of each timeline whose picture or sound may be another one. "
+            "Worked out when it is first asked for, which has to be while the observer is called.");
     py::class_<Observation>(module, "Observation",
                             "An observer of a project, which can be removed; also by a with statement.")
         .def("remove", &Observation::Remove, "Ends it.")
@@ -196,9 +196,8 @@ void BindObserving(py::class_<ProjectHandle> &type)
             return Observation(project.document, function);
         },
         py::arg("function"),
-        "Has a function called with a Notice after each commit, undo and redo, until the observation that is "
-        "returned is "
-        "removed. It must not edit. What it raises goes to sys.unraisablehook.");
+        "Has a function called with a Notice after each commit, undo and redo, until the observation that "
+        "is returned is removed. It must not edit. What it raises goes to sys.unraisablehook.");
 }
 
 } // namespace marlet::python

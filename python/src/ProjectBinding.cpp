@@ -118,9 +118,8 @@ void BindLists(Type &type)
 void BindAdding(Type &type)
 {
     type.def("import_files", &Import, py::arg("paths"), py::kw_only(), py::arg("folder") = py::none(),
-             "Makes assets of files, and returns a list of them: images of stills, media of everything else. "
-             "A file "
-             "that the project has already gives the asset that there is.");
+             "Makes assets of files, and returns a list of them: images of stills, media of everything "
+             "else. A file that the project has already gives the asset that there is.");
     type.def(
         "add_composition", &AddComposition, py::arg("name"), py::kw_only(), py::arg("frames") = 250,
         py::arg("rate") = 0, py::arg("width") = 0, py::arg("height") = 0, py::arg("preset") = "",
@@ -153,15 +152,43 @@ void BindAdding(Type &type)
         "Gives the project its editor timeline, with an empty track of each kind, and returns it.");
 }
 
+void BindImporting(Type &type)
+{
+    type.def(
+        "import_image_sequence",
+        [](const ProjectHandle &project, const std::filesystem::path &path, double rate,
+           const FolderHandle *folder) {
+            const auto to = ObjectFrom(project.document, folder);
+            const auto asset = Operate(*project.document, [&](const std::shared_ptr<Project> &into) {
+                return ImportImageSequence(into, FromUtf8(path.string()), rate, to);
+            });
+            return Show(project.document, std::static_pointer_cast<AbstractAsset>(asset));
+        },
+        py::arg("path"), py::arg("rate"), py::kw_only(), py::arg("folder") = py::none(),
+        "Makes one asset of the images that belong to a member, shown at a rate in frames per second.");
+    type.def(
+        "add_composition_of",
+        [](const ProjectHandle &project, const AssetHandle &asset) {
+            const auto shown = ObjectFrom(project.document, asset);
+            const AudioVideoSettings settings = SettingsOf(0, 0, 0, 250, "");
+            const auto composition = Operate(*project.document, [&](const std::shared_ptr<Project> &into) {
+                return AddCompositionOf(into, shown, settings);
+            });
+            return Show(project.document, std::static_pointer_cast<AbstractAsset>(composition));
+        },
+        py::arg("asset"),
+        "Adds a composition of the size, the rate and the length of an asset, with a layer that shows it, "
+        "and "
+        "returns the composition.");
+}
+
 void BindText(Type &type)
 {
     type.def("save", &Save, py::arg("path") = py::none(), py::kw_only(), py::arg("kept_versions") = 0,
              py::arg("relative_media") = false,
              "Puts the project in place of what a file holds, as a whole or not at all: by default its own "
-             "file. So "
-             "many earlier contents stay beside it as film.xml.~1~ and so on. Other threads of Python run "
-             "meanwhile, "
-             "and may not change the project.");
+             "file. So many earlier contents stay beside it as film.xml.~1~ and so on. Other threads of "
+             "Python run meanwhile, and may not change the project.");
     type.def(
         "to_xml",
         [](const ProjectHandle &project) {
@@ -183,8 +210,8 @@ void BindLife(Type &type)
     type.def(
         "close", [](const ProjectHandle &project) { project.document->Close(); },
         "Ends the project at once, and drops edits that go on. Everything that belonged to it raises "
-        "ClosedError from "
-        "then on. A project that is not closed ends with the last object that belongs to it.");
+        "ClosedError from then on. A project that is not closed ends with the last object that belongs to "
+        "it.");
     type.def_property_readonly(
         "closed", [](const ProjectHandle &project) { return !project.document->IsOpen(); },
         "Whether it was closed.");
@@ -209,8 +236,8 @@ void BindProject(py::module_ &module)
 {
     Type type(
         module, "Project",
-        "The root of a document: everything that a user's project consists of. It belongs to the thread that "
-        "edits it; while nobody does, any thread may read it.");
+        "The root of a document: everything that a user's project consists of. It belongs to the thread "
+        "that edits it; while nobody does, any thread may read it.");
     type.def_property_readonly(
         "id", [](const ProjectHandle &project) { return project.Get()->ID().ToNarrowString(); },
         "The text of its ID.");
@@ -228,6 +255,7 @@ void BindProject(py::module_ &module)
         "What the load found; empty for a new project.");
     BindLists(type);
     BindAdding(type);
+    BindImporting(type);
     BindText(type);
     BindLife(type);
     BindEditing(type);

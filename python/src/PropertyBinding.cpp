@@ -44,9 +44,9 @@ py::array Sample(const PropertyHandle &property, const py::object &times)
 void BindMapping(py::module_ &module)
 {
     py::class_<PropertiesHandle> type(module, "Properties",
-                                      "The properties of an object, as a mapping from names to Property, in "
-                                      "the order of the file. Assigning to a "
-                                      "name sets the value that the property has without key frames.");
+                                      "The properties of an object, as a mapping from names to Property, "
+                                      "in the order of the file. Assigning to a name sets the value that "
+                                      "the property has without key frames.");
     type.def("__getitem__", &Find, py::arg("name"));
     type.def(
         "__setitem__",
@@ -79,8 +79,7 @@ void BindValues(py::class_<PropertyHandle> &type)
         },
         &SetStatic,
         "The value while there are no key frames. What is assigned is given the type of the property: a "
-        "number, a "
-        "bool, a sequence of numbers, or an object or the text of its ID.");
+        "number, a bool, a sequence of numbers, or an object or the text of its ID.");
     type.def_property_readonly(
         "default",
         [](const PropertyHandle &property) {
@@ -94,9 +93,8 @@ void BindValues(py::class_<PropertyHandle> &type)
         },
         py::arg("time"), "The value at a time in milliseconds from the start of the owner.");
     type.def("sample", &Sample, py::arg("times"),
-             "The values at many times, in milliseconds from the start of the owner, as one array: a number "
-             "or a row "
-             "of components for each time. Fastest with an array of times.");
+             "The values at many times, in milliseconds from the start of the owner, as one array: a "
+             "number or a row of components for each time. Fastest with an array of times.");
 }
 
 void BindFacts(py::class_<PropertyHandle> &type)
@@ -117,8 +115,7 @@ void BindFacts(py::class_<PropertyHandle> &type)
             return TypeName(Read(property.Properties()).StaticValue(property.name.c_str()));
         },
         "'int', 'uint', 'byte', 'float', 'double', 'bool', 'scale3d', 'orientation3d', 'color', 'point2', "
-        "'point3', "
-        "'vector2', 'vector3' or 'id'.");
+        "'point3', 'vector2', 'vector3' or 'id'.");
     fact("can_animate", &PropertyManager::CanAnimate, "Whether it may have key frames.");
     fact("is_static", &PropertyManager::IsStatic, "Whether it has no key frames that count.");
     fact("is_default", &PropertyManager::IsDefault, "Whether it is static and has its default value.");
@@ -150,8 +147,8 @@ void BindPropertyClasses(py::module_ &module)
     BindMapping(module);
     py::class_<PropertyHandle> type(
         module, "Property",
-        "A property of an object: a value, or key frames over time. Times are whole "
-        "milliseconds from the start of the owner, such as its layer.");
+        "A property of an object: a value, or key frames over time. Times are whole milliseconds from the "
+        "start of the owner, such as its layer.");
     BindValues(type);
     BindFacts(type);
     type.def_property_readonly(

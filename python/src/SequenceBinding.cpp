@@ -85,10 +85,9 @@ void BindPlacing(Type &type)
              py::arg("sound_track") = py::none(), py::arg("asset_start") = 0, py::arg("length") = py::none(),
              py::arg("mode") = "free", py::arg("ripple") = py::none(),
              "Puts an asset onto a track at a frame, with its sound onto another one, and returns the new "
-             "objects. The "
-             "mode is 'free' (where nothing is), 'overwrite' or 'insert' (what is there makes room). A "
-             "ripple names the "
-             "tracks on which what lies behind moves along: a list, 'all', or None.");
+             "objects. The mode is 'free' (where nothing is), 'overwrite' or 'insert' (what is there makes "
+             "room). A ripple names the tracks on which what lies behind moves along: a list, 'all', or "
+             "None.");
     type.def(
         "add_track",
         [](const SequenceHandle &sequence, const std::string &kind, const WideString &name) {

@@ -229,8 +229,7 @@ void BindTransitions(Type &type)
     type.def("set_transition", &SetTransitionOf, py::arg("end"), py::arg("plugin"),
              py::arg("length") = py::none(), py::kw_only(), py::arg("alone") = false,
              "Gives its 'head' or 'tail' a transition of a plug-in, of half a second unless a length is "
-             "given, and "
-             "returns it. It is shared with the neighbour there, if there is one.");
+             "given, and returns it. It is shared with the neighbour there, if there is one.");
     type.def(
         "remove_transition",
         [](const ObjectHandle &handle, const std::string &end) {

@@ -114,11 +114,9 @@ void BindTracker(py::class_<TrackerHandle> &type)
         "A second feature, which counts for trackers of two, or None.");
     type.def("run", &Run, py::arg("frame") = 0, py::kw_only(), py::arg("backwards") = false,
              py::arg("one_frame") = false, py::arg("keep") = true, py::arg("tolerance") = 0.2f,
-             "Follows the feature from a frame of the layer on, to its end or by one frame, and returns the "
-             "path. It is "
-             "kept as key frames of the features, as one edit, unless something else is said. Other threads "
-             "of Python "
-             "run meanwhile, and may edit.");
+             "Follows the feature from a frame of the layer on, to its end or by one frame, and returns "
+             "the path. It is kept as key frames of the features, as one edit, unless something else is "
+             "said. Other threads of Python run meanwhile, and may edit.");
     type.def(
         "apply_to",
         [](const TrackerHandle &tracker, const LayerHandle &layer, double tolerance) {
@@ -128,9 +126,8 @@ void BindTracker(py::class_<TrackerHandle> &type)
                     [&](const auto &project) { FollowTracker(project, followed, follower, tolerance); });
         },
         py::arg("layer"), py::kw_only(), py::arg("tolerance") = 0.0,
-        "Has a layer of the same composition follow the path. Key frames that are not needed to stay within "
-        "a tolerance "
-        "in pixels are left out.");
+        "Has a layer of the same composition follow the path. Key frames that are not needed to stay "
+        "within a tolerance in pixels are left out.");
 }
 
 } // namespace
