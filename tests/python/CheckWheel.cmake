@@ -17,8 +17,11 @@ endfunction()
 unset(ENV{PYTHONPATH})
 run(${PYTHON} -m venv --system-site-packages ${FOLDER}/venv)
 run(${FOLDER}/venv/bin/python -m pip install --no-index --config-settings=build-dir=${BUILD} ${ROOT})
-run(${FOLDER}/venv/bin/python -c
-    "import marlet; print(marlet.__file__, marlet.load('${ROOT}/examples/orbit.xml').compositions['Orbit'].layers['Moon'].name)")
+file(WRITE ${FOLDER}/use.py "import marlet
+moon = marlet.load('${ROOT}/examples/orbit.xml').compositions['Orbit'].layers['Moon']
+print(marlet.__file__, moon.name)
+")
+run(${FOLDER}/venv/bin/python ${FOLDER}/use.py)
 if(NOT said MATCHES "^${FOLDER}/venv/.* Moon\n$")
     message(FATAL_ERROR "The installed package says ${said}")
 endif()
