@@ -13,15 +13,15 @@ const KeyFrame &KeyFrameHandle::Get() const
 {
     const Document &document = *property_->owner->Owner();
     document.Open();
-    if (found_ && generation_ == document.Generation())
-        return *found_;
+    if (read_ && generation_ == document.Generation())
+        return *read_;
     const auto properties = property_->Properties();
     const KeyFrameList &keys = std::as_const(*properties).KeyFrames(property_->name.c_str());
     if (!keys.Exists(id_, nullptr))
         throw Failure("GoneError", "The key frame is not in its property any more");
-    found_ = &keys.GetByID(id_);
+    read_.emplace(keys.GetByID(id_));
     generation_ = document.Generation();
-    return *found_;
+    return *read_;
 }
 
 namespace

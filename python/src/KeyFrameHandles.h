@@ -4,6 +4,8 @@
 
 #include <marlet/animation/KeyFrame.h>
 
+#include <optional>
+
 namespace marlet::python
 {
 
@@ -25,18 +27,18 @@ public:
     KeyFrameHandle(PropertyPointer property, const kytl::KyID &id) : property_(std::move(property)), id_(id)
     {
     }
-    /// One that was just looked up, so that walks over many key frames look each up once.
-    KeyFrameHandle(PropertyPointer property, const KeyFrame &found)
+    /// One that was just read, so that walks over many key frames look none of them up.
+    KeyFrameHandle(PropertyPointer property, const KeyFrame &read)
         : property_(std::move(property)),
-          id_(found.ID()),
-          found_(&found),
+          id_(read.ID()),
+          read_(read),
           generation_(property_->owner->Owner()->Generation())
     {
     }
 
     const PropertyHandle &Property() const { return *property_; }
     const kytl::KyID &ID() const { return id_; }
-    /// Until the next change of the project. @throws Failure ClosedError, GoneError
+    /// As it is until the next change of the project. @throws Failure ClosedError, GoneError
     const KeyFrame &Get() const;
 
     bool operator==(const KeyFrameHandle &other) const
@@ -47,8 +49,7 @@ public:
 private:
     PropertyPointer property_;
     kytl::KyID id_;
-    // Where it stood at the last look-up.
-    mutable const KeyFrame *found_ = nullptr;
+    mutable std::optional<KeyFrame> read_;
     mutable std::uint64_t generation_ = 0;
 };
 

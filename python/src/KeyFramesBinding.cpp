@@ -53,11 +53,19 @@ TimeSpan Span(std::optional<int> first, std::optional<int> last)
 
 py::list ShowKeys(const KeyFramesHandle &keys, const std::vector<kytl::KyID> &ids)
 {
-    const auto properties = keys.Properties();
-    const KeyFrameList &list = ListOf(keys, properties);
     py::list shown(ids.size());
     for (std::size_t i = 0; i < ids.size(); ++i)
-        shown[i] = KeyFrameHandle(keys.property, list.GetByID(ids[i]));
+        shown[i] = KeyFrameHandle(keys.property, ids[i]);
+    return shown;
+}
+
+py::list ShowAllKeys(const KeyFramesHandle &keys)
+{
+    const auto properties = keys.Properties();
+    const KeyFrameList &list = ListOf(keys, properties);
+    py::list shown(list.Count());
+    std::size_t place = 0;
+    list.ForEach([&](const KeyFrame &key) { shown[place++] = KeyFrameHandle(keys.property, key); });
     return shown;
 }
 
@@ -175,8 +183,7 @@ void BindSequence(py::class_<KeyFramesHandle> &type)
         return ListOf(keys, properties).Count();
     });
     type.def("__getitem__", &Item, py::arg("index"));
-    type.def("__iter__",
-             [](const KeyFramesHandle &keys) { return py::iter(ShowKeys(keys, Identifiers(keys))); });
+    type.def("__iter__", [](const KeyFramesHandle &keys) { return py::iter(ShowAllKeys(keys)); });
     type.def("__contains__", [](const KeyFramesHandle &keys, const KeyFrameHandle &key) {
         const auto properties = keys.Properties();
         return ListOf(keys, properties).Exists(key.ID(), nullptr);
