@@ -4,6 +4,8 @@
 #include <marlet/foundation/TextPlace.h>
 
 #include <algorithm>
+#include <array>
+#include <limits>
 
 namespace marlet::project
 {
@@ -12,6 +14,7 @@ namespace
 {
 
 constexpr int kDeepest = 256;
+constexpr int kMostMembers = 10000;
 constexpr int kIndent = 4;
 
 [[noreturn]] void Refuse(std::string_view text, std::size_t at, const char *what)
@@ -22,9 +25,10 @@ constexpr int kIndent = 4;
                             std::to_string(place.column) + ": " + what);
 }
 
-/// Brackets in texts do not count.
-void RequireShallow(std::string_view text)
+/// Brackets and colons in texts do not count.
+void RequireSmall(std::string_view text, int mostMembers)
 {
+    std::array<int, kDeepest + 1> members{};
     int depth = 0;
     bool isInText = false;
     for (std::size_t at = 0; at < text.size(); ++at) {
@@ -35,8 +39,23 @@ void RequireShallow(std::string_view text)
             isInText = !isInText;
         else if (!isInText && (c == '[' || c == '{') && ++depth > kDeepest)
             Refuse(text, at, "the JSON is nested too deep");
+        else if (!isInText && (c == '[' || c == '{'))
+            members[static_cast<std::size_t>(depth)] = 0;
+        else if (!isInText && c == ':' && ++members[static_cast<std::size_t>(depth)] > mostMembers)
+            Refuse(text, at, "an object of the JSON has too many members");
         else if (!isInText && (c == ']' || c == '}'))
-            --depth;
+            depth = std::max(depth - 1, 0);
+    }
+}
+
+template <class Value> Value Parsed(std::string_view text)
+{
+    try {
+        return Value::parse(text);
+    } catch (const nlohmann::json::parse_error &error) {
+        Refuse(text, error.byte > 0 ? error.byte - 1 : 0, "the text is not JSON");
+    } catch (const nlohmann::json::exception &) {
+        throw ExchangeException("A number in the text is larger than numbers can be");
     }
 }
 
@@ -44,14 +63,14 @@ void RequireShallow(std::string_view text)
 
 Json ParseJson(std::string_view text)
 {
-    RequireShallow(text);
-    try {
-        return Json::parse(text);
-    } catch (const Json::parse_error &error) {
-        Refuse(text, error.byte > 0 ? error.byte - 1 : 0, "the text is not JSON");
-    } catch (const Json::exception &) {
-        throw ExchangeException("A number in the text is larger than numbers can be");
-    }
+    RequireSmall(text, kMostMembers);
+    return Parsed<Json>(text);
+}
+
+nlohmann::json ParseSortedJson(std::string_view text)
+{
+    RequireSmall(text, std::numeric_limits<int>::max());
+    return Parsed<nlohmann::json>(text);
 }
 
 NarrowString JsonTextOf(const Json &value)

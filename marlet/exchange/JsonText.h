@@ -13,9 +13,14 @@ namespace marlet::project
 using Json = nlohmann::ordered_json;
 
 /// The value that a text in UTF-8 stands for; a byte order mark may come first. Texts that are nested deeper
-/// than anything that programs write are refused, since whoever walks over the value recurses.
+/// than anything that programs write are refused, since whoever walks over the value recurses, and objects of
+/// more members, which are looked for one by one.
 /// @throws ExchangeException with the place
 Json ParseJson(std::string_view text);
+
+/// The same with sorted keys, in which also objects of very many members are found fast: of a text that the
+/// library itself has made.
+nlohmann::json ParseSortedJson(std::string_view text);
 
 /// The text of a value, indented by four blanks as most programs write it, with all digits of its numbers.
 /// Numbers that are not finite are null.

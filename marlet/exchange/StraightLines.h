@@ -2,12 +2,22 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstddef>
 #include <limits>
 #include <vector>
 
 namespace marlet::project
 {
+
+/// As many frames as samples are taken of: some hours. Files may say any length.
+inline constexpr int kMostSamples = 1 << 21;
+
+/// A number that no text of the other side may hold counts as 0.
+inline double FiniteSample(double number)
+{
+    return std::isfinite(number) ? number : 0;
+}
 
 /// Some numbers for each frame, from some first one on.
 template <std::size_t N> using FrameSamples = std::vector<std::array<double, N>>;
@@ -18,6 +28,8 @@ template <std::size_t N>
 std::vector<std::size_t> SamplesOfStraightLines(const FrameSamples<N> &samples, double tolerance)
 {
     // The last frame to which a line passes all between: the slopes that it may have get fewer with each.
+    // Where no line has ended for so long, looking further would take longer than what it saves.
+    constexpr std::size_t kFarthest = 1000;
     const auto endOfLine = [&](std::size_t first) {
         std::array<double, N> least;
         std::array<double, N> most;
@@ -37,6 +49,8 @@ std::vector<std::size_t> SamplesOfStraightLines(const FrameSamples<N> &samples, 
             }
             if (passesAll)
                 end = at;
+            if (at - end > kFarthest)
+                return end;
         }
         return end;
     };

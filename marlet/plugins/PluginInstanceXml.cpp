@@ -249,7 +249,11 @@ void PluginInstance_Impl::Read(const XmlCursor &element, AbstractPluginInstance 
         TellOfLayersNamed(*context, *locked, saved);
         // The plug-in is asked only where there is something that may be its own.
         if (HasUnknown(*context, element))
-            PluginElement(*this, *locked, instance).MarkAdded(*context, element);
+            try {
+                PluginElement(*this, *locked, instance).MarkAdded(*context, element);
+            } catch (const std::exception &) {
+                // Without options it would not have been asked, and a load must not fail of its options.
+            }
         TellOfProperties(*context, element, saved, *properties);
         kept = KeptXml(element);
     }

@@ -36,7 +36,7 @@ void DamagedText::Add(Severity severity, std::size_t place, const RecoveredEleme
 void DamagedText::Read()
 {
     while (!open_.empty() || GoesOn()) {
-        const Tag tag = NextTag(Text(), at_);
+        const Tag tag = NextTag(Text(), at_, ends_);
         TakeText(tag);
         switch (tag.kind) {
         case Tag::Kind::Start:
@@ -68,7 +68,7 @@ void DamagedText::Read()
 /// Behind the end of the project comments and instructions may stand.
 void DamagedText::TakeRest()
 {
-    for (Tag tag = NextTag(Text(), at_); at_ < Text().size(); tag = NextTag(Text(), at_)) {
+    for (Tag tag = NextTag(Text(), at_, ends_); at_ < Text().size(); tag = NextTag(Text(), at_, ends_)) {
         const std::string_view between = Text().substr(at_, tag.at - at_);
         const bool isEnd = tag.kind == Tag::Kind::End;
         const bool mayStay =
@@ -163,7 +163,9 @@ void DamagedText::TakeStart(const Tag &tag)
     } else {
         if (!isRootSeen_ && root.children.empty())
             Add(Severity::Warning, tag.at, nullptr, "the start tag of the project is missing");
-        if (!Reopen(*Top().element, tag))
+        if (const RecoveredElement *const early = Reopen(*Top().element, tag))
+            AddEarlyEnd(*early);
+        else
             CloseMissing(tag);
         if (open_.size() >= kDeepest) {
             PassOver(tag);
@@ -215,16 +217,16 @@ bool DamagedText::Takes(const RecoveredElement &element, const Tag &tag) const
 }
 
 /// Goes on with elements whose end tags came too early, if that shows by the element that begins: the last
-/// ones in an element that cannot have it.
-bool DamagedText::Reopen(RecoveredElement &around, const Tag &tag)
+/// ones in an element that cannot have it. Returns the first of them, where it went wrong, or null.
+RecoveredElement *DamagedText::Reopen(RecoveredElement &around, const Tag &tag)
 {
     if (!known_ || !known_->IsKnown(around) || Takes(around, tag))
-        return false;
+        return nullptr;
     std::vector<RecoveredElement *> path;
     RecoveredElement *at = &around;
     do {
         if (at->children.empty() || at->children.back()->isMade)
-            return false;
+            return nullptr;
         at = at->children.back();
         path.push_back(at);
     } while (!Takes(*at, tag));
@@ -232,9 +234,7 @@ bool DamagedText::Reopen(RecoveredElement &around, const Tag &tag)
         tree_.Spoil(element);
         open_.push_back({element, tag.at});
     }
-    // The first of them is where it went wrong.
-    AddEarlyEnd(*path.front());
-    return true;
+    return path.front();
 }
 
 void DamagedText::AddEarlyEnd(const RecoveredElement &element)
@@ -246,20 +246,19 @@ void DamagedText::AddEarlyEnd(const RecoveredElement &element)
 /// Whether behind the end of the project something stands that belongs into it.
 bool DamagedText::GoesOn()
 {
-    Tag tag = NextTag(Text(), at_);
+    Tag tag = NextTag(Text(), at_, ends_);
     while (tag.kind == Tag::Kind::Section)
-        tag = NextTag(Text(), tag.behind);
+        tag = NextTag(Text(), tag.behind, ends_);
     RecoveredElement &root = tree_.Root();
     if (!known_ || (tag.kind != Tag::Kind::Start && tag.kind != Tag::Kind::Empty))
         return false;
     if (Takes(root, tag)) {
         AddEarlyEnd(root);
     } else {
-        const bool belongs = Reopen(root, tag);
+        const bool belongs = Reopen(root, tag) != nullptr;
         open_.clear();
         if (!belongs)
             return false;
-        faults_.TakeBackLast();
         AddEarlyEnd(root);
     }
     tree_.Spoil(&root);
@@ -275,7 +274,7 @@ void DamagedText::PassOver(const Tag &start)
     Add(Severity::Loss, start.at, &top, Bracketed(start.name) + " is nested too deep; it is dropped");
     at_ = start.behind;
     for (std::size_t depth = start.kind == Tag::Kind::Start ? 1 : 0; depth > 0;) {
-        const Tag tag = NextTag(Text(), at_);
+        const Tag tag = NextTag(Text(), at_, ends_);
         at_ = tag.behind;
         if (tag.kind == Tag::Kind::Start)
             ++depth;

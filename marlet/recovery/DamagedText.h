@@ -45,7 +45,7 @@ private:
     void TakeStart(const Tag &tag);
     void TakeAttributes(const Tag &tag, RecoveredElement &element);
     bool Takes(const RecoveredElement &element, const Tag &tag) const;
-    bool Reopen(RecoveredElement &around, const Tag &tag);
+    RecoveredElement *Reopen(RecoveredElement &around, const Tag &tag);
     void AddEarlyEnd(const RecoveredElement &element);
     bool GoesOn();
     void TakeEnd(const Tag &tag);
@@ -67,6 +67,7 @@ private:
     std::vector<Open> open_;
     TextFaults faults_;
     std::size_t at_ = 0; ///< what is read next
+    SectionEnds ends_;
     bool isRootSeen_ = false;
     bool hasProject_ = false;
     std::size_t lookAhead_;                          ///< how many bytes may be looked at ahead

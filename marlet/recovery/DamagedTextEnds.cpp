@@ -174,7 +174,8 @@ std::ptrdiff_t DamagedText::IndexOf(std::string_view name) const
 std::ptrdiff_t DamagedText::NextClosed(std::size_t from)
 {
     std::vector<std::string_view> inner;
-    for (Tag tag = NextTag(Text(), from); tag.kind != Tag::Kind::None; tag = NextTag(Text(), tag.behind)) {
+    for (Tag tag = NextTag(Text(), from, ends_); tag.kind != Tag::Kind::None;
+         tag = NextTag(Text(), tag.behind, ends_)) {
         const std::size_t size = tag.behind - std::min(from, tag.behind);
         from = tag.behind;
         if (size > lookAhead_)
@@ -186,10 +187,14 @@ std::ptrdiff_t DamagedText::NextClosed(std::size_t from)
             continue;
         const auto own = std::find(inner.rbegin(), inner.rend(), tag.name);
         lookAhead_ -= std::min(lookAhead_, static_cast<std::size_t>(own - inner.rbegin()));
-        if (own != inner.rend())
+        if (own != inner.rend()) {
             inner.erase(own.base() - 1, inner.end());
-        else if (const std::ptrdiff_t index = IndexOf(tag.name); index != kNone)
+            continue;
+        }
+        const std::ptrdiff_t index = IndexOf(tag.name);
+        if (index != kNone)
             return index;
+        lookAhead_ -= std::min(lookAhead_, open_.size());
     }
     return kNone;
 }

@@ -48,16 +48,20 @@ std::size_t TagEnd(std::string_view text, std::size_t at)
 }
 
 /// Fills in a comment, a section or an instruction, if it is one.
-bool TakeSection(std::string_view text, Tag &tag)
+bool TakeSection(std::string_view text, Tag &tag, SectionEnds &ends)
 {
-    constexpr std::pair<std::string_view, std::string_view> kSections[] = {
+    constexpr std::pair<std::string_view, std::string_view> kSections[SectionEnds::kKinds] = {
         {"<!--", "-->"}, {"<![CDATA[", "]]>"}, {"<?", "?>"}};
-    for (const auto &section : kSections) {
+    for (std::size_t kind = 0; kind < SectionEnds::kKinds; ++kind) {
+        const auto &section = kSections[kind];
         if (!text.substr(tag.at).starts_with(section.first))
             continue;
-        const std::size_t end = text.find(section.second, tag.at + section.first.size());
-        if (end == kNone)
+        const std::size_t from = tag.at + section.first.size();
+        const std::size_t end = from < ends.noneFrom[kind] ? text.find(section.second, from) : kNone;
+        if (end == kNone) {
+            ends.noneFrom[kind] = std::min(ends.noneFrom[kind], from);
             return false;
+        }
         tag.kind = Tag::Kind::Section;
         tag.behind = end + section.second.size();
         return true;
@@ -88,10 +92,9 @@ Attribute TakeAttribute(std::string_view &text)
     const std::size_t start = text.find_first_not_of(kBlanks);
     attribute.isClean = start > 0;
     text.remove_prefix(std::min(start, text.size()));
-    const std::size_t equals = text.find('=');
-    const std::size_t blank = text.find_first_of(kBlanks);
-    if (equals == kNone || blank < equals || !IsXmlName(text.substr(0, equals))) {
-        const std::string_view piece = text.substr(0, blank);
+    const std::string_view piece = text.substr(0, text.find_first_of(kBlanks));
+    const std::size_t equals = piece.find('=');
+    if (equals == kNone || !IsXmlName(piece.substr(0, equals))) {
         text.remove_prefix(piece.size());
         return {{}, {}, false, false, piece};
     }
@@ -129,12 +132,12 @@ std::string_view Trimmed(std::string_view text)
                           : text.substr(start, text.find_last_not_of(kBlanks) - start + 1);
 }
 
-Tag NextTag(std::string_view text, std::size_t from)
+Tag NextTag(std::string_view text, std::size_t from, SectionEnds &ends)
 {
     Tag tag;
     tag.at = std::min(text.find('<', from), text.size());
     tag.behind = tag.at;
-    if (tag.at == text.size() || TakeSection(text, tag))
+    if (tag.at == text.size() || TakeSection(text, tag, ends))
         return tag;
     tag.isEnd = text.substr(tag.at + 1).starts_with('/');
     const std::size_t nameAt = tag.at + (tag.isEnd ? 2 : 1);

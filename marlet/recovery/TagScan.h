@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -28,8 +29,17 @@ struct Tag {
     bool isCut = false;               ///< the text ends in it
 };
 
+/// From where on sections of each kind have no end, as far as that is known: a search for one goes to the end
+/// of the text. Of one text.
+struct SectionEnds {
+    static constexpr std::size_t kKinds = 3;
+
+    std::array<std::size_t, kKinds> noneFrom = {std::string_view::npos, std::string_view::npos,
+                                                std::string_view::npos};
+};
+
 /// The first one from a place on.
-Tag NextTag(std::string_view text, std::size_t from);
+Tag NextTag(std::string_view text, std::size_t from, SectionEnds &ends);
 
 /// Whether XML takes the attributes of a tag as they are.
 bool AreCleanAttributes(std::string_view attributes);

@@ -40,13 +40,6 @@ public:
             others_[severity] += more.others_[severity];
     }
 
-    /// Of those that were added one by one.
-    void TakeBackLast()
-    {
-        if (first_.size() < LoadReport::kMostEntries)
-            first_.pop_back();
-    }
-
     std::vector<TextFault> &First() { return first_; }
     std::size_t Others(LoadEntry::Severity severity) const
     {

@@ -9,6 +9,7 @@
 #include <marlet/exchange/ExchangeException.h>
 #include <marlet/exchange/ExchangeFormat.h>
 #include <marlet/foundation/LoadReport.h>
+#include <marlet/operations/OperationException.h>
 #include <marlet/project/AssetList.h>
 #include <marlet/project/MediaAsset.h>
 
@@ -204,6 +205,25 @@ TEST(EdlTest, RefusesWhatIsNoListWithItsLine)
             EXPECT_THAT(refusal.what(), HasSubstr(words)) << text;
         }
     }
+}
+
+TEST(EdlTest, RefusesWhatNoTimeCodeSays)
+{
+    constexpr int kHundredHours = 100 * 3600 * 25;
+    const DrawnProject drawn("V1 |a123|");
+    const auto object = drawn.At("V1", 0);
+    LoadReport report;
+    ExchangeOptions options;
+    options.load.report = &report;
+    object->SetAssetInstanceStart(kHundredHours - 5);
+    EXPECT_THAT(Edl().Write(drawn.Document(), options), HasSubstr("99:59:59:20 99:59:59:24 "));
+    object->SetAssetInstanceStart(kHundredHours - 4);
+    EXPECT_THROW(Edl().Write(drawn.Document(), options), OperationException);
+    object->SetAssetInstanceStart(0);
+    object->SetSpeed(2000);
+    report.Clear();
+    EXPECT_THAT(Edl().Write(drawn.Document(), options), testing::Not(HasSubstr("M2")));
+    EXPECT_EQ(report.FirstLoss()->what, "a list has no word for the speed of a");
 }
 
 /// The clip has ten frames, of which a tape machine says that the first is at one hour.

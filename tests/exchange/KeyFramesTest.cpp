@@ -81,6 +81,7 @@ TEST(KeyFramesTest, ComeBackAsTheyWereWhateverTheyHold)
             EXPECT_EQ(from.Take(format, text), "");
             EXPECT_TRUE(from.project->Serialize() == before);
             from.Keys().Clear();
+            from.history.SetChecksAnnouncements(true); // the test itself has cleared them
             Format(format).ReadInto(from.project, text, from.options);
             EXPECT_TRUE(from.project->Serialize() == before);
             EXPECT_EQ(from.report.Count(), 0u);
@@ -126,6 +127,21 @@ TEST(KeyFramesTest, TakeWhatSpreadsheetsWrite)
     }
 }
 
+/// Of 41.7 and 83.3 milliseconds the library takes the whole ones.
+TEST(KeyFramesTest, StandOnTheFramesOfTheirRate)
+{
+    AnimatedProject to;
+    EXPECT_EQ(to.Take("keyframes", "{\"version\": 1, \"frameRate\": 24, \"keyFrames\": ["
+                                   "{\"frame\": 1, \"value\": 0}, {\"frame\": 1.5, \"value\": 0}, "
+                                   "{\"frame\": 2, \"value\": 0}]}"),
+              "");
+    EXPECT_EQ(to.Keys().Locations(), (std::vector<int>{41, 63, 83}));
+    to.options.frameRate = 24;
+    const std::string text = Format("csv").Write(to.project, to.options);
+    for (const char *cells : {",41,1,", ",63,1.512,", ",83,2,"})
+        EXPECT_THAT(text, HasSubstr(cells));
+}
+
 TEST(KeyFramesTest, RefusalsNameTheLineAndChangeNothing)
 {
     const struct {
@@ -156,6 +172,7 @@ TEST(KeyFramesTest, RefusalsNameTheLineAndChangeNothing)
         {"keyframes", "{\"keyFrames\": [{\"time\": [], \"value\": 1}]}", "Line 1: a list or an object"},
         {"keyframes", "{\"keyFrames\": [{\"time\": 0, \"value\": 1, \"in\": 3}]}", "Line 1: a handle is"},
         {"keyframes", "{\"keyFrames\": [3]}", "Key frame 1 is no object"},
+        {"keyframes", "{\"version\": 2, \"keyFrames\": []}", "only version 1"},
         {"keyframes", "[]", "no list of key frames"},
     };
     AnimatedProject to;

@@ -122,6 +122,10 @@ std::vector<Timeline> Timelines()
          TimelineJson({{b, WithRange(Nested("Stack.1", {b, a, a}), 5, 20), a}, {b}}),
          "V1: 0-30 b@0 30-50 b@5 50-70 a@10\nV1 2: 30-45 a@15\nV1 3: 30-45 a@15\nV2: 0-30 b@0\n",
          {kNested}},
+        {"a stack in a stack",
+         TimelineJson({{Nested("Stack.1", {Nested("Stack.1", {a, b}), a})}}),
+         "V1: 0-20 a@10\nV1 2: 0-30 b@0\nV1 3: 0-20 a@10\n",
+         {"warning: 2 nested stacks and tracks became clips of the timeline itself"}},
         {"a clip in the stack",
          {{"OTIO_SCHEMA", "Stack.1"}, {"children", Json::array({a})}},
          ": 0-20 a@10\n"},
@@ -185,6 +189,24 @@ TEST(OtioRead, FindsTheFilesOfClips)
     }
 }
 
+TEST(OtioRead, FindsTheFirstImageOfASequence)
+{
+    OtioWorld world;
+    Json clip = ClipJson("a", 0, 5);
+    clip["media_reference"] = {{"OTIO_SCHEMA", "ImageSequenceReference.1"},
+                               {"target_url_base", "file:///a"},
+                               {"name_prefix", "b."},
+                               {"name_suffix", ".png"},
+                               {"start_frame", -5},
+                               {"frame_zero_padding", 4},
+                               {"rate", 25}};
+    const auto project = world.Read(TimelineJson({{clip}}));
+    ASSERT_EQ(project->Assets().All().size(), 1U);
+    const auto media = std::dynamic_pointer_cast<MediaAsset>(project->Assets().All()[0]);
+    ASSERT_TRUE(media);
+    EXPECT_EQ(media->Filename(), u"/a/b.-0005.png");
+}
+
 TEST(OtioRead, RefusesWhatIsNoTimeline)
 {
     const auto with = [](const char *pointer, const Json &value) {
@@ -192,6 +214,9 @@ TEST(OtioRead, RefusesWhatIsNoTimeline)
         json[Json::json_pointer(pointer)] = value;
         return JsonTextOf(json);
     };
+    std::string members = "{";
+    for (int i = 0; i <= 10000; ++i)
+        members += "\"\":0,";
     const std::string duration = "/tracks/children/0/children/0/source_range/duration/";
     const struct {
         std::string text;
@@ -200,6 +225,7 @@ TEST(OtioRead, RefusesWhatIsNoTimeline)
         {"", "Line 1, column 1: the text is not JSON"},
         {"{\"OTIO_SCHEMA\": \"Timeline.1\",\n \"tracks\": {]}", "Line 2, column 13: the text is not JSON"},
         {std::string(300, '['), "Line 1, column 257: the JSON is nested too deep"},
+        {members, "Line 1, column 50004: an object of the JSON has too many members"},
         {"[1e999]", "A number in the text is larger than numbers can be"},
         {"[1, 2]", "The text has no timeline"},
         {"{\"OTIO_SCHEMA\": \"Timeline.1\", \"tracks\": 5}", "The text has no timeline"},

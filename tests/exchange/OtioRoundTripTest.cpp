@@ -3,6 +3,8 @@
 
 #include "OtioWorld.h"
 
+#include <tests/support/TestDocuments.h>
+
 #include <marlet/editor/EditorSequence.h>
 #include <marlet/editor/VideoTrack.h>
 #include <marlet/editor/VisualObject.h>

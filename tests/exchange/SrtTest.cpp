@@ -120,6 +120,7 @@ TEST(Srt, ReadsWhatProgramsWrite)
     EXPECT_THROW(Srt().Read("no times\nat all", {}), ExchangeException);
     EXPECT_FALSE(Srt().Recognises("a --> b"));
     EXPECT_TRUE(Srt().Recognises("1\n" + times));
+    EXPECT_TRUE(Srt().Recognises(cases[2].text)) << cases[2].name;
 }
 
 TEST(Srt, WritesWhatItRead)

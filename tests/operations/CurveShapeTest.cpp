@@ -125,10 +125,13 @@ TEST(CurveShape, IsMirroredByReversingAndStretchedByScaling)
                  {Key(-2000, 5.f, {}, {900, 3}), Key(1500, 90.f, {-700, 20}, {2000, 30}),
                   Key(kEnd, 0.f, {-5000, 40})});
     Curve before = Values(property, -2000, kEnd, 200);
-    ScaleKeyFrames(document.project, property, KeyFramesIn(property), 0, 3);
+    const auto scale = [&](double factor) {
+        document.Do([&] { ScaleKeyFrames(document.project, property, KeyFramesIn(property), 0, factor); });
+    };
+    scale(3);
     EXPECT_LT(Largest(before, Values(property, -6000, 3 * kEnd, 200)), 0.2);
-    ScaleKeyFrames(document.project, property, KeyFramesIn(property), 0, 1. / 3);
-    ReverseKeyFrames(document.project, property);
+    scale(1. / 3);
+    document.Do([&] { ReverseKeyFrames(document.project, property); });
     std::ranges::reverse(before);
     EXPECT_LT(Largest(before, Values(property, -2000, kEnd, 200)), 0.2);
 }

@@ -1,5 +1,6 @@
 #include "LayerDrawing.h"
 
+#include <marlet/history/Edit.h>
 #include <marlet/layers/CameraLayer.h>
 #include <marlet/operations/assets/AssetUses.h>
 #include <marlet/operations/assets/FolderOperations.h>
@@ -75,8 +76,10 @@ TEST(ProjectOperations, KeepFoldersUsesAndListsOfInstancesInStep)
          "/ Main:0 Inner:0 Red:1\n/Outer/\n/Outer/Within/\n/Outer/New/\n", kRed, kInner},
         {"remove a folder, whose content moves up",
          [](Bin &b) {
+             Edit both(b.project, u"Move and remove");
              MoveToFolder(b.project, b.solid, b.outer);
              RemoveFolder(b.project, b.outer);
+             both.Commit();
          },
          "/ Main:0 Inner:0 Red:1\n/Within/\n", kRed, kInner},
         {"rename a folder", [](Bin &b) { RenameFolder(b.project, b.within, u"Deep"); },
@@ -126,7 +129,7 @@ TEST(ProjectOperations, RefuseWithTheReason)
     refuse([&] { MoveToFolder(b.project, b.outer, b.within); }, "Folder \"Outer\" would be in itself");
     const std::shared_ptr<BinFolder> root(b.project, &b.Root());
     refuse([&] { RemoveFolder(b.project, root); }, "The root folder stays");
-    refuse([&] { MoveToFolder(b.project, root, b.outer); }, "The root folder stays");
+    refuse([&] { MoveToFolder(b.project, root, b.outer); }, "Folder \"Root\" would be in itself");
     refuse([&] { RemoveFolder(b.project, BinFolder::Create(u"Else")); },
            "Folder \"Else\" is not in the project");
 }

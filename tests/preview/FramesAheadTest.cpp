@@ -5,6 +5,8 @@
 
 #include <marlet/animation/PropertyManager.h>
 #include <marlet/layers/AbstractLayer.h>
+#include <marlet/layers/TextLayer.h>
+#include <marlet/masks/Mask.h>
 #include <marlet/project/AssetList.h>
 #include <marlet/project/CompositionAsset.h>
 #include <marlet/project/LoadOptions.h>
@@ -33,9 +35,15 @@ TEST(FramesAheadTest, DrawsWhatOneRendererDrawsFrameByFrame)
     for (const auto &layer : opening->Layers())
         if (layer->Name() == u"Scripts")
             layer->SetParentLayer(kytl::KyID::Generate());
+    // So small that it cuts letters, as it opens.
+    for (const auto &layer : opening->Layers())
+        if (const auto text = std::dynamic_pointer_cast<TextLayer>(layer))
+            for (const auto &mask : text->Masks())
+                if (mask->Name() == u"Reveal")
+                    mask->Animation().StaticValue("expansion") = -150.f;
 
     // Early on the title's mask opens; later there is a composition in front.
-    for (const FramesAhead::Range range : {FramesAhead::Range{20, 25}, FramesAhead::Range{149, 152}}) {
+    for (const FramesAhead::Range range : {FramesAhead::Range{0, 5}, FramesAhead::Range{149, 152}}) {
         FramesAhead ahead(
             project, opening, range, QSize(320, 180), [](FramesAhead::Frame &frame) { frame.file = "made"; },
             3);

@@ -34,13 +34,13 @@ constexpr std::size_t kMostRecognised = 4096;
 using Form = const ExchangeFormat *;
 constexpr Form kProjectForm = nullptr;
 
-/// UTF-16 is something that only projects are in. Other formats may hold the text of a project.
+/// Other formats may hold the text of a project, or be in UTF-16, too.
 bool IsProject(std::string_view bytes)
 {
     constexpr std::string_view kRoot = "<Project";
     const std::size_t start = bytes.find_first_not_of(" \t\r\n\xEF\xBB\xBF");
     if (start == std::string_view::npos || bytes[start] != '<')
-        return bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF");
+        return bytes.starts_with("\xFF\xFE<") || bytes.starts_with(std::string_view("\xFE\xFF\0<", 4));
     const std::size_t root = bytes.find(kRoot);
     return root < bytes.size() && bytes.find_first_of(" \t\r\n>/", root) == root + kRoot.size();
 }

@@ -89,6 +89,8 @@ void Run(const Arguments &arguments, Output &output)
     if (words.size() < 2)
         throw UsageError("a command to run is missing behind --");
     const Interruption interruption;
+    // Who starts the tool may ignore it, and then a child's status is lost.
+    std::signal(SIGCHLD, SIG_DFL);
     WatchedFile file(words[0]);
     output.Line("watching " + OneLine(words[0]));
     output.Flush();

@@ -16,6 +16,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <unordered_set>
 
 namespace marlet::tool
 {
@@ -192,11 +193,11 @@ void Editing::TellOfLosses() const
 {
     if (!sequence_)
         return;
-    std::vector<TransitionPointer> left;
+    std::unordered_set<TransitionPointer> left;
     for (const ObjectPointer &object : ObjectsOf(*sequence_))
-        left.insert(left.end(), {object->IncomingTransition(), object->OutgoingTransition()});
+        left.insert({object->IncomingTransition(), object->OutgoingTransition()});
     for (const HeldTransition &held : transitions_)
-        if (std::find(left.begin(), left.end(), held.transition) == left.end() &&
+        if (!left.contains(held.transition) &&
             (!held.onlyHolder || !held.onlyHolder->ParentTrackID().IsNull()))
             Tell("removed", held.text);
 }

@@ -126,10 +126,12 @@ private:
                 told.push_back(aspect == "members" ? "order" : aspect);
         for (const PropertyChange &property : change.properties)
             told.push_back(property.name);
+        const ObjectKind member =
+            change.kind == ObjectKind::Mask ? ObjectKind::PathPoint : ObjectKind::HostObject;
         for (const kytl::KyID &added : change.added)
-            told.push_back("+ " + NameOf(ObjectKind::HostObject, added));
+            told.push_back("+ " + NameOf(member, added));
         for (const kytl::KyID &removed : change.removed)
-            told.push_back("- " + NameOf(ObjectKind::HostObject, removed));
+            told.push_back("- " + NameOf(member, removed));
         std::string text;
         for (const std::string &one : told)
             text += (text.empty() ? "" : ", ") + one;

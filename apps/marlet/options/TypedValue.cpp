@@ -8,7 +8,9 @@
 #include <boost/variant/static_visitor.hpp>
 
 #include <charconv>
+#include <cmath>
 #include <initializer_list>
+#include <type_traits>
 
 namespace marlet::tool
 {
@@ -122,6 +124,9 @@ template <class Number> bool ParsePart(std::string_view part, Number &number)
         part.remove_prefix(1);
     const char *end = part.data() + part.size();
     const auto [stop, error] = std::from_chars(part.data(), end, number);
+    if constexpr (std::is_floating_point_v<Number>)
+        if (!std::isfinite(number))
+            return false;
     return error == std::errc() && stop == end;
 }
 

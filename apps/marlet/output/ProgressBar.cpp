@@ -2,6 +2,7 @@
 
 #include "Output.h"
 
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -15,11 +16,6 @@ namespace marlet::tool
 
 namespace
 {
-
-void Print(const std::string &text)
-{
-    std::fwrite(text.data(), 1, text.size(), stderr);
-}
 
 std::string OneDecimal(double number)
 {
@@ -39,7 +35,7 @@ std::string TimeText(double seconds)
 } // namespace
 
 ProgressBar::ProgressBar(int total, std::string unit)
-    : isTerminal_(::isatty(STDERR_FILENO) == 1),
+    : terminal_(::isatty(STDERR_FILENO) == 1 ? ::fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 0) : -1),
       total_(std::max(1, total)),
       unit_(std::move(unit)),
       start_(std::chrono::steady_clock::now())
@@ -50,6 +46,8 @@ ProgressBar::~ProgressBar()
 {
     if (isVisible_)
         Print("\n");
+    if (terminal_ >= 0)
+        ::close(terminal_);
 }
 
 void ProgressBar::Show(int done)
@@ -71,10 +69,15 @@ void ProgressBar::Hide()
     isVisible_ = false;
 }
 
+void ProgressBar::Print(const std::string &text) const
+{
+    ::dprintf(terminal_, "%s", text.c_str());
+}
+
 void ProgressBar::Draw()
 {
     constexpr int kWidth = 30;
-    if (!isTerminal_)
+    if (terminal_ < 0)
         return;
     const auto filled =
         static_cast<std::size_t>(static_cast<long long>(kWidth) * std::min(done_, total_) / total_);

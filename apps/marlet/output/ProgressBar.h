@@ -27,7 +27,9 @@ public:
 private:
     void Draw();
 
-    bool isTerminal_;
+    void Print(const std::string &text) const;
+
+    int terminal_; ///< a descriptor of its own, or -1: what silences standard error does not silence the bar
     int total_;
     std::string unit_;
     int done_ = 0;

@@ -82,7 +82,7 @@ QImage AssetPictures::FrameOf(MediaAsset &media, double frameRate, int frame)
 QImage AssetPictures::PictureOf(ImageAsset &image)
 {
     const std::lock_guard lock(mutex_);
-    const auto [known, isNew] = stills_.try_emplace(image.ID());
+    const auto [known, isNew] = stills_.try_emplace(&image);
     if (!isNew)
         return known->second;
     const QuietStandardError quiet;

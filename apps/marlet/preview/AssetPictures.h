@@ -32,8 +32,8 @@ public:
     static QImage Placeholder(const std::string &label, QSize size = {});
 
 private:
-    std::mutex mutex_; ///< held while a still is read
-    std::unordered_map<kytl::KyID, QImage> stills_;
+    std::mutex mutex_;                                               ///< held while a still is read
+    std::unordered_map<const project::ImageAsset *, QImage> stills_; ///< two may have one ID
 };
 
 } // namespace marlet::tool

@@ -46,6 +46,18 @@ struct FramesAhead::State {
         return {places.back(), next++};
     }
 
+    /// Waits for the threads, which finish the frames that they are at.
+    void End()
+    {
+        {
+            const std::lock_guard lock(mutex);
+            isEnding = true;
+        }
+        changed.notify_all();
+        for (std::thread &thread : threads)
+            thread.join();
+    }
+
     void Work(FrameRenderer &renderer)
     {
         for (auto [place, number] = Take(); place; std::tie(place, number) = Take()) {
@@ -77,19 +89,20 @@ FramesAhead::FramesAhead(const ProjectPointer &project, CompositionPointer compo
     const auto shared = std::make_shared<SharedPictures>();
     for (unsigned i = 0; i < count; ++i)
         state_->renderers.push_back(std::make_unique<FrameRenderer>(project, shared));
-    for (const auto &renderer : state_->renderers)
-        state_->threads.emplace_back([state = state_.get(), &drawing = *renderer] { state->Work(drawing); });
+    try {
+        for (const auto &renderer : state_->renderers)
+            state_->threads.emplace_back(
+                [state = state_.get(), &drawing = *renderer] { state->Work(drawing); });
+    } catch (...) {
+        // Of a constructor that throws the destructor does not run, and a thread has to be joined.
+        state_->End();
+        throw;
+    }
 }
 
 FramesAhead::~FramesAhead()
 {
-    {
-        const std::lock_guard lock(state_->mutex);
-        state_->isEnding = true;
-    }
-    state_->changed.notify_all();
-    for (std::thread &thread : state_->threads)
-        thread.join();
+    state_->End();
 }
 
 FramesAhead::Frame FramesAhead::Next()

@@ -113,9 +113,9 @@ void Join(MaskCoverage &coverage, const MaskCoverage &of, const Mask &mask, Mask
     }
 }
 
-MaskMode ModeOf(const Mask &mask)
+MaskMode ModeOf(const Mask &mask, int time)
 {
-    return MaskMode{ValueOr(mask.Animation(), "blendMode", 0, static_cast<int>(MaskMode::Add))};
+    return MaskMode{ValueOr(mask.Animation(), "blendMode", time, static_cast<int>(MaskMode::Add))};
 }
 
 } // namespace
@@ -125,19 +125,19 @@ MaskCoverage CoverageOfMasks(const kytl::KyList<std::shared_ptr<Mask>, std::vect
 {
     std::vector<const Mask *> used;
     for (const std::shared_ptr<Mask> &mask : masks)
-        if (mask->IsVisible() && ModeOf(*mask) != MaskMode::None)
+        if (mask->IsVisible() && ModeOf(*mask, time) != MaskMode::None)
             used.push_back(mask.get());
     if (used.empty() || surface.picture.isNull())
         return {};
 
     // What takes away takes away from everything, what adds adds to nothing.
-    const MaskMode first = ModeOf(*used.front());
+    const MaskMode first = ModeOf(*used.front(), time);
     const bool fromAll = first == MaskMode::Subtract || first == MaskMode::Intersect;
     const QSize size = surface.picture.size();
     MaskCoverage coverage(static_cast<std::size_t>(size.width()) * static_cast<std::size_t>(size.height()),
                           fromAll ? 255 : 0);
     for (const Mask *mask : used)
-        Join(coverage, Coverage(*mask, surface, time), *mask, ModeOf(*mask), time);
+        Join(coverage, Coverage(*mask, surface, time), *mask, ModeOf(*mask, time), time);
     return coverage;
 }
 

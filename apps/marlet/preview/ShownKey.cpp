@@ -23,6 +23,8 @@ void ShownKey::Add(const PropertyManager &properties, int time)
 {
     for (const NarrowString &name : properties.PropertyNames()) {
         const PropertyValue value = properties.ValueAtTime(name.c_str(), time);
+        // With its NUL: the same values of other properties are another key.
+        bytes_.append(name.c_str(), name.size() + 1);
         Add(value.which());
         boost::apply_visitor([this](const auto &held) { Add(held); }, value);
         if (const auto *id = boost::get<kytl::KyID>(&value))

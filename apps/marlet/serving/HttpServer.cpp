@@ -15,7 +15,6 @@
 #include <netinet/in.h>
 #include <poll.h>
 #include <sys/socket.h>
-#include <sys/time.h>
 #include <unistd.h>
 
 namespace marlet::tool
@@ -23,6 +22,8 @@ namespace marlet::tool
 
 namespace
 {
+
+using Clock = std::chrono::steady_clock;
 
 constexpr std::size_t kLongestRequest = 16384;
 constexpr std::size_t kMostConnections = 64;
@@ -92,16 +93,23 @@ std::string Whole(const HttpAnswer &answer, bool withBody)
            (withBody ? answer.body : "");
 }
 
-/// Gives up on a reader that does not read.
+/// Gives up on a reader that does not read, or only little by little: nobody else is answered meanwhile.
 void Send(int socket, std::string_view bytes)
 {
+    const auto until = Clock::now() + kPatience;
     while (!bytes.empty()) {
-        const ssize_t sent = ::send(socket, bytes.data(), bytes.size(), MSG_NOSIGNAL);
-        if (sent < 0 && errno == EINTR)
-            continue;
-        if (sent <= 0)
+        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(until - Clock::now());
+        if (left.count() <= 0)
             return;
-        bytes.remove_prefix(static_cast<std::size_t>(sent));
+        const ssize_t sent = ::send(socket, bytes.data(), bytes.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
+        if (sent > 0) {
+            bytes.remove_prefix(static_cast<std::size_t>(sent));
+        } else if (sent < 0 && (errno == EAGAIN || errno == EINTR)) {
+            pollfd ready{socket, POLLOUT, 0};
+            ::poll(&ready, 1, static_cast<int>(left.count()));
+        } else {
+            return;
+        }
     }
 }
 
@@ -137,10 +145,11 @@ HttpServer::~HttpServer()
 
 void HttpServer::Serve(std::chrono::milliseconds time)
 {
-    using Clock = std::chrono::steady_clock;
     const auto end = Clock::now() + time;
+    bool canAccept = true;
     do {
-        std::vector<pollfd> waiting{{socket_, POLLIN, 0}};
+        // Who asks stays in the queue as long as there is no descriptor for the connection.
+        std::vector<pollfd> waiting{{canAccept ? socket_ : -1, POLLIN, 0}};
         for (const Connection &connection : connections_)
             waiting.push_back({connection.socket, POLLIN, 0});
         const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end - Clock::now());
@@ -149,28 +158,29 @@ void HttpServer::Serve(std::chrono::milliseconds time)
             return;
         auto ready = waiting.begin() + 1;
         for (auto connection = connections_.begin(); connection != connections_.end(); ++ready) {
-            const bool goesOn = ready->revents == 0 ? Clock::now() < connection->until : Read(*connection);
-            if (!goesOn)
+            const bool goesOn =
+                (ready->revents == 0 || Read(*connection)) && Clock::now() < connection->until;
+            if (!goesOn) {
                 ::close(connection->socket);
+                canAccept = true;
+            }
             connection = goesOn ? std::next(connection) : connections_.erase(connection);
         }
         if (waiting.front().revents != 0)
-            Accept();
+            canAccept = Accept();
     } while (Clock::now() < end);
 }
 
-void HttpServer::Accept()
+bool HttpServer::Accept()
 {
     const int socket = ::accept4(socket_, nullptr, nullptr, SOCK_CLOEXEC);
     if (socket < 0)
-        return;
-    if (connections_.size() >= kMostConnections) {
+        return errno != EMFILE && errno != ENFILE && errno != ENOBUFS && errno != ENOMEM;
+    if (connections_.size() >= kMostConnections)
         ::close(socket);
-        return;
-    }
-    const timeval patience{kPatience.count(), 0};
-    ::setsockopt(socket, SOL_SOCKET, SO_SNDTIMEO, &patience, sizeof patience);
-    connections_.push_back({socket, {}, std::chrono::steady_clock::now() + kPatience});
+    else
+        connections_.push_back({socket, {}, Clock::now() + kPatience});
+    return true;
 }
 
 bool HttpServer::Read(Connection &connection) const
@@ -195,8 +205,13 @@ bool HttpServer::Read(Connection &connection) const
 
 bool HttpServer::IsOwnHost(const std::string &host) const
 {
+    constexpr int kUsualPort = 80; // which browsers leave out
     const std::string port = ":" + std::to_string(port_);
-    return host == "127.0.0.1" + port || Lower(host) == "localhost" + port;
+    const std::string asked = Lower(host);
+    for (const std::string name : {"127.0.0.1", "localhost"})
+        if (asked == name + port || (port_ == kUsualPort && asked == name))
+            return true;
+    return false;
 }
 
 std::string HttpServer::AnswerTo(const std::string &request) const

@@ -41,7 +41,8 @@ private:
         std::chrono::steady_clock::time_point until;
     };
 
-    void Accept();
+    /// Whether there may be more to accept; not if the machine or the process is out of descriptors.
+    bool Accept();
     /// Whether the connection goes on.
     bool Read(Connection &connection) const;
     std::string AnswerTo(const std::string &request) const;

@@ -14,13 +14,12 @@ namespace
 {
 
 constexpr char kScript[] = R"('use strict';
-let shown;
+const shown = document.currentScript.dataset.version;
 async function follow() {
     try {
         const answer = await fetch('version', { cache: 'no-store' });
         const version = await answer.text();
-        if (answer.ok && shown !== undefined && version !== shown) location.reload();
-        if (answer.ok) shown = version;
+        if (answer.ok && version !== shown) location.reload();
     } catch {
         // The tool has ended, or will be back.
     }
@@ -57,17 +56,21 @@ ServedPages::ServedPages() : path_(RandomPath())
 void ServedPages::Update(const std::string &file)
 {
     std::map<std::string, HttpAnswer> pages;
+    const std::string version = std::to_string(version_ + 1);
     const auto add = [&](const std::string &stem, const std::string &ending, const std::string &bytes) {
         const std::string name = stem + "-" + std::to_string(pages.size() + 1) + ending;
         pages[name] = {200, TypeOf(ending), bytes};
         return name;
     };
-    const std::string html = MakeReport(ReadProject(file), add, "<script src=\"follow.js\" defer></script>\n",
-                                        "; script-src 'self'; connect-src 'self'");
+    // The page bears its version: the file may change before the script asks for the first time.
+    const std::string script = "<script src=\"follow.js\" data-version=\"" + version + "\" defer></script>\n";
+    const std::string html =
+        MakeReport(ReadProject(file), add, script, "; script-src 'self'; connect-src 'self'");
     pages[""] = {200, "text/html; charset=utf-8", html};
     pages["follow.js"] = {200, "text/javascript; charset=utf-8", kScript};
-    pages["version"] = {200, "text/plain; charset=utf-8", std::to_string(++version_)};
+    pages["version"] = {200, "text/plain; charset=utf-8", version};
     pages_ = std::move(pages);
+    ++version_;
 }
 
 HttpAnswer ServedPages::At(const std::string &path) const

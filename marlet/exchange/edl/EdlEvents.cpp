@@ -11,6 +11,7 @@
 #include <marlet/exchange/ExchangeFormat.h>
 #include <marlet/exchange/Telling.h>
 #include <marlet/exchange/edl/EdlLine.h>
+#include <marlet/foundation/Numbers.h>
 #include <marlet/operations/sequence/Timeline.h>
 #include <marlet/plugins/AbstractPlugin.h>
 #include <marlet/plugins/EffectInstance.h>
@@ -97,14 +98,14 @@ private:
     static long long Begin(const AbstractSequenceObject &object)
     {
         const TransitionPointer &in = object.IncomingTransition();
-        return in && !in->FromObject().IsNull() ? object.StartFrame() + in->RelativeStartFrame()
+        return in && !in->FromObject().IsNull() ? std::int64_t{object.StartFrame()} + in->RelativeStartFrame()
                                                 : object.StartFrame();
     }
 
     static long long End(const AbstractSequenceObject &object)
     {
         const TransitionPointer &out = object.OutgoingTransition();
-        return out ? object.EndFrame() + out->RelativeStartFrame() : object.EndFrame();
+        return out ? std::int64_t{object.EndFrame()} + out->RelativeStartFrame() : object.EndFrame();
     }
 
     void AddEvent(const Object &previous, const Object &object, const Object &next,
@@ -135,7 +136,8 @@ private:
     long long SourceFrame(const AbstractSequenceObject &object, long long frame) const
     {
         const double passed = static_cast<double>(frame - object.StartFrame()) * object.Speed();
-        const auto source = object.AssetInstanceStart() + static_cast<long long>(std::floor(passed));
+        const long long source =
+            std::int64_t{object.AssetInstanceStart()} + Truncate<int>(std::floor(passed));
         // Of a still all frames are the same.
         if (source < 0 && HasFrames(object.AssetType()))
             Tell(options_, Severity::Warning,
@@ -198,7 +200,8 @@ private:
         std::vector<NarrowString> lost;
         const PropertyManager &properties = object.Properties();
         for (const NarrowString &name : properties.PropertyNames())
-            if (name == "speed" ? !properties.IsStatic("speed") : !properties.IsDefault(name.c_str()))
+            if (properties.HasExpression(name.c_str()) ||
+                (name == "speed" ? !properties.IsStatic("speed") : !properties.IsDefault(name.c_str())))
                 lost.push_back(name);
         if (!object.Effects().empty())
             lost.push_back("effects");

@@ -173,7 +173,8 @@ private:
         }
         const int into = before ? overlap : 0;
         const auto skipped = Truncate<int>(into * SpeedOf(edit));
-        const Object object = Put(edit, type, channel, start + into, end, edit.sourceIn + skipped);
+        const Object object =
+            Put(edit, type, channel, start + into, end, Saturate(std::int64_t{edit.sourceIn} + skipped));
         if (object && length > 0)
             Join(edit, before, object, length, before ? -into : 0);
         return object;

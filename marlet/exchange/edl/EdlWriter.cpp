@@ -157,8 +157,18 @@ private:
         char head[96];
         std::snprintf(head, sizeof head, "%03d  %-8s %-5s %-8s ", number_, ReelOf(object).c_str(),
                       ChannelText(event.channels).c_str(), kind);
-        text_ += head + time_.Text(sourceIn) + ' ' + time_.Text(sourceOut) + ' ' +
-                 time_.Text(start_ + event.recordIn) + ' ' + time_.Text(start_ + recordOut) + '\n';
+        text_ += head + TimeText(sourceIn) + ' ' + TimeText(sourceOut) + ' ' +
+                 TimeText(start_ + event.recordIn) + ' ' + TimeText(start_ + recordOut) + '\n';
+    }
+
+    /// Drop-frame numbers begin again after a day; others have two digits for the hours.
+    NarrowString TimeText(long long frame) const
+    {
+        const long long end = time_.isDrop ? std::llround(time_.CountingRate() * 3600) * 24
+                                           : time_.FramesPerSecond() * 3600LL * 100;
+        if (frame < 0 || frame >= end)
+            throw OperationException("Frame " + std::to_string(frame) + " has no time code");
+        return time_.Text(frame);
     }
 
     void WriteNotes(const EdlEvent &event)
@@ -194,10 +204,15 @@ private:
         const double speed = object->Speed();
         if (speed == 1)
             return;
+        if (!(std::abs(speed) < 1000)) {
+            Tell(options_, Severity::Loss, "a list has no word for the speed of " + ToUtf8(object->Name()), 0,
+                 {object->ID()});
+            return;
+        }
         const double frames = speed * time_.FramesPerSecond();
         char line[96];
         std::snprintf(line, sizeof line, "M2   %-8s %05.1f                %s\n", ReelOf(object).c_str(),
-                      frames, time_.Text(source).c_str());
+                      frames, TimeText(source).c_str());
         text_ += line;
         if (std::abs(std::round(frames * 10) - frames * 10) > 1e-6)
             Tell(options_, Severity::Warning,
@@ -211,7 +226,12 @@ private:
         const WideString file = asset ? FileOf(*asset) : WideString();
         if (!file.empty())
             text_ += "* SOURCE FILE: " + OneLine(WrittenPath(options_, file)) + "\n";
-        else
+        if (const auto *media = dynamic_cast<const MediaAsset *>(asset.get());
+            media && media->IsImageSequence())
+            Tell(options_, Severity::Loss,
+                 "a list has only the first image of the image sequence of " + ToUtf8(object.Name()), 0,
+                 {object.ID(), object.AssetID()});
+        if (file.empty())
             Tell(options_, Severity::Loss,
                  "a list has only the name of " + ToUtf8(object.Name()) + ", which is no file", 0,
                  {object.ID(), object.AssetID()});

@@ -54,8 +54,11 @@ Turn TurnOf(const Vector &x, const Vector &y, const Vector &z)
 
 } // namespace
 
-void GltfMotion::Add(const Matrix &world)
+void GltfMotion::Add(const Matrix &given)
 {
+    Matrix world = given;
+    for (int i = 0; i < 16; ++i)
+        world[i] = static_cast<float>(FiniteSample(world[i]));
     places_.push_back({world[3] * kGltfUnit, world[7] * kGltfUnit, world[11] * kGltfUnit});
     Vector axes[3];
     Vector size{};

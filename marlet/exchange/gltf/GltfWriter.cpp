@@ -14,6 +14,7 @@
 #include <marlet/project/Project.h>
 #include <marlet/project/SolidAsset.h>
 
+#include <algorithm>
 #include <cmath>
 #include <optional>
 
@@ -45,9 +46,10 @@ std::optional<Quad> QuadOf(const AbstractLayer &layer, const Project &project)
     return Quad{0, 0, double(asset->Width()), double(asset->Height())};
 }
 
-/// The colours of materials are linear.
+/// The colours of materials are linear, and none is brighter than white.
 double Linear(double channel)
 {
+    channel = std::clamp(FiniteSample(channel), 0.0, 1.0);
     return channel <= 0.04045 ? channel / 12.92 : std::pow((channel + 0.055) / 1.055, 2.4);
 }
 
@@ -119,15 +121,49 @@ private:
 
     void AddContent(const Layer &layer, Json &node)
     {
-        if (const auto quad = QuadOf(*layer, *project_))
+        if (const auto quad = QuadOf(*layer, *project_)) {
             node["mesh"] = AddQuad(*layer, *quad);
-        else if (layer->Type() != LayerType::Point)
+            TellLooks(*layer);
+        } else if (layer->Type() != LayerType::Point) {
             TellLoss(*layer, " is a node without content");
+        }
         if (layer->HasVideo() && layer->Dimensions() == LayerDimensions::TwoD)
             Tell(options_, Severity::Warning,
                  ToUtf8(layer->Name()) + " stands in space now, on the plane of the frame", 0, {layer->ID()});
         if (layer->StartFrame() > 0 || layer->EndFrame() < settings_.FrameCount())
             TellLoss(*layer, " is seen before its first frame and behind its last one, too");
+    }
+
+    /// What a rectangle does not have of the picture that it stands for.
+    void TellLooks(const AbstractLayer &layer) const
+    {
+        NarrowString lost;
+        const auto add = [&lost](bool isLost, const char *what) {
+            if (isLost)
+                lost += (lost.empty() ? "" : ", ") + NarrowString(what);
+        };
+        const auto addLists = [&add](const auto *drawn) {
+            add(drawn && !drawn->Effects().empty(), "effects");
+            add(drawn && !drawn->Masks().empty(), "masks");
+        };
+        const auto *shown = dynamic_cast<const AssetLayer *>(&layer);
+        add(!shown || !std::dynamic_pointer_cast<const SolidAsset>(AssetOf(*shown)), "picture");
+        addLists(shown);
+        addLists(dynamic_cast<const TextLayer *>(&layer));
+        const PropertyManager &properties = layer.Animation();
+        add(properties.HasProperty("opacity") &&
+                (!properties.IsDefault("opacity") || properties.HasExpression("opacity")),
+            "opacity");
+        add(layer.BlendMode() != Blend{}, "blending");
+        if (!lost.empty())
+            TellLoss(layer, " is a rectangle without " + lost);
+        if (!layer.IsVisible())
+            TellLoss(layer, " is hidden, which a node is not");
+    }
+
+    std::shared_ptr<AbstractAsset> AssetOf(const AssetLayer &layer) const
+    {
+        return layer.Asset(std::as_const(*project_).Assets());
     }
 
     std::size_t AddQuad(const AbstractLayer &layer, const Quad &quad)
@@ -152,12 +188,13 @@ private:
     {
         Json material = {{"name", ToUtf8(layer.Name())}, {"doubleSided", true}};
         const auto *shown = dynamic_cast<const AssetLayer *>(&layer);
-        const auto asset = shown ? shown->Asset(std::as_const(*project_).Assets()) : nullptr;
+        const auto asset = shown ? AssetOf(*shown) : nullptr;
         if (const auto *solid = dynamic_cast<const SolidAsset *>(asset.get())) {
             const auto &color = solid->Color();
-            material["pbrMetallicRoughness"] = {
-                {"baseColorFactor", {Linear(color.R), Linear(color.G), Linear(color.B), color.A}},
-                {"metallicFactor", 0}};
+            material["pbrMetallicRoughness"] = {{"baseColorFactor",
+                                                 {Linear(color.R), Linear(color.G), Linear(color.B),
+                                                  std::clamp(FiniteSample(color.A), 0.0, 1.0)}},
+                                                {"metallicFactor", 0}};
         }
         document_["materials"].push_back(material);
         return document_["materials"].size() - 1;
@@ -169,6 +206,8 @@ private:
         const int time = camera.GlobalFrameToRelativeTime(0, composition_);
         if (!properties.IsStatic("zoom"))
             TellLoss(camera, " keeps the field of view of the first frame");
+        if (camera.HasDepthOfField())
+            TellLoss(camera, " has no depth of field");
         return AddLens(ToUtf8(camera.Name()), boost::get<float>(properties.ValueAtTime("zoom", time)),
                        camera.NearClip(), camera.FarClip());
     }
@@ -222,6 +261,8 @@ NarrowString GltfOfProject(const std::shared_ptr<Project> &project, const Exchan
     const AudioVideoSettings &settings = composition->Settings();
     if (settings.Width() < 1 || settings.Height() < 1 || !(settings.FrameRate() > 0))
         throw OperationException("The composition has no frames");
+    if (settings.FrameCount() > kMostSamples)
+        throw OperationException("The composition is too long to be written frame by frame");
     const Layer camera = options.layer.empty() ? nullptr : SelectedLayer(*project, options);
     if (camera && camera->Type() != LayerType::Camera)
         throw OperationException("Layer \"" + ToUtf8(camera->Name()) + "\" is no camera");

@@ -179,7 +179,11 @@ void JsonKeyFramesFormat::ReadInto(const std::shared_ptr<Project> &project, std:
 {
     Require(project, "project");
     const Json text = ParseJson(bytes);
+    if (const Json &version = MemberOf(text, "version"); !version.is_null() && version != 1)
+        throw ExchangeException("Of key frames only version 1 is known");
     ExchangeOptions selection = options;
+    if (const Json &rate = MemberOf(text, "frameRate"); rate.is_number() && rate.get<double>() > 0)
+        selection.frameRate = rate.get<double>();
     if (selection.property.empty())
         selection.property = TextMemberOf(text, "property");
     TakeRows(project, ReadRows(MemberOf(text, kKeyFrames), bytes), selection);

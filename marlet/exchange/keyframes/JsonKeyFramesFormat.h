@@ -35,7 +35,8 @@ public:
 
     bool Recognises(std::string_view bytes) const override;
     bool CanReadInto() const override { return true; }
-    /// The property is that of the options, or else the one that the text names.
+    /// The property is that of the options, or else the one that the text names. The rate is that of the
+    /// text, where it has one.
     void ReadInto(const std::shared_ptr<Project> &project, std::string_view bytes,
                   const ExchangeOptions &options) const override;
 };

@@ -2,6 +2,8 @@
 
 #include <marlet/animation/PropertyValueTraits.h>
 #include <marlet/exchange/Telling.h>
+#include <marlet/foundation/AudioVideoSettings.h>
+#include <marlet/foundation/Numbers.h>
 
 #include <boost/variant/apply_visitor.hpp>
 
@@ -130,18 +132,26 @@ template <class T> void ReadComponents(const KeyFrameRow &row, T &value)
     }
 }
 
+/// As everywhere in the library a frame begins at the millisecond before it.
+int TimeOfFrame(double frame, double frameRate)
+{
+    return Truncate<int>(AudioVideoSettings::MsPerFrame(frameRate) * frame);
+}
+
 int TimeOf(const KeyFrameRow &row, double frameRate)
 {
     double time = 0;
+    bool isFrame = false;
     if (!row.time.empty()) {
         ReadCell(row.line, "time", row.time, time);
     } else {
         ReadCell(row.line, row.frame.empty() ? "time" : "frame", row.frame, time);
-        time *= kMsPerSecond / frameRate;
+        isFrame = time == std::trunc(time);
+        time *= AudioVideoSettings::MsPerFrame(frameRate);
     }
     if (!(std::abs(time) <= std::numeric_limits<int>::max()))
         RefuseLine(row.line, "the time is beyond all times");
-    return static_cast<int>(std::round(time));
+    return Truncate<int>(isFrame ? time : std::round(time));
 }
 
 KeyFrameType InterpolationOf(const KeyFrameRow &row)
@@ -181,8 +191,12 @@ KeyFrameRow RowOf(const KeyFrame &key, double frameRate)
     KeyFrameRow row;
     row.id = key.ID().ToNarrowString();
     row.time = CellText(key.Time());
-    if (frameRate > 0)
-        row.frame = CellText(std::round(key.Time() * frameRate) / kMsPerSecond);
+    if (frameRate > 0) {
+        const double frame = std::round(key.Time() * frameRate / kMsPerSecond);
+        row.frame = CellText(TimeOfFrame(frame, frameRate) == key.Time()
+                                 ? frame
+                                 : std::round(key.Time() * frameRate) / kMsPerSecond);
+    }
     row.interpolation = kInterpolations.at(static_cast<std::size_t>(key.Type()));
     row.inTime = CellText(key.IncomingPoint().X);
     row.inValue = CellText(key.IncomingPoint().Y);

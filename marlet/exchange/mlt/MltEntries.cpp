@@ -74,6 +74,10 @@ bool MltEntries::CanShow(const AbstractSequenceObject &object) const
     if (isShown && !object.Properties().IsStatic("speed"))
         Tell(options_, Severity::Loss, "the speed of " + ToUtf8(object.Name()) + " changes no more", 0,
              {object.ID()});
+    if (const auto *media = dynamic_cast<const MediaAsset *>(asset.get()); media && media->IsImageSequence())
+        Tell(options_, Severity::Loss,
+             ToUtf8(object.Name()) + " is an image sequence, of which only the first image is named", 0,
+             {object.ID(), object.AssetID()});
     return isShown;
 }
 

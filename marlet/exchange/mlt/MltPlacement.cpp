@@ -8,6 +8,7 @@
 #include <marlet/exchange/mlt/MltAnimation.h>
 #include <marlet/foundation/AudioVideoSettings.h>
 #include <marlet/foundation/Numbers.h>
+#include <marlet/operations/OperationException.h>
 #include <marlet/project/AbstractAsset.h>
 
 #include <algorithm>
@@ -31,9 +32,9 @@ constexpr double kLevelTolerance = 0.01;
 /// What no level comes below: nobody hears that.
 constexpr double kSilence = -100;
 
-int TimeOf(int frame, const AudioVideoSettings &settings)
+int TimeOf(long long frame, const AudioVideoSettings &settings)
 {
-    return Truncate<int>(frame * kMsPerSecond / settings.FrameRate());
+    return Truncate<int>(static_cast<double>(frame) * kMsPerSecond / settings.FrameRate());
 }
 
 template <class T> T ValueAt(const AbstractSequenceObject &object, const char *name, int time)
@@ -48,16 +49,33 @@ bool IsAlone(const std::shared_ptr<Transition> &transition)
 }
 
 /// How much of an object transitions at its ends alone leave on a frame of it, from 0 to 1.
-double Fade(const AbstractSequenceObject &object, int frame)
+double Fade(const AbstractSequenceObject &object, long long frame)
 {
     double left = 1;
     if (const auto &in = object.IncomingTransition(); IsAlone(in))
         left = std::clamp(static_cast<double>(frame) / in->Length(), 0.0, 1.0);
     if (const auto &out = object.OutgoingTransition(); IsAlone(out)) {
-        const int passed = frame - object.Length() + out->Length();
+        const long long passed = frame - object.Length() + out->Length();
         left *= 1 - std::clamp(static_cast<double>(passed) / out->Length(), 0.0, 1.0);
     }
     return left;
+}
+
+/// How many frames have to be looked at: one where all are alike.
+long long SampleCount(const AbstractSequenceObject &object, std::initializer_list<const char *> names,
+                      const MltFrames &frames)
+{
+    const PropertyManager &properties = object.Properties();
+    const bool isSteady = !IsAlone(object.IncomingTransition()) && !IsAlone(object.OutgoingTransition()) &&
+                          std::ranges::all_of(names, [&](const char *name) {
+                              return properties.IsStatic(name) && !properties.HasExpression(name);
+                          });
+    if (isSteady)
+        return std::min(frames.count, 1LL);
+    if (frames.count > kMostSamples)
+        throw OperationException("Object \"" + ToUtf8(object.Name()) +
+                                 "\" is too long to be written frame by frame");
+    return frames.count;
 }
 
 std::optional<NarrowString> TextUnless(const FrameSamples<1> &samples, double usual, double tolerance)
@@ -78,13 +96,15 @@ MltPlacement MltPlacementOf(const AbstractSequenceObject &object, const Abstract
     FrameSamples<1> rotations;
     FrameSamples<1> opacities;
     bool isMirrored = false;
-    for (int i = 0; i < frames.count; ++i) {
-        const int frame = frames.first + i;
+    const long long count =
+        SampleCount(object, {"scale", "position", "anchorPoint", "rotationZ", "opacity"}, frames);
+    for (long long i = 0; i < count; ++i) {
+        const long long frame = frames.first + i;
         const int time = TimeOf(frame, settings);
         const auto scale = ValueAt<Scale3D>(object, "scale", time);
         const auto position = ValueAt<Point>(object, "position", time);
         const auto anchor = ValueAt<Point>(object, "anchorPoint", time);
-        const double degrees = ValueAt<float>(object, "rotationZ", time);
+        const double degrees = FiniteSample(ValueAt<float>(object, "rotationZ", time));
         isMirrored = isMirrored || scale.X < 0 || scale.Y < 0;
         // The middle of the picture lies opposite to the anchor point, which lies on the position. Y is up
         // here, and degrees run clockwise.
@@ -95,9 +115,11 @@ MltPlacement MltPlacementOf(const AbstractSequenceObject &object, const Abstract
         const double middleY = settings.Height() / 2.0 - position.Y + x * std::sin(turn) - y * std::cos(turn);
         const double shownWidth = width * std::abs(scale.X) / kPercent;
         const double shownHeight = height * std::abs(scale.Y) / kPercent;
-        rectangles.push_back({middleX - shownWidth / 2, middleY - shownHeight / 2, shownWidth, shownHeight});
+        rectangles.push_back({FiniteSample(middleX - shownWidth / 2), FiniteSample(middleY - shownHeight / 2),
+                              FiniteSample(shownWidth), FiniteSample(shownHeight)});
         rotations.push_back({degrees});
-        opacities.push_back({ValueAt<float>(object, "opacity", time) / kPercent * Fade(object, frame)});
+        opacities.push_back(
+            {FiniteSample(ValueAt<float>(object, "opacity", time)) / kPercent * Fade(object, frame)});
     }
     if (isMirrored)
         Tell(options, LoadEntry::Severity::Loss, "what is mirrored by its scale is not", 0, {object.ID()});
@@ -114,11 +136,12 @@ std::optional<NarrowString> MltLevelOf(const AbstractSequenceObject &object,
                                        const AudioVideoSettings &settings, const MltFrames &frames)
 {
     FrameSamples<1> levels;
-    for (int i = 0; i < frames.count; ++i) {
-        const int frame = frames.first + i;
+    const long long count = SampleCount(object, {"audioLevel"}, frames);
+    for (long long i = 0; i < count; ++i) {
+        const long long frame = frames.first + i;
         const double level = ValueAt<float>(object, "audioLevel", TimeOf(frame, settings));
         const double fade = 20 * std::log10(Fade(object, frame));
-        levels.push_back({std::max(level + fade, kSilence)});
+        levels.push_back({FiniteSample(std::max(level + fade, kSilence))});
     }
     return TextUnless(levels, 0, kLevelTolerance);
 }

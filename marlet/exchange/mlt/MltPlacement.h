@@ -15,8 +15,8 @@ struct ExchangeOptions;
 /// Frames of an object that an entry shows, from its start on; they may lie before it and behind its end,
 /// where a transition shows more of it.
 struct MltFrames {
-    int first = 0;
-    int count = 0;
+    long long first = 0;
+    long long count = 0;
 };
 
 /// Where a picture is put: texts of animated properties of the filters that do it, whose frames count from
@@ -29,6 +29,7 @@ struct MltPlacement {
 
 /// Worked out for each frame, with the fades of transitions at one end.
 /// @param pixelAspect that of the asset
+/// @throws OperationException if there are more frames than can be worked out, here and below
 MltPlacement MltPlacementOf(const AbstractSequenceObject &object, const AbstractAsset &asset,
                             const AudioVideoSettings &settings, const MltFrames &frames, double pixelAspect,
                             const ExchangeOptions &options);

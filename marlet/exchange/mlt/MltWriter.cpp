@@ -43,7 +43,7 @@ struct Stretch {
     /// Those of an object that the stretch shows.
     MltFrames FramesOf(const AbstractSequenceObject &shown) const
     {
-        return {start - shown.StartFrame(), Count()};
+        return {std::int64_t{start} - shown.StartFrame(), Count()};
     }
 };
 
@@ -126,7 +126,7 @@ private:
             }
             int start = object->StartFrame();
             const auto &in = object->IncomingTransition();
-            if (const auto mix = in && previous ? MixOf(*in, previous, object) : std::nullopt) {
+            if (const auto mix = in && previous ? MixOf(*in, previous, object, stretches) : std::nullopt) {
                 TellLooks(*in);
                 if (!stretches.empty() && stretches.back().object == previous)
                     stretches.back().end = mix->start;
@@ -136,6 +136,9 @@ private:
                 start = mix->end;
             } else if (in && in->FromObject().IsNull()) {
                 TellLooks(*in);
+            } else if (in && in->Length() > 0) {
+                Tell(options_, Severity::Loss, "the transition to " + ToUtf8(object->Name()) + " is left out",
+                     0, {in->ID()});
             }
             if (const auto &out = object->OutgoingTransition(); out && out->ToObject().IsNull())
                 TellLooks(*out);
@@ -150,14 +153,18 @@ private:
         return stretches;
     }
 
-    std::optional<Stretch> MixOf(const Transition &transition, const Object &from, const Object &to) const
+    /// Nothing for what lies outside of its objects, or in what comes before those.
+    static std::optional<Stretch> MixOf(const Transition &transition, const Object &from, const Object &to,
+                                        const std::vector<Stretch> &before)
     {
-        const int start = to->StartFrame() + transition.RelativeStartFrame();
-        const int end = start + transition.Length();
-        if (transition.FromObject() != from->ID() || start < from->StartFrame() || end > to->EndFrame() ||
-            start >= end)
+        const std::int64_t start = std::int64_t{to->StartFrame()} + transition.RelativeStartFrame();
+        const std::int64_t end = start + transition.Length();
+        const bool isFromAlone = !before.empty() && before.back().object == from;
+        const int first = before.empty() ? 0 : isFromAlone ? before.back().start : before.back().end;
+        if (transition.FromObject() != from->ID() || start < std::max(first, from->StartFrame()) ||
+            end > to->EndFrame() || start >= end)
             return std::nullopt;
-        return Stretch{from, to, start, end};
+        return Stretch{from, to, static_cast<int>(start), static_cast<int>(end)};
     }
 
     void TellLooks(const Transition &transition) const
@@ -313,6 +320,8 @@ NarrowString MltOfProject(const Project &project, const ExchangeOptions &options
     if (settings.FrameCount() < 1 || settings.Width() < 1 || settings.Height() < 1 ||
         !(settings.FrameRate() > 0))
         throw OperationException("The sequence has no frames");
+    if (settings.FrameRate() < 0.001 || settings.FrameRate() > 1e6)
+        throw OperationException("The frame rate of the sequence is no fraction that can be written");
     if (settings.PixelAspectRatioValue() != 1)
         Tell(options, LoadEntry::Severity::Warning,
              "positions and sizes are those of square pixels, which the sequence does not have");

@@ -4,6 +4,7 @@
 #include <marlet/animation/PropertyValue.h>
 #include <marlet/editor/AudioObject.h>
 #include <marlet/editor/EditorSequence.h>
+#include <marlet/exchange/ExchangeException.h>
 #include <marlet/exchange/ExchangeFormat.h>
 #include <marlet/exchange/otio/OtioKept.h>
 #include <marlet/exchange/otio/OtioMedia.h>
@@ -49,6 +50,18 @@ void Relocate(Json &reference, const AbstractAsset &asset, const WideString &fol
     const WideString file = FileOf(asset);
     if (SchemaOf(reference) == "ExternalReference" && PathOfUrl(SourceOf(reference), folder) != file)
         reference["target_url"] = UrlOfPath(file, folder);
+}
+
+/// The first frame of the media. A range that is none, as only a changed project keeps one, is taken out.
+double FirstFrameOf(Json &reference, const OtioClock &clock)
+{
+    try {
+        const auto available = clock.RangeOf(MemberOf(reference, "available_range"));
+        return available ? available->start : 0;
+    } catch (const ExchangeException &) {
+        reference["available_range"] = nullptr;
+        return 0;
+    }
 }
 
 } // namespace
@@ -136,9 +149,7 @@ double OtioClips::AddMedia(const SequenceObject &object, Json &clip)
     const bool isKept = !reference.is_null();
     if (!isKept)
         reference = ReferenceOf(asset.get());
-    double first = 0;
-    if (const auto available = clock_.RangeOf(MemberOf(reference, "available_range")))
-        first = available->start;
+    const double first = FirstFrameOf(reference, clock_);
     if (asset) {
         Json &metadata = reference["metadata"];
         if (!metadata.is_object())

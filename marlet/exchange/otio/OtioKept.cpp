@@ -38,9 +38,9 @@ OtioKept::OtioKept(const Project &project)
     if (text.empty())
         return;
     try {
-        const Json all = ParseJson(text);
+        const nlohmann::json all = ParseSortedJson(text);
         for (const auto &[id, item] : all.items())
-            items_.emplace(id, item);
+            items_.emplace(id, Json(item));
     } catch (const ExchangeException &) {
         items_.clear();
     }

@@ -56,7 +56,8 @@ public:
         if (nested_ > 0)
             Tell(options_, LoadEntry::Severity::Warning,
                  std::to_string(nested_) + " nested stacks and tracks became clips of the timeline itself");
-        std::ranges::stable_sort(lanes_, {}, &Lane::root);
+        std::ranges::stable_sort(lanes_, {},
+                                 [](const Lane &lane) { return std::pair(lane.root, lane.layer); });
         std::vector<OtioLane> result;
         for (Lane &lane : lanes_)
             result.push_back(std::move(lane));
@@ -66,6 +67,7 @@ public:
 private:
     struct Lane : OtioLane {
         std::size_t root = 0;
+        std::size_t layer = 0; ///< above that
     };
 
     /// Of a track by its kind, otherwise that of what it stands in.
@@ -95,20 +97,28 @@ private:
         return lanes_.size() - 1;
     }
 
-    /// That of a layer that is nested in another lane.
-    std::size_t LaneOfLayer(std::size_t lane, std::size_t layer, TrackType type)
+    /// That of a layer of what is nested in a lane of the timeline itself.
+    std::size_t LaneOfLayer(std::size_t root, std::size_t layer, TrackType type)
     {
-        if (layer == 0 && type == lanes_[lane].type)
-            return lane;
-        const auto [found, isNew] = layers_.try_emplace({lane, layer, type}, lanes_.size());
+        if (layer == 0 && type == lanes_[root].type)
+            return root;
+        const auto [found, isNew] = layers_.try_emplace({root, layer, type}, lanes_.size());
         if (isNew) {
             Lane above;
             above.type = type;
-            above.name = lanes_[lane].name + " " + std::to_string(layer + 1);
-            above.root = lanes_[lane].root;
+            above.name = lanes_[root].name + " " + std::to_string(layer + 1);
+            above.root = root;
+            above.layer = layer;
             lanes_.push_back(std::move(above));
         }
         return found->second;
+    }
+
+    /// What is nested deeper may have used it.
+    static bool IsTaken(const Lane &lane, double frame)
+    {
+        constexpr double kTolerance = 1e-6;
+        return !lane.clips.empty() && lane.clips.back().end > frame + kTolerance;
     }
 
     /// Places what can be seen of a child that starts at a frame of its owner, of which a part is shown.
@@ -173,12 +183,17 @@ private:
         TellOfNested(stack);
         const auto range = clock_.RangeOf(MemberOf(stack, "source_range"));
         const Part shown{part.start + (range ? range->start : 0), part.duration};
-        std::size_t layer = 0;
+        const std::size_t root = lanes_[place.lane].root;
+        std::size_t layer = lanes_[place.lane].layer;
         for (const Json &child : ChildrenOf(stack)) {
-            if (const auto type = TypeOf(child, lanes_[place.lane].type))
-                PlaceShown(child, 0, shown, {LaneOfLayer(place.lane, layer, *type), place.frame});
-            else
+            if (const auto type = TypeOf(child, lanes_[place.lane].type)) {
+                std::size_t lane = LaneOfLayer(root, layer, *type);
+                while (IsTaken(lanes_[lane], place.frame))
+                    lane = LaneOfLayer(root, ++layer, *type);
+                PlaceShown(child, 0, shown, {lane, place.frame});
+            } else {
                 TellLeftOut(child);
+            }
             ++layer;
         }
     }

@@ -99,10 +99,15 @@ NarrowString FirstMember(const Json &reference)
     const Json &start = MemberOf(reference, "start_frame");
     const Json &padding = MemberOf(reference, "frame_zero_padding");
     NarrowString number = start.is_number_integer() ? std::to_string(start.get<std::int64_t>()) : "0";
+    const NarrowString sign = number.starts_with('-') ? "-" : "";
+    number.erase(0, sign.size());
     const std::size_t width = padding.is_number_unsigned() ? padding.get<std::size_t>() : 0;
     if (number.size() < width && width <= kMostDigits)
         number.insert(0, width - number.size(), '0');
-    return TextMemberOf(reference, "target_url_base") + TextMemberOf(reference, "name_prefix") + number +
+    NarrowString base = TextMemberOf(reference, "target_url_base");
+    if (!base.empty() && !base.ends_with('/'))
+        base += '/';
+    return base + TextMemberOf(reference, "name_prefix") + sign + number +
            TextMemberOf(reference, "name_suffix");
 }
 
@@ -118,6 +123,12 @@ bool IsNamedLikeStill(const WideString &path)
     return std::ranges::find(kEndings, ending) != kEndings.end();
 }
 
+NarrowString NameOf(const Json &clip, const Json &reference)
+{
+    const NarrowString name = TextMemberOf(reference, "name");
+    return name.empty() ? TextMemberOf(clip, "name") : name;
+}
+
 /// What a reference names, whatever kind it is of; clips with the same share an asset.
 NarrowString KeyOf(const Json &clip, const Json &reference)
 {
@@ -127,8 +138,7 @@ NarrowString KeyOf(const Json &clip, const Json &reference)
     if (SchemaOf(reference) == "GeneratorReference")
         return "Generator " + TextMemberOf(reference, "generator_kind") +
                ShortJsonTextOf(MemberOf(reference, "parameters"));
-    const NarrowString name = TextMemberOf(reference, "name");
-    return "Missing " + (name.empty() ? TextMemberOf(clip, "name") : name);
+    return "Missing " + NameOf(clip, reference);
 }
 
 float ChannelOf(const Json &color, std::size_t index)
@@ -265,7 +275,7 @@ OtioAssets::AssetPointer OtioAssets::Made(const Json &clip, const Json &referenc
             PAR::Square);
     }
     if (path.empty()) {
-        const NarrowString name = KeyOf(clip, reference).substr(NarrowString("Missing ").size());
+        const NarrowString name = NameOf(clip, reference);
         Tell(options_, LoadEntry::Severity::Warning,
              "the media of \"" + name + "\" are missing; the asset of that name can be relinked");
         return project_.Media().CreateMediaAsset(options_.folder + FromUtf8(name));

@@ -53,7 +53,7 @@ void OtioObjects::Run()
 {
     for (const OtioPlannedTrack &track : plan_.Tracks())
         for (const OtioPlannedClip &clip : track.clips)
-            if (ShowsOther(clip))
+            if (ShowsOther(clip, track.type))
                 assets_.Expect(*clip.item);
     for (const OtioPlannedTrack &track : plan_.Tracks())
         SetUpTrack(track);
@@ -69,11 +69,12 @@ OtioObjects::Object OtioObjects::Known(const kytl::KyID &id) const
     return id.IsNull() ? nullptr : std::static_pointer_cast<SequenceObject>(sequence_->FindObjectByID(id));
 }
 
-/// Whether an object has to be made, or another program has pointed the one that there is at other media.
-bool OtioObjects::ShowsOther(const OtioPlannedClip &clip) const
+/// Whether an object of the type of its track has to be made, or another program has pointed the one that
+/// there is at other media.
+bool OtioObjects::ShowsOther(const OtioPlannedClip &clip, TrackType type) const
 {
     const Object object = Known(clip.id.IsNull() ? clip.copied : clip.id);
-    if (!object)
+    if (!object || (object->Type() == ObjectType::Visual) != (type == TrackType::Video))
         return true;
     const Json &reference = *ActiveReferenceOf(*clip.item).json;
     const NarrowString source = SourceOf(reference);
@@ -115,7 +116,7 @@ void OtioObjects::SetUpTrack(const OtioPlannedTrack &planned)
 
 void OtioObjects::SetUpClip(const OtioPlannedClip &clip, const std::shared_ptr<AbstractSequenceTrack> &track)
 {
-    const bool showsOther = ShowsOther(clip);
+    const bool showsOther = ShowsOther(clip, track->Type());
     Object object = Known(clip.id);
     if (!object) {
         object = Made(clip, track->Type());
@@ -145,7 +146,7 @@ OtioObjects::Object OtioObjects::Made(const OtioPlannedClip &clip, TrackType typ
         Object copy = isVideo
                           ? Object(VisualObject::Copy(std::static_pointer_cast<VisualObject>(copied), false))
                           : Object(AudioObject::Copy(std::static_pointer_cast<AudioObject>(copied), false));
-        if (ShowsOther(clip))
+        if (ShowsOther(clip, type))
             copy->SetAsset(assets_.AssetFor(*clip.item));
         return copy;
     }

@@ -26,7 +26,7 @@ private:
     using Object = std::shared_ptr<SequenceObject>;
 
     Object Known(const kytl::KyID &id) const;
-    bool ShowsOther(const OtioPlannedClip &clip) const;
+    bool ShowsOther(const OtioPlannedClip &clip, TrackType type) const;
     void SetUpTrack(const OtioPlannedTrack &planned);
     void SetUpClip(const OtioPlannedClip &clip, const std::shared_ptr<AbstractSequenceTrack> &track);
     Object Made(const OtioPlannedClip &clip, TrackType type);

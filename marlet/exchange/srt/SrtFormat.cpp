@@ -28,13 +28,12 @@ NarrowString SrtFormat::Write(const std::shared_ptr<Project> &project, const Exc
     return SrtTextOf(SubtitlesOf(*SelectedComposition(*project, options), options));
 }
 
-/// Times with an arrow between them stand in one of the first lines.
+/// Times with an arrow between them stand in one of the first lines, also in UTF-16.
 bool SrtFormat::Recognises(std::string_view bytes) const
 {
     constexpr std::size_t kFirst = 200;
     try {
-        return bytes.substr(0, kFirst).find("-->") != std::string_view::npos &&
-               !ParseSrt(bytes.substr(0, kFirst), {}).empty();
+        return !ParseSrt(bytes.substr(0, kFirst), {}).empty();
     } catch (const std::runtime_error &) {
         return false;
     }

@@ -7,7 +7,6 @@
 #include <marlet/history/Edit.h>
 #include <marlet/layers/TextLayer.h>
 #include <marlet/operations/OperationException.h>
-#include <marlet/operations/layers/LayerOperations.h>
 #include <marlet/operations/layers/TextOperations.h>
 #include <marlet/project/CompositionAsset.h>
 
@@ -164,7 +163,7 @@ void AddSubtitles(const std::shared_ptr<Project> &project,
     const int size = std::max(1, Truncate<int>(composition->Settings().Height() / kLines));
     std::size_t beyond = 0;
     std::size_t shortest = 0;
-    unsigned int position = 0;
+    std::vector<std::shared_ptr<AbstractLayer>> layers;
     for (const Subtitle &subtitle : subtitles) {
         const std::int64_t start = FrameOfTime(subtitle.start, rate);
         const std::int64_t end = FrameOfTime(subtitle.end, rate);
@@ -173,9 +172,13 @@ void AddSubtitles(const std::shared_ptr<Project> &project,
         layer->SetEndFrame(Saturate(std::max(end, start + 1)));
         beyond += end > composition->Settings().FrameCount() ? 1 : 0;
         shortest += end <= start ? 1 : 0;
-        AddLayer(project, composition, layer, position++);
+        layer->SetParentComposition(composition);
         SetText(project, layer, TextFor(subtitle, size));
+        layers.push_back(layer);
     }
+    // All at once, since many layers one by one move those below each time.
+    edit.TouchLayers(composition);
+    composition->Layers().insert(composition->Layers().begin(), layers.begin(), layers.end());
     if (beyond > 0)
         Tell(options, LoadEntry::Severity::Warning,
              std::to_string(beyond) + " subtitles last longer than the composition");

@@ -6,6 +6,7 @@
 #include <pugixml.hpp>
 
 #include <algorithm>
+#include <optional>
 #include <string_view>
 
 namespace marlet::project
@@ -38,16 +39,39 @@ kytl::KyID IDOf(const XmlCursor &element, const XmlCursor &child)
     return ParsedID(text);
 }
 
-/// As it is written.
-NarrowString WhichOf(const XmlCursor &child, unsigned int number)
+/// The attribute ID or Time as it is written, or nothing.
+std::optional<NarrowString> ValueOf(const XmlCursor &child)
 {
     const pugi::xml_node node(child.Node());
     if (const pugi::xml_attribute id = node.attribute("ID")) {
         const kytl::KyID parsed = ParsedID(id.value());
         return parsed.IsNull() ? NarrowString(id.value()) : parsed.ToNarrowString();
     }
-    const pugi::xml_attribute time = node.attribute("Time");
-    return time ? NarrowString(FormatInt(ParseInt(time.value())).View()) : std::to_string(number);
+    if (const pugi::xml_attribute time = node.attribute("Time"))
+        return NarrowString(FormatInt(ParseInt(time.value())).View());
+    return std::nullopt;
+}
+
+using Having = std::vector<std::pair<XmlCursor, KeptPlace>>;
+
+/// The children that have something, which are in their order, by what tells them apart. Of those with one
+/// value the first one may have nothing, so all of them bear a number.
+void AddChildren(LoadContext &context, const XmlCursor &element, Having having, KeptPlace &place)
+{
+    std::map<NarrowString, unsigned int> counts; // of the tags, and of the tags with a value
+    auto next = having.begin();
+    for (XmlCursor child = element.FirstChild(); next != having.end(); child = child.Next()) {
+        if (!context.IsKnown(child))
+            continue;
+        const NarrowString tag(child.Name());
+        NarrowString which = std::to_string(counts[tag]++);
+        if (const std::optional<NarrowString> value = ValueOf(child)) {
+            which = tag + ' ' + *value + ' ';
+            which += std::to_string(counts[which]++);
+        }
+        if (child.Node() == next->first.Node())
+            place.children.emplace(std::pair(tag, which), std::move(next++->second));
+    }
 }
 
 KeptPlace Collect(LoadContext &context, const XmlCursor &element)
@@ -57,7 +81,7 @@ KeptPlace Collect(LoadContext &context, const XmlCursor &element)
         if (!context.IsAttributeKnown(attribute.name()))
             place.attributes.emplace_back(context.SourceOfAttribute(attribute.name()));
     unsigned int known = 0;
-    std::map<std::string_view, unsigned int> ofTag;
+    Having having;
     for (XmlCursor child = element.FirstChild(); !child.IsNull(); child = child.Next()) {
         if (!context.IsKnown(child)) {
             place.elements.push_back({known, NarrowString(context.SourceOf(child))});
@@ -65,13 +89,12 @@ KeptPlace Collect(LoadContext &context, const XmlCursor &element)
             continue;
         }
         ++known;
-        const unsigned int number = ofTag[child.Name()]++;
         if (context.IsTaken(child))
             continue;
         if (KeptPlace below = Collect(context, child); !below.IsEmpty())
-            place.children.emplace(std::pair(NarrowString(child.Name()), WhichOf(child, number)),
-                                   std::move(below));
+            having.emplace_back(child, std::move(below));
     }
+    AddChildren(context, element, std::move(having), place);
     if (place.elements.empty())
         return place;
     for (XmlCursor child = element.FirstChild(); !child.IsNull(); child = child.Next())

@@ -138,11 +138,20 @@ void XmlWriter::TellApart(std::string_view value)
 {
     if (open_.size() < 2 || open_.back().kept >= 0)
         return;
-    const Kept *const parent = KeptOf(open_.size() - 2);
+    Kept *const parent = KeptOf(open_.size() - 2);
     if (!parent || parent->place->children.empty())
         return;
-    const auto found = parent->place->children.find({NarrowString(open_.back().tag), NarrowString(value)});
-    if (found != parent->place->children.end())
+    const auto &kept = parent->place->children;
+    const NarrowString tag(open_.back().tag);
+    const NarrowString which = tag + ' ' + NarrowString(value) + ' ';
+    // Several may have one value.
+    const auto ofValue = kept.lower_bound({tag, which});
+    if (ofValue == kept.end() || ofValue->first.first != tag || !ofValue->first.second.starts_with(which))
+        return;
+    const unsigned int number =
+        parent->ofTag[std::string_view(ofValue->first.second).substr(0, which.size())]++;
+    const auto found = kept.find({tag, which + std::to_string(number)});
+    if (found != kept.end())
         PushKept(&found->second);
 }
 
@@ -262,15 +271,16 @@ void XmlWriter::WriteKeptBehindObjects()
         block_ += behind[0];
         return;
     }
-    const std::size_t start = parent.start;
-    NarrowString block = block_.substr(0, start) + behind[0];
-    std::size_t taken = start;
+    const NarrowString objects = block_.substr(parent.start);
+    block_.resize(parent.start);
+    block_ += behind[0];
+    std::size_t taken = 0;
     for (std::size_t i = 0; i < parent.objects.size(); ++i) {
-        const std::size_t end = parent.objects[i].end;
-        (block += std::string_view(block_).substr(taken, end - taken)) += behind[i + 1];
+        const std::size_t end = parent.objects[i].end - parent.start;
+        (block_ += std::string_view(objects).substr(taken, end - taken)) += behind[i + 1];
         taken = end;
     }
-    block_ = block += std::string_view(block_).substr(taken);
+    block_ += std::string_view(objects).substr(taken);
 }
 
 } // namespace marlet::project

@@ -140,7 +140,7 @@ void RequireTwoPoints(const Tracker &tracker, const Path &path)
                                      " are in one place");
 }
 
-/// The rotations by time, going on round where the line does.
+/// The rotations by time, which turn with the clock, going on round where the line does.
 std::vector<KeyFrame> RotationKeys(const Path &path, float first)
 {
     std::vector<KeyFrame> keys;
@@ -148,7 +148,7 @@ std::vector<KeyFrame> RotationKeys(const Path &path, float first)
     double turned = 0;
     for (const auto &[time, step] : path) {
         const double degrees = Line(step).degrees;
-        turned += std::remainder(degrees - former, 360.0);
+        turned += std::remainder(former - degrees, 360.0);
         former = degrees;
         keys.emplace_back(time, static_cast<float>(first + turned));
     }

@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <charconv>
 #include <optional>
+#include <unordered_set>
 
 namespace marlet::project
 {
@@ -37,8 +38,9 @@ template <class Found>
 OperationException NoSuch(const std::string &kind, const WideString &text, const std::vector<Found> &all)
 {
     std::vector<std::string> names;
+    std::unordered_set<std::string> seen;
     for (const Found &one : all)
-        if (std::string name = Quoted(one->Name()); std::ranges::find(names, name) == names.end())
+        if (std::string name = Quoted(one->Name()); seen.insert(name).second)
             names.push_back(std::move(name));
     std::string sentence = "There is no " + kind + " " + Quoted(text);
     constexpr std::size_t kMostNamed = 20;
