@@ -54,7 +54,8 @@ def _build(build):
 
 def _library(build):
     (library,) = [path for path in build.glob("lib*/**/libmarlet.so.*") if not path.is_symlink()]
-    name = re.match(r"libmarlet\.so\.[0-9]+", library.name).group()
+    # Below 1.0 the second number is part of the name that the module asks for.
+    name = re.match(r"libmarlet\.so\.(0\.[0-9]+|[1-9][0-9]*)", library.name).group()
     return name, library
 
 

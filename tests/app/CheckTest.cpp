@@ -122,7 +122,7 @@ TEST_F(CheckTest, TellsEachFactOnce)
         {"<ID>" + two, "<ID>" + one, "ID is that of another one|has its ID"},
         {"<EndFrame>", "<EndFrame>x", "EndFrame is no number"},
         {"<position Type=\"0\"", "<position Type=\"7\"", "Type is 7"},
-        {"", "", "picture.png|its file is not there"},
+        {"", "", "the file is offline|its file is not there"},
     };
     for (const auto &[from, to, once] : cases) {
         SCOPED_TRACE(once);

@@ -56,6 +56,7 @@ TEST_F(JsonFormsTest, EveryCommandPrintsWhatItsSchemaSays)
         {"edit",
          {"cut.xml out.xml split Interview --at 70 --dry-run",
           "cut.xml out.xml move 'Video 1@120' --by 10 --dry-run"}},
+        {"convert", {"--formats", "cut.xml cut.edl"}},
         {"recover", {"orbit.xml mended.xml", "cut-off.xml mended.xml"}},
         {"relink", {"moved.xml out.xml --search ."}},
     };
