@@ -10,7 +10,7 @@ using namespace marlet::project;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *bytes, std::size_t size)
 {
-    constexpr std::size_t kMostSteps = 12;
+    constexpr std::size_t kMostSteps = 5;
     std::size_t next = 0;
     const auto number = [&]() -> unsigned int { return next < size ? bytes[next++] : 0; };
     marlet::test::EditScript script(number, [](const NarrowString &fault) { Fail(fault.c_str()); });
